@@ -1,0 +1,23 @@
+#pragma once
+
+#include "simulator/home.h"
+
+namespace korvel::sim {
+
+// A home that this process holds: journey tests and the tour make one, start the tray with environment(), and change
+// the scenario while it runs. All operations are those of Home.
+class SimulatedHome : public Home {
+public:
+    // Creates `directory` and its parents where missing, and reserves a loopback port for the agent until destruction:
+    // nobody else is given it meanwhile. A home that is there already is taken over with its scenario and logs.
+    explicit SimulatedHome(const QString &directory);
+    // Calls shutDown(). The directory and its files stay.
+    ~SimulatedHome();
+    SimulatedHome(const SimulatedHome &) = delete;
+    SimulatedHome &operator=(const SimulatedHome &) = delete;
+
+private:
+    int reservation; // a socket bound to the port that never listens
+};
+
+} // namespace korvel::sim
