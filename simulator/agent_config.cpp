@@ -1,0 +1,70 @@
+#include "simulator/agent_config.h"
+
+#include "simulator/files.h"
+#include "simulator/home_paths.h"
+
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QRandomGenerator>
+
+#include <array>
+
+namespace korvel::sim {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString randomHex() {
+    std::array<quint32, 8> words{};
+    QRandomGenerator::system()->fillRange(words.data(), qsizetype(words.size()));
+    const QByteArray bytes(reinterpret_cast<const char *>(words.data()), sizeof words);
+    return QString::fromLatin1(bytes.toHex());
+}
+
+} // namespace
+
+AgentConfig AgentConfig::ofThisProcess() {
+    const QString folder = qEnvironmentVariable("KORVEL_HOME");
+    return AgentConfig(folder.isEmpty() ? HomePaths::ofThisProcess().home + "/.korvel"_L1 : folder);
+}
+
+QString AgentConfig::path() const { return folder + "/agent.json"_L1; }
+
+QJsonObject AgentConfig::read() const { return readObject(path()).value_or(QJsonObject{}); }
+
+bool AgentConfig::change(const QJsonObject &patch) const {
+    const auto content = readObject(path());
+    if (!content && QFileInfo::exists(path()))
+        return false;
+    const QJsonObject changed = mergePatch(content.value_or(QJsonObject{}), patch);
+    return replaceFile(path(), QJsonDocument(changed).toJson(), 0600);
+}
+
+QString AgentConfig::ensureLocalToken() const {
+    const QString stored = read().value("localToken"_L1).toString();
+    if (!stored.isEmpty())
+        return stored;
+    const QString made = randomHex();
+    change({{u"localToken"_s, made}});
+    return made;
+}
+
+bool AgentConfig::signIn(const QString &account, const QString &server) const {
+    QJsonObject patch{{u"agentToken"_s, u"simulated-token-"_s + randomHex().left(16)},
+                      {u"agentId"_s, u"simulated-agent-"_s + randomHex().left(8)},
+                      {u"username"_s, account},
+                      {u"loginName"_s, account}};
+    if (!server.isEmpty())
+        patch.insert("server"_L1, server);
+    return change(patch);
+}
+
+bool AgentConfig::signOut() const {
+    QJsonObject patch;
+    for (const QLatin1StringView key : {"agentToken"_L1, "agentId"_L1, "username"_L1, "loginName"_L1})
+        patch.insert(key, QJsonValue::Null);
+    return change(patch);
+}
+
+} // namespace korvel::sim

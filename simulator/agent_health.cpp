@@ -1,0 +1,35 @@
+#include "simulator/agent_health.h"
+
+#include "simulator/files.h"
+
+#include <QJsonArray>
+
+namespace korvel::sim {
+
+using namespace Qt::StringLiterals;
+
+QString agentVersion() { return u"korvel-agent/1.4.2"_s; }
+
+QJsonObject healthReport(const AgentSituation &situation, const QJsonObject &scenario) {
+    const bool signedIn = !situation.config.value("agentToken"_L1).toString().isEmpty();
+    const bool offline = scenario.value("offline"_L1).toBool();
+    const bool online = signedIn && !offline && situation.uptimeMs >= milliseconds(scenario, "connectMs"_L1, 300);
+
+    QJsonObject e2ee{{u"state"_s, signedIn ? u"active"_s : u"off"_s}};
+    if (online)
+        e2ee.insert("relay"_L1, u"ok"_s);
+    const QJsonObject report{
+        {u"ok"_s, true},
+        {u"online"_s, online},
+        {u"ver"_s, agentVersion()},
+        {u"sessions"_s, 0},
+        {u"account"_s, situation.config.value("username"_L1).toString()},
+        {u"authDead"_s, false},
+        {u"accountGone"_s, false},
+        {u"e2ee"_s, e2ee},
+        {u"perms"_s, QJsonObject{{u"ok"_s, true}, {u"missing"_s, QJsonArray{}}}},
+    };
+    return mergePatch(report, scenario.value("health"_L1).toObject());
+}
+
+} // namespace korvel::sim

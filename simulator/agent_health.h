@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QJsonObject>
+
+namespace korvel::sim {
+
+// What the health report of an agent depends on, besides the scenario.
+struct AgentSituation {
+    QJsonObject config;  // agent.json
+    qint64 uptimeMs = 0; // since the agent started
+};
+
+// The agent's name and version as it reports them.
+QString agentVersion();
+
+// The answer to GET /health: all is well by default, then the scenario's "offline", "connectMs" and "health".
+QJsonObject healthReport(const AgentSituation &situation, const QJsonObject &scenario);
+
+} // namespace korvel::sim

@@ -1,0 +1,77 @@
+#include "simulator/agent_interface.h"
+
+#include "simulator/agent_health.h"
+#include "simulator/fault.h"
+#include "simulator/files.h"
+
+#include <QCoreApplication>
+#include <QPointer>
+
+namespace korvel::sim {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QByteArray TOKEN_HEADER = "x-korvel-token";
+
+HttpAnswer refusal(int status, const QString &error) {
+    return HttpAnswer::json({{u"ok"_s, false}, {u"error"_s, error}}, status);
+}
+
+} // namespace
+
+AgentInterface::AgentInterface(HomePaths paths, AgentConfig config)
+    : paths(std::move(paths)), config(std::move(config)), token(this->config.ensureLocalToken().toUtf8()),
+      server([this](HttpConnection &connection, const HttpRequest &request) { receive(connection, request); }) {
+    uptime.start();
+    addRoutes();
+}
+
+bool AgentInterface::listen(int port) { return server.listenOnLoopback(port); }
+
+void AgentInterface::addRoutes() {
+    routes[{"GET", "/health"}] = [this](const HttpRequest &, const Scenario &scenario, const Respond &respond) {
+        respond(HttpAnswer::json(healthReport({config.read(), uptime.elapsed()}, scenario.values())));
+    };
+}
+
+void AgentInterface::receive(HttpConnection &connection, const HttpRequest &request) {
+    log(connection, request);
+    const Scenario scenario = Scenario::read(paths);
+    const Fault fault = faultFor(scenario, request.path());
+    if (!fault.needsAnswer())
+        return playFault(connection, fault, {});
+    answer(request, scenario, [guarded = QPointer(&connection), fault](const HttpAnswer &right) {
+        if (guarded)
+            playFault(*guarded, fault, right);
+    });
+}
+
+void AgentInterface::log(const HttpConnection &connection, const HttpRequest &request) const {
+    const QByteArray sent = request.header(TOKEN_HEADER);
+    appendLine(paths.requestLog(), {
+                                       {u"time"_s, timeNow()},
+                                       {u"method"_s, QString::fromUtf8(request.method)},
+                                       {u"path"_s, QString::fromUtf8(request.target)},
+                                       {u"token"_s, sent.isEmpty()  ? u"absent"_s
+                                                    : sent == token ? u"right"_s
+                                                                    : u"wrong"_s},
+                                       {u"contentType"_s, QString::fromUtf8(request.header("content-type"))},
+                                       {u"body"_s, QString::fromUtf8(request.body)},
+                                       {u"connection"_s, connection.number()},
+                                       {u"request"_s, connection.requestNumber()},
+                                       {u"agent"_s, QCoreApplication::applicationPid()},
+                                   });
+}
+
+void AgentInterface::answer(const HttpRequest &request, const Scenario &scenario, const Respond &respond) const {
+    if (request.header(TOKEN_HEADER) != token)
+        return respond(refusal(401, u"The local token is missing or wrong"_s));
+    const auto route = routes.find({request.method, request.path()});
+    if (route == routes.end())
+        return respond(refusal(404, u"There is no such endpoint"_s));
+    route->second(request, scenario, respond);
+}
+
+} // namespace korvel::sim

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "simulator/agent_config.h"
+#include "simulator/http_server.h"
+#include "simulator/scenario.h"
+
+#include <QElapsedTimer>
+
+#include <functional>
+#include <map>
+
+namespace korvel::sim {
+
+// The agent's loopback HTTP interface: logs every request, plays the scenario's fault for it, checks the token, and
+// answers by route.
+class AgentInterface {
+public:
+    // Gives the answer to one request; may do so later, and at most once.
+    using Respond = std::function<void(const HttpAnswer &)>;
+    using Route = std::function<void(const HttpRequest &, const Scenario &, const Respond &)>;
+
+    AgentInterface(HomePaths paths, AgentConfig config);
+
+    // Listens on 127.0.0.1; false when the port is not to be had.
+    bool listen(int port);
+
+private:
+    void receive(HttpConnection &connection, const HttpRequest &request);
+    void log(const HttpConnection &connection, const HttpRequest &request) const;
+    void addRoutes();
+    void answer(const HttpRequest &request, const Scenario &scenario, const Respond &respond) const;
+
+    HomePaths paths;
+    AgentConfig config;
+    QByteArray token;
+    QElapsedTimer uptime;
+    std::map<std::pair<QByteArray, QByteArray>, Route> routes; // by method and path
+    HttpServer server;
+};
+
+} // namespace korvel::sim

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "simulator/program_call.h"
+
+namespace korvel::sim {
+
+// The program korvel-agent: `run`, `login --stdin-json`, `install-service` and `install-hooks`. Returns its exit
+// status.
+int agentProgram(const ProgramCall &call);
+
+// Runs the agent until SIGTERM or SIGINT: the loopback interface, and what the scenario's "agent" says.
+int runAgent(const ProgramCall &call);
+
+// Answers one sign-in request, `input`, on standard output as the scenario's "login" says.
+int agentLogin(const ProgramCall &call, const QByteArray &input);
+
+} // namespace korvel::sim

@@ -1,0 +1,165 @@
+#include "simulator/fault.h"
+
+#include "simulator/files.h"
+
+#include <QTimer>
+
+#include <algorithm>
+#include <cstdio>
+#include <iterator>
+
+#include <unistd.h>
+
+namespace korvel::sim {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct ModeName {
+    QLatin1StringView name;
+    FaultMode mode;
+};
+
+constexpr ModeName MODE_NAMES[] = {
+    {"silent"_L1, FaultMode::Silent},    {"close"_L1, FaultMode::Close},      {"reset"_L1, FaultMode::Reset},
+    {"exit"_L1, FaultMode::Exit},        {"not-http"_L1, FaultMode::NotHttp}, {"garbage"_L1, FaultMode::Garbage},
+    {"not-utf8"_L1, FaultMode::NotUtf8}, {"array"_L1, FaultMode::Array},      {"wrong-types"_L1, FaultMode::WrongTypes},
+    {"deep"_L1, FaultMode::Deep},        {"html"_L1, FaultMode::Html},        {"truncate"_L1, FaultMode::Truncate},
+    {"huge"_L1, FaultMode::Huge},        {"drip"_L1, FaultMode::Drip},
+};
+
+FaultMode modeNamed(const QString &name) {
+    const auto found = std::find_if(std::begin(MODE_NAMES), std::end(MODE_NAMES),
+                                    [&](const ModeName &candidate) { return candidate.name == name; });
+    if (found != std::end(MODE_NAMES))
+        return found->mode;
+    if (!name.isEmpty())
+        std::fprintf(stderr, "korvel-agent: the scenario's fault mode '%s' is unknown\n", qUtf8Printable(name));
+    return FaultMode::None;
+}
+
+const char WRONG_TYPES[] = R"({"ok":"yes","online":"yes","ver":142,"sessions":"two","account":["sam"],"authDead":"no",)"
+                           R"("accountGone":1,"e2ee":"active","perms":["screen"],"missing":"screen","items":{}})";
+
+QByteArray deepBody() {
+    constexpr int DEPTH = 100'000;
+    return R"({"ok":true,"online":true,"deep":)" + QByteArray(DEPTH, '[') + QByteArray(DEPTH, ']') + '}';
+}
+
+// The body of the faults whose answer is a well-formed HTTP message of another content.
+HttpAnswer wrongAnswer(FaultMode mode) {
+    switch (mode) {
+    case FaultMode::NotUtf8:
+        return {200, "application/json", "{\"ok\":true,\"online\":true,\"account\":\"\xff\xfe\xc3(\"}"};
+    case FaultMode::Array:
+        return {200, "application/json", R"([{"ok":true,"online":true}])"};
+    case FaultMode::WrongTypes:
+        return {200, "application/json", WRONG_TYPES};
+    case FaultMode::Deep:
+        return {200, "application/json", deepBody()};
+    case FaultMode::Html:
+        return {500, "text/html; charset=utf-8", "<!DOCTYPE html><title>500</title><h1>Internal Server Error</h1>\n"};
+    default:
+        return {200, "application/json", "{\"ok\":tru\x01 \x7f]}}} korvel"};
+    }
+}
+
+void sendTruncated(HttpConnection &connection, const HttpAnswer &answer) {
+    connection.socket().write(headOf(answer, answer.body.size(), connection.keepAlive()) +
+                              answer.body.left(answer.body.size() / 2));
+    connection.close();
+}
+
+// Writes as fast as the client reads, and holds no more than a few blocks of it.
+void sendHuge(HttpConnection &connection, qint64 length) {
+    const QByteArray start = R"({"ok":true,"online":true,"padding":")";
+    const QByteArray end = R"("})";
+    connection.socket().write(headOf({}, std::max(length, qint64(start.size() + end.size())), connection.keepAlive()) +
+                              start);
+    auto left = std::make_shared<qint64>(std::max(length - start.size() - end.size(), qint64(0)));
+    auto context = new QObject(&connection);
+    const auto more = [&connection, left, end, context] {
+        constexpr qint64 BLOCK = 256 * 1024;
+        while (*left > 0 && connection.socket().bytesToWrite() < BLOCK) {
+            const qint64 size = std::min(*left, BLOCK);
+            connection.socket().write(QByteArray(size, 'k'));
+            *left -= size;
+        }
+        if (*left > 0)
+            return;
+        context->deleteLater();
+        QObject::disconnect(&connection.socket(), nullptr, context, nullptr);
+        connection.socket().write(end);
+        connection.finishAnswer();
+    };
+    QObject::connect(&connection.socket(), &QTcpSocket::bytesWritten, context, more);
+    more();
+}
+
+void sendDripping(HttpConnection &connection, const HttpAnswer &answer, int everyMs) {
+    connection.socket().write(headOf(answer, answer.body.size(), connection.keepAlive()));
+    auto timer = new QTimer(&connection);
+    QObject::connect(timer, &QTimer::timeout, &connection, [&connection, timer, rest = answer.body]() mutable {
+        connection.socket().write(rest.left(1));
+        rest.remove(0, 1);
+        if (!rest.isEmpty())
+            return;
+        timer->stop();
+        timer->deleteLater();
+        connection.finishAnswer();
+    });
+    timer->start(everyMs);
+}
+
+void playNow(HttpConnection &connection, const Fault &fault, const HttpAnswer &answer) {
+    switch (fault.mode) {
+    case FaultMode::None:
+        return connection.answer(answer);
+    case FaultMode::Silent:
+        return;
+    case FaultMode::Close:
+        return connection.close();
+    case FaultMode::Reset:
+        return connection.reset();
+    case FaultMode::Exit:
+        ::_exit(1);
+    case FaultMode::NotHttp:
+        connection.socket().write("korvel speaks something else here\n");
+        return connection.close();
+    case FaultMode::Truncate:
+        return sendTruncated(connection, answer);
+    case FaultMode::Huge:
+        return sendHuge(connection, fault.bytes);
+    case FaultMode::Drip:
+        return sendDripping(connection, answer, fault.everyMs);
+    default:
+        return connection.answer(wrongAnswer(fault.mode));
+    }
+}
+
+} // namespace
+
+Fault faultFor(const Scenario &scenario, const QByteArray &path) {
+    const QJsonObject faults = scenario.section("faults"_L1);
+    const QString own = QString::fromUtf8(path);
+    const QString key = faults.contains(own) ? own : u"*"_s;
+    const QJsonObject entry = faults.value(key).toObject();
+    if (entry.isEmpty() || !scenario.takeTurn(u"http "_s + key, entry))
+        return {};
+    Fault fault;
+    fault.mode = modeNamed(entry.value("mode"_L1).toString());
+    fault.delayMs = milliseconds(entry, "delayMs"_L1);
+    fault.bytes = qint64(entry.value("bytes"_L1).toDouble(100e6));
+    fault.everyMs = milliseconds(entry, "ms"_L1, 1000);
+    return fault;
+}
+
+void playFault(HttpConnection &connection, const Fault &fault, const HttpAnswer &answer) {
+    if (fault.delayMs == 0)
+        return playNow(connection, fault, answer);
+    QTimer::singleShot(fault.delayMs, &connection,
+                       [&connection, fault, answer] { playNow(connection, fault, answer); });
+}
+
+} // namespace korvel::sim

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QString>
+
+namespace korvel::sim {
+
+// Where a home keeps the simulator's state and the files that the agent shares with the tray. No file is touched.
+struct HomePaths {
+    // The home directory, absolute.
+    QString home;
+
+    // The home that this process runs in: $HOME.
+    static HomePaths ofThisProcess();
+
+    QString state() const;        // ~/.simulator, which holds all that follows
+    QString scenario() const;     // scenario.json
+    QString requestLog() const;   // requests.jsonl
+    QString toolLog() const;      // tools.jsonl
+    QString agentLog() const;     // agent.jsonl
+    QString openedLog() const;    // opened.jsonl
+    QString portFile() const;     // port: the reserved port as decimal text
+    QString turns() const;        // turns/: how often limited faults happened
+    QString jobs() const;         // launchd/: one folder per job label
+    QString bundle() const;       // ~/Korvel.app
+    QString agentProgram() const; // the agent inside that bundle
+    QString jobFile() const;      // ~/Library/LaunchAgents/com.korvel.agent.plist
+    QString agentOutput() const;  // ~/Library/Logs/korvel-agent.log
+};
+
+// The folder that stands in for "/" when system tools are run.
+QString standInRoot();
+
+// The label of the agent's job.
+QString agentLabel();
+
+} // namespace korvel::sim

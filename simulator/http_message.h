@@ -1,0 +1,57 @@
+#pragma once
+
+#include <QByteArray>
+#include <QJsonObject>
+#include <QList>
+
+#include <utility>
+
+namespace korvel::sim {
+
+// One request as it was read (RFC 9112); header names in lower case.
+struct HttpRequest {
+    QByteArray method;
+    QByteArray target; // path and query as sent
+    QList<std::pair<QByteArray, QByteArray>> headers;
+    QByteArray body;
+    bool keepAlive = true; // the client leaves the connection open after the answer
+
+    // The target without its query.
+    QByteArray path() const;
+    // The first header of that lower-case name; a null array when there is none.
+    QByteArray header(const QByteArray &name) const;
+};
+
+// One answer.
+struct HttpAnswer {
+    int status = 200;
+    QByteArray type = "application/json";
+    QByteArray body;
+
+    static HttpAnswer json(const QJsonObject &object, int status = 200);
+};
+
+// Status line and header of an answer, up to and with the empty line. `length` is the announced length of the body.
+QByteArray headOf(const HttpAnswer &answer, qint64 length, bool keepAlive);
+
+// Reads requests out of the bytes of one connection. Header at most 64 KiB, body at most 1 MiB, no chunked bodies.
+class HttpRequestReader {
+public:
+    enum class Progress { Incomplete, Complete, Refused };
+
+    // Takes in more bytes. After Refused the connection is of no more use.
+    Progress feed(const QByteArray &bytes);
+    // The complete request. What follows it on the connection is kept for the next one.
+    HttpRequest take();
+
+private:
+    Progress readHead();
+    bool readFields(const QList<QByteArray> &lines);
+
+    QByteArray buffer;
+    HttpRequest request;
+    bool headRead = false;
+    qint64 bodyLength = 0;
+};
+
+} // namespace korvel::sim

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "simulator/job_file.h"
+#include "simulator/launch_job.h"
+#include "simulator/program_call.h"
+
+#include <QProcess>
+#include <QTimer>
+
+namespace korvel::sim {
+
+// Plays launchd for one loaded job: starts its program, restarts it when it is kept alive, ends it when asked to.
+class JobSupervisor {
+public:
+    JobSupervisor(HomePaths paths, JobFile job);
+
+    // Takes what loading the job starts.
+    void begin();
+    // Starts the program unless it runs; with `kill`, ends it first and then starts it without delay.
+    void start(bool kill);
+    // Ends the program, then leaves the event loop.
+    void finish();
+
+private:
+    void launch();
+    void onEnded();
+    void endProgram();
+    void endWhenHomeIsGone();
+    void configure();
+    void writeState();
+
+    enum class After { KeepAlive, StartAgain, Leave }; // what follows the end of the program
+
+    HomePaths paths;
+    JobFile job;
+    LaunchJob place;
+    After after = After::KeepAlive;
+    int starts = 0;
+    QProcess program;
+    QTimer restart;
+    QTimer force;
+    QTimer watch;
+};
+
+// The program behind a loaded job, `launchd LABEL JOBFILE`. Ends with status 1 when the job is loaded already.
+int superviseJob(const ProgramCall &call);
+
+} // namespace korvel::sim

@@ -1,0 +1,113 @@
+#include "simulator/launch_job.h"
+
+#include "simulator/files.h"
+#include "simulator/program_call.h"
+
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+
+#include <cerrno>
+#include <csignal>
+
+#include <fcntl.h>
+
+namespace korvel::sim {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int PATIENCE_MS = 10'000;
+
+// Looks again every few milliseconds until `done` says true; false after PATIENCE_MS.
+template <class Condition>
+bool waitUntil(Condition done) {
+    const QDeadlineTimer deadline(PATIENCE_MS);
+    while (!done()) {
+        if (deadline.hasExpired())
+            return false;
+        pauseFor(5);
+    }
+    return true;
+}
+
+bool isRunning(pid_t process) { return ::kill(process, 0) == 0 || errno != ESRCH; }
+
+} // namespace
+
+LaunchJob::LaunchJob(const HomePaths &paths, QString label)
+    : label(std::move(label)), folder(paths.jobs() + u'/' + this->label) {}
+
+QStringList LaunchJob::labels(const HomePaths &paths) {
+    return QDir(paths.jobs()).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+}
+
+pid_t LaunchJob::supervisor() const {
+    QFile file(lockFile());
+    if (!file.open(QIODevice::ReadOnly | QIODevice::ExistingOnly))
+        return 0;
+    struct flock lock {};
+    lock.l_type = F_WRLCK;
+    lock.l_whence = SEEK_SET;
+    if (::fcntl(file.handle(), F_GETLK, &lock) != 0 || lock.l_type == F_UNLCK)
+        return 0;
+    return lock.l_pid;
+}
+
+QJsonObject LaunchJob::state() const { return readObject(stateFile()).value_or(QJsonObject{}); }
+
+pid_t LaunchJob::process() const { return isLoaded() ? pid_t(state().value("process"_L1).toInteger()) : 0; }
+
+bool LaunchJob::isDisabled() const { return QFile::exists(folder + "/disabled"_L1); }
+
+void LaunchJob::setDisabled(bool disabled) {
+    const QString mark = folder + "/disabled"_L1;
+    if (disabled)
+        replaceFile(mark, {});
+    else
+        QFile::remove(mark);
+}
+
+bool LaunchJob::load(const QString &jobFile) {
+    if (isLoaded() || !QDir().mkpath(folder))
+        return false;
+    QFile::remove(stateFile());
+    QProcess launchd;
+    launchd.setProgram(standInRoot() + "/sbin/launchd"_L1);
+    launchd.setArguments({label, jobFile});
+    // The caller's pipes must not stay open in it.
+    launchd.setStandardInputFile(QProcess::nullDevice());
+    launchd.setStandardOutputFile(QProcess::nullDevice());
+    launchd.setStandardErrorFile(folder + "/supervisor.log"_L1, QIODevice::Append);
+    qint64 started = 0;
+    if (!launchd.startDetached(&started))
+        return false;
+    const auto settled = [&] { return supervisor() != 0 || !isRunning(pid_t(started)); };
+    return waitUntil(settled) && supervisor() == started;
+}
+
+bool LaunchJob::unload() {
+    const pid_t process = supervisor();
+    if (process == 0)
+        return false;
+    ::kill(process, SIGTERM);
+    return waitUntil([&] { return supervisor() != process; });
+}
+
+bool LaunchJob::start(bool kill) {
+    const pid_t process = supervisor();
+    if (process == 0)
+        return false;
+    const QJsonObject before = state();
+    if (!kill && before.value("process"_L1).toInteger() != 0)
+        return true;
+    ::kill(process, kill ? SIGUSR1 : SIGUSR2);
+    const int starts = before.value("starts"_L1).toInt();
+    return waitUntil([&] { return state().value("starts"_L1).toInt() > starts || supervisor() != process; });
+}
+
+QJsonObject jobState(qint64 process, int starts) { return {{u"process"_s, process}, {u"starts"_s, starts}}; }
+
+} // namespace korvel::sim

@@ -1,0 +1,96 @@
+// One program that plays every part of the simulated Mac, chosen by the name it is started under.
+
+#include "simulator/agent_program.h"
+#include "simulator/control.h"
+#include "simulator/files.h"
+#include "simulator/job_supervisor.h"
+#include "simulator/launchctl.h"
+#include "simulator/system_tools.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QStandardPaths>
+
+#include <algorithm>
+#include <cstdio>
+#include <iterator>
+
+#include <unistd.h>
+
+namespace korvel::sim {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Program = int (*)(const ProgramCall &);
+using Tool = ProgramResult (*)(const ProgramCall &);
+
+// Runs a stand-in tool and logs the call.
+template <Tool tool>
+int runTool(const ProgramCall &call) {
+    const qint64 start = timeNow();
+    const ProgramResult result = tool(call);
+    std::fputs(qUtf8Printable(result.output), stdout);
+    std::fputs(qUtf8Printable(result.error), stderr);
+    appendLine(call.paths.toolLog(), {{u"time"_s, start},
+                                      {u"tool"_s, call.name},
+                                      {u"arguments"_s, QJsonArray::fromStringList(call.arguments)},
+                                      {u"status"_s, result.status},
+                                      {u"error"_s, result.error}});
+    return result.status;
+}
+
+struct Part {
+    QLatin1StringView name;
+    Program run;
+};
+
+// Each name stands in the build file's list of stand-ins too.
+constexpr Part PARTS[] = {
+    {"korvel-simulator"_L1, control},     {"korvel-agent"_L1, agentProgram}, {"launchd"_L1, superviseJob},
+    {"launchctl"_L1, runTool<launchctl>}, {"pkill"_L1, runTool<pkill>},      {"open"_L1, runTool<open>},
+};
+
+// A supervisor outlives who started it: it must not keep open what that one left open in it.
+void closeInheritedFiles() {
+    for (const QString &name : QDir(u"/dev/fd"_s).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot))
+        if (const int file = name.toInt(); file > STDERR_FILENO)
+            ::close(file);
+}
+
+ProgramCall callOf(const QString &startedAs, const QStringList &arguments) {
+    ProgramCall call;
+    call.paths = HomePaths::ofThisProcess();
+    call.name = QFileInfo(startedAs).fileName();
+    call.program = startedAs.contains(u'/') ? QDir::cleanPath(QDir::current().absoluteFilePath(startedAs))
+                                            : QStandardPaths::findExecutable(startedAs);
+    call.arguments = arguments;
+    return call;
+}
+
+} // namespace
+
+int play(int argc, char **argv) {
+    if (QFileInfo(QString::fromLocal8Bit(argv[0])).fileName() == "launchd"_L1)
+        closeInheritedFiles();
+    // Qt's remark about a locale that is not UTF-8 is no part of what the tool says.
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
+    const QCoreApplication application(argc, argv);
+    qInstallMessageHandler(nullptr);
+
+    const ProgramCall call = callOf(QString::fromLocal8Bit(argv[0]), QCoreApplication::arguments().mid(1));
+    const auto part =
+        std::find_if(std::begin(PARTS), std::end(PARTS), [&](const Part &each) { return each.name == call.name; });
+    if (part == std::end(PARTS)) {
+        std::fprintf(stderr, "korvel-simulator plays no part named '%s'\n", qUtf8Printable(call.name));
+        return 127;
+    }
+    return part->run(call);
+}
+
+} // namespace korvel::sim
+
+int main(int argc, char **argv) { return korvel::sim::play(argc, argv); }
