@@ -1,0 +1,205 @@
+#include "simulator/desktop/panel_probe.h"
+
+#include "simulator/desktop/panel_values.h"
+
+#include <QDBusMessage>
+#include <QDBusVariant>
+#include <QDateTime>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QTimer>
+#include <QVariantMap>
+
+#include <algorithm>
+#include <utility>
+
+using namespace std::chrono_literals;
+
+namespace korvel::sim {
+
+namespace {
+
+constexpr auto ANSWER_WITHIN = 2s;
+constexpr auto LOOK_AGAIN_EVERY = 20ms;
+
+const auto WATCHER = QStringLiteral("org.kde.StatusNotifierWatcher");
+const auto WATCHER_PATH = QStringLiteral("/StatusNotifierWatcher");
+const auto ITEM = QStringLiteral("org.kde.StatusNotifierItem");
+const auto MENU = QStringLiteral("com.canonical.dbusmenu");
+const auto PROPERTIES = QStringLiteral("org.freedesktop.DBus.Properties");
+
+int nextConnection = 0;
+
+QDBusMessage ask(const QDBusConnection &bus, const QString &service, const QString &path, const QString &interface,
+                 const QString &method, const QList<QVariant> &arguments) {
+    auto message = QDBusMessage::createMethodCall(service, path, interface, method);
+    message.setArguments(arguments);
+    // With the event loop running: the item may be one of this process.
+    return bus.call(message, QDBus::BlockWithGui, int(std::chrono::milliseconds(ANSWER_WITHIN).count()));
+}
+
+QVariant first(const QDBusMessage &reply) {
+    return reply.type() == QDBusMessage::ReplyMessage ? reply.arguments().value(0) : QVariant();
+}
+
+} // namespace
+
+// Takes the item's signals from the bus, which delivers to slots only.
+class PanelProbe::Receiver : public QObject {
+    Q_OBJECT
+public:
+    PanelSignals counts;
+    std::function<void()> changed;
+
+public Q_SLOTS:
+    void take(const QDBusMessage &signal) {
+        static const QList<std::pair<QString, int PanelSignals::*>> kinds{
+            {QStringLiteral("NewIcon"), &PanelSignals::newIcon},
+            {QStringLiteral("NewToolTip"), &PanelSignals::newToolTip},
+            {QStringLiteral("NewStatus"), &PanelSignals::newStatus},
+            {QStringLiteral("NewTitle"), &PanelSignals::newTitle},
+            {QStringLiteral("LayoutUpdated"), &PanelSignals::layoutUpdated},
+            {QStringLiteral("ItemsPropertiesUpdated"), &PanelSignals::itemsPropertiesUpdated}};
+        for (const auto &[name, field] : kinds)
+            counts.*field += signal.member() == name;
+        if (!std::exchange(announced, true))
+            QTimer::singleShot(0, this, [this] { announce(); });
+    }
+
+private:
+    void announce() {
+        announced = false;
+        if (changed)
+            changed();
+    }
+
+    bool announced = false;
+};
+
+PanelProbe::PanelProbe()
+    : bus(QDBusConnection::connectToBus(QDBusConnection::SessionBus,
+                                        QStringLiteral("panel-probe-%1").arg(++nextConnection))),
+      receiver(std::make_unique<Receiver>()) {}
+
+PanelProbe::~PanelProbe() { QDBusConnection::disconnectFromBus(bus.name()); }
+
+bool PanelProbe::waitForItem(std::chrono::milliseconds within, qint64 pid) {
+    return waitUntil(
+        [&] {
+            for (const QString &registered : registeredItems()) {
+                if (attach(registered, pid))
+                    return true;
+            }
+            return false;
+        },
+        within);
+}
+
+QString PanelProbe::service() const { return itemService; }
+
+bool PanelProbe::isRegistered() {
+    const auto items = registeredItems();
+    return std::ranges::any_of(items, [this](const QString &registered) {
+        return !itemService.isEmpty() && registered.startsWith(itemService);
+    });
+}
+
+std::optional<PanelItem> PanelProbe::item() {
+    const auto reply = call(itemPath, PROPERTIES, QStringLiteral("GetAll"), {ITEM});
+    if (reply.type() != QDBusMessage::ReplyMessage)
+        return std::nullopt;
+    const auto values = qdbus_cast<QVariantMap>(reply.arguments().value(0));
+    PanelItem item;
+    item.id = values.value(QStringLiteral("Id")).toString();
+    item.title = values.value(QStringLiteral("Title")).toString();
+    item.status = values.value(QStringLiteral("Status")).toString();
+    item.menuPath = values.value(QStringLiteral("Menu")).value<QDBusObjectPath>().path();
+    item.icons = readPictures(values.value(QStringLiteral("IconPixmap")).value<QDBusArgument>());
+    readToolTip(values.value(QStringLiteral("ToolTip")).value<QDBusArgument>(), item);
+    return item;
+}
+
+QList<PanelMenuEntry> PanelProbe::menu() {
+    const auto reply = call(menuPath, MENU, QStringLiteral("GetLayout"), {0, -1, QStringList()});
+    if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().size() < 2)
+        return {};
+    return readLayout(reply.arguments().at(1).value<QDBusArgument>());
+}
+
+QString PanelProbe::statusLine() { return menu().value(0).title; }
+
+bool PanelProbe::open() {
+    const auto now = QVariant::fromValue(uint(QDateTime::currentSecsSinceEpoch()));
+    const auto nothing = QVariant::fromValue(QDBusVariant(0));
+    const auto shown = call(menuPath, MENU, QStringLiteral("AboutToShow"), {0});
+    const auto opened = call(menuPath, MENU, QStringLiteral("Event"), {0, QStringLiteral("opened"), nothing, now});
+    return shown.type() == QDBusMessage::ReplyMessage && opened.type() == QDBusMessage::ReplyMessage;
+}
+
+bool PanelProbe::click(const QString &title) {
+    for (const auto &entry : menu()) {
+        if (entry.title != title || entry.separator || !entry.enabled || !entry.visible)
+            continue;
+        const auto now = QVariant::fromValue(uint(QDateTime::currentSecsSinceEpoch()));
+        const auto nothing = QVariant::fromValue(QDBusVariant(0));
+        return call(menuPath, MENU, QStringLiteral("Event"), {entry.id, QStringLiteral("clicked"), nothing, now})
+                   .type() == QDBusMessage::ReplyMessage;
+    }
+    return false;
+}
+
+PanelSignals PanelProbe::counts() const { return receiver->counts; }
+
+void PanelProbe::clearCounts() { receiver->counts = {}; }
+
+void PanelProbe::onChange(std::function<void()> call) { receiver->changed = std::move(call); }
+
+bool PanelProbe::waitUntil(const std::function<bool()> &condition, std::chrono::milliseconds within) {
+    QElapsedTimer waited;
+    waited.start();
+    while (!condition()) {
+        if (waited.elapsed() >= within.count())
+            return false;
+        QEventLoop loop;
+        QTimer::singleShot(LOOK_AGAIN_EVERY, &loop, &QEventLoop::quit);
+        loop.exec();
+    }
+    return true;
+}
+
+QStringList PanelProbe::registeredItems() {
+    const auto reply = ask(bus, WATCHER, WATCHER_PATH, PROPERTIES, QStringLiteral("Get"),
+                           {WATCHER, QStringLiteral("RegisteredStatusNotifierItems")});
+    return first(reply).value<QDBusVariant>().variant().toStringList();
+}
+
+// `registered` is a bus name with the item's path behind it, or the bare name when the path is the usual one.
+bool PanelProbe::attach(const QString &registered, qint64 pid) {
+    const qsizetype slash = registered.indexOf(u'/');
+    const QString service = slash < 0 ? registered : registered.left(slash);
+    const QString path = slash < 0 ? QStringLiteral("/StatusNotifierItem") : registered.mid(slash);
+    const auto reply =
+        ask(bus, QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+            QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetConnectionUnixProcessID"), {service});
+    if (!first(reply).isValid() || (pid != 0 && first(reply).toLongLong() != pid))
+        return false;
+
+    for (const QString &interface : {ITEM, MENU})
+        bus.disconnect(itemService, {}, interface, {}, receiver.get(), SLOT(take(QDBusMessage)));
+    itemService = service;
+    itemPath = path;
+    receiver->counts = {};
+    for (const QString &interface : {ITEM, MENU})
+        bus.connect(itemService, {}, interface, {}, receiver.get(), SLOT(take(QDBusMessage)));
+    menuPath = item().value_or(PanelItem{}).menuPath;
+    return !menuPath.isEmpty();
+}
+
+QDBusMessage PanelProbe::call(const QString &path, const QString &interface, const QString &method,
+                              const QList<QVariant> &arguments) const {
+    return itemService.isEmpty() ? QDBusMessage() : ask(bus, itemService, path, interface, method, arguments);
+}
+
+} // namespace korvel::sim
+
+#include "panel_probe.moc"

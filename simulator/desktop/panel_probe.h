@@ -1,0 +1,103 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QImage>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace korvel::sim {
+
+// One entry of an exported menu as a panel shows it.
+struct PanelMenuEntry {
+    int id = 0;
+    QString title; // with the marks of mnemonics taken out
+    bool enabled = true;
+    bool separator = false;
+    bool visible = true;
+    bool operator==(const PanelMenuEntry &) const = default;
+};
+
+// What a status item says about itself.
+struct PanelItem {
+    QString id;
+    QString title;
+    QString status; // "Active", "Passive" or "NeedsAttention"
+    QString toolTipTitle;
+    QString toolTipText;
+    QString menuPath;
+    QList<QImage> icons; // one for each size offered, smallest first
+    bool operator==(const PanelItem &) const = default;
+};
+
+// How many signals the item and its menu have sent, by kind.
+struct PanelSignals {
+    int newIcon = 0;
+    int newToolTip = 0;
+    int newStatus = 0;
+    int newTitle = 0;
+    int layoutUpdated = 0;
+    int itemsPropertiesUpdated = 0;
+    int total() const { return newIcon + newToolTip + newStatus + newTitle + layoutUpdated + itemsPropertiesUpdated; }
+    bool operator==(const PanelSignals &) const = default;
+};
+
+// A status item seen as a panel sees it: found at the watcher, read and used over D-Bus (StatusNotifierItem and
+// com.canonical.dbusmenu). It shows and draws nothing. Needs an event loop's thread; the item may live in this process.
+// Each operation waits for the item at most two seconds, running the event loop meanwhile.
+class PanelProbe {
+public:
+    // Connects to the session bus that the environment names.
+    PanelProbe();
+    ~PanelProbe();
+    PanelProbe(const PanelProbe &) = delete;
+    PanelProbe &operator=(const PanelProbe &) = delete;
+
+    // Waits until an item is registered, of process `pid` unless that is 0, and attaches to it. False when none came.
+    bool waitForItem(std::chrono::milliseconds within, qint64 pid = 0);
+    // The bus name of the item attached to; empty without one.
+    QString service() const;
+    // Whether the item attached to is still registered at the watcher.
+    bool isRegistered();
+
+    // The item's properties; nothing when it does not answer.
+    std::optional<PanelItem> item();
+    // The menu from top to bottom, entries that are not visible included; empty when it does not answer.
+    QList<PanelMenuEntry> menu();
+    // The title of the menu's first entry; empty without one.
+    QString statusLine();
+    // Does what a panel does when its user opens the menu. False when the item does not answer.
+    bool open();
+    // Chooses the visible, enabled entry of that title. False when there is none or it does not answer.
+    bool click(const QString &title);
+
+    // Signals since the item was attached to, or since clearCounts().
+    PanelSignals counts() const;
+    void clearCounts();
+    // Called once per turn of the event loop in which signals came.
+    void onChange(std::function<void()> call);
+
+    // Runs the event loop until `condition` holds, looking every 20 ms. False when it did not come to hold in time.
+    bool waitUntil(const std::function<bool()> &condition, std::chrono::milliseconds within);
+
+private:
+    class Receiver;
+    bool attach(const QString &registered, qint64 pid);
+    QStringList registeredItems();
+    QDBusMessage call(const QString &path, const QString &interface, const QString &method,
+                      const QList<QVariant> &arguments) const;
+
+    QDBusConnection bus;
+    QString itemService;
+    QString itemPath;
+    QString menuPath;
+    std::unique_ptr<Receiver> receiver;
+};
+
+} // namespace korvel::sim

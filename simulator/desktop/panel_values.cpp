@@ -1,0 +1,90 @@
+#include "simulator/desktop/panel_values.h"
+
+#include <QDBusVariant>
+#include <QVariantMap>
+#include <QtEndian>
+
+#include <algorithm>
+
+namespace korvel::sim {
+
+namespace {
+
+PanelMenuEntry readEntry(const QDBusArgument &argument) {
+    PanelMenuEntry entry;
+    QVariantMap properties;
+    argument.beginStructure();
+    argument >> entry.id >> properties;
+    argument.endStructure();
+    entry.title = withoutMnemonic(properties.value(QStringLiteral("label")).toString());
+    entry.enabled = properties.value(QStringLiteral("enabled"), true).toBool();
+    entry.visible = properties.value(QStringLiteral("visible"), true).toBool();
+    entry.separator = properties.value(QStringLiteral("type")).toString() == QStringLiteral("separator");
+    return entry;
+}
+
+QImage pictureOf(int width, int height, const QByteArray &bytes) {
+    if (width <= 0 || height <= 0 || bytes.size() != qsizetype(width) * height * 4)
+        return {};
+    QImage image(width, height, QImage::Format_ARGB32);
+    for (int row = 0; row < height; ++row)
+        qFromBigEndian<quint32>(bytes.constData() + qsizetype(row) * width * 4, width, image.scanLine(row));
+    return image;
+}
+
+} // namespace
+
+QString withoutMnemonic(const QString &label) {
+    QString shown;
+    for (qsizetype i = 0; i < label.size(); ++i) {
+        if (label[i] == u'_' && ++i == label.size())
+            break;
+        shown += label[i];
+    }
+    return shown;
+}
+
+QList<PanelMenuEntry> readLayout(const QDBusArgument &layout) {
+    QList<PanelMenuEntry> entries;
+    int root = 0;
+    QVariantMap properties;
+    layout.beginStructure();
+    layout >> root >> properties;
+    layout.beginArray();
+    while (!layout.atEnd()) {
+        QDBusVariant child;
+        layout >> child;
+        entries.append(readEntry(child.variant().value<QDBusArgument>()));
+    }
+    layout.endArray();
+    layout.endStructure();
+    return entries;
+}
+
+QList<QImage> readPictures(const QDBusArgument &pictures) {
+    QList<QImage> images;
+    pictures.beginArray();
+    while (!pictures.atEnd()) {
+        int width = 0, height = 0;
+        QByteArray bytes;
+        pictures.beginStructure();
+        pictures >> width >> height >> bytes;
+        pictures.endStructure();
+        if (const QImage image = pictureOf(width, height, bytes); !image.isNull())
+            images.append(image);
+    }
+    pictures.endArray();
+    std::ranges::sort(images, {}, &QImage::width);
+    return images;
+}
+
+void readToolTip(const QDBusArgument &toolTip, PanelItem &item) {
+    QString iconName;
+    toolTip.beginStructure();
+    toolTip >> iconName;
+    readPictures(toolTip);
+    toolTip >> item.toolTipTitle >> item.toolTipText;
+    toolTip.endStructure();
+}
+
+} // namespace korvel::sim
