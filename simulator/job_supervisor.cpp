@@ -72,9 +72,10 @@ void JobSupervisor::configure() {
 }
 
 void JobSupervisor::begin() {
-    writeState();
     if (job.runAtLoad || job.keepAlive)
         launch();
+    else
+        writeState();
 }
 
 void JobSupervisor::start(bool kill) {

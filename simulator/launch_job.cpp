@@ -12,6 +12,7 @@
 #include <csignal>
 
 #include <fcntl.h>
+#include <unistd.h>
 
 namespace korvel::sim {
 
@@ -56,9 +57,13 @@ pid_t LaunchJob::supervisor() const {
     return lock.l_pid;
 }
 
-QJsonObject LaunchJob::state() const { return readObject(stateFile()).value_or(QJsonObject{}); }
+QJsonObject LaunchJob::state() const {
+    const QJsonObject written = readObject(stateFile()).value_or(QJsonObject{});
+    const pid_t current = supervisor();
+    return current != 0 && written.value("supervisor"_L1).toInteger() == current ? written : QJsonObject{};
+}
 
-pid_t LaunchJob::process() const { return isLoaded() ? pid_t(state().value("process"_L1).toInteger()) : 0; }
+pid_t LaunchJob::process() const { return pid_t(state().value("process"_L1).toInteger()); }
 
 bool LaunchJob::isDisabled() const { return QFile::exists(folder + "/disabled"_L1); }
 
@@ -73,7 +78,6 @@ void LaunchJob::setDisabled(bool disabled) {
 bool LaunchJob::load(const QString &jobFile) {
     if (isLoaded() || !QDir().mkpath(folder))
         return false;
-    QFile::remove(stateFile());
     QProcess launchd;
     launchd.setProgram(standInRoot() + "/sbin/launchd"_L1);
     launchd.setArguments({label, jobFile});
@@ -84,7 +88,7 @@ bool LaunchJob::load(const QString &jobFile) {
     qint64 started = 0;
     if (!launchd.startDetached(&started))
         return false;
-    const auto settled = [&] { return supervisor() != 0 || !isRunning(pid_t(started)); };
+    const auto settled = [&] { return !state().isEmpty() || !isRunning(pid_t(started)); };
     return waitUntil(settled) && supervisor() == started;
 }
 
@@ -108,6 +112,8 @@ bool LaunchJob::start(bool kill) {
     return waitUntil([&] { return state().value("starts"_L1).toInt() > starts || supervisor() != process; });
 }
 
-QJsonObject jobState(qint64 process, int starts) { return {{u"process"_s, process}, {u"starts"_s, starts}}; }
+QJsonObject jobState(qint64 process, int starts) {
+    return {{u"supervisor"_s, qint64(::getpid())}, {u"process"_s, process}, {u"starts"_s, starts}};
+}
 
 } // namespace korvel::sim
