@@ -2,6 +2,7 @@
 
 #include "simulator/files.h"
 #include "simulator/program_call.h"
+#include "simulator/record_lock.h"
 
 #include <QDeadlineTimer>
 #include <QDir>
@@ -11,7 +12,6 @@
 #include <cerrno>
 #include <csignal>
 
-#include <fcntl.h>
 #include <unistd.h>
 
 namespace korvel::sim {
@@ -45,17 +45,7 @@ QStringList LaunchJob::labels(const HomePaths &paths) {
     return QDir(paths.jobs()).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
 }
 
-pid_t LaunchJob::supervisor() const {
-    QFile file(lockFile());
-    if (!file.open(QIODevice::ReadOnly | QIODevice::ExistingOnly))
-        return 0;
-    struct flock lock {};
-    lock.l_type = F_WRLCK;
-    lock.l_whence = SEEK_SET;
-    if (::fcntl(file.handle(), F_GETLK, &lock) != 0 || lock.l_type == F_UNLCK)
-        return 0;
-    return lock.l_pid;
-}
+pid_t LaunchJob::supervisor() const { return recordLockHolder(lockFile()); }
 
 QJsonObject LaunchJob::state() const {
     const QJsonObject written = readObject(stateFile()).value_or(QJsonObject{});

@@ -10,6 +10,7 @@
 #include <memory>
 #include <vector>
 
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace korvel::sim {
@@ -90,6 +91,21 @@ TEST_F(SimulatedHomeTest, SupervisorOfARemovedHomeEnds) {
     ASSERT_TRUE(startAgent(*other));
     const QString path = other->path();
     ASSERT_TRUE(QDir(path).removeRecursively());
+    EXPECT_TRUE(eventually([&] { return processesOfHome(path).isEmpty(); }));
+}
+
+TEST_F(SimulatedHomeTest, JobsEndWhenTheOwnerOfTheirHomeIsKilled) {
+    const QString path = folder.path() + "/orphaned"_L1;
+    const pid_t owner = ::fork();
+    if (owner == 0) {
+        SimulatedHome orphaned(path);
+        const bool loaded =
+            orphaned.installJobFile() && orphaned.launchctl({u"bootstrap"_s, domain, orphaned.jobFilePath()}) == 0;
+        ::_exit(loaded ? 0 : 1); // without destructors
+    }
+    int status = -1;
+    ASSERT_EQ(::waitpid(owner, &status, 0), owner);
+    ASSERT_EQ(status, 0);
     EXPECT_TRUE(eventually([&] { return processesOfHome(path).isEmpty(); }));
 }
 
