@@ -55,6 +55,8 @@ inline Deployment testDeployment(const QString &edition = QStringLiteral("cn")) 
 
 /// A home directory of its own, with what the tray reads in it.
 class TestHome {
+    QTemporaryDir folder;
+
 public:
     QString home() const { return folder.path(); }
     FixedConfig fixed = makeFixedConfig(testDeployment(), {.preferredLanguages = {},
@@ -73,9 +75,6 @@ public:
     void writeConfig(const QByteArray &json) const { write(paths.agentCfg, json); }
     void bind() const { writeConfig(R"({"agentToken":"t","username":"ann","localToken":"secret"})"); }
     void installJobFile() const { write(paths.agentPlist, "<plist/>"); }
-
-private:
-    QTemporaryDir folder;
 };
 
 /// An HttpClient whose answers the test gives: at once, late, out of order, never.
