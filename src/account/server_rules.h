@@ -1,0 +1,24 @@
+#pragma once
+
+#include "app/fixed_config.h"
+
+#include <QJsonObject>
+#include <QString>
+#include <optional>
+
+namespace korvel {
+
+/// The address "host:port" that a typed or stored text means, without scheme and path; none when it is no usable
+/// server.
+std::optional<QString> normalizeServer(const QString &text);
+
+/// Whether `address` is an official server of another edition than this one.
+bool isForeignServer(const FixedConfig &config, const QString &address);
+
+/// The account server to use with the agent configuration `cfg`; never empty.
+QString serverOf(const FixedConfig &config, const QJsonObject &cfg);
+
+/// Whether this Mac is bound to an account.
+bool bound(const QJsonObject &cfg);
+
+} // namespace korvel

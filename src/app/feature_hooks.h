@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QJsonValue>
+#include <functional>
+
+namespace korvel {
+
+/// Entrances of the features that TrayApp does not hold itself. Each does nothing until its feature is there.
+struct FeatureHooks {
+    std::function<void()> startBrowserLogin = [] {};
+    std::function<void()> showLogin = [] {};
+    std::function<void()> logoutDialog = [] {};
+    std::function<void(bool manual)> checkUpdate = [](bool) {};
+    std::function<void()> installUpdate = [] {};
+    std::function<void(std::function<void()> then)> repairService = [](const std::function<void()> &then) {
+        if (then)
+            then();
+    };
+    std::function<void()> repairClicked = [] {};
+    std::function<void()> fetchPerms = [] {};
+    std::function<void()> askPerms = [] {};
+    std::function<void(const QJsonValue &pane)> openPermPane = [](const QJsonValue &) {};
+    std::function<void()> e2Prompt = [] {};
+    std::function<void()> showPairWindow = [] {};
+    std::function<void(const QJsonValue &request)> showApprove = [](const QJsonValue &) {};
+    std::function<void(const QJsonValue &alarm)> showAlarm = [](const QJsonValue &) {};
+    std::function<void()> e2AsrInstall = [] {};
+};
+
+} // namespace korvel

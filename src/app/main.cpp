@@ -1,0 +1,34 @@
+#include "app/automation.h"
+#include "app/automation_runs.h"
+#include "app/deployment.h"
+#include "app/paths.h"
+#include "app/platform_app.h"
+#include "app/wording.h"
+
+#include <csignal>
+#include <unistd.h>
+
+using namespace korvel;
+
+namespace {
+
+QStringList argumentList(int argc, char **argv) {
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    return arguments;
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    // A program that exits without reading its input must not end the tray.
+    std::signal(SIGPIPE, SIG_IGN);
+    const LaunchEnvironment environment = readLaunchEnvironment();
+    const FixedConfig config = makeFixedConfig(builtDeployment(), environment);
+    ZH = config.ZH;
+    const Paths paths = makePaths(config, environment.home, ::getuid());
+    if (const auto mode = automationMode(argumentList(argc, argv), environment.automation))
+        return runAutomation(*mode, argc, argv, config, paths);
+    return runTray(argc, argv, config, paths);
+}

@@ -1,0 +1,23 @@
+#include "app/paths.h"
+
+#include <QFileInfo>
+
+using namespace Qt::StringLiterals;
+
+namespace korvel {
+
+Paths makePaths(const FixedConfig &config, const QString &home, quint32 uid) {
+    const QString agents = home + u"/Library/LaunchAgents/"_s;
+    const QString logs = home + u"/Library/Logs/"_s;
+    return {.uid = uid,
+            .agentPlist = agents + config.AGENT_LABEL + u".plist"_s,
+            .trayPlist = agents + u"com.korvel.tray.plist"_s,
+            .cfgDir = config.KORVEL_HOME,
+            .agentCfg = config.KORVEL_HOME + u"/agent.json"_s,
+            .logFile = logs + u"korvel-agent.log"_s,
+            .trayLog = logs + u"korvel-tray.log"_s};
+}
+
+bool plistExists(const Paths &paths) { return QFileInfo::exists(paths.agentPlist); }
+
+} // namespace korvel

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "app/paths.h"
+
+namespace korvel {
+
+/// A normal start: takes over from older copies, then runs the tray until it quits. Gives the exit status.
+int runTray(int &argc, char **argv, const FixedConfig &config, const Paths &paths);
+
+} // namespace korvel

@@ -1,0 +1,84 @@
+#include "app/platform_app.h"
+
+#include "app/bundle.h"
+#include "app/deployment.h"
+#include "app/single_instance.h"
+#include "app/tray_app.h"
+#include "platform/curl_http_client.h"
+#include "platform/desktop_qt.h"
+#include "platform/qt_programs.h"
+#include "platform/qt_scheduler.h"
+#include "platform/quit_signals.h"
+#include "platform/running_copies_linux.h"
+#include "platform/status_item_linux.h"
+#include "service/launchctl.h"
+#include "ui/notice_window.h"
+
+#include <QApplication>
+#include <QTimer>
+#include <cstdlib>
+#include <vector>
+
+namespace korvel {
+
+namespace {
+
+bool hasDisplay() {
+    return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY") ||
+           qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
+}
+
+/// The arguments for Qt. Given as arguments and not through the environment, which the agent's programs inherit.
+std::vector<char *> qtArguments(int argc, char **argv) {
+    static char platform[] = "-platform";
+    static char offscreen[] = "offscreen";
+    std::vector<char *> arguments(argv, argv + argc);
+    if (!hasDisplay())
+        arguments.insert(arguments.end(), {platform, offscreen});
+    arguments.push_back(nullptr);
+    return arguments;
+}
+
+void runLoopFor(milliseconds duration) {
+    QEventLoop loop;
+    QTimer::singleShot(duration, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+} // namespace
+
+int runTray(int &argc, char **argv, const FixedConfig &config, const Paths &paths) {
+    std::vector<char *> arguments = qtArguments(argc, argv);
+    int count = static_cast<int>(arguments.size()) - 1;
+    QApplication app(count, arguments.data());
+    QApplication::setApplicationName(QStringLiteral("Korvel"));
+    QApplication::setQuitOnLastWindowClosed(false);
+    bool quit = false;
+    const QuitSignals signals([&quit] {
+        quit = true;
+        QCoreApplication::exit(0);
+    });
+    RunningCopiesLinux copies;
+    endOtherCopies(copies, runLoopFor, Clock::now);
+    if (quit) // asked to go while an older copy was still going
+        return 0;
+
+    QtPrograms programs(standInRoot());
+    QtScheduler scheduler;
+    int status = 0;
+    {
+        CurlHttpClient http;
+        Launchctl services(programs, paths.uid);
+        DesktopQt desktop(programs, !standInRoot().isEmpty());
+        StatusItemLinux item;
+        NoticeWindow notice;
+        TrayApp tray(config, paths, {scheduler, http, programs, services, desktop, item, notice});
+        tray.launch(executablePath());
+        status = QApplication::exec();
+        if (!scheduler.finishBackground())
+            std::_Exit(status); // a program that still runs must not keep the tray from going
+    }
+    return status;
+}
+
+} // namespace korvel

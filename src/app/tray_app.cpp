@@ -1,0 +1,143 @@
+#include "app/tray_app.h"
+
+#include "account/server_rules.h"
+#include "app/reopen.h"
+#include "platform/log.h"
+#include "service/login_item.h"
+#include "status/status_line.h"
+#include "ui/edit_menu.h"
+#include "ui/menu_view.h"
+
+namespace korvel {
+
+namespace {
+constexpr auto LAUNCH_GRACE = 20s;
+constexpr milliseconds FIRST_UPDATE_CHECK = 20s;
+constexpr milliseconds UPDATE_CHECK_PERIOD = 6h;
+} // namespace
+
+TrayApp::TrayApp(const FixedConfig &f, const Paths &pa, const TrayPorts &p, FeatureHooks fh)
+    : fixed(f), paths(pa), ports(p), features(std::move(fh)), config(paths), api(p.http, fixed, config),
+      notices(p.noticePanel, p.desktop, p.scheduler), health(state, fixed, config, api, p.services, p.scheduler,
+                                                             {.render = [this] { render(); },
+                                                              .e2Prompt = features.e2Prompt,
+                                                              .fetchPerms = features.fetchPerms,
+                                                              .showHUD = [this](const Notice &n) { showHUD(n); }}),
+      agent(state, fixed, paths, config, p.services, p.programs, p.desktop, p.scheduler,
+            {.render = [this] { render(); },
+             .poll = [this](auto then) { health.poll(std::move(then)); },
+             .showHUD = [this](const Notice &n) { showHUD(n); },
+             .repairService = [this] { features.repairService({}); }}),
+      sync(state, fixed, paths, config, p.services, p.scheduler,
+           {.render = [this] { render(); },
+            .poll = [this](auto then) { health.poll(std::move(then)); },
+            .showHUD = [this](const Notice &n) { showHUD(n); },
+            .statusLine = [this] { return statusLine(situation()); },
+            .showLogin = features.showLogin,
+            .repairService = [this] { features.repairService({}); }}),
+      report(p.scheduler, {.poll = [this](auto then) { health.poll(std::move(then)); },
+                           .situation = [this] { return situation(); },
+                           .showHUD = [this](const Notice &n) { showHUD(n); }}) {}
+
+Situation TrayApp::situation() const {
+    const QJsonObject cfg = config.readCfg();
+    return {.state = state,
+            .config = fixed,
+            .now = ports.scheduler.now(),
+            .bound = bound(cfg),
+            .plistExists = plistExists(paths),
+            .server = serverOf(fixed, cfg)};
+}
+
+void TrayApp::launch(const QString &executablePath) {
+    log(QStringLiteral("[tray] ") + fixed.EDITION_MARK);
+    ports.desktop.installEditMenu(editMenu());
+    ports.item.show({.menuOpening = [this] { menuOpening(); }, .chosen = [this](const MenuEntry &e) { perform(e); }});
+    render();
+    ensureTrayLoginItem(paths, executablePath);
+    const Situation atLaunch = situation();
+    // The agent starts with the login session too: its first silent seconds are no fault.
+    if (atLaunch.bound && atLaunch.plistExists)
+        state.health.startingUntil = ports.scheduler.now() + LAUNCH_GRACE;
+    const auto firstPoll = [this] { health.poll([this] { report.startupReport(0); }); };
+    if (atLaunch.plistExists)
+        agent.ensureAgentLoaded(firstPoll);
+    else
+        features.repairService(firstPoll);
+    health.start();
+    scheduleUpdateChecks();
+}
+
+void TrayApp::scheduleUpdateChecks() {
+    firstUpdateCheck = ports.scheduler.after(FIRST_UPDATE_CHECK, [this] { features.checkUpdate(false); });
+    updateChecks = ports.scheduler.every(UPDATE_CHECK_PERIOD, [this] { features.checkUpdate(false); });
+}
+
+void TrayApp::render() {
+    const Situation now = situation();
+    if (IconView icon = iconView(now); icon != shownIcon)
+        ports.item.apply(*(shownIcon = std::move(icon)));
+    if (MenuView menu = menuView(now); menu != shownMenu)
+        ports.item.apply(*(shownMenu = std::move(menu)));
+}
+
+void TrayApp::menuOpening() {
+    state.menu.optionKey = ports.desktop.optionKeyHeld();
+    if (updateCheckDue(state.update, ports.scheduler.now()))
+        features.checkUpdate(false);
+    if (state.health.running)
+        features.fetchPerms();
+    render();
+}
+
+void TrayApp::reopen() {
+    switch (reopenAction(situation())) {
+    case ReopenAction::SignIn:
+        return features.startBrowserLogin();
+    case ReopenAction::Repair:
+        return features.repairService({});
+    case ReopenAction::ShowPairingCode:
+        return features.showPairWindow();
+    case ReopenAction::ToggleAgent:
+        return sync.toggleAgent();
+    }
+}
+
+void TrayApp::perform(const MenuEntry &entry) {
+    switch (entry.action) {
+    case Action::None:
+        return;
+    case Action::BrowserLogin:
+        return features.startBrowserLogin();
+    case Action::LoginDialog:
+        return features.showLogin();
+    case Action::LogoutDialog:
+        return features.logoutDialog();
+    case Action::MenuToggle:
+        return sync.toggleAgent();
+    case Action::CheckUpdate:
+        return features.checkUpdate(true);
+    case Action::InstallUpdate:
+        return features.installUpdate();
+    case Action::Repair:
+        return features.repairClicked();
+    case Action::OpenPermPane:
+        return features.openPermPane(entry.payload);
+    case Action::AskPerms:
+        return features.askPerms();
+    case Action::ShowPair:
+        return features.showPairWindow();
+    case Action::E2Pending:
+        return features.showApprove(entry.payload);
+    case Action::E2Alarm:
+        return features.showAlarm(entry.payload);
+    case Action::E2AsrInstall:
+        return features.e2AsrInstall();
+    case Action::OpenLog:
+        return agent.openLog();
+    case Action::QuitAll:
+        return agent.quitAll();
+    }
+}
+
+} // namespace korvel

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "app/feature_hooks.h"
+#include "app/paths.h"
+#include "app/situation.h"
+#include "platform/status_item.h"
+#include "service/agent_command.h"
+#include "service/agent_control.h"
+#include "service/sync_toggle.h"
+#include "status/health_poll.h"
+#include "status/icon_view.h"
+#include "status/startup_report.h"
+#include "ui/menu_entry.h"
+#include "ui/notices.h"
+
+#include <optional>
+
+namespace korvel {
+
+/// The platform that a TrayApp runs on.
+struct TrayPorts {
+    Scheduler &scheduler;
+    HttpClient &http;
+    Programs &programs;
+    ServiceControl &services;
+    Desktop &desktop;
+    StatusItem &item;
+    NoticePanel &noticePanel;
+};
+
+/// The application: holds the state, composes the features and forwards what the user does. Making one has no effect.
+class TrayApp {
+public:
+    TrayApp(const FixedConfig &fixed, const Paths &paths, const TrayPorts &ports, FeatureHooks features = {});
+
+    /// The launch sequence. `executablePath` is this program's own path, symbolic links resolved.
+    void launch(const QString &executablePath);
+    /// The user opened the application again while it runs.
+    void reopen();
+    /// Shows what changed since the last time.
+    void render();
+
+    const TrayState &currentState() const { return state; }
+    Situation situation() const;
+
+private:
+    void perform(const MenuEntry &entry);
+    void menuOpening();
+    void scheduleUpdateChecks();
+    void showHUD(const Notice &notice) { notices.showHUD(notice); }
+
+    const FixedConfig &fixed;
+    const Paths &paths;
+    const TrayPorts ports;
+    const FeatureHooks features;
+
+    TrayState state;
+    AgentConfig config;
+    AgentApi api;
+    Notices notices;
+    HealthPoll health;
+    AgentControl agent;
+    SyncToggle sync;
+    StartupReport report;
+
+    std::optional<IconView> shownIcon;
+    std::optional<MenuView> shownMenu;
+    Timer firstUpdateCheck;
+    Timer updateChecks;
+};
+
+} // namespace korvel

@@ -1,0 +1,88 @@
+#pragma once
+
+#include "platform/scheduler.h"
+
+#include <QJsonObject>
+#include <QList>
+#include <QSet>
+#include <QString>
+#include <QStringList>
+#include <optional>
+
+namespace korvel {
+
+/// What the agent's last answer, or its silence, says; and what is known of its launchd job.
+struct HealthState {
+    bool running = false;          ///< The agent answered the last poll.
+    bool online = false;           ///< The agent reports a live connection to the account server.
+    bool authDead = false;         ///< The agent reports that its sign-in is no longer accepted.
+    bool authDeadNotified = false; ///< The user has been told of this loss of the sign-in.
+    bool accountGone = false;      ///< The account was deleted on the server.
+    std::optional<bool> jobLoaded; ///< Whether the agent's job is loaded; none: not known yet.
+    Instant jobCheckedAt = DISTANT_PAST;
+    std::optional<Instant> startingUntil;   ///< Until when a silent agent counts as starting.
+    std::optional<Instant> connectingSince; ///< Since when the agent runs without being online.
+    qint64 sessions = 0;
+    QString account;
+    QString agentVer;
+};
+
+struct ServiceState {
+    bool busy = false; ///< Pause or resume is under way.
+    bool repairing = false;
+    bool repairFailed = false;
+};
+
+struct PermissionState {
+    std::optional<bool> permsOk; ///< none: not known
+    QStringList permsMissing;
+    QList<QJsonObject> permItems; ///< One object a permission, as the agent sent it.
+    std::optional<Instant> permsFetchedAt;
+    bool permsRequesting = false;
+    bool permsFetchFailed = false;
+    bool permsFetching = false;
+};
+
+/// One validated update package.
+struct UpdateInfo {
+    QString ver;
+    QString file;
+    QString sha;
+    QString sig;
+    qint64 bytes = 0; ///< 0: not said
+    bool operator==(const UpdateInfo &) const = default;
+};
+
+struct UpdateState {
+    std::optional<UpdateInfo> updateAvail;
+    std::optional<Instant> updateCheckedAt;
+    bool updateBusy = false;
+    std::optional<int> updatePct; ///< Percent, only while downloading.
+    bool updateNotified = false;
+};
+
+/// The agent's encryption report as received, and which of its prompts were shown.
+struct E2State {
+    QJsonObject e2;
+    QSet<QString> e2ShownPending;
+    QSet<QString> e2ShownAlarms;
+    QSet<QString> e2Answering;
+    bool e2Modal = false;
+    QString e2LastState;
+};
+
+struct MenuState {
+    bool optionKey = false; ///< Whether Option was held when the menu opened last.
+};
+
+/// Everything that changes while the tray runs. Owned by TrayApp, touched on the main thread only.
+struct TrayState {
+    HealthState health;
+    ServiceState service;
+    PermissionState permissions;
+    UpdateState update;
+    E2State e2ee;
+    MenuState menu;
+};
+
+} // namespace korvel

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QJsonObject>
+#include <QList>
+#include <QString>
+#include <optional>
+
+namespace korvel {
+
+// Read-only views of the agent's encryption report. A key that is absent or of another type counts as its default, so
+// that every window and menu line agrees on what state the Mac is in.
+
+/// The report's state; "off" when it says none.
+QString e2State(const QJsonObject &e2);
+/// The account requires encryption.
+bool e2Required(const QJsonObject &e2);
+/// This Mac's pairing code; none while there is none to show.
+std::optional<QString> e2PairShow(const QJsonObject &e2);
+bool e2PairWrong(const QJsonObject &e2);
+bool e2PairDone(const QJsonObject &e2);
+/// Devices that ask to join, in the report's order.
+QList<QJsonObject> e2Pending(const QJsonObject &e2);
+/// Security alarms not yet dismissed, in the report's order.
+QList<QJsonObject> e2Alarms(const QJsonObject &e2);
+
+/// Whether this Mac has still to be paired.
+bool e2NeedsPairing(const QJsonObject &e2, bool bound, bool authDead);
+bool canShowPairCode(const QJsonObject &e2, bool bound, bool authDead);
+
+/// Display name of a device platform word such as "ios".
+QString e2Platform(const QJsonValue &platform);
+
+/// The sentence for the report's state, ending as the text stands; none when the state has none.
+std::optional<QString> e2StatusText(const QJsonObject &e2);
+
+} // namespace korvel

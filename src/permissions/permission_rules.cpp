@@ -1,0 +1,36 @@
+#include "permissions/permission_rules.h"
+
+#include "app/wording.h"
+
+namespace korvel {
+
+bool permissionsMissing(const PermissionState &permissions) {
+    return permissions.permsOk == false && !permissions.permsMissing.isEmpty();
+}
+
+bool permUnknown(const QJsonObject &item) {
+    const QJsonValue unknown = item.value(u"unknown");
+    if (unknown.isBool())
+        return unknown.toBool();
+    const QString state = item.value(u"state").toString();
+    return state == u"notrunning" || state.startsWith(u"unknown");
+}
+
+QString permStateText(const QString &state) {
+    if (state == u"denied")
+        return L(u"未授权", u"Not allowed");
+    if (state == u"undetermined")
+        return L(u"尚未请求", u"Not requested");
+    if (state == u"notrunning")
+        return L(u"未运行，暂时无法查看", u"Not running, can't check");
+    return L(u"无法查看", u"Unknown");
+}
+
+QString permHeadTitle(qsizetype count) {
+    const QString number = QString::number(count);
+    if (ZH)
+        return QStringLiteral("权限 · 缺少 ") + number + QStringLiteral(" 项");
+    return QStringLiteral("Permissions · ") + number + QStringLiteral(" missing");
+}
+
+} // namespace korvel

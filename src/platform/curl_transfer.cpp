@@ -1,0 +1,136 @@
+#include "platform/curl_transfer.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace korvel {
+
+namespace {
+
+/// Whether libcurl itself reads `url` as plain HTTP to 127.0.0.1 with nothing hidden in front of the host.
+bool isLoopback(const QByteArray &url) {
+    const std::unique_ptr<CURLU, decltype(&curl_url_cleanup)> parsed(curl_url(), &curl_url_cleanup);
+    if (!parsed || curl_url_set(parsed.get(), CURLUPART_URL, url.constData(), 0) != CURLUE_OK)
+        return false;
+    const auto part = [&](CURLUPart which) {
+        char *text = nullptr;
+        const bool present = curl_url_get(parsed.get(), which, &text, 0) == CURLUE_OK;
+        const QByteArray value = present ? QByteArray(text) : QByteArray();
+        curl_free(text);
+        return value;
+    };
+    return part(CURLUPART_SCHEME) == "http" && part(CURLUPART_HOST) == "127.0.0.1" && part(CURLUPART_USER).isEmpty() &&
+           part(CURLUPART_PASSWORD).isEmpty();
+}
+
+ErrorKind kindOf(CURLcode code) {
+    switch (code) {
+    case CURLE_OPERATION_TIMEDOUT:
+        return ErrorKind::TimedOut;
+    case CURLE_COULDNT_CONNECT:
+    case CURLE_COULDNT_RESOLVE_HOST:
+    case CURLE_COULDNT_RESOLVE_PROXY:
+        return ErrorKind::Unreachable;
+    case CURLE_URL_MALFORMAT:
+    case CURLE_UNSUPPORTED_PROTOCOL:
+        return ErrorKind::InvalidRequest;
+    default:
+        return ErrorKind::Interrupted;
+    }
+}
+
+} // namespace
+
+CurlTransfer::CurlTransfer(HttpRequest r, Done<HttpReply> d)
+    : request(std::move(r)), done(std::move(d)), url(request.url.toUtf8()), easy(curl_easy_init()) {}
+
+CurlTransfer::~CurlTransfer() {
+    curl_easy_cleanup(easy);
+    curl_slist_free_all(headers);
+}
+
+bool CurlTransfer::prepare() {
+    if (!easy || url.contains('\0') || url.contains('\r') || url.contains('\n'))
+        return false;
+    if (request.reach == Reach::Loopback ? !prepareLoopback() : !prepareServer())
+        return false;
+    curl_easy_setopt(easy, CURLOPT_URL, url.constData());
+    curl_easy_setopt(easy, CURLOPT_ERRORBUFFER, errorText);
+    curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
+    curl_easy_setopt(easy, CURLOPT_TIMEOUT_MS, static_cast<long>(request.timeout.count()));
+    curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, 0L);
+    curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &received);
+    curl_easy_setopt(easy, CURLOPT_WRITEDATA, this);
+    curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, &headerReceived);
+    curl_easy_setopt(easy, CURLOPT_HEADERDATA, this);
+    if (request.method != "GET")
+        prepareBody();
+    for (const auto &[name, value] : request.headers) {
+        // A value from a file must not be able to add a header of its own.
+        if (value.contains('\r') || value.contains('\n') || value.contains('\0'))
+            return false;
+        headers = curl_slist_append(headers, (name + ": " + value).constData());
+    }
+    curl_easy_setopt(easy, CURLOPT_HTTPHEADER, headers);
+    return true;
+}
+
+bool CurlTransfer::prepareLoopback() {
+    // The token must reach no other machine, whatever a malformed port makes of the address.
+    if (!isLoopback(url))
+        return false;
+    curl_easy_setopt(easy, CURLOPT_PROXY, "");
+    curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "http");
+    curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
+    return true;
+}
+
+bool CurlTransfer::prepareServer() {
+    curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "https");
+    return true;
+}
+
+void CurlTransfer::prepareBody() {
+    curl_easy_setopt(easy, CURLOPT_POST, 1L);
+    curl_easy_setopt(easy, CURLOPT_POSTFIELDS, request.body.constData());
+    curl_easy_setopt(easy, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request.body.size()));
+    // libcurl sends a request again when a reused connection closes unanswered. A POST has to leave once.
+    curl_easy_setopt(easy, CURLOPT_FRESH_CONNECT, 1L);
+    curl_easy_setopt(easy, CURLOPT_FORBID_REUSE, 1L);
+    headers = curl_slist_append(headers, "Expect:"); // no waiting for "100 Continue"
+    const bool typed = std::any_of(request.headers.begin(), request.headers.end(),
+                                   [](const auto &header) { return header.first == "Content-Type"; });
+    if (!typed)
+        headers = curl_slist_append(headers, "Content-Type:"); // instead of libcurl's own guess
+}
+
+bool CurlTransfer::accept(size_t more) {
+    bytes += static_cast<qint64>(more);
+    tooLarge = bytes > request.maxBytes;
+    return !tooLarge;
+}
+
+size_t CurlTransfer::received(char *data, size_t size, size_t count, void *self) {
+    auto &transfer = *static_cast<CurlTransfer *>(self);
+    if (!transfer.accept(size * count))
+        return 0;
+    transfer.reply.body.append(data, static_cast<qsizetype>(size * count));
+    return size * count;
+}
+
+size_t CurlTransfer::headerReceived(char *, size_t size, size_t count, void *self) {
+    return static_cast<CurlTransfer *>(self)->accept(size * count) ? size * count : 0;
+}
+
+Result<HttpReply> CurlTransfer::outcome(CURLcode code) {
+    if (tooLarge)
+        return Error{ErrorKind::TooLarge, QStringLiteral("answer over %1 bytes").arg(request.maxBytes)};
+    if (code != CURLE_OK)
+        return Error{kindOf(code), QString::fromUtf8(*errorText ? errorText : curl_easy_strerror(code))};
+    long status = 0;
+    curl_easy_getinfo(easy, CURLINFO_RESPONSE_CODE, &status);
+    reply.status = static_cast<int>(status);
+    return std::move(reply);
+}
+
+} // namespace korvel

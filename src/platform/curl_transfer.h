@@ -1,0 +1,45 @@
+#pragma once
+
+#include "platform/http_client.h"
+
+#include <curl/curl.h>
+#include <memory>
+
+namespace korvel {
+
+/// One request under way in libcurl. Owns everything that libcurl points to while the transfer lasts.
+class CurlTransfer {
+public:
+    CurlTransfer(HttpRequest request, Done<HttpReply> done);
+    CurlTransfer(const CurlTransfer &) = delete;
+    CurlTransfer &operator=(const CurlTransfer &) = delete;
+    ~CurlTransfer();
+
+    /// Sets the transfer up; false when the request may not leave or cannot be formed.
+    bool prepare();
+    CURL *handle() const { return easy; }
+    /// The outcome, once libcurl is through with `code`. Called once.
+    Result<HttpReply> outcome(CURLcode code);
+    /// Hands the completion over.
+    Done<HttpReply> takeDone() { return std::move(done); }
+
+private:
+    bool prepareLoopback();
+    bool prepareServer();
+    void prepareBody();
+    bool accept(size_t bytes);
+    static size_t received(char *data, size_t size, size_t count, void *self);
+    static size_t headerReceived(char *data, size_t size, size_t count, void *self);
+
+    const HttpRequest request;
+    Done<HttpReply> done;
+    QByteArray url;
+    CURL *easy = nullptr;
+    curl_slist *headers = nullptr;
+    HttpReply reply;
+    qint64 bytes = 0;
+    bool tooLarge = false;
+    char errorText[CURL_ERROR_SIZE] = {};
+};
+
+} // namespace korvel

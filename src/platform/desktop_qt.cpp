@@ -1,0 +1,30 @@
+#include "platform/desktop_qt.h"
+
+#include "platform/log.h"
+#include "platform/system_tools.h"
+#include "ui/edit_menu.h"
+
+#include <QCoreApplication>
+#include <QDesktopServices>
+#include <QGuiApplication>
+#include <QUrl>
+
+namespace korvel {
+
+void DesktopQt::openUrl(const QString &address) {
+    const QUrl url(address, QUrl::StrictMode);
+    if (!url.isValid() || url.scheme().isEmpty())
+        return;
+    if (hasStandIns)
+        programs.run({.executable = OPEN, .arguments = {address}});
+    else if (!QDesktopServices::openUrl(url))
+        log(QStringLiteral("[tray] nothing opens ") + url.toDisplayString());
+}
+
+bool DesktopQt::optionKeyHeld() const { return QGuiApplication::queryKeyboardModifiers().testFlag(Qt::AltModifier); }
+
+void DesktopQt::installEditMenu(const QList<EditMenuItem> &) {}
+
+void DesktopQt::terminate() { QCoreApplication::exit(0); }
+
+} // namespace korvel

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "platform/done.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+#include <chrono>
+#include <utility>
+
+namespace korvel {
+
+/// Where a request may go.
+enum class Reach {
+    Loopback, ///< Plain HTTP to 127.0.0.1 and nowhere else: no proxy, no redirect.
+    Server,   ///< HTTPS only, certificates verified.
+};
+
+struct HttpRequest {
+    QByteArray method = "GET";
+    QString url;
+    QList<std::pair<QByteArray, QByteArray>> headers;
+    QByteArray body;
+    std::chrono::milliseconds timeout{0}; ///< Hard deadline for the whole exchange.
+    qint64 maxBytes = 8 << 20;            ///< A larger answer (headers included) is refused.
+    Reach reach = Reach::Loopback;
+
+    bool operator==(const HttpRequest &) const = default;
+};
+
+struct HttpReply {
+    int status = 0;
+    QByteArray body;
+};
+
+/// Sends one request. A POST leaves at most once; a completion is always called, at the deadline at the latest.
+class HttpClient {
+public:
+    virtual ~HttpClient() = default;
+    virtual void send(HttpRequest request, Done<HttpReply> done) = 0;
+};
+
+} // namespace korvel

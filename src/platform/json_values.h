@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QJsonValue>
+#include <QList>
+#include <QString>
+#include <QStringList>
+#include <optional>
+
+namespace korvel {
+
+// Typed readings of JSON from outside: a value of another type, also inside an array, counts as absent.
+
+inline std::optional<bool> jsonBool(const QJsonValue &v) {
+    return v.isBool() ? std::optional(v.toBool()) : std::nullopt;
+}
+
+inline std::optional<QString> jsonText(const QJsonValue &v) {
+    return v.isString() ? std::optional(v.toString()) : std::nullopt;
+}
+
+inline std::optional<QStringList> jsonTexts(const QJsonValue &v) {
+    if (!v.isArray())
+        return std::nullopt;
+    QStringList texts;
+    const QJsonArray elements = v.toArray();
+    for (const QJsonValue element : elements) {
+        if (!element.isString())
+            return std::nullopt;
+        texts.append(element.toString());
+    }
+    return texts;
+}
+
+inline std::optional<QList<QJsonObject>> jsonObjects(const QJsonValue &v) {
+    if (!v.isArray())
+        return std::nullopt;
+    QList<QJsonObject> objects;
+    const QJsonArray elements = v.toArray();
+    for (const QJsonValue element : elements) {
+        if (!element.isObject())
+            return std::nullopt;
+        objects.append(element.toObject());
+    }
+    return objects;
+}
+
+} // namespace korvel

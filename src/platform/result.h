@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QString>
+#include <utility>
+#include <variant>
+
+namespace korvel {
+
+/// What kind of failure ended an operation; callers switch on it, the detail is for the log.
+enum class ErrorKind {
+    Dropped,          ///< The operation went away without an answer.
+    InvalidRequest,   ///< The request could not be formed, or was not allowed to leave.
+    Unreachable,      ///< No connection could be made.
+    Interrupted,      ///< The connection ended before the answer was whole.
+    TimedOut,         ///< The deadline passed.
+    TooLarge,         ///< The answer is larger than its limit.
+    UnreadableAnswer, ///< An answer came that is not what was asked for.
+};
+
+struct Error {
+    ErrorKind kind = ErrorKind::Dropped;
+    QString detail;
+};
+
+/// A value of type T, or the Error that took its place.
+template <class T>
+class Result {
+public:
+    Result(T v) : held(std::move(v)) {}
+    Result(Error e) : held(std::move(e)) {}
+
+    bool ok() const { return held.index() == 0; }
+    explicit operator bool() const { return ok(); }
+    T &value() { return std::get<0>(held); }
+    const T &value() const { return std::get<0>(held); }
+    const Error &error() const { return std::get<1>(held); }
+
+private:
+    std::variant<T, Error> held;
+};
+
+} // namespace korvel

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <functional>
+
+namespace korvel {
+
+struct IconView;
+struct MenuEntry;
+struct MenuView;
+
+/// The item in the menu bar with its menu. Views are given only when they changed.
+class StatusItem {
+public:
+    struct Events {
+        std::function<void()> menuOpening;
+        std::function<void(const MenuEntry &)> chosen;
+    };
+    virtual ~StatusItem() = default;
+    /// Puts the item into the menu bar, or as soon as there is one.
+    virtual void show(Events events) = 0;
+    virtual void apply(const IconView &view) = 0;
+    virtual void apply(const MenuView &view) = 0;
+};
+
+} // namespace korvel

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "platform/http_client.h"
+#include "service/agent_config.h"
+
+#include <QJsonObject>
+#include <optional>
+
+namespace korvel {
+
+/// One request to the agent's loopback interface.
+struct AgentRequest {
+    QByteArray method = "GET";
+    QString path; ///< Beginning with "/".
+    std::optional<QJsonObject> body = {};
+    std::chrono::milliseconds timeout{0};
+};
+
+/// The request as it leaves: the token header when there is a token, a body in compact JSON.
+HttpRequest buildAgentRequest(const QString &agentLocal, const QString &localToken, const AgentRequest &request);
+
+/// The JSON object that an answer holds, whatever its HTTP status.
+Result<QJsonObject> parseAgentReply(const HttpReply &reply);
+
+/// The one way in which the tray talks to the agent's loopback interface.
+class AgentApi {
+public:
+    AgentApi(HttpClient &h, const FixedConfig &f, const AgentConfig &c) : http(h), fixed(f), config(c) {}
+
+    /// Sends once, with the token as the configuration file holds it at this moment; without one, without the header.
+    void send(const AgentRequest &request, Done<QJsonObject> done);
+
+private:
+    HttpClient &http;
+    const FixedConfig &fixed;
+    const AgentConfig &config;
+};
+
+} // namespace korvel

@@ -1,0 +1,85 @@
+#include "service/agent_command.h"
+
+#include "app/wording.h"
+#include "platform/log.h"
+
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QStringDecoder>
+
+using namespace Qt::StringLiterals;
+
+namespace korvel {
+
+namespace {
+
+QString trimBlanks(QStringView line) {
+    const auto isBlank = [](QChar c) { return c == u'\t' || c.category() == QChar::Separator_Space; };
+    while (!line.isEmpty() && isBlank(line.front()))
+        line = line.sliced(1);
+    while (!line.isEmpty() && isBlank(line.back()))
+        line.chop(1);
+    return line.toString();
+}
+
+} // namespace
+
+std::optional<QString> AgentCommand::bundledAgent() const {
+    const QString path = bundlePath + u"/Contents/Resources/korvel-agent"_s;
+    const QFileInfo info(path);
+    return info.isFile() && info.isExecutable() ? std::optional(path) : std::nullopt;
+}
+
+std::optional<AgentLocation> AgentCommand::agentForCLI() const {
+    if (const auto bundled = bundledAgent())
+        return AgentLocation{*bundled, {}};
+    if (!agentBin || agentBin->isEmpty())
+        return std::nullopt;
+    if (agentBin->endsWith(u".mjs"))
+        return AgentLocation{u"/usr/bin/env"_s, {u"node"_s, *agentBin}};
+    return AgentLocation{*agentBin, {}};
+}
+
+void AgentCommand::runAgentJson(const QJsonObject &request, std::function<void(std::optional<QJsonObject>)> done,
+                                milliseconds timeout) {
+    const auto agent = agentForCLI();
+    if (!agent) {
+        log(u"[login] 找不到后台程序,没法登录"_s);
+        scheduler.runInBackground([] {}, alive.guard([done = std::move(done)] { done(std::nullopt); }));
+        return;
+    }
+    scheduler.background(
+        [&programs = programs, run = buildAgentJson(*agent, request, timeout)] { return programs.run(run); },
+        alive.guard([done = std::move(done)](const ProgramResult &result) {
+            if (!result.launched)
+                log(u"[login] 后台程序起不来:"_s + result.launchError);
+            done(parseAgentJson(result.output));
+        }));
+}
+
+ProgramRun buildAgentJson(const AgentLocation &agent, const QJsonObject &request, milliseconds timeout) {
+    return {.executable = agent.executable,
+            .arguments = agent.leadingArguments + QStringList{u"login"_s, u"--stdin-json"_s},
+            .input = QJsonDocument(request).toJson(QJsonDocument::Compact),
+            .extraEnvironment = {{u"KORVEL_LANG"_s, ZH ? u"zh"_s : u"en"_s}},
+            .collect = ProgramRun::Collect::StandardOutput,
+            .timeout = timeout};
+}
+
+std::optional<QJsonObject> parseAgentJson(const QByteArray &output) {
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    const QString text = decoder.decode(output);
+    if (decoder.hasError())
+        return std::nullopt;
+    const auto lines = QStringView(text).split(u'\n', Qt::SkipEmptyParts);
+    for (auto line = lines.crbegin(); line != lines.crend(); ++line) {
+        const QString candidate = trimBlanks(*line);
+        if (!candidate.startsWith(u'{'))
+            continue;
+        const QJsonDocument reply = QJsonDocument::fromJson(candidate.toUtf8());
+        return reply.isObject() ? std::optional(reply.object()) : std::nullopt;
+    }
+    return std::nullopt;
+}
+
+} // namespace korvel

@@ -1,0 +1,80 @@
+#include "service/agent_control.h"
+
+#include "account/server_rules.h"
+#include "app/wording.h"
+#include "platform/system_tools.h"
+
+#include <QFileInfo>
+#include <QUrl>
+
+using namespace Qt::StringLiterals;
+
+namespace korvel {
+
+namespace {
+constexpr milliseconds QUIT_WITHIN = 30s;
+}
+
+AgentControl::AgentControl(TrayState &st, const FixedConfig &f, const Paths &p, const AgentConfig &c,
+                           ServiceControl &sv, Programs &pr, Desktop &d, Scheduler &s, Hooks h)
+    : state(st), fixed(f), paths(p), config(c), services(sv), programs(pr), desktop(d), scheduler(s),
+      hooks(std::move(h)) {}
+
+void AgentControl::countAsStarting() { state.health.startingUntil = scheduler.now() + STARTING_GRACE; }
+
+void AgentControl::ensureAgentLoaded(std::function<void()> then) {
+    if (!bound(config.readCfg()) || !plistExists(paths))
+        return then();
+    auto bootstrapped = [&sv = services, label = fixed.AGENT_LABEL, plist = paths.agentPlist] {
+        return !sv.print(label) && sv.bootstrap(plist);
+    };
+    scheduler.background(bootstrapped, alive.guard([this, then = std::move(then)](bool started) {
+        if (started)
+            countAsStarting();
+        then();
+    }));
+}
+
+void AgentControl::restartAgent(std::function<void()> then) {
+    if (!plistExists(paths)) {
+        hooks.repairService();
+        return then();
+    }
+    auto restarted = [&sv = services, label = fixed.AGENT_LABEL, plist = paths.agentPlist] {
+        sv.enable(label);
+        return sv.bootstrap(plist) || sv.kickstart(label);
+    };
+    scheduler.background(restarted, alive.guard([this, then = std::move(then)](bool) {
+        countAsStarting();
+        then();
+    }));
+}
+
+void AgentControl::quitAll() {
+    if (std::exchange(quitting, true))
+        return;
+    hooks.showHUD({.text = L(u"⏻ 正在退出…", u"⏻ Quitting…"), .secs = Seconds(3)});
+    // A service manager that hangs must not keep the user from quitting.
+    quitAnyway = scheduler.after(QUIT_WITHIN, [this] { desktop.terminate(); });
+    auto stopped = [&sv = services, &pr = programs, label = fixed.AGENT_LABEL] {
+        sv.bootout(label);
+        // Agents that somebody started outside launchd, in the bundle or as a script.
+        for (const QString &pattern : {u"Korvel.app/Contents/Resources/korvel-agent"_s, u"korvel-agent.mjs run"_s})
+            pr.run({.executable = PKILL, .arguments = {u"-f"_s, pattern}});
+        return true;
+    };
+    scheduler.background(stopped, alive.guard([this](bool) {
+        // The tray's own job, so that launchd does not keep it. This may end the process.
+        scheduler.background([&sv = services] { return sv.bootout(u"com.korvel.tray"_s); },
+                             alive.guard([this](bool) { desktop.terminate(); }));
+    }));
+}
+
+void AgentControl::openLog() {
+    if (QFileInfo::exists(paths.logFile))
+        desktop.openUrl(QUrl::fromLocalFile(paths.logFile).toString(QUrl::FullyEncoded));
+    else
+        hooks.showHUD({.text = L(u"暂无日志", u"No log yet"), .secs = Seconds(2.5)});
+}
+
+} // namespace korvel

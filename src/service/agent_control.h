@@ -1,0 +1,56 @@
+#pragma once
+
+#include "app/paths.h"
+#include "app/tray_state.h"
+#include "platform/alive.h"
+#include "platform/desktop.h"
+#include "platform/programs.h"
+#include "service/agent_config.h"
+#include "service/service_control.h"
+#include "ui/notices.h"
+
+#include <functional>
+
+namespace korvel {
+
+/// Starts, restarts and stops the agent's launchd job, and shows its log.
+class AgentControl {
+public:
+    struct Hooks {
+        std::function<void()> render;
+        std::function<void(std::function<void()> then)> poll;
+        std::function<void(const Notice &)> showHUD;
+        std::function<void()> repairService;
+    };
+    AgentControl(TrayState &state, const FixedConfig &fixed, const Paths &paths, const AgentConfig &config,
+                 ServiceControl &services, Programs &programs, Desktop &desktop, Scheduler &scheduler, Hooks hooks);
+
+    /// Loads the job when this Mac is bound and the job is not loaded, then calls `then`.
+    void ensureAgentLoaded(std::function<void()> then);
+    /// Starts the job anew, so that it picks up a new sign-in, then calls `then`.
+    void restartAgent(std::function<void()> then);
+    /// Stops the job and every stray agent process, then leaves the tray.
+    void quitAll();
+    void openLog();
+
+private:
+    void countAsStarting();
+
+    TrayState &state;
+    const FixedConfig &fixed;
+    const Paths &paths;
+    const AgentConfig &config;
+    ServiceControl &services;
+    Programs &programs;
+    Desktop &desktop;
+    Scheduler &scheduler;
+    Hooks hooks;
+    bool quitting = false;
+    Timer quitAnyway;
+    Alive alive;
+};
+
+/// For how long a job that was just started counts as starting.
+constexpr auto STARTING_GRACE = std::chrono::seconds(25);
+
+} // namespace korvel

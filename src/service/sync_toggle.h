@@ -1,0 +1,60 @@
+#pragma once
+
+#include "app/paths.h"
+#include "app/tray_state.h"
+#include "platform/alive.h"
+#include "service/agent_config.h"
+#include "service/service_control.h"
+#include "ui/notices.h"
+
+#include <functional>
+#include <optional>
+
+namespace korvel {
+
+enum class ToggleDirection { Pause, Resume };
+
+/// What the user's wish to toggle means in the present state.
+ToggleDirection toggleDirection(const HealthState &health);
+
+/// The notice at the end of a toggle. `loaded`: whether the job is loaded; `running`: whether the agent answers.
+Notice toggleNotice(ToggleDirection direction, bool loaded, bool running, const QString &statusLine);
+
+/// Pauses and resumes sync: takes the agent's job down so that it stays down, or brings it back.
+class SyncToggle {
+public:
+    struct Hooks {
+        std::function<void()> render;
+        std::function<void(std::function<void()> then)> poll;
+        std::function<void(const Notice &)> showHUD;
+        std::function<QString()> statusLine;
+        std::function<void()> showLogin;
+        std::function<void()> repairService;
+    };
+    SyncToggle(TrayState &state, const FixedConfig &fixed, const Paths &paths, const AgentConfig &config,
+               ServiceControl &services, Scheduler &scheduler, Hooks hooks);
+
+    /// Pauses or resumes; ignored while an earlier one is under way. What is missing for it is asked for instead: a
+    /// sign-in, or a repair of the installation.
+    void toggleAgent();
+
+private:
+    void pause();
+    void waitUntilGone(Instant deadline);
+    void resume(int attemptsLeft);
+    void settle(bool loaded);
+    void report(bool loaded);
+
+    TrayState &state;
+    const FixedConfig &fixed;
+    const Paths &paths;
+    const AgentConfig &config;
+    ServiceControl &services;
+    Scheduler &scheduler;
+    Hooks hooks;
+    ToggleDirection direction = ToggleDirection::Pause;
+    Timer next;
+    Alive alive;
+};
+
+} // namespace korvel

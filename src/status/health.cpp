@@ -1,0 +1,85 @@
+#include "status/health.h"
+
+#include "platform/json_values.h"
+
+namespace korvel {
+
+namespace {
+
+constexpr auto JOB_CHECK_INTERVAL = 10s;
+constexpr auto PERMISSION_FETCH_INTERVAL = 30s;
+
+/// True when this loss of the sign-in has still to be told.
+bool applySignIn(HealthState &health, bool dead, bool accountGone) {
+    const bool tell = dead && !health.authDeadNotified;
+    health.accountGone = dead && accountGone;
+    health.authDeadNotified = dead;
+    health.authDead = dead;
+    return tell;
+}
+
+void applyPermissionSummary(PermissionState &permissions, const QJsonObject &perms) {
+    permissions.permsOk = jsonBool(perms.value(u"ok"));
+    permissions.permsMissing = jsonTexts(perms.value(u"missing")).value_or(QStringList());
+}
+
+HealthEffects applyAnswer(TrayState &state, const QJsonObject &answer, const HealthContext &context) {
+    HealthState &health = state.health;
+    HealthEffects effects;
+    health.running = true;
+    health.jobLoaded = true;
+    health.online = answer.value(u"online").toBool();
+    if (health.online)
+        health.connectingSince.reset();
+    else if (!health.connectingSince)
+        health.connectingSince = context.now;
+    const QString ver = answer.value(u"ver").toString();
+    if (const qsizetype slash = ver.lastIndexOf(u'/'); slash >= 0)
+        health.agentVer = ver.sliced(slash + 1);
+    health.sessions = answer.value(u"sessions").toInteger();
+    health.account = answer.value(u"account").toString(context.username);
+
+    const bool dead = answer.value(u"authDead").toBool() && context.bound;
+    if (applySignIn(health, dead, answer.value(u"accountGone").toBool()))
+        effects.notice = health.accountGone ? HealthEffects::Notice::AccountDeleted : HealthEffects::Notice::SignedOut;
+
+    state.e2ee.e2 = answer.value(u"e2ee").toObject();
+    effects.reactToReport = true;
+    applyPermissionSummary(state.permissions, answer.value(u"perms").toObject());
+    const auto &fetchedAt = state.permissions.permsFetchedAt;
+    effects.fetchPerms = !fetchedAt || context.now - *fetchedAt > PERMISSION_FETCH_INTERVAL;
+    return effects;
+}
+
+HealthEffects applySilence(TrayState &state, const HealthContext &context) {
+    HealthState &health = state.health;
+    health.running = false;
+    health.online = false;
+    health.connectingSince.reset();
+    health.account = context.username;
+    PermissionState &permissions = state.permissions;
+    permissions.permsOk.reset();
+    permissions.permsMissing.clear();
+    permissions.permItems.clear();
+    permissions.permsFetchedAt.reset();
+    permissions.permsFetchFailed = false;
+
+    HealthEffects effects;
+    const bool starting = health.startingUntil && context.now < *health.startingUntil;
+    effects.checkJob = !health.jobLoaded || starting || context.now - health.jobCheckedAt > JOB_CHECK_INTERVAL;
+    if (effects.checkJob)
+        health.jobCheckedAt = context.now;
+    return effects;
+}
+
+} // namespace
+
+std::optional<QJsonObject> healthAnswer(const Result<QJsonObject> &reply) {
+    return reply && reply.value().value(u"ok").toBool() ? std::optional(reply.value()) : std::nullopt;
+}
+
+HealthEffects applyHealth(TrayState &state, const std::optional<QJsonObject> &answer, const HealthContext &context) {
+    return answer ? applyAnswer(state, *answer, context) : applySilence(state, context);
+}
+
+} // namespace korvel

@@ -1,0 +1,99 @@
+#include "status/health_poll.h"
+
+#include "account/server_rules.h"
+#include "app/wording.h"
+
+#include <utility>
+
+namespace korvel {
+
+namespace {
+
+constexpr milliseconds PERIOD = 3s;
+constexpr milliseconds TIME_LIMIT = 2s;
+constexpr int MOST_OPEN_FOR_TICK = 3;
+
+Notice lostSignInNotice(HealthEffects::Notice which) {
+    return {.text = which == HealthEffects::Notice::AccountDeleted
+                        ? L(u"账号已注销，请使用其他账号登录",
+                            u"This account was deleted. Sign in with a different account.")
+                        : L(u"登录已失效，请重新登录", u"You've been signed out. Sign in again."),
+            .secs = Seconds(6),
+            .error = true};
+}
+
+} // namespace
+
+HealthPoll::HealthPoll(TrayState &s, const FixedConfig &f, const AgentConfig &c, AgentApi &a, ServiceControl &sc,
+                       Scheduler &sch, Hooks h)
+    : state(s), fixed(f), config(c), api(a), services(sc), scheduler(sch), hooks(std::move(h)) {}
+
+void HealthPoll::start() {
+    timer = scheduler.every(PERIOD, [this] { tick(); });
+}
+
+void HealthPoll::tick() {
+    // An agent that accepts and never answers must not pile up connections.
+    if (open < MOST_OPEN_FOR_TICK)
+        poll();
+}
+
+void HealthPoll::poll(std::function<void()> then) {
+    ++open;
+    api.send({.path = QStringLiteral("/health"), .timeout = TIME_LIMIT},
+             Done<QJsonObject>(alive.guard([this, generation = ++sent, then = std::move(then)](Result<QJsonObject> r) {
+                 --open;
+                 answered(generation, r, then);
+             })));
+}
+
+void HealthPoll::answered(quint64 generation, const Result<QJsonObject> &reply, const std::function<void()> &then) {
+    // Polls overlap. An answer to an older question says less than what is already shown.
+    if (generation < applied)
+        return finish(then);
+    applied = generation;
+    const QJsonObject cfg = config.readCfg();
+    follow(applyHealth(state, healthAnswer(reply),
+                       {.now = scheduler.now(), .bound = bound(cfg), .username = cfgText(cfg, u"username")}),
+           then);
+}
+
+void HealthPoll::follow(const HealthEffects &effects, std::function<void()> then) {
+    if (effects.notice != HealthEffects::Notice::None)
+        hooks.showHUD(lostSignInNotice(effects.notice));
+    if (effects.reactToReport)
+        reaction = scheduler.after(0ms, [this] { hooks.e2Prompt(); });
+    if (effects.fetchPerms)
+        hooks.fetchPerms();
+    if (effects.checkJob)
+        checkJob(std::move(then));
+    else
+        finish(then);
+}
+
+void HealthPoll::checkJob(std::function<void()> then) {
+    afterJobCheck.push_back(std::move(then));
+    lookedAt = state.health.jobCheckedAt;
+    // A service manager that hangs must not use up the background threads: later polls join the look under way.
+    if (std::exchange(checkingJob, true))
+        return;
+    scheduler.background([&services = services, label = fixed.AGENT_LABEL] { return services.print(label); },
+                         alive.guard([this](bool loaded) {
+                             checkingJob = false;
+                             // A good answer or a pause meanwhile knows better.
+                             if (!state.health.running && state.health.jobCheckedAt == lookedAt)
+                                 state.health.jobLoaded = loaded;
+                             hooks.render();
+                             for (const auto &waiting : std::exchange(afterJobCheck, {}))
+                                 if (waiting)
+                                     waiting();
+                         }));
+}
+
+void HealthPoll::finish(const std::function<void()> &then) {
+    hooks.render();
+    if (then)
+        then();
+}
+
+} // namespace korvel

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "app/tray_state.h"
+#include "platform/alive.h"
+#include "service/agent_api.h"
+#include "service/service_control.h"
+#include "status/health.h"
+#include "ui/notices.h"
+
+#include <functional>
+#include <vector>
+
+namespace korvel {
+
+/// Asks the agent every 3 seconds how it is, and looks after its job when it does not answer.
+class HealthPoll {
+public:
+    struct Hooks {
+        std::function<void()> render;
+        std::function<void()> e2Prompt; ///< Reacts to a new encryption report.
+        std::function<void()> fetchPerms;
+        std::function<void(const Notice &)> showHUD;
+    };
+    HealthPoll(TrayState &state, const FixedConfig &fixed, const AgentConfig &config, AgentApi &api,
+               ServiceControl &services, Scheduler &scheduler, Hooks hooks);
+
+    /// Starts the 3-second timer.
+    void start();
+    /// Polls once; `then` runs after the answer, or its absence, has been applied and shown.
+    void poll(std::function<void()> then = {});
+
+private:
+    void tick();
+    void answered(quint64 generation, const Result<QJsonObject> &reply, const std::function<void()> &then);
+    void follow(const HealthEffects &effects, std::function<void()> then);
+    void checkJob(std::function<void()> then);
+    void finish(const std::function<void()> &then);
+
+    TrayState &state;
+    const FixedConfig &fixed;
+    const AgentConfig &config;
+    AgentApi &api;
+    ServiceControl &services;
+    Scheduler &scheduler;
+    Hooks hooks;
+    int open = 0;                    ///< Polls whose answer is outstanding.
+    quint64 sent = 0;                ///< Generation of the poll sent last.
+    quint64 applied = 0;             ///< Generation of the newest answer applied.
+    bool checkingJob = false;        ///< A look at the job is under way.
+    Instant lookedAt = DISTANT_PAST; ///< Its jobCheckedAt; another value by its end: somebody else looked since.
+    std::vector<std::function<void()>> afterJobCheck;
+    Timer timer;
+    Timer reaction;
+    Alive alive;
+};
+
+} // namespace korvel

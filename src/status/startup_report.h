@@ -1,0 +1,36 @@
+#pragma once
+
+#include "app/situation.h"
+#include "ui/notices.h"
+
+#include <functional>
+#include <optional>
+
+namespace korvel {
+
+/// Whether the report after launch should be made now, or wait for the agent to come up.
+bool startupReportDue(const Situation &situation, int attempt);
+
+/// The notice of the report; none when another notice says it already.
+std::optional<Notice> startupNotice(const Situation &situation);
+
+/// Shows the resulting status once, in a short notice, soon after launch.
+class StartupReport {
+public:
+    struct Hooks {
+        std::function<void(std::function<void()> then)> poll;
+        std::function<Situation()> situation;
+        std::function<void(const Notice &)> showHUD;
+    };
+    StartupReport(Scheduler &s, Hooks h) : scheduler(s), hooks(std::move(h)) {}
+
+    /// Reports now, or polls again in a moment. The completion of launch's first poll.
+    void startupReport(int attempt);
+
+private:
+    Scheduler &scheduler;
+    Hooks hooks;
+    Timer retry;
+};
+
+} // namespace korvel

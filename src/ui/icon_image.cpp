@@ -1,0 +1,68 @@
+#include "ui/icon_image.h"
+
+#include "status/icon_view.h"
+
+#include <QPainter>
+#include <QPainterPathStroker>
+#include <QPixmap>
+
+namespace korvel {
+
+namespace {
+
+constexpr double CANVAS = 18;
+const QColor LIGHT(0xf4, 0xf6, 0xf8);
+const QColor EDGE(0x24, 0x29, 0x30);
+
+QPainterPath frame(double inset, double thickness) {
+    const QRectF outer = QRectF(2, 2, 14, 14).adjusted(inset, inset, -inset, -inset);
+    QPainterPath path;
+    path.setFillRule(Qt::OddEvenFill);
+    path.addRect(outer);
+    path.addRect(outer.adjusted(thickness, thickness, -thickness, -thickness));
+    return path;
+}
+
+QPainterPath centre() {
+    QPainterPath path;
+    path.addRect(QRectF(7.25, 7.25, 3.5, 3.5));
+    return path;
+}
+
+QPainterPath panelShape(const IconView &view) {
+    // A running agent that is not connected shows the frame alone: panels have no disabled look.
+    return view.on && view.dimmed ? frame(0, 2.75) : iconShape(view.on);
+}
+
+QPixmap panelPixmap(const QPainterPath &shape, int size) {
+    QPixmap pixmap(size, size);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.scale(size / CANVAS, size / CANVAS);
+    QPainterPathStroker edge;
+    edge.setWidth(1.5);
+    edge.setJoinStyle(Qt::MiterJoin);
+    painter.fillPath(edge.createStroke(shape), EDGE);
+    painter.fillPath(shape, LIGHT);
+    return pixmap;
+}
+
+} // namespace
+
+QPainterPath iconShape(bool on) {
+    // Active: a frame 2.75 thick. Inactive: an outline 1.5 wide whose middle lies 0.75 inside the square.
+    QPainterPath shape = on ? frame(0, 2.75) : frame(0, 1.5);
+    shape.addPath(centre());
+    return shape;
+}
+
+QIcon panelIcon(const IconView &view) {
+    QIcon icon;
+    const QPainterPath shape = panelShape(view);
+    for (const int size : {16, 18, 22, 24, 32, 36, 48, 54, 64})
+        icon.addPixmap(panelPixmap(shape, size));
+    return icon;
+}
+
+} // namespace korvel

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QJsonValue>
+#include <QList>
+#include <QString>
+
+namespace korvel {
+
+/// What choosing a menu entry does.
+enum class Action {
+    None,
+    BrowserLogin,
+    LoginDialog,
+    LogoutDialog,
+    MenuToggle,
+    CheckUpdate,
+    InstallUpdate,
+    Repair,
+    OpenPermPane,
+    AskPerms,
+    ShowPair,
+    E2Pending,
+    E2Alarm,
+    E2AsrInstall,
+    OpenLog,
+    QuitAll,
+};
+
+/// One entry of the menu, as data. An entry without an action is information and cannot be chosen.
+struct MenuEntry {
+    QString title; ///< Plain text; empty together with Action::None: a separator.
+    Action action = Action::None;
+    bool enabled = false;
+    QString toolTip = {};
+    QJsonValue payload = QJsonValue::Undefined; ///< What the action is about: a request, an alarm, an address.
+
+    bool isSeparator() const { return title.isEmpty() && action == Action::None; }
+    bool operator==(const MenuEntry &) const = default;
+};
+
+/// The whole menu from top to bottom.
+struct MenuView {
+    QList<MenuEntry> entries;
+    bool operator==(const MenuView &) const = default;
+};
+
+MenuEntry menuSeparator();
+/// An information line.
+MenuEntry menuLine(const QString &title);
+/// An enabled entry that can be chosen.
+MenuEntry menuItem(const QString &title, Action action, const QString &toolTip = {});
+
+} // namespace korvel

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "platform/notice_panel.h"
+
+#include <memory>
+
+namespace korvel {
+
+/// The notice on the screen: a small dark panel near the top that never takes the focus.
+class NoticeWindow final : public NoticePanel {
+public:
+    NoticeWindow();
+    ~NoticeWindow() override;
+
+    void show(const NoticeView &view, std::function<void()> clicked) override;
+    void hide() override;
+
+private:
+    class HUDView;
+    std::unique_ptr<HUDView> hudPanel; ///< Made at the first notice.
+};
+
+} // namespace korvel
