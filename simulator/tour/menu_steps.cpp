@@ -1,0 +1,62 @@
+#include "simulator/tour/steps.h"
+
+#include "simulator/desktop/screen.h"
+#include "simulator/tour/tour.h"
+
+#include <algorithm>
+
+using namespace std::chrono_literals;
+using namespace Qt::StringLiterals;
+
+namespace korvel::sim {
+
+namespace {
+
+constexpr auto MENU_WITHIN = 3s;
+constexpr int LEFT_BUTTON = 1;
+constexpr int RIGHT_BUTTON = 3;
+
+// Lower than a menu of more than two entries, higher than a tool tip.
+constexpr int SMALLEST_MENU = 80;
+
+bool showsMenu(qint64 pid) {
+    return std::ranges::any_of(windowsOf(pid), [](const QRect &window) { return window.height() >= SMALLEST_MENU; });
+}
+
+// Opens the menu with a click on the item, expects it as a window of process `owner`, and closes it with Escape.
+QString openWith(Tour &tour, int button, qint64 owner, const QString &name) {
+    if (!tour.pointAtItem())
+        return u"the panel does not show the item under the pointer"_s;
+    clickButton(button);
+    if (!tour.waitUntil([&] { return showsMenu(owner); }, MENU_WITHIN))
+        return u"no menu opened"_s;
+    // A window is there before it is painted; the same picture twice means that it is.
+    QImage last;
+    tour.waitUntil([&] { return last == std::exchange(last, grabScreen()); }, MENU_WITHIN);
+    if (!tour.screenshot(name))
+        return u"no screenshot"_s;
+    pressKey(u"Escape"_s);
+    return tour.waitUntil([&] { return !showsMenu(owner); }, MENU_WITHIN) ? QString() : u"Escape does not close it"_s;
+}
+
+QString leftClick(Tour &tour) { return openWith(tour, LEFT_BUTTON, tour.tray().processId(), u"menu-left-click"_s); }
+
+QString rightClick(Tour &tour) { return openWith(tour, RIGHT_BUTTON, statusAreaProcess(), u"menu-of-the-panel"_s); }
+
+// Three polls without any change must send nothing to the panel.
+QString quiet(Tour &tour) {
+    tour.panel().clearCounts();
+    tour.waitUntil([&] { return tour.panel().counts().total() > 0; }, 9500ms);
+    const auto counts = tour.panel().counts();
+    return counts.total() == 0 ? QString() : QString::number(counts.total()) + u" signals, though nothing changed"_s;
+}
+
+} // namespace
+
+QList<Step> menuSteps() {
+    return {{u"a left click opens the menu, Escape closes it"_s, leftClick},
+            {u"a right click opens the panel's copy of it"_s, rightClick},
+            {u"no signal for three polls without a change"_s, quiet}};
+}
+
+} // namespace korvel::sim
