@@ -3,11 +3,15 @@
 #include "simulator/files.h"
 #include "simulator/home_paths.h"
 
+#include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QRandomGenerator>
 
 #include <array>
+
+#include <sys/stat.h>
 
 namespace korvel::sim {
 
@@ -37,6 +41,8 @@ bool AgentConfig::change(const QJsonObject &patch) const {
     const auto content = readObject(path());
     if (!content && QFileInfo::exists(path()))
         return false;
+    QDir().mkpath(QFileInfo(folder).path());
+    ::mkdir(QFile::encodeName(folder).constData(), 0700); // it holds credentials
     const QJsonObject changed = mergePatch(content.value_or(QJsonObject{}), patch);
     return replaceFile(path(), QJsonDocument(changed).toJson(), 0600);
 }

@@ -15,6 +15,7 @@ QString HomePaths::toolLog() const { return state() + "/tools.jsonl"_L1; }
 QString HomePaths::agentLog() const { return state() + "/agent.jsonl"_L1; }
 QString HomePaths::openedLog() const { return state() + "/opened.jsonl"_L1; }
 QString HomePaths::portFile() const { return state() + "/port"_L1; }
+QString HomePaths::ownerLock() const { return state() + "/owner"_L1; }
 QString HomePaths::turns() const { return state() + "/turns"_L1; }
 QString HomePaths::jobs() const { return state() + "/launchd"_L1; }
 QString HomePaths::bundle() const { return home + "/Korvel.app"_L1; }

@@ -19,6 +19,7 @@ struct HomePaths {
     QString agentLog() const;     // agent.jsonl
     QString openedLog() const;    // opened.jsonl
     QString portFile() const;     // port: the reserved port as decimal text
+    QString ownerLock() const;    // owner: locked by the process that holds the home, if one does
     QString turns() const;        // turns/: how often limited faults happened
     QString jobs() const;         // launchd/: one folder per job label
     QString bundle() const;       // ~/Korvel.app

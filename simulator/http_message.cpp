@@ -30,7 +30,7 @@ QByteArray reasonOf(int status) {
 
 } // namespace
 
-QByteArray HttpRequest::path() const { return target.left(target.indexOf('?')); }
+QByteArray HttpRequest::path() const { return target.split('?').first(); }
 
 QByteArray HttpRequest::header(const QByteArray &name) const {
     for (const auto &[key, value] : headers)

@@ -1,6 +1,7 @@
 #include "simulator/job_supervisor.h"
 
 #include "simulator/files.h"
+#include "simulator/record_lock.h"
 #include "simulator/scenario.h"
 #include "simulator/unix_signals.h"
 
@@ -13,8 +14,6 @@
 #include <chrono>
 #include <csignal>
 
-#include <fcntl.h>
-
 namespace korvel::sim {
 
 using namespace Qt::StringLiterals;
@@ -24,15 +23,6 @@ namespace {
 
 constexpr int DEFAULT_THROTTLE_MS = 500;
 constexpr auto BEFORE_FORCE = 2s; // between SIGTERM and SIGKILL
-
-// Locks for as long as this process lives; false when another process holds it.
-bool lockForLife(const QString &path) {
-    const int file = ::open(QFile::encodeName(path).constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-    struct flock lock {};
-    lock.l_type = F_WRLCK;
-    lock.l_whence = SEEK_SET;
-    return file >= 0 && ::fcntl(file, F_SETLK, &lock) == 0;
-}
 
 void redirect(QProcess &program, const QString &outputPath, const QString &errorPath) {
     for (const QString &path : {outputPath, errorPath})
@@ -47,7 +37,8 @@ void redirect(QProcess &program, const QString &outputPath, const QString &error
 } // namespace
 
 JobSupervisor::JobSupervisor(HomePaths paths, JobFile job)
-    : paths(std::move(paths)), job(std::move(job)), place(this->paths, this->job.label) {
+    : paths(std::move(paths)), job(std::move(job)), place(this->paths, this->job.label),
+      owned(recordLockHolder(this->paths.ownerLock()) != 0) {
     configure();
     restart.setSingleShot(true);
     force.setSingleShot(true);
@@ -72,9 +63,10 @@ void JobSupervisor::configure() {
 }
 
 void JobSupervisor::begin() {
-    writeState();
     if (job.runAtLoad || job.keepAlive)
         launch();
+    else
+        writeState();
 }
 
 void JobSupervisor::start(bool kill) {
@@ -125,11 +117,14 @@ void JobSupervisor::onEnded() {
 }
 
 void JobSupervisor::endWhenHomeIsGone() {
-    if (!QFile::exists(place.lockFile()))
+    const bool ownerIsGone = owned && recordLockHolder(paths.ownerLock()) == 0;
+    if (ownerIsGone || !QFile::exists(place.lockFile()))
         finish();
 }
 
 void JobSupervisor::writeState() {
+    if (!QFile::exists(place.lockFile()))
+        return; // a home that is gone must not come back
     replaceFile(place.stateFile(), QJsonDocument(jobState(program.processId(), starts)).toJson());
 }
 
@@ -146,8 +141,8 @@ int superviseJob(const ProgramCall &call) {
         else
             supervisor.start(number == SIGUSR1);
     });
-    // Only now may others see the job as loaded: their signals are understood.
-    if (!lockForLife(LaunchJob(call.paths, job->label).lockFile()))
+    // Only now may others see the job as loaded: their signals are understood. Held until this process ends.
+    if (takeRecordLock(LaunchJob(call.paths, job->label).lockFile()) < 0)
         return 1;
     supervisor.begin();
     return QCoreApplication::exec();

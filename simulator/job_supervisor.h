@@ -34,6 +34,7 @@ private:
     HomePaths paths;
     JobFile job;
     LaunchJob place;
+    bool owned; // a process holds the home, and its end is ours
     After after = After::KeepAlive;
     int starts = 0;
     QProcess program;

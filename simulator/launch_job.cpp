@@ -2,6 +2,7 @@
 
 #include "simulator/files.h"
 #include "simulator/program_call.h"
+#include "simulator/record_lock.h"
 
 #include <QDeadlineTimer>
 #include <QDir>
@@ -11,7 +12,7 @@
 #include <cerrno>
 #include <csignal>
 
-#include <fcntl.h>
+#include <unistd.h>
 
 namespace korvel::sim {
 
@@ -44,21 +45,15 @@ QStringList LaunchJob::labels(const HomePaths &paths) {
     return QDir(paths.jobs()).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
 }
 
-pid_t LaunchJob::supervisor() const {
-    QFile file(lockFile());
-    if (!file.open(QIODevice::ReadOnly | QIODevice::ExistingOnly))
-        return 0;
-    struct flock lock {};
-    lock.l_type = F_WRLCK;
-    lock.l_whence = SEEK_SET;
-    if (::fcntl(file.handle(), F_GETLK, &lock) != 0 || lock.l_type == F_UNLCK)
-        return 0;
-    return lock.l_pid;
+pid_t LaunchJob::supervisor() const { return recordLockHolder(lockFile()); }
+
+QJsonObject LaunchJob::state() const {
+    const QJsonObject written = readObject(stateFile()).value_or(QJsonObject{});
+    const pid_t current = supervisor();
+    return current != 0 && written.value("supervisor"_L1).toInteger() == current ? written : QJsonObject{};
 }
 
-QJsonObject LaunchJob::state() const { return readObject(stateFile()).value_or(QJsonObject{}); }
-
-pid_t LaunchJob::process() const { return isLoaded() ? pid_t(state().value("process"_L1).toInteger()) : 0; }
+pid_t LaunchJob::process() const { return pid_t(state().value("process"_L1).toInteger()); }
 
 bool LaunchJob::isDisabled() const { return QFile::exists(folder + "/disabled"_L1); }
 
@@ -73,7 +68,6 @@ void LaunchJob::setDisabled(bool disabled) {
 bool LaunchJob::load(const QString &jobFile) {
     if (isLoaded() || !QDir().mkpath(folder))
         return false;
-    QFile::remove(stateFile());
     QProcess launchd;
     launchd.setProgram(standInRoot() + "/sbin/launchd"_L1);
     launchd.setArguments({label, jobFile});
@@ -84,7 +78,7 @@ bool LaunchJob::load(const QString &jobFile) {
     qint64 started = 0;
     if (!launchd.startDetached(&started))
         return false;
-    const auto settled = [&] { return supervisor() != 0 || !isRunning(pid_t(started)); };
+    const auto settled = [&] { return !state().isEmpty() || !isRunning(pid_t(started)); };
     return waitUntil(settled) && supervisor() == started;
 }
 
@@ -108,6 +102,8 @@ bool LaunchJob::start(bool kill) {
     return waitUntil([&] { return state().value("starts"_L1).toInt() > starts || supervisor() != process; });
 }
 
-QJsonObject jobState(qint64 process, int starts) { return {{u"process"_s, process}, {u"starts"_s, starts}}; }
+QJsonObject jobState(qint64 process, int starts) {
+    return {{u"supervisor"_s, qint64(::getpid())}, {u"process"_s, process}, {u"starts"_s, starts}};
+}
 
 } // namespace korvel::sim

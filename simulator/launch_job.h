@@ -27,7 +27,8 @@ public:
     bool isDisabled() const;
     void setDisabled(bool disabled);
 
-    // Starts a supervisor for a job file. False when the job is loaded already or the supervisor does not come up.
+    // Starts a supervisor for a job file, and the program when the file says so. False when the job is loaded already
+    // or the supervisor does not come up.
     bool load(const QString &jobFile);
     // Ends the program and the supervisor. False when it was not loaded or has not gone within 10 seconds.
     bool unload();
@@ -40,14 +41,14 @@ public:
 
 private:
     pid_t supervisor() const;
-    QJsonObject state() const;
+    QJsonObject state() const; // what the present supervisor wrote; empty when there is none
 
     QString label;
     QString folder;
 };
 
-// What the supervisor writes into the state file: the program's process id (0: does not run) and how often it was
-// started since the job was loaded.
+// What a supervisor writes into the state file: itself, its program's process id (0: does not run) and how often that
+// was started since the job was loaded.
 QJsonObject jobState(qint64 process, int starts);
 
 } // namespace korvel::sim

@@ -51,7 +51,7 @@ QList<ProcessInfo> processesOfHome(const QString &home) {
             continue;
         int count = 0;
         std::memcpy(&count, bytes.constData(), sizeof count);
-        qsizetype at = bytes.indexOf('\0', sizeof count);
+        qsizetype at = bytes.indexOf('\0', qsizetype(sizeof count));
         while (at >= 0 && at < bytes.size() && bytes[at] == '\0')
             ++at;
         QList<QByteArray> words = at < 0 ? QList<QByteArray>() : bytes.mid(at).split('\0');

@@ -11,13 +11,15 @@ public:
     // Creates `directory` and its parents where missing, and reserves a loopback port for the agent until destruction:
     // nobody else is given it meanwhile. A home that is there already is taken over with its scenario and logs.
     explicit SimulatedHome(const QString &directory);
-    // Calls shutDown(). The directory and its files stay.
+    // Calls shutDown(). The directory and its files stay. Should this process end without it, the jobs of the home end
+    // by themselves within seconds.
     ~SimulatedHome();
     SimulatedHome(const SimulatedHome &) = delete;
     SimulatedHome &operator=(const SimulatedHome &) = delete;
 
 private:
     int reservation; // a socket bound to the port that never listens
+    int ownerLock;
 };
 
 } // namespace korvel::sim

@@ -1,0 +1,124 @@
+#include "home_fixture.h"
+
+#include "simulator/files.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+
+namespace korvel::sim {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class AgentTest : public HomeTest {
+protected:
+    Run login(const QByteArray &request) { return run(home.agentProgram(), {u"login"_s, u"--stdin-json"_s}, request); }
+    void setLogin(const QString &operation, const QJsonObject &entry) {
+        home.setScenario({{u"login"_s, QJsonObject{{operation, entry}}}});
+    }
+    Run agent(const QString &command) { return run(home.agentProgram(), {command}); }
+};
+
+} // namespace
+
+TEST_F(AgentTest, RunningMakesATokenAndKeepsWhatElseIsInTheConfiguration) {
+    ASSERT_TRUE(startAgent());
+    const QByteArray made = token();
+    EXPECT_FALSE(made.isEmpty());
+    EXPECT_EQ(config().value("username"_L1), QJsonValue(u"sam@example.com"_s));
+    EXPECT_EQ(QFileInfo(home.configPath()).permissions() & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions());
+    EXPECT_EQ(home.launchctl({u"kickstart"_s, u"-k"_s, target}), 0);
+    EXPECT_TRUE(eventually([&] { return health().end == End::Answered; }));
+    EXPECT_EQ(token(), made);
+}
+
+TEST_F(AgentTest, ConfigurationThatIsNoObjectIsLeftAsItIs) {
+    const QByteArray broken = "{\"agentToken\": \"hal";
+    ASSERT_TRUE(replaceFile(home.configPath(), broken));
+    EXPECT_FALSE(home.signIn(u"kim"_s));
+    ASSERT_TRUE(startAgent());
+    QFile file(home.configPath());
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), broken);
+}
+
+TEST_F(AgentTest, RefusingAgentExitsAndDyingAgentIsStartedAgain) {
+    home.setScenario({{u"agent"_s, QJsonObject{{u"refuse"_s, true}}}});
+    EXPECT_EQ(agent(u"run"_s).status, 1);
+    home.setScenario(
+        {{u"agent"_s, QJsonObject{{u"dieAfterMs"_s, 50}}}, {u"launchd"_s, QJsonObject{{u"throttleMs"_s, 10}}}});
+    ASSERT_EQ(home.launchctl({u"bootstrap"_s, domain, home.jobFilePath()}), 0);
+    EXPECT_TRUE(eventually([&] { return home.agentCalls().size() >= 4; })) << "restarted time and again";
+}
+
+TEST_F(AgentTest, SecondAgentOnTheSamePortGivesUp) {
+    ASSERT_TRUE(startAgent());
+    const Run second = agent(u"run"_s);
+    EXPECT_EQ(second.status, 1);
+    EXPECT_TRUE(second.error.contains("cannot listen"));
+}
+
+TEST_F(AgentTest, LoginSignsInByDefaultAndLogsNoPassword) {
+    home.signOut();
+    const Run run = login(R"({"op":"login","username":"kim","password":"hunter2"})");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.output, "{\"ok\":true}\n");
+    EXPECT_EQ(config().value("username"_L1), QJsonValue(u"kim"_s));
+    EXPECT_FALSE(config().value("agentToken"_L1).toString().isEmpty());
+    const QJsonObject logged = home.agentCalls().last().value("input"_L1).toObject();
+    EXPECT_EQ(logged, (QJsonObject{{u"op"_s, u"login"_s}, {u"username"_s, u"kim"_s}, {u"password"_s, u"***"_s}}));
+}
+
+TEST_F(AgentTest, LoginPlaysTheEntryOfItsOperation) {
+    setLogin(u"send-code"_s, {{u"reply"_s, QJsonObject{{u"ok"_s, false}, {u"error"_s, u"late"_s}}},
+                              {u"noise"_s, QJsonArray{u"one"_s, u"{two"_s}},
+                              {u"exit"_s, 7}});
+    const Run coded = login(R"({"op":"send-code"})");
+    EXPECT_EQ(coded.status, 7);
+    EXPECT_EQ(coded.output, "one\n{two\n{\"error\":\"late\",\"ok\":false}\n");
+
+    setLogin(u"*"_s, {{u"silent"_s, true}});
+    home.signOut();
+    EXPECT_EQ(login(R"({"op":"login","username":"kim"})").output, "");
+    EXPECT_FALSE(config().contains("agentToken"_L1));
+    EXPECT_EQ(login("[1]").status, 1);
+}
+
+TEST_F(AgentTest, HangingLoginEndsWithItsHome) {
+    setLogin(u"login"_s, {{u"hang"_s, true}, {u"noise"_s, QJsonArray{u"started"_s}}});
+    QProcess process;
+    process.setProcessEnvironment(home.environment());
+    process.start(home.agentProgram(), {u"login"_s, u"--stdin-json"_s});
+    process.write(R"({"op":"login"})");
+    process.closeWriteChannel();
+    ASSERT_TRUE(process.waitForReadyRead(20'000));
+    EXPECT_TRUE(process.state() == QProcess::Running);
+    EXPECT_TRUE(home.shutDown());
+    EXPECT_TRUE(process.waitForFinished(20'000));
+}
+
+TEST_F(AgentTest, InstallServiceWritesTheJobFileAndLoadsTheJob) {
+    ASSERT_TRUE(QFile::remove(home.jobFilePath()));
+    home.launchctl({u"disable"_s, target});
+    EXPECT_EQ(agent(u"install-service"_s).status, 0);
+    EXPECT_TRUE(eventually([&] { return health().end == End::Answered; })) << "on the port of this home";
+    EXPECT_EQ(agent(u"install-service"_s).status, 0) << "installing again is fine";
+}
+
+TEST_F(AgentTest, InstallationFailsAsTheScenarioSays) {
+    ASSERT_TRUE(QFile::remove(home.jobFilePath()));
+    home.setScenario({{u"installService"_s, QJsonObject{{u"status"_s, 3}}},
+                      {u"installHooks"_s, QJsonObject{{u"status"_s, 4}, {u"stderr"_s, u"no hooks"_s}}}});
+    EXPECT_EQ(agent(u"install-service"_s).status, 3);
+    EXPECT_FALSE(QFile::exists(home.jobFilePath()));
+    const Run hooks = agent(u"install-hooks"_s);
+    EXPECT_EQ(hooks.status, 4);
+    EXPECT_EQ(hooks.error, "no hooks");
+    home.changeScenario({{u"installService"_s, QJsonObject{{u"writes"_s, true}}}});
+    EXPECT_EQ(agent(u"install-service"_s).status, 3);
+    EXPECT_TRUE(QFile::exists(home.jobFilePath()));
+}
+
+} // namespace korvel::sim
