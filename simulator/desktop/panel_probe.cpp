@@ -196,7 +196,8 @@ bool PanelProbe::attach(const QString &registered, qint64 pid) {
 
 QDBusMessage PanelProbe::call(const QString &path, const QString &interface, const QString &method,
                               const QList<QVariant> &arguments) const {
-    return itemService.isEmpty() ? QDBusMessage() : ask(bus, itemService, path, interface, method, arguments);
+    return itemService.isEmpty() || path.isEmpty() ? QDBusMessage()
+                                                   : ask(bus, itemService, path, interface, method, arguments);
 }
 
 } // namespace korvel::sim

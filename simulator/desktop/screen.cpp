@@ -86,9 +86,7 @@ qint64 statusAreaProcess() {
     return window.isEmpty() ? 0 : xdotool({u"getwindowpid"_s, window}).trimmed().toLongLong();
 }
 
-void movePointer(QPoint to) {
-    xdotool({u"mousemove"_s, u"--sync"_s, QString::number(to.x()), QString::number(to.y())});
-}
+void movePointer(QPoint to) { xdotool({u"mousemove"_s, QString::number(to.x()), QString::number(to.y())}); }
 
 void clickButton(int button) { xdotool({u"click"_s, QString::number(button)}); }
 

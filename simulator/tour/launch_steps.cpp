@@ -40,6 +40,8 @@ QString start(Tour &tour, Icons &icons) {
         return u"the item offers no icon"_s;
     if (item->toolTipTitle != u"Korvel"_s)
         return u"the tooltip reads "_s + item->toolTipTitle;
+    if (!tour.waitForItemOnScreen())
+        return u"the panel shows no icon"_s;
     return tour.screenshot(u"starting"_s) ? QString() : u"no screenshot"_s;
 }
 

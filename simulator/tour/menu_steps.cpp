@@ -30,12 +30,11 @@ QString openWith(Tour &tour, int button, qint64 owner, const QString &name) {
     clickButton(button);
     if (!tour.waitUntil([&] { return showsMenu(owner); }, MENU_WITHIN))
         return u"no menu opened"_s;
-    // A window is there before it is painted; the same picture twice means that it is.
-    QImage last;
-    tour.waitUntil([&] { return last == std::exchange(last, grabScreen()); }, MENU_WITHIN);
+    tour.waitForRest({}); // a window is there before it is painted
     if (!tour.screenshot(name))
         return u"no screenshot"_s;
     pressKey(u"Escape"_s);
+    movePointer(grabScreen().rect().center());
     return tour.waitUntil([&] { return !showsMenu(owner); }, MENU_WITHIN) ? QString() : u"Escape does not close it"_s;
 }
 

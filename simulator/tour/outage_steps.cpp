@@ -30,6 +30,10 @@ QString die(Tour &tour) {
     tour.waitUntil([&] { return tour.time() > STARTING_WINDOW + 1s; }, STARTING_WINDOW + 1s);
     tour.home().changeScenario({{u"launchd"_s, QJsonObject{{u"throttleMs"_s, RESTART_AFTER_MS}}},
                                 {u"agent"_s, QJsonObject{{u"startDelayMs"_s, 0}}}});
+    // Right after an answer, so that the tray learns of it as late as it ever does.
+    const auto polled = tour.home().requests().size();
+    if (!tour.waitUntil([&] { return tour.home().requests().size() > polled; }, POLL_EVERY + SLACK))
+        return u"the agent is not polled"_s;
     const auto killed = tour.time();
     if (!tour.home().killAgent(SIGKILL))
         return u"no agent runs"_s;

@@ -11,11 +11,14 @@ namespace korvel::sim {
 namespace {
 
 constexpr auto NOTICE_WITHIN = 2s;
+constexpr auto NOTICE_STAYS = 4s;
 
 // Stopping the job (6 s at most) or starting it, then the poll that reports it.
 constexpr auto TOGGLED_WITHIN = 12s;
 
 QString choose(Tour &tour, const QString &entry, const QString &line, const QString &name) {
+    if (!tour.waitUntil([&] { return !tour.notice(); }, NOTICE_STAYS))
+        return u"an earlier notice stays"_s;
     if (!tour.panel().open() || !tour.panel().click(entry))
         return u"the menu has no entry "_s + entry;
     if (!tour.waitForLine(line, TOGGLED_WITHIN))

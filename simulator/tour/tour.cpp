@@ -20,6 +20,7 @@ namespace {
 constexpr auto ITEM_WITHIN = 10s;
 constexpr auto PANEL_REACTS_WITHIN = 3s;
 constexpr int END_WITHIN_MS = 5000;
+constexpr int RESTS_AFTER_MS = 150;
 
 // A notice hangs from the middle of the top edge, this far below the panel at most (in points).
 constexpr int NOTICE_TOP = 60;
@@ -27,6 +28,17 @@ constexpr int NOTICE_OFF_CENTRE = 4;
 
 // The dark of a notice's background, drawn over whatever is behind it.
 bool isDark(QRgb colour) { return qGray(colour) < 80; }
+
+// Whether there is more than a plain background.
+bool isPainted(const QImage &area) {
+    for (int y = 0; y < area.height(); ++y) {
+        for (int x = 0; x < area.width(); ++x) {
+            if (area.pixel(x, y) != area.pixel(0, 0))
+                return true;
+        }
+    }
+    return false;
+}
 
 void addLanguage(QProcessEnvironment &environment, TourLanguage language) {
     environment.insert(u"LANGUAGE"_s, language == TourLanguage::Chinese ? u"zh_CN:zh"_s : u"en_US:en"_s);
@@ -94,11 +106,31 @@ std::optional<QRect> Tour::notice() const {
     return std::nullopt;
 }
 
+bool Tour::waitForRest(const QRect &part) {
+    QImage last;
+    QElapsedTimer unchanged;
+    const auto rests = [&] {
+        const QImage now = grabScreen(part);
+        if (now != std::exchange(last, now))
+            unchanged.start();
+        return unchanged.hasExpired(RESTS_AFTER_MS);
+    };
+    return waitUntil(rests, PANEL_REACTS_WITHIN);
+}
+
+bool Tour::waitForItemOnScreen() {
+    const auto shown = [] {
+        const QRect area = statusArea();
+        return !area.isEmpty() && isPainted(grabScreen(area));
+    };
+    return waitUntil(shown, PANEL_REACTS_WITHIN);
+}
+
 bool Tour::pointAtItem() {
-    QRect area;
-    if (!waitUntil([&] { return !(area = statusArea()).isEmpty(); }, PANEL_REACTS_WITHIN))
-        return false;
     movePointer(grabScreen().rect().center());
+    if (!waitForItemOnScreen() || !waitForRest(statusArea()))
+        return false;
+    const QRect area = statusArea();
     const QImage before = grabScreen(area);
     movePointer(area.center());
     return waitUntil([&] { return grabScreen(area) != before; }, PANEL_REACTS_WITHIN);

@@ -53,6 +53,10 @@ public:
 
     // The notice on the screen, fully painted; nothing while there is none.
     std::optional<QRect> notice() const;
+    // Waits until a part of the screen has not changed for a while, as after a fade. False if it never rests.
+    bool waitForRest(const QRect &part);
+    // Waits until the panel has painted the status item.
+    bool waitForItemOnScreen();
     // Moves the pointer to the status item and waits until the panel shows that it is there. False if it never does.
     bool pointAtItem();
     // Saves the screen under that name. False when it cannot be saved.
