@@ -48,10 +48,10 @@ bool AgentConfig::change(const QJsonObject &patch) const {
 }
 
 QString AgentConfig::ensureLocalToken() const {
-    const QString stored = read().value("localToken"_L1).toString();
+    QString stored = read().value("localToken"_L1).toString();
     if (!stored.isEmpty())
         return stored;
-    const QString made = randomHex();
+    QString made = randomHex();
     change({{u"localToken"_s, made}});
     return made;
 }

@@ -19,7 +19,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qint64 LARGEST_INPUT = 1024 * 1024;
+constexpr qint64 LARGEST_INPUT = 1 << 20;
 
 QJsonValue withoutPasswords(const QJsonValue &value) {
     if (value.isArray()) {

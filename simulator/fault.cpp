@@ -80,7 +80,7 @@ void sendHuge(HttpConnection &connection, qint64 length) {
     auto left = std::make_shared<qint64>(std::max(length - start.size() - end.size(), qint64(0)));
     auto context = new QObject(&connection);
     const auto more = [&connection, left, end, context] {
-        constexpr qint64 BLOCK = 256 * 1024;
+        constexpr qint64 BLOCK = 256 << 10;
         while (*left > 0 && connection.socket().bytesToWrite() < BLOCK) {
             const qint64 size = std::min(*left, BLOCK);
             connection.socket().write(QByteArray(size, 'k'));

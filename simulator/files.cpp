@@ -16,7 +16,7 @@ namespace korvel::sim {
 
 namespace {
 
-constexpr qint64 LARGEST_OBJECT_FILE = 8 * 1024 * 1024;
+constexpr qint64 LARGEST_OBJECT_FILE = 8 << 20;
 
 bool makeFolderOf(const QString &path) { return QDir().mkpath(QFileInfo(path).path()); }
 

@@ -6,8 +6,8 @@ namespace korvel::sim {
 
 namespace {
 
-constexpr qsizetype LARGEST_HEAD = 64 * 1024;
-constexpr qint64 LARGEST_BODY = 1024 * 1024;
+constexpr qsizetype LARGEST_HEAD = 64 << 10;
+constexpr qint64 LARGEST_BODY = 1 << 20;
 
 QByteArray reasonOf(int status) {
     switch (status) {

@@ -9,7 +9,7 @@ namespace korvel::sim {
 
 namespace {
 
-constexpr qint64 LARGEST_BACKLOG = 2 * 1024 * 1024; // what a client may send before its last request is answered
+constexpr qint64 LARGEST_BACKLOG = 2 << 20; // what a client may send before its last request is answered
 
 } // namespace
 

@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qint64 LARGEST_JOB_FILE = 1024 * 1024;
+constexpr qint64 LARGEST_JOB_FILE = 1 << 20;
 constexpr int DEEPEST_VALUE = 32;
 
 QJsonValue readValue(QXmlStreamReader &xml, int depth);

@@ -28,14 +28,17 @@ void StatusItemLinux::show(Events e) {
     if (!bus.isConnected())
         return;
     watcher = std::make_unique<QDBusServiceWatcher>(WATCHER, bus, QDBusServiceWatcher::WatchForRegistration);
-    QObject::connect(watcher.get(), &QDBusServiceWatcher::serviceRegistered, watcher.get(), [this] { hostAppeared(); });
-    if (bus.interface()->isServiceRegistered(WATCHER))
-        hostAppeared();
+    QObject::connect(watcher.get(), &QDBusServiceWatcher::serviceRegistered, watcher.get(), [this] {
+        hasHost = true;
+        putIntoPanel();
+    });
+    hasHost = bus.interface()->isServiceRegistered(WATCHER);
+    putIntoPanel();
 }
 
-void StatusItemLinux::hostAppeared() {
-    // Qt itself registers again with a host that restarts.
-    if (tray)
+void StatusItemLinux::putIntoPanel() {
+    // Once: Qt itself registers again with a host that restarts.
+    if (tray || !hasHost || !icon)
         return;
     tray = std::make_unique<QSystemTrayIcon>();
     tray->setContextMenu(&exported->menu());
@@ -44,17 +47,15 @@ void StatusItemLinux::hostAppeared() {
         if (r == QSystemTrayIcon::Trigger)
             popup->menu().popup(QCursor::pos());
     });
-    if (icon) {
-        tray->setIcon(panelIcon(*icon));
-        tray->setToolTip(icon->toolTip);
-    }
+    tray->setIcon(panelIcon(*icon));
+    tray->setToolTip(icon->toolTip);
     tray->show();
 }
 
 void StatusItemLinux::apply(const IconView &view) {
     const std::optional<IconView> before = std::exchange(icon, view);
     if (!tray)
-        return;
+        return putIntoPanel();
     if (!before || before->on != view.on || before->dimmed != view.dimmed)
         tray->setIcon(panelIcon(view));
     if (!before || before->toolTip != view.toolTip)

@@ -25,15 +25,16 @@ public:
     void apply(const MenuView &view) override;
 
 private:
-    void hostAppeared();
+    void putIntoPanel();
 
     Events events;
+    bool hasHost = false;
     std::optional<IconView> icon;
     std::unique_ptr<QDBusServiceWatcher> watcher;
     // A panel shows the exported menu, a left click the program's own: the two write their titles differently.
     std::unique_ptr<MenuWidget> exported;
     std::unique_ptr<MenuWidget> popup;
-    std::unique_ptr<QSystemTrayIcon> tray; ///< None until a tray host is there.
+    std::unique_ptr<QSystemTrayIcon> tray; ///< None until there are a tray host and an icon.
 };
 
 } // namespace korvel

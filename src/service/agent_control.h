@@ -50,7 +50,4 @@ private:
     Alive alive;
 };
 
-/// For how long a job that was just started counts as starting.
-constexpr auto STARTING_GRACE = std::chrono::seconds(25);
-
 } // namespace korvel

@@ -2,7 +2,6 @@
 
 #include "account/server_rules.h"
 #include "app/wording.h"
-#include "service/agent_control.h"
 
 namespace korvel {
 

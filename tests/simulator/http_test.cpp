@@ -93,7 +93,7 @@ TEST_F(AgentHttpTest, FaultsReachTheWireAsTheScenarioSays) {
     }
 }
 
-TEST_F(AgentHttpTest, HugeAnswerDoesNotGrowTheAgent) {
+TEST_F(AgentHttpTest, HugeAnswerMayBeLeftInTheMiddle) {
     ASSERT_TRUE(startAgent());
     setFault({{u"mode"_s, u"huge"_s}});
     constexpr qsizetype PART = 30'000'000;

@@ -1,0 +1,203 @@
+#pragma once
+
+#include "app/paths.h"
+#include "app/wording.h"
+#include "platform/desktop.h"
+#include "platform/http_client.h"
+#include "platform/notice_panel.h"
+#include "platform/programs.h"
+#include "platform/status_item.h"
+#include "service/service_control.h"
+#include "status/icon_view.h"
+#include "ui/edit_menu.h"
+#include "ui/menu_entry.h"
+#include "ui/notice_view.h"
+
+#include <QDir>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+#include <deque>
+#include <functional>
+#include <gtest/gtest.h>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+// GoogleTest prints these in its messages.
+inline void PrintTo(const QString &text, std::ostream *out) { *out << '"' << text.toStdString() << '"'; }
+inline void PrintTo(const QStringList &list, std::ostream *out) {
+    *out << list.join(QStringLiteral(" | ")).toStdString();
+}
+
+namespace korvel::test {
+
+/// Sets the language of all texts for the life of the scope.
+class LanguageScope {
+public:
+    explicit LanguageScope(bool chinese) : before(ZH) { ZH = chinese; }
+    ~LanguageScope() { ZH = before; }
+
+private:
+    bool before;
+};
+
+inline Deployment testDeployment(const QString &edition = QStringLiteral("cn")) {
+    return {.version = QStringLiteral("1.2.3"),
+            .edition = edition,
+            .cnServer = QStringLiteral("cn.example:443"),
+            .intlServers = {QStringLiteral("intl.example:443"), QStringLiteral("192.0.2.1:443"),
+                            QStringLiteral("192.0.2.2:443"), QStringLiteral("192.0.2.3:8443")},
+            .site = QStringLiteral("https://site.example"),
+            .updatePubkey = QString()};
+}
+
+/// A home directory of its own, with what the tray reads in it.
+class TestHome {
+    QTemporaryDir folder;
+
+public:
+    QString home() const { return folder.path(); }
+    FixedConfig fixed = makeFixedConfig(testDeployment(), {.preferredLanguages = {},
+                                                           .home = folder.path(),
+                                                           .hookPort = std::nullopt,
+                                                           .korvelHome = std::nullopt,
+                                                           .automation = std::nullopt});
+    Paths paths = makePaths(fixed, folder.path(), 501);
+
+    void write(const QString &path, const QByteArray &content) const {
+        QDir().mkpath(QFileInfo(path).absolutePath());
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(content);
+    }
+    void writeConfig(const QByteArray &json) const { write(paths.agentCfg, json); }
+    void bind() const { writeConfig(R"({"agentToken":"t","username":"ann","localToken":"secret"})"); }
+    void installJobFile() const { write(paths.agentPlist, "<plist/>"); }
+};
+
+/// An HttpClient whose answers the test gives: at once, late, out of order, never.
+class ScriptedHttp final : public HttpClient {
+public:
+    struct Sent {
+        HttpRequest request;
+        Done<HttpReply> done;
+    };
+    void send(HttpRequest request, Done<HttpReply> done) override {
+        ++count;
+        if (answer)
+            return done(answer(request));
+        open.push_back({std::move(request), std::move(done)});
+    }
+    /// Answers the request number `index` of those that are open.
+    void reply(size_t index, Result<HttpReply> result) {
+        Sent sent = std::move(open.at(index));
+        open.erase(open.begin() + static_cast<std::ptrdiff_t>(index));
+        sent.done(std::move(result));
+    }
+    std::function<Result<HttpReply>(const HttpRequest &)> answer; ///< Where set, every request is answered at once.
+    std::deque<Sent> open;
+    int count = 0;
+};
+
+inline Result<HttpReply> json(const QByteArray &body) { return HttpReply{200, body}; }
+inline Result<HttpReply> noAnswer() { return Error{ErrorKind::Unreachable, {}}; }
+
+/// A service manager with one job, or that fails as told.
+class FakeServices final : public ServiceControl {
+public:
+    bool print(const QString &label) override { return call(QStringLiteral("print ") + label, loaded); }
+    bool bootstrap(const QString &jobFile) override {
+        const bool good = !loaded && failBootstraps-- <= 0;
+        loaded = loaded || good;
+        return call(QStringLiteral("bootstrap ") + QFileInfo(jobFile).fileName(), good);
+    }
+    bool bootout(const QString &label) override {
+        if (!stuck && label == u"com.korvel.agent")
+            loaded = false;
+        return call(QStringLiteral("bootout ") + label, true);
+    }
+    bool enable(const QString &label) override { return call(QStringLiteral("enable ") + label, true); }
+    bool disable(const QString &label) override { return call(QStringLiteral("disable ") + label, true); }
+    bool kickstart(const QString &label) override { return call(QStringLiteral("kickstart ") + label, loaded); }
+
+    bool loaded = false;
+    bool stuck = false;     ///< The job never goes away.
+    int failBootstraps = 0; ///< So many attempts fail first.
+    QStringList calls;
+
+private:
+    bool call(const QString &what, bool result) {
+        calls.append(what);
+        return result;
+    }
+};
+
+class RecordedPrograms final : public Programs {
+public:
+    ProgramResult run(const ProgramRun &request) override {
+        runs.push_back(request);
+        return result;
+    }
+    std::vector<ProgramRun> runs;
+    ProgramResult result{.status = 0, .launched = true, .output = {}, .launchError = {}};
+};
+
+class ScriptedDesktop final : public Desktop {
+public:
+    void openUrl(const QString &url) override { opened.append(url); }
+    bool optionKeyHeld() const override { return option; }
+    void installEditMenu(const QList<EditMenuItem> &items) override { editMenu = items; }
+    void terminate() override { ++terminated; }
+
+    QStringList opened;
+    bool option = false;
+    QList<EditMenuItem> editMenu;
+    int terminated = 0;
+};
+
+/// Remembers what the menu bar shows and how often it was told.
+class RecordedItem final : public StatusItem {
+public:
+    void show(Events e) override { events = std::move(e); }
+    void apply(const IconView &view) override {
+        icon = view;
+        ++iconChanges;
+    }
+    void apply(const MenuView &view) override {
+        menu = view;
+        ++menuChanges;
+    }
+    QString statusLine() const { return menu.entries.value(0).title; }
+    MenuEntry entry(Action action) const {
+        for (const MenuEntry &e : menu.entries)
+            if (e.action == action)
+                return e;
+        return {};
+    }
+    void choose(Action action) { events.chosen(entry(action)); }
+
+    Events events;
+    IconView icon;
+    MenuView menu;
+    int iconChanges = 0;
+    int menuChanges = 0;
+};
+
+class RecordedNotices final : public NoticePanel {
+public:
+    void show(const NoticeView &view, std::function<void()> onClick) override {
+        shown.push_back(view);
+        visible = true;
+        click = std::move(onClick);
+    }
+    void hide() override { visible = false; }
+    QString last() const { return shown.empty() ? QString() : shown.back().text; }
+
+    std::vector<NoticeView> shown;
+    bool visible = false;
+    std::function<void()> click;
+};
+
+} // namespace korvel::test

@@ -1,0 +1,54 @@
+#include "support/manual_scheduler.h"
+
+namespace korvel::test {
+
+Timer ManualScheduler::after(milliseconds delay, UniqueFunction<void()> f) {
+    auto handle = std::make_shared<int>();
+    due.emplace(clock + delay, Entry{handle, std::make_shared<UniqueFunction<void()>>(std::move(f))});
+    return Timer(handle);
+}
+
+Timer ManualScheduler::every(milliseconds period, UniqueFunction<void()> f) {
+    auto handle = std::make_shared<int>();
+    due.emplace(clock + period, Entry{handle, std::make_shared<UniqueFunction<void()>>(std::move(f)), period});
+    return Timer(handle);
+}
+
+void ManualScheduler::runInBackground(UniqueFunction<void()> work, UniqueFunction<void()> then) {
+    background.push_back({std::move(work), std::move(then)});
+}
+
+void ManualScheduler::holdBackground(bool hold) {
+    held = hold;
+    if (!hold)
+        settle();
+}
+
+void ManualScheduler::runBackground() {
+    while (!held && !background.empty()) {
+        Job job = std::move(background.front());
+        background.pop_front();
+        ++started;
+        job.work();
+        job.then();
+    }
+}
+
+void ManualScheduler::advance(milliseconds by) {
+    const Instant end = clock + by;
+    runBackground();
+    while (!due.empty() && due.begin()->first <= end) {
+        auto node = due.extract(due.begin());
+        clock = node.key();
+        Entry entry = node.mapped();
+        if (entry.alive.expired())
+            continue;
+        if (entry.period > 0ms)
+            due.emplace(clock + entry.period, entry);
+        (*entry.f)();
+        runBackground();
+    }
+    clock = end;
+}
+
+} // namespace korvel::test

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "platform/scheduler.h"
+
+#include <deque>
+#include <map>
+
+namespace korvel::test {
+
+/// A Scheduler whose time only passes in advance(). What is due runs in time order, ties first in, first out.
+/// Background work runs as soon as the main queue gets to it, or waits while held.
+class ManualScheduler final : public Scheduler {
+public:
+    Instant now() const override { return clock; }
+    Timer after(milliseconds delay, UniqueFunction<void()> f) override;
+    Timer every(milliseconds period, UniqueFunction<void()> f) override;
+    void runInBackground(UniqueFunction<void()> work, UniqueFunction<void()> then) override;
+
+    void advance(milliseconds by);
+    /// Runs what is due now.
+    void settle() { advance(0ms); }
+    /// While true, background work does not run: a program that hangs.
+    void holdBackground(bool hold);
+    size_t backgroundWaiting() const { return background.size(); }
+    size_t backgroundStarted() const { return started; }
+
+private:
+    struct Entry {
+        std::weak_ptr<void> alive;
+        std::shared_ptr<UniqueFunction<void()>> f;
+        milliseconds period{0};
+    };
+    struct Job {
+        UniqueFunction<void()> work;
+        UniqueFunction<void()> then;
+    };
+    void runBackground();
+
+    Instant clock = Instant(std::chrono::hours(1000));
+    std::multimap<Instant, Entry> due;
+    std::deque<Job> background;
+    size_t started = 0;
+    bool held = false;
+};
+
+} // namespace korvel::test

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "app/tray_app.h"
+#include "support/fakes.h"
+#include "support/manual_scheduler.h"
+
+#include <memory>
+
+namespace korvel::test {
+
+/// A whole TrayApp on scripted ports and a virtual clock.
+struct TrayFixture : ::testing::Test {
+    TestHome home;
+    ManualScheduler scheduler;
+    ScriptedHttp http;
+    FakeServices services;
+    RecordedPrograms programs;
+    ScriptedDesktop desktop;
+    RecordedItem item;
+    RecordedNotices notices;
+    FeatureHooks features;
+    std::unique_ptr<TrayApp> tray;
+
+    /// A Mac bound to an account with the agent's job loaded.
+    void installAndBind() {
+        home.bind();
+        home.installJobFile();
+        services.loaded = true;
+    }
+    void makeTray() {
+        tray = std::make_unique<TrayApp>(
+            home.fixed, home.paths, TrayPorts{scheduler, http, programs, services, desktop, item, notices}, features);
+    }
+    void launch() {
+        makeTray();
+        tray->launch(QStringLiteral("/opt/Korvel.app/Contents/MacOS/korvel-tray"));
+        scheduler.settle();
+    }
+    void agentAnswers(const QByteArray &body) {
+        http.answer = [body](const HttpRequest &) { return json(body); };
+    }
+    void agentIsSilent() {
+        http.answer = [](const HttpRequest &) { return noAnswer(); };
+    }
+    const HealthState &health() const { return tray->currentState().health; }
+};
+
+inline const QByteArray ONLINE = R"({"ok":true,"online":true,"account":"ann","sessions":1})";
+inline const QByteArray OFFLINE = R"({"ok":true,"online":false,"account":"ann"})";
+inline const QByteArray SIGNED_OUT = R"({"ok":true,"online":false,"account":"ann","authDead":true})";
+
+} // namespace korvel::test

@@ -1,0 +1,65 @@
+#include "app/fixed_config.h"
+
+#include "support/fakes.h"
+
+using namespace Qt::StringLiterals;
+
+namespace korvel::test {
+namespace {
+
+LaunchEnvironment environment() {
+    return {.preferredLanguages = {u"en-US"_s},
+            .home = u"/Users/ann"_s,
+            .hookPort = std::nullopt,
+            .korvelHome = std::nullopt,
+            .automation = std::nullopt};
+}
+
+TEST(FixedConfig, TextsFollowTheFirstPreferredLanguageAlone) {
+    EXPECT_TRUE(prefersChinese({u"zh-Hans-CN"_s, u"en"_s}));
+    EXPECT_TRUE(prefersChinese({u"ZH-TW"_s}));
+    EXPECT_FALSE(prefersChinese({u"en-US"_s, u"zh-Hans"_s}));
+    EXPECT_FALSE(prefersChinese({}));
+}
+
+TEST(FixedConfig, TheEditionChoosesServerAndPagesButNotTheLanguage) {
+    const FixedConfig cn = makeFixedConfig(testDeployment(u"cn"_s), environment());
+    EXPECT_TRUE(cn.IS_CN);
+    EXPECT_EQ(cn.EDITION_MARK, u"korvel-tray-edition=cn"_s);
+    EXPECT_EQ(cn.DEFAULT_SERVER, u"cn.example:443"_s);
+    EXPECT_EQ(cn.SITE_URL, u"https://site.example/zh"_s);
+    EXPECT_EQ(cn.TERMS_URL, u"https://site.example/cn/terms"_s);
+    EXPECT_FALSE(cn.ZH);
+
+    const FixedConfig intl = makeFixedConfig(testDeployment(u"intl"_s), environment());
+    EXPECT_FALSE(intl.IS_CN);
+    EXPECT_EQ(intl.DEFAULT_SERVER, u"intl.example:443"_s);
+    EXPECT_EQ(intl.OFFICIAL_SERVERS.value(u"intl"_s).size(), 4);
+    EXPECT_EQ(intl.OFFICIAL_SERVERS.value(u"cn"_s), QStringList{u"cn.example:443"_s});
+}
+
+TEST(FixedConfig, EnvironmentValuesAreTakenAsTheyStand) {
+    LaunchEnvironment e = environment();
+    const FixedConfig defaults = makeFixedConfig(testDeployment(), e);
+    EXPECT_EQ(defaults.AGENT_LOCAL, u"http://127.0.0.1:8790"_s);
+    EXPECT_EQ(defaults.KORVEL_HOME, u"/Users/ann/.korvel"_s);
+
+    e.hookPort = u""_s;
+    e.korvelHome = u"/data"_s;
+    const FixedConfig set = makeFixedConfig(testDeployment(), e);
+    EXPECT_EQ(set.AGENT_LOCAL, u"http://127.0.0.1:"_s);
+    EXPECT_EQ(set.KORVEL_HOME, u"/data"_s);
+}
+
+TEST(Wording, AnAgentsErrorIsShownUnchangedAndAnythingElseGetsTheFallback) {
+    for (const bool chinese : {false, true}) {
+        const LanguageScope language(chinese);
+        const QString fallback = L(u"Korvel 未响应，请稍后重试", u"Korvel isn't responding. Try again later.");
+        EXPECT_EQ(errText(std::nullopt), fallback);
+        EXPECT_EQ(errText(QJsonObject{{u"error"_s, 5}}), fallback);
+        EXPECT_EQ(errText(QJsonObject{{u"error"_s, u"Zu spät"_s}}), u"Zu spät"_s);
+    }
+}
+
+} // namespace
+} // namespace korvel::test

@@ -1,0 +1,176 @@
+#include "support/tray_fixture.h"
+
+using namespace Qt::StringLiterals;
+
+namespace korvel::test {
+namespace {
+
+struct HealthPollTest : TrayFixture {
+    int jobChecks() const { return static_cast<int>(services.calls.filter(u"print"_s).size()); }
+    /// Launches a bound Mac whose agent answers `body`, past the grace of the launch.
+    void launchWith(const QByteArray &body) {
+        installAndBind();
+        agentAnswers(body);
+        launch();
+        scheduler.advance(25s);
+        services.calls.clear();
+        notices.shown.clear();
+    }
+};
+
+TEST_F(HealthPollTest, AnAnswerIsCopiedIntoTheState) {
+    launchWith(R"({"ok":true,"online":true,"ver":"korvel-agent/1.4.2","e2ee":{"state":"active"},
+                   "perms":{"ok":false,"missing":["Mic"]}})");
+    EXPECT_TRUE(health().running && health().online);
+    EXPECT_EQ(health().agentVer, u"1.4.2"_s);
+    EXPECT_EQ(health().account, u"ann"_s); // from the configuration
+    EXPECT_EQ(health().sessions, 0);
+    EXPECT_EQ(tray->currentState().permissions.permsMissing, QStringList{u"Mic"_s});
+    agentAnswers(R"({"ok":true,"ver":"9","account":"bob","sessions":3,"perms":{"ok":1,"missing":["a",2]}})");
+    scheduler.advance(3s);
+    EXPECT_EQ(health().agentVer, u"1.4.2"_s);
+    EXPECT_EQ(health().account, u"bob"_s);
+    EXPECT_EQ(health().sessions, 3);
+    EXPECT_FALSE(health().online);
+    EXPECT_TRUE(tray->currentState().e2ee.e2.isEmpty());
+    EXPECT_EQ(tray->currentState().permissions.permsOk, std::nullopt);
+    EXPECT_TRUE(tray->currentState().permissions.permsMissing.isEmpty());
+}
+
+TEST_F(HealthPollTest, WhatIsNotOkIsNoAnswer) {
+    launchWith(ONLINE);
+    for (const char *body : {R"({"ok":false,"online":true})", R"({"online":true})", R"({"ok":"true"})", R"({"ok":1})",
+                             "[true]", "", "{\"ok\":true"}) {
+        agentAnswers(ONLINE);
+        scheduler.advance(3s);
+        ASSERT_TRUE(health().running);
+        agentAnswers(body);
+        scheduler.advance(3s);
+        EXPECT_FALSE(health().running || health().online) << body;
+        EXPECT_EQ(item.statusLine(), u"○ Korvel isn't responding. Retrying…"_s);
+    }
+}
+
+TEST_F(HealthPollTest, ALossOfTheSignInIsToldOncePerLoss) {
+    launchWith(ONLINE);
+    const auto after = [&](const QByteArray &body) {
+        agentAnswers(body);
+        scheduler.advance(3s);
+        return notices.shown.size();
+    };
+    EXPECT_EQ(after(SIGNED_OUT), 1u);
+    EXPECT_TRUE(notices.shown.back().error);
+    EXPECT_EQ(notices.last(), u"You've been signed out. Sign in again."_s);
+    EXPECT_EQ(after(SIGNED_OUT), 1u);
+    agentIsSilent(); // silence is no sign of life of the sign-in
+    scheduler.advance(3s);
+    EXPECT_EQ(after(SIGNED_OUT), 1u);
+    EXPECT_EQ(after(ONLINE), 1u);
+    EXPECT_EQ(after(R"({"ok":true,"authDead":true,"accountGone":true})"), 2u);
+    EXPECT_EQ(notices.last(), u"This account was deleted. Sign in with a different account."_s);
+}
+
+TEST_F(HealthPollTest, AnUnboundMacHasNoSignInToLose) {
+    launchWith(ONLINE);
+    home.writeConfig("{}");
+    agentAnswers(SIGNED_OUT);
+    scheduler.advance(3s);
+    EXPECT_FALSE(health().authDead);
+    EXPECT_TRUE(notices.shown.empty());
+    EXPECT_EQ(item.statusLine(), u"Not signed in"_s);
+}
+
+TEST_F(HealthPollTest, TheJobOfASilentAgentIsLookedAtEveryTenSecondsOnly) {
+    launchWith(ONLINE);
+    agentIsSilent();
+    scheduler.advance(60s);
+    EXPECT_GE(jobChecks(), 5);
+    EXPECT_LE(jobChecks(), 7);
+    services.loaded = false;
+    scheduler.advance(12s);
+    EXPECT_EQ(item.statusLine(), u"⏻ Sync paused · ann"_s);
+}
+
+TEST_F(HealthPollTest, WhileStartingTheJobIsLookedAtOnEveryTick) {
+    installAndBind();
+    agentIsSilent();
+    launch();
+    const int before = jobChecks();
+    scheduler.advance(9s);
+    EXPECT_GE(jobChecks() - before, 3);
+    EXPECT_EQ(item.statusLine(), u"○ Starting… · ann"_s);
+    scheduler.advance(12s);
+    EXPECT_EQ(item.statusLine(), u"○ Korvel isn't responding. Retrying…"_s);
+}
+
+TEST_F(HealthPollTest, AServiceManagerThatHangsTakesOneThreadAndBlocksNothing) {
+    launchWith(ONLINE);
+    agentIsSilent();
+    scheduler.holdBackground(true);
+    scheduler.advance(120s);
+    EXPECT_EQ(scheduler.backgroundWaiting(), 1u);
+    EXPECT_EQ(item.statusLine(), u"○ Korvel isn't responding. Retrying…"_s);
+    agentAnswers(ONLINE);
+    scheduler.advance(3s);
+    services.loaded = false;
+    scheduler.holdBackground(false); // the late look must not undo what a good answer said since
+    EXPECT_EQ(item.statusLine(), u"● Connected · ann · 1 session"_s);
+    EXPECT_EQ(health().jobLoaded, true);
+}
+
+TEST_F(HealthPollTest, TicksPauseWhileThreePollsAreOpen) {
+    launchWith(ONLINE);
+    http.answer = nullptr;
+    scheduler.advance(30s);
+    EXPECT_EQ(http.open.size(), 3u);
+    http.reply(0, json(ONLINE));
+    scheduler.advance(3s);
+    EXPECT_EQ(http.open.size(), 3u);
+}
+
+TEST_F(HealthPollTest, ALateAnswerDoesNotUndoANewerOne) {
+    launchWith(ONLINE);
+    http.answer = nullptr;
+    scheduler.advance(6s);
+    ASSERT_EQ(http.open.size(), 2u);
+    http.reply(1, json(ONLINE));
+    http.reply(0, noAnswer());
+    EXPECT_TRUE(health().running);
+}
+
+TEST_F(HealthPollTest, ThePermissionListIsFetchedEveryThirtySecondsAtMost) {
+    int fetches = 0;
+    features.fetchPerms = [&] { ++fetches; };
+    launchWith(ONLINE);
+    EXPECT_GT(fetches, 0); // nothing fetched yet, so each answer asks
+}
+
+TEST_F(HealthPollTest, EachNewReportIsReactedToAfterTheAnswerIsShown) {
+    int reactions = 0;
+    features.e2Prompt = [&] { ++reactions; };
+    launchWith(ONLINE);
+    const int before = reactions;
+    scheduler.advance(3s);
+    EXPECT_EQ(reactions, before + 1);
+    agentIsSilent();
+    scheduler.advance(3s);
+    EXPECT_EQ(reactions, before + 1);
+}
+
+TEST_F(HealthPollTest, NothingIsSetAgainWhileNothingChanges) {
+    launchWith(ONLINE);
+    const int icons = item.iconChanges, menus = item.menuChanges;
+    scheduler.advance(300s);
+    EXPECT_EQ(item.iconChanges, icons);
+    EXPECT_EQ(item.menuChanges, menus);
+    agentAnswers(OFFLINE);
+    scheduler.advance(30s);
+    EXPECT_EQ(item.iconChanges, icons + 1);
+    EXPECT_EQ(item.menuChanges, menus + 1);
+    EXPECT_EQ(item.statusLine(), u"○ Connecting… · ann"_s);
+    scheduler.advance(60s);
+    EXPECT_EQ(item.statusLine(), u"○ Can't connect to the server. Retrying… · ann"_s);
+}
+
+} // namespace
+} // namespace korvel::test

@@ -1,0 +1,110 @@
+#include "support/tray_fixture.h"
+
+#include "app/reopen.h"
+
+using namespace Qt::StringLiterals;
+
+namespace korvel::test {
+namespace {
+
+struct LaunchTest : TrayFixture {
+    QStringList done; ///< What the hooked features were asked for.
+
+    LaunchTest() {
+        features.startBrowserLogin = [this] { done.append(u"sign in"_s); };
+        features.showPairWindow = [this] { done.append(u"show code"_s); };
+        features.checkUpdate = [this](bool manual) { done.append(manual ? u"check"_s : u"auto check"_s); };
+        features.fetchPerms = [this] { done.append(u"fetch perms"_s); };
+        features.repairService = [this](const std::function<void()> &then) {
+            done.append(u"repair"_s);
+            if (then)
+                then();
+        };
+    }
+};
+
+TEST_F(LaunchTest, MakingATrayHasNoEffect) {
+    makeTray();
+    scheduler.advance(60s);
+    EXPECT_EQ(http.count, 0);
+    EXPECT_EQ(item.menuChanges, 0);
+    EXPECT_TRUE(services.calls.isEmpty() && done.isEmpty());
+}
+
+TEST_F(LaunchTest, AFreshUserIsRepairedFirstAndThenPolled) {
+    agentIsSilent();
+    launch();
+    EXPECT_EQ(done.value(0), u"repair"_s);
+    EXPECT_EQ(http.count, 1);
+    EXPECT_EQ(health().startingUntil, std::nullopt);
+    EXPECT_EQ(notices.last(), u"Not signed in"_s); // no hint without a job file
+    EXPECT_EQ(desktop.editMenu.size(), 7);
+}
+
+TEST_F(LaunchTest, ABoundMacCountsAsStartingAndItsJobIsLoaded) {
+    home.bind();
+    home.installJobFile();
+    agentIsSilent();
+    launch();
+    EXPECT_EQ(services.calls.mid(0, 2),
+              (QStringList{u"print com.korvel.agent"_s, u"bootstrap com.korvel.agent.plist"_s}));
+    EXPECT_EQ(item.statusLine(), u"○ Starting… · ann"_s);
+    EXPECT_FALSE(item.icon.on);
+}
+
+TEST_F(LaunchTest, UpdatesAreLookedForOnScheduleAndWhenTheMenuOpens) {
+    installAndBind();
+    agentAnswers(ONLINE);
+    launch();
+    scheduler.advance(19s);
+    EXPECT_FALSE(done.contains(u"auto check"_s));
+    scheduler.advance(2s);
+    EXPECT_EQ(done.count(u"auto check"_s), 1);
+    item.events.menuOpening();
+    EXPECT_EQ(done.count(u"auto check"_s), 2);
+    EXPECT_EQ(done.last(), u"fetch perms"_s);
+    scheduler.advance(6h);
+    EXPECT_EQ(done.count(u"auto check"_s), 3);
+}
+
+TEST_F(LaunchTest, TheOptionKeyAddsTheDiagnosticsAtTheOpening) {
+    installAndBind();
+    agentAnswers(ONLINE);
+    launch();
+    desktop.option = true;
+    EXPECT_EQ(item.entry(Action::OpenLog), MenuEntry());
+    item.events.menuOpening();
+    EXPECT_EQ(item.entry(Action::OpenLog).title, u"Show Log…"_s);
+    desktop.option = false;
+    item.events.menuOpening();
+    EXPECT_EQ(item.entry(Action::OpenLog), MenuEntry());
+}
+
+TEST_F(LaunchTest, ReopeningDoesTheMostUsefulThing) {
+    agentAnswers(ONLINE);
+    launch();
+    const auto reopened = [&] {
+        done.clear();
+        services.calls.clear();
+        tray->reopen();
+        scheduler.settle();
+        return done.value(0, services.calls.value(0));
+    };
+    EXPECT_EQ(reopened(), u"sign in"_s);
+    home.bind();
+    EXPECT_EQ(reopened(), u"repair"_s);
+    home.installJobFile();
+    const auto afterAnswer = [&](const char *body) {
+        agentAnswers(body);
+        scheduler.advance(3s);
+        return reopened();
+    };
+    EXPECT_EQ(afterAnswer(R"({"ok":true,"e2ee":{"state":"waiting"}})"), u"show code"_s);
+    EXPECT_EQ(afterAnswer(R"({"ok":true,"authDead":true,"e2ee":{"state":"waiting"}})"), u"sign in"_s);
+    EXPECT_EQ(afterAnswer(R"({"ok":true,"authDead":true,"e2ee":{"state":"pair-failed"}})"), u"show code"_s);
+    services.loaded = true;
+    EXPECT_EQ(afterAnswer(R"({"ok":true,"online":true})"), u"bootout com.korvel.agent"_s);
+}
+
+} // namespace
+} // namespace korvel::test

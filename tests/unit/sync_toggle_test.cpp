@@ -1,0 +1,136 @@
+#include "service/sync_toggle.h"
+
+#include "support/tray_fixture.h"
+
+using namespace Qt::StringLiterals;
+
+namespace korvel::test {
+namespace {
+
+struct SyncToggleTest : TrayFixture {
+    void launchConnected() {
+        installAndBind();
+        agentAnswers(ONLINE);
+        launch();
+        forget();
+    }
+    void launchPaused() {
+        installAndBind();
+        services.loaded = false;
+        services.failBootstraps = 1;
+        agentIsSilent();
+        launch();
+        forget();
+    }
+    void forget() {
+        services.calls.clear();
+        notices.shown.clear();
+    }
+    void toggle() {
+        item.choose(Action::MenuToggle);
+        scheduler.settle();
+    }
+};
+
+TEST_F(SyncToggleTest, APauseTakesTheJobDownForGood) {
+    launchConnected();
+    toggle();
+    EXPECT_EQ(item.statusLine(), u"Switching…"_s);
+    EXPECT_FALSE(item.entry(Action::MenuToggle).enabled);
+    EXPECT_EQ(services.calls.mid(0, 3),
+              (QStringList{u"bootout com.korvel.agent"_s, u"disable com.korvel.agent"_s, u"print com.korvel.agent"_s}));
+    toggle(); // ignored meanwhile
+    agentIsSilent();
+    scheduler.advance(1s);
+    EXPECT_EQ(services.calls.filter(u"bootout"_s).size(), 1);
+    EXPECT_EQ(notices.last(), u"⏻ Sync paused. Your phone can't see this Mac."_s);
+    EXPECT_EQ(item.statusLine(), u"⏻ Sync paused · ann"_s);
+    EXPECT_EQ(item.entry(Action::MenuToggle).title, u"Resume Sync"_s);
+}
+
+TEST_F(SyncToggleTest, AJobThatNeverGoesAwayIsToldAfterSixSeconds) {
+    launchConnected();
+    services.stuck = true;
+    toggle();
+    scheduler.advance(6500ms);
+    EXPECT_TRUE(notices.shown.empty());
+    EXPECT_EQ(item.statusLine(), u"Switching…"_s);
+    scheduler.advance(1s);
+    EXPECT_EQ(notices.last(), u"Couldn't pause sync. Try again."_s);
+    EXPECT_TRUE(notices.shown.back().error);
+    EXPECT_EQ(health().jobLoaded, true);
+    EXPECT_NEAR(static_cast<double>(services.calls.filter(u"print"_s).size()), 21, 1);
+}
+
+TEST_F(SyncToggleTest, ASilentAgentWhoseJobIsLoadedIsPausedToo) {
+    launchConnected();
+    agentIsSilent();
+    scheduler.advance(3s);
+    ASSERT_FALSE(health().running);
+    forget();
+    toggle();
+    EXPECT_EQ(services.calls.value(0), u"bootout com.korvel.agent"_s);
+}
+
+TEST_F(SyncToggleTest, AResumeBringsTheJobBackAndTellsWhetherTheAgentAnswers) {
+    launchPaused();
+    toggle();
+    EXPECT_EQ(services.calls.mid(0, 3),
+              (QStringList{u"enable com.korvel.agent"_s, u"bootstrap com.korvel.agent.plist"_s,
+                           u"print com.korvel.agent"_s}));
+    scheduler.advance(1s);
+    EXPECT_EQ(notices.last(), u"● Sync resumed. Connecting…"_s);
+    EXPECT_EQ(item.statusLine(), u"○ Starting… · ann"_s);
+    agentAnswers(ONLINE);
+    scheduler.advance(3s);
+    EXPECT_EQ(item.statusLine(), u"● Connected · ann · 1 session"_s);
+}
+
+TEST_F(SyncToggleTest, AResumeMayNeedItsSecondAttempt) {
+    launchPaused();
+    services.failBootstraps = 1;
+    agentAnswers(ONLINE);
+    toggle();
+    EXPECT_EQ(services.calls.value(2), u"kickstart com.korvel.agent"_s);
+    EXPECT_FALSE(services.loaded);
+    scheduler.advance(1500ms);
+    EXPECT_TRUE(services.loaded);
+    scheduler.advance(1s);
+    EXPECT_EQ(notices.last(), u"● Connected · ann · 1 session"_s);
+}
+
+TEST_F(SyncToggleTest, AResumeThatFailsTwiceTellsWhereToAllowIt) {
+    launchPaused();
+    services.failBootstraps = 10;
+    toggle();
+    scheduler.advance(2300ms);
+    EXPECT_TRUE(notices.shown.empty());
+    scheduler.advance(200ms);
+    EXPECT_TRUE(notices.last().startsWith(u"Korvel couldn't start. Allow it in System Settings"_s));
+    EXPECT_EQ(services.calls.filter(u"bootstrap"_s).size(), 2);
+    EXPECT_EQ(item.statusLine(), u"⏻ Sync paused · ann"_s);
+    EXPECT_TRUE(item.entry(Action::MenuToggle).enabled);
+}
+
+TEST_F(SyncToggleTest, WithoutAccountOrJobFileTheMissingThingIsAskedFor) {
+    int logins = 0, repairs = 0;
+    features.showLogin = [&] { ++logins; };
+    features.repairService = [&](const auto &then) {
+        ++repairs;
+        if (then)
+            then();
+    };
+    agentIsSilent();
+    launch();
+    repairs = 0;
+    home.bind();
+    tray->reopen();
+    EXPECT_EQ(repairs, 1);
+    home.writeConfig("{}");
+    item.events.chosen(menuItem(u"x"_s, Action::MenuToggle));
+    EXPECT_EQ(logins, 1);
+    EXPECT_FALSE(tray->currentState().service.busy);
+}
+
+} // namespace
+} // namespace korvel::test
