@@ -18,7 +18,7 @@ struct Step {
 
 // The tray comes up, connects and says so.
 QList<Step> launchSteps();
-// Its menu opens with either mouse button, and it keeps quiet while nothing changes.
+// Its menu opens with either mouse button, it keeps quiet while nothing changes, and outlives the panel.
 QList<Step> menuSteps();
 // The agent dies and comes back.
 QList<Step> outageSteps();
