@@ -14,6 +14,7 @@
 #include <utility>
 
 using namespace std::chrono_literals;
+using namespace Qt::StringLiterals;
 
 namespace korvel::sim {
 
@@ -22,11 +23,11 @@ namespace {
 constexpr auto ANSWER_WITHIN = 2s;
 constexpr auto LOOK_AGAIN_EVERY = 20ms;
 
-const auto WATCHER = QStringLiteral("org.kde.StatusNotifierWatcher");
-const auto WATCHER_PATH = QStringLiteral("/StatusNotifierWatcher");
-const auto ITEM = QStringLiteral("org.kde.StatusNotifierItem");
-const auto MENU = QStringLiteral("com.canonical.dbusmenu");
-const auto PROPERTIES = QStringLiteral("org.freedesktop.DBus.Properties");
+const auto WATCHER = u"org.kde.StatusNotifierWatcher"_s;
+const auto WATCHER_PATH = u"/StatusNotifierWatcher"_s;
+const auto ITEM = u"org.kde.StatusNotifierItem"_s;
+const auto MENU = u"com.canonical.dbusmenu"_s;
+const auto PROPERTIES = u"org.freedesktop.DBus.Properties"_s;
 
 int nextConnection = 0;
 
@@ -54,12 +55,12 @@ public:
 public Q_SLOTS:
     void take(const QDBusMessage &signal) {
         static const QList<std::pair<QString, int PanelSignals::*>> kinds{
-            {QStringLiteral("NewIcon"), &PanelSignals::newIcon},
-            {QStringLiteral("NewToolTip"), &PanelSignals::newToolTip},
-            {QStringLiteral("NewStatus"), &PanelSignals::newStatus},
-            {QStringLiteral("NewTitle"), &PanelSignals::newTitle},
-            {QStringLiteral("LayoutUpdated"), &PanelSignals::layoutUpdated},
-            {QStringLiteral("ItemsPropertiesUpdated"), &PanelSignals::itemsPropertiesUpdated}};
+            {u"NewIcon"_s, &PanelSignals::newIcon},
+            {u"NewToolTip"_s, &PanelSignals::newToolTip},
+            {u"NewStatus"_s, &PanelSignals::newStatus},
+            {u"NewTitle"_s, &PanelSignals::newTitle},
+            {u"LayoutUpdated"_s, &PanelSignals::layoutUpdated},
+            {u"ItemsPropertiesUpdated"_s, &PanelSignals::itemsPropertiesUpdated}};
         for (const auto &[name, field] : kinds)
             counts.*field += signal.member() == name;
         if (!std::exchange(announced, true))
@@ -77,8 +78,7 @@ private:
 };
 
 PanelProbe::PanelProbe()
-    : bus(QDBusConnection::connectToBus(QDBusConnection::SessionBus,
-                                        QStringLiteral("panel-probe-%1").arg(++nextConnection))),
+    : bus(QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"panel-probe-%1"_s.arg(++nextConnection))),
       receiver(std::make_unique<Receiver>()) {}
 
 PanelProbe::~PanelProbe() { QDBusConnection::disconnectFromBus(bus.name()); }
@@ -105,22 +105,22 @@ bool PanelProbe::isRegistered() {
 }
 
 std::optional<PanelItem> PanelProbe::item() {
-    const auto reply = call(itemPath, PROPERTIES, QStringLiteral("GetAll"), {ITEM});
+    const auto reply = call(itemPath, PROPERTIES, u"GetAll"_s, {ITEM});
     if (reply.type() != QDBusMessage::ReplyMessage)
         return std::nullopt;
     const auto values = qdbus_cast<QVariantMap>(reply.arguments().value(0));
     PanelItem item;
-    item.id = values.value(QStringLiteral("Id")).toString();
-    item.title = values.value(QStringLiteral("Title")).toString();
-    item.status = values.value(QStringLiteral("Status")).toString();
-    item.menuPath = values.value(QStringLiteral("Menu")).value<QDBusObjectPath>().path();
-    item.icons = readPictures(values.value(QStringLiteral("IconPixmap")).value<QDBusArgument>());
-    readToolTip(values.value(QStringLiteral("ToolTip")).value<QDBusArgument>(), item);
+    item.id = values.value(u"Id"_s).toString();
+    item.title = values.value(u"Title"_s).toString();
+    item.status = values.value(u"Status"_s).toString();
+    item.menuPath = values.value(u"Menu"_s).value<QDBusObjectPath>().path();
+    item.icons = readPictures(values.value(u"IconPixmap"_s).value<QDBusArgument>());
+    readToolTip(values.value(u"ToolTip"_s).value<QDBusArgument>(), item);
     return item;
 }
 
 QList<PanelMenuEntry> PanelProbe::menu() {
-    const auto reply = call(menuPath, MENU, QStringLiteral("GetLayout"), {0, -1, QStringList()});
+    const auto reply = call(menuPath, MENU, u"GetLayout"_s, {0, -1, QStringList()});
     if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().size() < 2)
         return {};
     return readLayout(reply.arguments().at(1).value<QDBusArgument>());
@@ -131,8 +131,8 @@ QString PanelProbe::statusLine() { return menu().value(0).title; }
 bool PanelProbe::open() {
     const auto now = QVariant::fromValue(uint(QDateTime::currentSecsSinceEpoch()));
     const auto nothing = QVariant::fromValue(QDBusVariant(0));
-    const auto shown = call(menuPath, MENU, QStringLiteral("AboutToShow"), {0});
-    const auto opened = call(menuPath, MENU, QStringLiteral("Event"), {0, QStringLiteral("opened"), nothing, now});
+    const auto shown = call(menuPath, MENU, u"AboutToShow"_s, {0});
+    const auto opened = call(menuPath, MENU, u"Event"_s, {0, u"opened"_s, nothing, now});
     return shown.type() == QDBusMessage::ReplyMessage && opened.type() == QDBusMessage::ReplyMessage;
 }
 
@@ -142,8 +142,8 @@ bool PanelProbe::click(const QString &title) {
             continue;
         const auto now = QVariant::fromValue(uint(QDateTime::currentSecsSinceEpoch()));
         const auto nothing = QVariant::fromValue(QDBusVariant(0));
-        return call(menuPath, MENU, QStringLiteral("Event"), {entry.id, QStringLiteral("clicked"), nothing, now})
-                   .type() == QDBusMessage::ReplyMessage;
+        return call(menuPath, MENU, u"Event"_s, {entry.id, u"clicked"_s, nothing, now}).type() ==
+               QDBusMessage::ReplyMessage;
     }
     return false;
 }
@@ -168,8 +168,8 @@ bool PanelProbe::waitUntil(const std::function<bool()> &condition, std::chrono::
 }
 
 QStringList PanelProbe::registeredItems() {
-    const auto reply = ask(bus, WATCHER, WATCHER_PATH, PROPERTIES, QStringLiteral("Get"),
-                           {WATCHER, QStringLiteral("RegisteredStatusNotifierItems")});
+    const auto reply =
+        ask(bus, WATCHER, WATCHER_PATH, PROPERTIES, u"Get"_s, {WATCHER, u"RegisteredStatusNotifierItems"_s});
     return first(reply).value<QDBusVariant>().variant().toStringList();
 }
 
@@ -177,10 +177,9 @@ QStringList PanelProbe::registeredItems() {
 bool PanelProbe::attach(const QString &registered, qint64 pid) {
     const qsizetype slash = registered.indexOf(u'/');
     const QString service = slash < 0 ? registered : registered.left(slash);
-    const QString path = slash < 0 ? QStringLiteral("/StatusNotifierItem") : registered.mid(slash);
-    const auto reply =
-        ask(bus, QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-            QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetConnectionUnixProcessID"), {service});
+    const QString path = slash < 0 ? u"/StatusNotifierItem"_s : registered.mid(slash);
+    const auto reply = ask(bus, u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s, u"org.freedesktop.DBus"_s,
+                           u"GetConnectionUnixProcessID"_s, {service});
     if (!first(reply).isValid() || (pid != 0 && first(reply).toLongLong() != pid))
         return false;
 
@@ -197,7 +196,8 @@ bool PanelProbe::attach(const QString &registered, qint64 pid) {
 
 QDBusMessage PanelProbe::call(const QString &path, const QString &interface, const QString &method,
                               const QList<QVariant> &arguments) const {
-    return itemService.isEmpty() ? QDBusMessage() : ask(bus, itemService, path, interface, method, arguments);
+    return itemService.isEmpty() || path.isEmpty() ? QDBusMessage()
+                                                   : ask(bus, itemService, path, interface, method, arguments);
 }
 
 } // namespace korvel::sim

@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+using namespace Qt::StringLiterals;
+
 namespace korvel::sim {
 
 namespace {
@@ -16,10 +18,10 @@ PanelMenuEntry readEntry(const QDBusArgument &argument) {
     argument.beginStructure();
     argument >> entry.id >> properties;
     argument.endStructure();
-    entry.title = withoutMnemonic(properties.value(QStringLiteral("label")).toString());
-    entry.enabled = properties.value(QStringLiteral("enabled"), true).toBool();
-    entry.visible = properties.value(QStringLiteral("visible"), true).toBool();
-    entry.separator = properties.value(QStringLiteral("type")).toString() == QStringLiteral("separator");
+    entry.title = withoutMnemonic(properties.value(u"label"_s).toString());
+    entry.enabled = properties.value(u"enabled"_s, true).toBool();
+    entry.visible = properties.value(u"visible"_s, true).toBool();
+    entry.separator = properties.value(u"type"_s).toString() == u"separator"_s;
     return entry;
 }
 

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QImage>
+#include <QList>
+#include <QPoint>
+#include <QRect>
+#include <QString>
+
+// The X screen as its user sees and uses it; needs a QGuiApplication and xdotool. All measures are in pixels.
+namespace korvel::sim {
+
+// The whole screen, or a part of it.
+QImage grabScreen(const QRect &part = {});
+
+// The visible top-level windows of a process; empty when it has none.
+QList<QRect> windowsOf(qint64 pid);
+
+// Where the panel shows its status items; an empty rectangle while it shows none.
+QRect statusArea();
+
+// The process that draws the status items, to which the menus belong that the panel opens; 0 when none does.
+qint64 statusAreaProcess();
+
+// Moves the pointer there; the receiver of the motion has not yet acted on it when this returns.
+void movePointer(QPoint to);
+// A click of a mouse button (1 left, 3 right) where the pointer is.
+void clickButton(int button);
+// A key by its X name, such as "Escape".
+void pressKey(const QString &name);
+
+} // namespace korvel::sim

@@ -1,0 +1,153 @@
+#include "simulator/tour/tour.h"
+
+#include "simulator/desktop/screen.h"
+
+#include <QDir>
+#include <QGuiApplication>
+#include <QScreen>
+
+#include <cstdio>
+#include <cstdlib>
+#include <utility>
+
+using namespace std::chrono_literals;
+using namespace Qt::StringLiterals;
+
+namespace korvel::sim {
+
+namespace {
+
+constexpr auto ITEM_WITHIN = 10s;
+constexpr auto PANEL_REACTS_WITHIN = 3s;
+constexpr int END_WITHIN_MS = 5000;
+constexpr int RESTS_AFTER_MS = 150;
+
+// A notice hangs from the middle of the top edge, this far below the panel at most (in points).
+constexpr int NOTICE_TOP = 60;
+constexpr int NOTICE_OFF_CENTRE = 4;
+
+// The dark of a notice's background, drawn over whatever is behind it.
+bool isDark(QRgb colour) { return qGray(colour) < 80; }
+
+// Whether there is more than a plain background.
+bool isPainted(const QImage &area) {
+    for (int y = 0; y < area.height(); ++y) {
+        for (int x = 0; x < area.width(); ++x) {
+            if (area.pixel(x, y) != area.pixel(0, 0))
+                return true;
+        }
+    }
+    return false;
+}
+
+void addLanguage(QProcessEnvironment &environment, TourLanguage language) {
+    environment.insert(u"LANGUAGE"_s, language == TourLanguage::Chinese ? u"zh_CN:zh"_s : u"en_US:en"_s);
+    environment.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
+}
+
+} // namespace
+
+Tour::Tour(TourOptions given) : options(std::move(given)), simulated(options.homeDirectory) {
+    probe.onChange([this] { readLine(); });
+}
+
+Tour::~Tour() {
+    probe.onChange({});
+    if (trayProcess.state() != QProcess::NotRunning) {
+        trayProcess.terminate();
+        if (!trayProcess.waitForFinished(END_WITHIN_MS)) {
+            trayProcess.kill();
+            trayProcess.waitForFinished(END_WITHIN_MS);
+        }
+    }
+    simulated.shutDown();
+}
+
+QString Tour::say(const QString &chinese, const QString &english) const {
+    return options.language == TourLanguage::Chinese ? chinese : english;
+}
+
+QString Tour::startTray() {
+    const QString program = simulated.assembleBundle(options.trayProgram);
+    if (program.isEmpty())
+        return u"no bundle could be made of "_s + options.trayProgram;
+    auto environment = simulated.environment();
+    addLanguage(environment, options.language);
+    trayProcess.setProcessEnvironment(environment);
+    trayProcess.setStandardOutputFile(QProcess::nullDevice());
+    trayProcess.setStandardErrorFile(options.outputDirectory + u"/tray.log"_s, QIODevice::Append);
+    trayProcess.start(program, QStringList());
+    clock.start();
+    if (!trayProcess.waitForStarted())
+        return trayProcess.errorString();
+    if (!probe.waitForItem(ITEM_WITHIN, trayProcess.processId()))
+        return u"no status item was registered"_s;
+    readLine();
+    return {};
+}
+
+bool Tour::waitUntil(const std::function<bool()> &condition, std::chrono::milliseconds within) {
+    return probe.waitUntil(condition, within);
+}
+
+bool Tour::waitForLine(const QString &expected, std::chrono::milliseconds within) {
+    return waitUntil([&] { return line == expected; }, within);
+}
+
+std::optional<QRect> Tour::notice() const {
+    const double scale = QGuiApplication::primaryScreen()->devicePixelRatio();
+    const QImage screen = grabScreen();
+    for (const QRect &window : windowsOf(trayProcess.processId())) {
+        const bool centred = std::abs(window.center().x() - screen.width() / 2) <= NOTICE_OFF_CENTRE;
+        const bool atTop = window.top() > 0 && window.top() < NOTICE_TOP * scale;
+        if (centred && atTop && isDark(screen.pixel(window.left() + int(8 * scale), window.center().y())))
+            return window;
+    }
+    return std::nullopt;
+}
+
+bool Tour::waitForRest(const QRect &part) {
+    QImage last;
+    QElapsedTimer unchanged;
+    const auto rests = [&] {
+        const QImage now = grabScreen(part);
+        if (now != std::exchange(last, now))
+            unchanged.start();
+        return unchanged.hasExpired(RESTS_AFTER_MS);
+    };
+    return waitUntil(rests, PANEL_REACTS_WITHIN);
+}
+
+bool Tour::waitForItemOnScreen() {
+    const auto shown = [] {
+        const QRect area = statusArea();
+        return !area.isEmpty() && isPainted(grabScreen(area));
+    };
+    return waitUntil(shown, PANEL_REACTS_WITHIN);
+}
+
+bool Tour::pointAtItem() {
+    movePointer(grabScreen().rect().center());
+    if (!waitForItemOnScreen() || !waitForRest(statusArea()))
+        return false;
+    const QRect area = statusArea();
+    const QImage before = grabScreen(area);
+    movePointer(area.center());
+    return waitUntil([&] { return grabScreen(area) != before; }, PANEL_REACTS_WITHIN);
+}
+
+bool Tour::screenshot(const QString &name) {
+    const QString number = QString::number(++screenshots).rightJustified(2, u'0');
+    return grabScreen().save(options.outputDirectory + u'/' + number + u'-' + name + u".png"_s);
+}
+
+// Only signals lead here: a change that the tray does not announce is one that a panel does not show.
+void Tour::readLine() {
+    const QString now = probe.statusLine();
+    if (now.isEmpty() || now == std::exchange(line, now))
+        return;
+    std::printf("  %6.2f s  %s\n", std::chrono::duration<double>(time()).count(), qUtf8Printable(now));
+    std::fflush(stdout);
+}
+
+} // namespace korvel::sim

@@ -1,0 +1,107 @@
+// Leads a tray program through its main duties on a desktop and checks at each step what the panel shows.
+
+#include "simulator/tour/steps.h"
+#include "simulator/tour/tour.h"
+#include "simulator/unix_signals.h"
+
+#include <QCommandLineParser>
+#include <QDir>
+#include <QGuiApplication>
+#include <QTemporaryDir>
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+
+using namespace Qt::StringLiterals;
+
+namespace korvel::sim {
+
+namespace {
+
+struct Arguments {
+    TourOptions options;
+    bool stay = false;
+};
+
+// Ends the program with a message when the arguments do not do.
+Arguments readArguments(const QGuiApplication &application) {
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        u"Leads a tray program through its main duties and checks what the panel shows."_s);
+    parser.addHelpOption();
+    parser.addOptions({{u"tray"_s, u"Program to start."_s, u"program"_s},
+                       {u"out"_s, u"Folder for screenshots and the tray's log."_s, u"folder"_s},
+                       {u"home"_s, u"Home directory to use and keep; a temporary one without."_s, u"folder"_s},
+                       {u"language"_s, u"en or zh."_s, u"language"_s, u"en"_s},
+                       {u"stay"_s, u"After the tour, start the tray again and leave it until interrupted."_s}});
+    parser.process(application);
+    const QString language = parser.value(u"language"_s);
+    if (!parser.isSet(u"tray"_s) || !parser.isSet(u"out"_s) || (language != "en"_L1 && language != "zh"_L1))
+        parser.showHelp(64);
+    return {{.trayProgram = QFileInfo(parser.value(u"tray"_s)).absoluteFilePath(),
+             .homeDirectory = parser.value(u"home"_s),
+             .outputDirectory = parser.value(u"out"_s),
+             .language = language == "zh"_L1 ? TourLanguage::Chinese : TourLanguage::English},
+            parser.isSet(u"stay"_s)};
+}
+
+// Removes what an earlier tour left, so that every file there is of this one.
+void clearOutput(const QString &directory) {
+    QDir folder(directory);
+    folder.mkpath(u"."_s);
+    for (const QString &file : folder.entryList({u"*.png"_s, u"tray.log"_s}, QDir::Files))
+        folder.remove(file);
+}
+
+// Takes one step; true when all showed what it should.
+bool take(const Step &step, Tour &tour) {
+    const QString wrong = step.take(tour);
+    std::printf("%s %s\n", wrong.isEmpty() ? "ok    " : "FAILED", qUtf8Printable(step.name));
+    if (!wrong.isEmpty()) {
+        std::printf("       %s\n", qUtf8Printable(wrong));
+        tour.screenshot(u"failed"_s);
+    }
+    std::fflush(stdout);
+    return wrong.isEmpty();
+}
+
+int run(int argc, char **argv) {
+    QGuiApplication application(argc, argv);
+    Arguments arguments = readArguments(application);
+    clearOutput(arguments.options.outputDirectory);
+    const QTemporaryDir temporary;
+    if (arguments.options.homeDirectory.isEmpty())
+        arguments.options.homeDirectory = temporary.path();
+
+    auto tour = std::make_unique<Tour>(arguments.options);
+    const UnixSignals interruption({SIGINT, SIGTERM, SIGHUP}, [&](int number) {
+        tour.reset();
+        QDir(temporary.path()).removeRecursively();
+        std::_Exit(arguments.stay ? 0 : 128 + number);
+    });
+
+    int failed = 0;
+    for (const auto &steps : {launchSteps(), menuSteps(), outageSteps(), syncSteps(), quitSteps()}) {
+        for (const Step &step : steps)
+            failed += take(step, *tour) ? 0 : 1;
+    }
+    if (failed > 0)
+        std::printf("%d steps FAILED; see %s\n", failed, qUtf8Printable(arguments.options.outputDirectory));
+    if (!arguments.stay)
+        return failed == 0 ? 0 : 1;
+    if (const QString wrong = tour->startTray(); !wrong.isEmpty()) {
+        std::printf("the tray did not start again: %s\n", qUtf8Printable(wrong));
+        return 1;
+    }
+    std::printf("The tray stays on display %s until interrupted (Ctrl-C).\n", qgetenv("DISPLAY").constData());
+    std::fflush(stdout);
+    return application.exec();
+}
+
+} // namespace
+
+} // namespace korvel::sim
+
+int main(int argc, char **argv) { return korvel::sim::run(argc, argv); }
