@@ -20,11 +20,6 @@ struct FeatureHooks {
     std::function<void()> fetchPerms = [] {};
     std::function<void()> askPerms = [] {};
     std::function<void(const QJsonValue &pane)> openPermPane = [](const QJsonValue &) {};
-    std::function<void()> e2Prompt = [] {};
-    std::function<void()> showPairWindow = [] {};
-    std::function<void(const QJsonValue &request)> showApprove = [](const QJsonValue &) {};
-    std::function<void(const QJsonValue &alarm)> showAlarm = [](const QJsonValue &) {};
-    std::function<void()> e2AsrInstall = [] {};
 };
 
 } // namespace korvel

@@ -4,6 +4,7 @@
 #include "app/deployment.h"
 #include "app/single_instance.h"
 #include "app/tray_app.h"
+#include "e2ee/pair_window.h"
 #include "platform/curl_http_client.h"
 #include "platform/desktop_qt.h"
 #include "platform/qt_programs.h"
@@ -12,6 +13,7 @@
 #include "platform/running_copies_linux.h"
 #include "platform/status_item_linux.h"
 #include "service/launchctl.h"
+#include "ui/alert_window.h"
 #include "ui/notice_window.h"
 
 #include <QApplication>
@@ -72,7 +74,9 @@ int runTray(int &argc, char **argv, const FixedConfig &config, const Paths &path
         DesktopQt desktop(programs, !standInRoot().isEmpty());
         StatusItemLinux item;
         NoticeWindow notice;
-        TrayApp tray(config, paths, {scheduler, http, programs, services, desktop, item, notice});
+        AlertWindow alerts;
+        PairWindow pairing;
+        TrayApp tray(config, paths, {scheduler, http, programs, services, desktop, item, notice, alerts, pairing});
         tray.launch(executablePath());
         status = QApplication::exec();
         if (!scheduler.finishBackground())

@@ -18,26 +18,69 @@ constexpr milliseconds UPDATE_CHECK_PERIOD = 6h;
 
 TrayApp::TrayApp(const FixedConfig &f, const Paths &pa, const TrayPorts &p, FeatureHooks fh)
     : fixed(f), paths(pa), ports(p), features(std::move(fh)), config(paths), api(p.http, fixed, config),
-      notices(p.noticePanel, p.desktop, p.scheduler), health(state, fixed, config, api, p.services, p.scheduler,
-                                                             {.render = [this] { render(); },
-                                                              .e2Prompt = features.e2Prompt,
-                                                              .fetchPerms = features.fetchPerms,
-                                                              .showHUD = [this](const Notice &n) { showHUD(n); }}),
-      agent(state, fixed, paths, config, p.services, p.programs, p.desktop, p.scheduler,
-            {.render = [this] { render(); },
-             .poll = [this](auto then) { health.poll(std::move(then)); },
-             .showHUD = [this](const Notice &n) { showHUD(n); },
-             .repairService = [this] { features.repairService({}); }}),
-      sync(state, fixed, paths, config, p.services, p.scheduler,
-           {.render = [this] { render(); },
-            .poll = [this](auto then) { health.poll(std::move(then)); },
-            .showHUD = [this](const Notice &n) { showHUD(n); },
+      notices(p.noticePanel, p.desktop, p.scheduler),
+      health(state, fixed, config, api, p.services, p.scheduler, healthHooks()),
+      agent(state, fixed, paths, config, p.services, p.programs, p.desktop, p.scheduler, agentHooks()),
+      sync(state, fixed, paths, config, p.services, p.scheduler, syncHooks()),
+      report(p.scheduler, {.poll = poll(), .situation = [this] { return situation(); }, .showHUD = showHUD()}),
+      pairing(state.e2ee, state.pairing, api, p.pairPanel, p.scheduler, pairingHooks()),
+      approval(state.e2ee, api, p.alerts, p.scheduler,
+               {.poll = [this] { health.poll(); }, .showHUD = showHUD(), .hideHUD = [this] { notices.hideHUD(); }}),
+      alarms(state.e2ee, api, p.alerts,
+             {.showHUD = showHUD(), .pairAfterLogin = [this] { pairing.pairAfterLogin(); }}),
+      speech(api, {.showHUD = showHUD()}), prompts(state.e2ee, state.pairing, promptHooks()) {}
+
+std::function<void(const Notice &)> TrayApp::showHUD() {
+    return [this](const Notice &notice) { notices.showHUD(notice); };
+}
+
+std::function<void(std::function<void()> then)> TrayApp::poll() {
+    return [this](std::function<void()> then) { health.poll(std::move(then)); };
+}
+
+HealthPoll::Hooks TrayApp::healthHooks() {
+    return {.render = [this] { render(); },
+            .e2Prompt = [this] { prompts.e2Prompt(); },
+            .fetchPerms = features.fetchPerms,
+            .showHUD = showHUD()};
+}
+
+AgentControl::Hooks TrayApp::agentHooks() {
+    return {.showHUD = showHUD(), .repairService = [this] { features.repairService({}); }};
+}
+
+SyncToggle::Hooks TrayApp::syncHooks() {
+    return {.render = [this] { render(); },
+            .poll = poll(),
+            .showHUD = showHUD(),
             .statusLine = [this] { return statusLine(situation()); },
             .showLogin = features.showLogin,
-            .repairService = [this] { features.repairService({}); }}),
-      report(p.scheduler, {.poll = [this](auto then) { health.poll(std::move(then)); },
-                           .situation = [this] { return situation(); },
-                           .showHUD = [this](const Notice &n) { showHUD(n); }}) {}
+            .repairService = [this] { features.repairService({}); }};
+}
+
+Pairing::Hooks TrayApp::pairingHooks() {
+    return {.context = [this] { return pairContext(); },
+            .poll = [this] { health.poll(); },
+            .showHUD = showHUD(),
+            .startBrowserLogin = features.startBrowserLogin,
+            .logoutDialog = features.logoutDialog};
+}
+
+Prompts::Hooks TrayApp::promptHooks() {
+    return {.context = [this] { return pairContext(); },
+            .updatePairWindow = [this] { pairing.updatePairWindow(); },
+            .pairWindowVisible = [this] { return pairing.isVisible(); },
+            .showPairWindow = [this] { pairing.showPairWindow(); },
+            .showApprove = [this](const QJsonObject &request) { approval.showApprove(request); },
+            .showAlarm = [this](const QJsonObject &alarm) { alarms.showAlarm(alarm); },
+            .showHUD = showHUD()};
+}
+
+PairContext TrayApp::pairContext() const {
+    return {.bound = bound(config.readCfg()),
+            .authDead = state.health.authDead,
+            .accountGone = state.health.accountGone};
+}
 
 Situation TrayApp::situation() const {
     const QJsonObject cfg = config.readCfg();
@@ -98,7 +141,7 @@ void TrayApp::reopen() {
     case ReopenAction::Repair:
         return features.repairService({});
     case ReopenAction::ShowPairingCode:
-        return features.showPairWindow();
+        return pairing.showPairWindow();
     case ReopenAction::ToggleAgent:
         return sync.toggleAgent();
     }
@@ -127,13 +170,13 @@ void TrayApp::perform(const MenuEntry &entry) {
     case Action::AskPerms:
         return features.askPerms();
     case Action::ShowPair:
-        return features.showPairWindow();
+        return pairing.showPairWindow();
     case Action::E2Pending:
-        return features.showApprove(entry.payload);
+        return approval.showApprove(entry.payload.toObject());
     case Action::E2Alarm:
-        return features.showAlarm(entry.payload);
+        return alarms.showAlarm(entry.payload.toObject());
     case Action::E2AsrInstall:
-        return features.e2AsrInstall();
+        return speech.e2AsrInstall();
     case Action::OpenLog:
         return agent.openLog();
     case Action::QuitAll:

@@ -3,6 +3,11 @@
 #include "app/feature_hooks.h"
 #include "app/paths.h"
 #include "app/situation.h"
+#include "e2ee/alarms.h"
+#include "e2ee/approval.h"
+#include "e2ee/pairing.h"
+#include "e2ee/prompts.h"
+#include "e2ee/speech_install.h"
 #include "platform/status_item.h"
 #include "service/agent_command.h"
 #include "service/agent_control.h"
@@ -26,6 +31,8 @@ struct TrayPorts {
     Desktop &desktop;
     StatusItem &item;
     NoticePanel &noticePanel;
+    Alerts &alerts;
+    PairPanel &pairPanel;
 };
 
 /// The application: holds the state, composes the features and forwards what the user does. Making one has no effect.
@@ -47,7 +54,16 @@ private:
     void perform(const MenuEntry &entry);
     void menuOpening();
     void scheduleUpdateChecks();
-    void showHUD(const Notice &notice) { notices.showHUD(notice); }
+    PairContext pairContext() const;
+
+    // The callbacks that each feature gets.
+    HealthPoll::Hooks healthHooks();
+    AgentControl::Hooks agentHooks();
+    SyncToggle::Hooks syncHooks();
+    Pairing::Hooks pairingHooks();
+    Prompts::Hooks promptHooks();
+    std::function<void(const Notice &)> showHUD();
+    std::function<void(std::function<void()> then)> poll();
 
     const FixedConfig &fixed;
     const Paths &paths;
@@ -62,6 +78,11 @@ private:
     AgentControl agent;
     SyncToggle sync;
     StartupReport report;
+    Pairing pairing;
+    Approval approval;
+    Alarms alarms;
+    SpeechInstall speech;
+    Prompts prompts;
 
     std::optional<IconView> shownIcon;
     std::optional<MenuView> shownMenu;

@@ -70,8 +70,19 @@ struct E2State {
     QSet<QString> e2ShownPending;
     QSet<QString> e2ShownAlarms;
     QSet<QString> e2Answering;
-    bool e2Modal = false;
-    QString e2LastState;
+    bool e2Modal = false; ///< An approval or alarm alert is open.
+    QString e2LastState;  ///< The state that the last reaction saw.
+};
+
+/// The pairing window's part of the state.
+struct PairState {
+    bool pairAutoShown = false; ///< It opened by itself once.
+    bool pairSawCode = false;   ///< It has shown a code, or the mark of success, since it was opened.
+    bool pairClosing = false;   ///< Success is shown; it will close itself.
+    bool pairRenewing = false;  ///< A new code has been asked for.
+    bool pairRelogin = false;   ///< Its button starts a sign-in.
+    bool pairLogout = false;    ///< Its button starts a sign-out.
+    bool pairPreview = false;   ///< It is drawn for review: on no screen, and whatever the sign-in.
 };
 
 struct MenuState {
@@ -85,6 +96,7 @@ struct TrayState {
     PermissionState permissions;
     UpdateState update;
     E2State e2ee;
+    PairState pairing;
     MenuState menu;
 };
 

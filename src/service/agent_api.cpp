@@ -27,8 +27,7 @@ Result<QJsonObject> parseAgentReply(const HttpReply &reply) {
 }
 
 void AgentApi::send(const AgentRequest &request, Done<QJsonObject> done) {
-    const QString token = cfgText(config.readCfg(), u"localToken");
-    http.send(buildAgentRequest(fixed.AGENT_LOCAL, token, request),
+    http.send(buildAgentRequest(fixed.AGENT_LOCAL, token(), request),
               Done<HttpReply>([done = std::move(done)](Result<HttpReply> reply) mutable {
                   done(reply ? parseAgentReply(reply.value()) : Result<QJsonObject>(reply.error()));
               }));

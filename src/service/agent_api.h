@@ -27,10 +27,14 @@ class AgentApi {
 public:
     AgentApi(HttpClient &h, const FixedConfig &f, const AgentConfig &c) : http(h), fixed(f), config(c) {}
 
+    /// Whether the configuration file holds a token at this moment.
+    bool hasToken() const { return !token().isEmpty(); }
     /// Sends once, with the token as the configuration file holds it at this moment; without one, without the header.
     void send(const AgentRequest &request, Done<QJsonObject> done);
 
 private:
+    QString token() const { return cfgText(config.readCfg(), u"localToken"); }
+
     HttpClient &http;
     const FixedConfig &fixed;
     const AgentConfig &config;

@@ -17,8 +17,6 @@ namespace korvel {
 class AgentControl {
 public:
     struct Hooks {
-        std::function<void()> render;
-        std::function<void(std::function<void()> then)> poll;
         std::function<void(const Notice &)> showHUD;
         std::function<void()> repairService;
     };

@@ -68,7 +68,7 @@ void Journey::installAndSignIn() {
 
 void Journey::launch() {
     tray =
-        std::make_unique<TrayApp>(fixed, paths, TrayPorts{scheduler, http, programs, services, desktop, item, notices});
+        std::make_unique<TrayApp>(fixed, paths, TrayPorts{scheduler, http, programs, services, desktop, item, notices, alerts, pairPanel});
     tray->launch(trayProgram());
 }
 

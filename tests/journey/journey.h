@@ -49,6 +49,8 @@ struct Journey : ::testing::Test {
     ScriptedDesktop desktop;
     RecordedItem item;
     RecordedNotices notices;
+    ScriptedAlerts alerts;
+    RecordedPairPanel pairPanel;
     std::unique_ptr<TrayApp> tray;
 
     /// A signed-in Mac with the agent installed but not loaded.

@@ -2,12 +2,15 @@
 
 #include "app/paths.h"
 #include "app/wording.h"
+#include "platform/alerts.h"
 #include "platform/desktop.h"
 #include "platform/http_client.h"
 #include "platform/notice_panel.h"
+#include "platform/pair_panel.h"
 #include "platform/programs.h"
 #include "platform/status_item.h"
 #include "service/service_control.h"
+#include "e2ee/pair_view.h"
 #include "status/icon_view.h"
 #include "ui/edit_menu.h"
 #include "ui/menu_entry.h"
@@ -183,6 +186,49 @@ public:
     MenuView menu;
     int iconChanges = 0;
     int menuChanges = 0;
+};
+
+/// Alerts that the test answers.
+class ScriptedAlerts final : public Alerts {
+public:
+    bool open(const AlertView &v, std::function<void(const AlertAnswer &)> a) override {
+        if (answered)
+            return false;
+        view = v;
+        answered = std::move(a);
+        ++opened;
+        return true;
+    }
+    bool isOpen() const { return answered != nullptr; }
+    void answer(int button, const QString &code = {}) {
+        ASSERT_TRUE(answered);
+        std::exchange(answered, nullptr)({.button = button, .code = code});
+    }
+    /// Escape or the close button.
+    void dismiss() { answer(view.escape); }
+    AlertView view;
+    int opened = 0;
+
+private:
+    std::function<void(const AlertAnswer &)> answered;
+};
+
+class RecordedPairPanel final : public PairPanel {
+public:
+    void connect(Events e) override { events = std::move(e); }
+    bool isVisible() const override { return visible; }
+    void present(const PairView &v) override {
+        view = v;
+        visible = true;
+        ++presented;
+    }
+    void apply(const PairView &v) override { view = v; }
+    void hide() override { visible = false; }
+
+    Events events;
+    PairView view;
+    bool visible = false;
+    int presented = 0;
 };
 
 class RecordedNotices final : public NoticePanel {

@@ -18,6 +18,8 @@ struct TrayFixture : ::testing::Test {
     ScriptedDesktop desktop;
     RecordedItem item;
     RecordedNotices notices;
+    ScriptedAlerts alerts;
+    RecordedPairPanel pairPanel;
     FeatureHooks features;
     std::unique_ptr<TrayApp> tray;
 
@@ -29,7 +31,8 @@ struct TrayFixture : ::testing::Test {
     }
     void makeTray() {
         tray = std::make_unique<TrayApp>(
-            home.fixed, home.paths, TrayPorts{scheduler, http, programs, services, desktop, item, notices}, features);
+            home.fixed, home.paths,
+            TrayPorts{scheduler, http, programs, services, desktop, item, notices, alerts, pairPanel}, features);
     }
     void launch() {
         makeTray();

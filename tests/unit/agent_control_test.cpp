@@ -17,9 +17,7 @@ struct AgentControlTest : TrayFixture {
                          programs,
                          desktop,
                          scheduler,
-                         {.render = [] {},
-                          .poll = [](const auto &then) { then(); },
-                          .showHUD = [this](const Notice &n) { notices.show({.text = n.text, .error = n.error}, {}); },
+                         {.showHUD = [this](const Notice &n) { notices.show({.text = n.text, .error = n.error}, {}); },
                           .repairService = [this] { ++repairs; }}};
 
     QStringList callsOf(void (AgentControl::*operation)(std::function<void()>)) {

@@ -152,18 +152,6 @@ TEST(HealthRules, ThePermissionListIsDueAfterThirtySecondsAndOnlyWhileTheAgentAn
     EXPECT_FALSE(due(std::nullopt, false));
 }
 
-TEST_F(HealthPollTest, EachNewReportIsReactedToAfterTheAnswerIsShown) {
-    int reactions = 0;
-    features.e2Prompt = [&] { ++reactions; };
-    launchWith(ONLINE);
-    const int before = reactions;
-    scheduler.advance(3s);
-    EXPECT_EQ(reactions, before + 1);
-    agentIsSilent();
-    scheduler.advance(3s);
-    EXPECT_EQ(reactions, before + 1);
-}
-
 TEST_F(HealthPollTest, NothingIsSetAgainWhileNothingChanges) {
     launchWith(ONLINE);
     const int icons = item.iconChanges, menus = item.menuChanges;

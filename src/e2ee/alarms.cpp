@@ -1,0 +1,67 @@
+#include "e2ee/alarms.h"
+
+#include "app/wording.h"
+#include "e2ee/requests.h"
+
+namespace korvel {
+
+namespace {
+
+enum Button { ItWasMe, ItWasNotMe };
+
+bool isReset(const QJsonObject &alarm) { return alarm.value(u"kind").toString() == u"reset"; }
+
+} // namespace
+
+AlertView alarmAlert(const QJsonObject &alarm) {
+    if (!isReset(alarm))
+        return {.title = L(u"安全提醒", u"Security Alert"),
+                .text = alarm.value(u"text").toString(),
+                .warning = true,
+                .buttons = {L(u"好", u"OK")},
+                .escape = 0};
+    return {.title = L(u"加密已重置", u"Encryption Was Reset"),
+            .text = L(u"如果是你本人的操作，请点击「是我，重新加入」，然后在手机上输入这台 Mac "
+                      u"的配对码。\n如果不是，请勿批准任何新设备，并立即修改密码。",
+                      u"If you did this, click It Was Me, Rejoin, then enter this Mac's pairing code on your phone.\nIf "
+                      u"not, don't approve any new device, and change your password immediately."),
+            .warning = true,
+            .buttons = {L(u"是我，重新加入", u"It Was Me, Rejoin"), L(u"不是我", u"It Wasn't Me")},
+            .escape = ItWasNotMe};
+}
+
+Alarms::Alarms(E2State &e, AgentApi &a, Alerts &al, Hooks h) : e2ee(e), api(a), alerts(al), hooks(std::move(h)) {}
+
+void Alarms::showAlarm(const QJsonObject &alarm) {
+    const bool opened = alerts.open(alarmAlert(alarm), alive.guard([this, alarm](const AlertAnswer &answer) {
+        e2ee.e2Modal = false;
+        answered(alarm, answer);
+    }));
+    e2ee.e2Modal = e2ee.e2Modal || opened;
+}
+
+void Alarms::answered(const QJsonObject &alarm, const AlertAnswer &answer) {
+    if (isReset(alarm)) {
+        if (answer.button == ItWasMe)
+            return rejoin();
+        // Not dismissed at the agent: it stays until the user rejoins.
+        return hooks.showHUD({.text = L(u"请勿批准任何新设备，并立即修改密码",
+                                        u"Don't approve any new device, and change your password immediately."),
+                              .secs = Seconds(6),
+                              .error = true});
+    }
+    if (const QJsonValue id = alarm.value(u"id"); id.isString())
+        e2Post(api, dismissAlarmRequest(id.toString()), [](const std::optional<QJsonObject> &) {});
+}
+
+void Alarms::rejoin() {
+    e2Post(api, acceptResetRequest(), alive.guard([this](const std::optional<QJsonObject> &reply) {
+        if (replyOk(reply))
+            return hooks.pairAfterLogin();
+        hooks.showHUD({.text = L(u"无法重新加入：", u"Couldn't rejoin: ") + errText(reply),
+                       .secs = Seconds(6),
+                       .error = true});
+    }));
+}
+
+} // namespace korvel

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "app/tray_state.h"
+#include "platform/alerts.h"
+#include "platform/alive.h"
+#include "service/agent_api.h"
+#include "ui/notices.h"
+
+#include <functional>
+
+namespace korvel {
+
+/// The alert for a security alarm.
+AlertView alarmAlert(const QJsonObject &alarm);
+
+/// Shows security alarms and encryption resets, and answers them.
+class Alarms {
+public:
+    struct Hooks {
+        std::function<void(const Notice &)> showHUD;
+        std::function<void()> pairAfterLogin;
+    };
+    Alarms(E2State &e2ee, AgentApi &api, Alerts &alerts, Hooks hooks);
+
+    /// Opens the alert for an alarm, unless one is open.
+    void showAlarm(const QJsonObject &alarm);
+
+private:
+    void answered(const QJsonObject &alarm, const AlertAnswer &answer);
+    void rejoin();
+
+    E2State &e2ee;
+    AgentApi &api;
+    Alerts &alerts;
+    Hooks hooks;
+    Alive alive;
+};
+
+} // namespace korvel

@@ -1,0 +1,96 @@
+#include "e2ee/approval.h"
+
+#include "app/wording.h"
+#include "e2ee/pair_code.h"
+#include "e2ee/report.h"
+#include "e2ee/requests.h"
+
+namespace korvel {
+
+namespace {
+
+enum Button { Allow, Deny, Later };
+constexpr milliseconds ASK_AGAIN_AFTER = 300ms;
+
+QString nameOf(const QJsonObject &request) { return request.value(u"name").toString(L(u"新设备", u"New device")); }
+
+QString pendingIdOf(const QJsonObject &request) { return request.value(u"pendingId").toString(); }
+
+QString instructions() {
+    return L(u"请输入新设备上显示的配对码。\n如果你刚才没有在新设备上登录，请勿输入，并立即修改密码。",
+             u"Enter the pairing code shown on the new device.\nIf you didn't just sign in on a new device, don't enter "
+             u"it, and change your password immediately.");
+}
+
+bool canBeRetried(const QString &code) { return code == u"wrong-code" || code == u"bad-code" || code == u"answered"; }
+
+} // namespace
+
+AlertView approveAlert(const QJsonObject &request, const QString &error) {
+    return {.title = L(u"新设备请求加入：", u"New device: ") + request.value(u"name").toString(QStringLiteral("?")) +
+                     QStringLiteral(" · ") + e2Platform(request.value(u"platform")),
+            .text = error.isEmpty() ? instructions() : error + QStringLiteral("\n\n") + instructions(),
+            .warning = !error.isEmpty(),
+            .buttons = {L(u"允许", u"Allow"), L(u"拒绝", u"Deny"), L(u"稍后", u"Later")},
+            .escape = Later,
+            .codeField = true};
+}
+
+Approval::Approval(E2State &e, AgentApi &a, Alerts &al, Scheduler &s, Hooks h)
+    : e2ee(e), api(a), alerts(al), scheduler(s), hooks(std::move(h)) {}
+
+void Approval::showApprove(const QJsonObject &request, const QString &error) {
+    if (!request.value(u"pendingId").isString())
+        return;
+    const bool opened = alerts.open(approveAlert(request, error), alive.guard([this, request](const AlertAnswer &answer) {
+        e2ee.e2Modal = false;
+        answered(request, answer);
+    }));
+    e2ee.e2Modal = e2ee.e2Modal || opened;
+}
+
+void Approval::answered(const QJsonObject &request, const AlertAnswer &answer) {
+    if (answer.button == Deny)
+        deny(request);
+    else if (answer.button == Allow)
+        allow(request, codeDigits(answer.code));
+}
+
+void Approval::deny(const QJsonObject &request) {
+    e2Post(api, rejectDeviceRequest(pendingIdOf(request)),
+           alive.guard([this, name = nameOf(request)](const std::optional<QJsonObject> &) {
+               hooks.showHUD({.text = L(u"已拒绝「", u"Denied ") + name +
+                                      L(u"」。如果不是你本人在登录，请立即修改密码",
+                                        u". If that wasn't you, change your password immediately."),
+                              .secs = Seconds(6),
+                              .error = true});
+           }));
+}
+
+void Approval::allow(const QJsonObject &request, const QString &code) {
+    if (code.size() != 6)
+        return showApprove(request, L(u"配对码为 6 位数字", u"The pairing code must be 6 digits."));
+    hooks.showHUD({.text = L(u"正在验证…", u"Verifying…"), .secs = Seconds(50)});
+    e2ee.e2Answering.insert(pendingIdOf(request));
+    e2Post(api, pairDeviceRequest(pendingIdOf(request), code),
+           alive.guard([this, request](const std::optional<QJsonObject> &reply) { verdict(request, reply); }));
+}
+
+void Approval::verdict(const QJsonObject &request, const std::optional<QJsonObject> &reply) {
+    e2ee.e2Answering.remove(pendingIdOf(request));
+    hooks.hideHUD();
+    const QString code = reply ? reply->value(u"code").toString() : QString();
+    if (replyOk(reply))
+        hooks.showHUD({.text = L(u"✓ 已允许「", u"✓ Allowed ") + nameOf(request) + L(u"」", u""), .secs = Seconds(4)});
+    else if (canBeRetried(code))
+        askAgain(request, errText(reply));
+    else
+        hooks.showHUD({.text = errText(reply), .secs = Seconds(code == u"mismatch" ? 10 : 6), .error = true});
+    hooks.poll();
+}
+
+void Approval::askAgain(const QJsonObject &request, const QString &error) {
+    again = scheduler.after(ASK_AGAIN_AFTER, [this, request, error] { showApprove(request, error); });
+}
+
+} // namespace korvel

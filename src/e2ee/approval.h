@@ -1,0 +1,47 @@
+#pragma once
+
+#include "app/tray_state.h"
+#include "platform/alerts.h"
+#include "platform/alive.h"
+#include "platform/scheduler.h"
+#include "service/agent_api.h"
+#include "ui/notices.h"
+
+#include <functional>
+#include <optional>
+
+namespace korvel {
+
+/// The alert that asks for the code of a new device, with the sentence of a failed try above its usual text.
+AlertView approveAlert(const QJsonObject &request, const QString &error);
+
+/// Lets the user admit or refuse a device that asks to join.
+class Approval {
+public:
+    struct Hooks {
+        std::function<void()> poll;
+        std::function<void(const Notice &)> showHUD;
+        std::function<void()> hideHUD;
+    };
+    Approval(E2State &e2ee, AgentApi &api, Alerts &alerts, Scheduler &scheduler, Hooks hooks);
+
+    /// Opens the alert for an approval request, unless one is open; `error` is what went wrong with the last try.
+    void showApprove(const QJsonObject &request, const QString &error = {});
+
+private:
+    void answered(const QJsonObject &request, const AlertAnswer &answer);
+    void allow(const QJsonObject &request, const QString &code);
+    void deny(const QJsonObject &request);
+    void verdict(const QJsonObject &request, const std::optional<QJsonObject> &reply);
+    void askAgain(const QJsonObject &request, const QString &error);
+
+    E2State &e2ee;
+    AgentApi &api;
+    Alerts &alerts;
+    Scheduler &scheduler;
+    Hooks hooks;
+    Timer again;
+    Alive alive;
+};
+
+} // namespace korvel

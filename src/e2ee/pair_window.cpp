@@ -1,0 +1,99 @@
+#include "e2ee/pair_window.h"
+
+#include "app/wording.h"
+
+#include <QBoxLayout>
+#include <QGuiApplication>
+#include <QCursor>
+#include <QKeyEvent>
+#include <QScreen>
+
+namespace korvel {
+
+namespace {
+
+constexpr int WIDTH = 400;
+constexpr int TEXT_WIDTH = 352;
+
+ToneLabel *wrapping(int points, Tone tone, QWidget *parent) {
+    auto *label = new ToneLabel(uiFont(points), tone, parent);
+    label->setWordWrap(true);
+    label->setFixedWidth(TEXT_WIDTH);
+    return label;
+}
+
+} // namespace
+
+PairWindow::PairWindow()
+    : QWidget(nullptr, Qt::Window | Qt::WindowTitleHint | Qt::WindowCloseButtonHint | Qt::CustomizeWindowHint |
+                           Qt::WindowStaysOnTopHint),
+      pairTitleF(new ToneLabel(uiFont(15, QFont::DemiBold), Tone::Normal, this)),
+      pairCodeF(new ToneLabel(codeFont(46, QFont::DemiBold), Tone::Normal, this)),
+      pairLineF(wrapping(13, Tone::Normal, this)), pairHintF(wrapping(11, Tone::Secondary, this)),
+      pairErrF(wrapping(12, Tone::Error, this)), pairNewBtn(new QPushButton(L(u"刷新", u"Refresh"), this)),
+      pairBtn(new QPushButton(this)) {
+    setWindowTitle(QStringLiteral("Korvel"));
+    setAttribute(Qt::WA_QuitOnClose, false);
+    pairCodeF->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    auto *buttons = new QHBoxLayout;
+    buttons->setSpacing(10);
+    buttons->addStretch();
+    buttons->addWidget(pairNewBtn);
+    buttons->addWidget(pairBtn);
+    buttons->addStretch();
+    pairBtn->setDefault(true);
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(24, 22, 24, 20);
+    column->setSpacing(8);
+    for (ToneLabel *label : {pairTitleF, pairCodeF, pairLineF, pairHintF, pairErrF})
+        column->addWidget(label, 0, Qt::AlignHCenter);
+    column->addSpacing(14);
+    column->addLayout(buttons);
+    QObject::connect(pairBtn, &QPushButton::clicked, this, [this] { events.buttonClicked(); });
+    QObject::connect(pairNewBtn, &QPushButton::clicked, this, [this] { events.renewClicked(); });
+}
+
+void PairWindow::connect(Events e) { events = std::move(e); }
+
+void PairWindow::apply(const PairView &view) {
+    pairTitleF->setText(view.title);
+    pairCodeF->setText(view.code);
+    pairCodeF->setTone(view.codeMuted ? Tone::Tertiary : Tone::Normal);
+    pairCodeF->setAccessibleName(view.codeName);
+    pairLineF->setText(view.line);
+    pairHintF->setTextOrHide(view.hint);
+    pairErrF->setTextOrHide(view.error);
+    pairBtn->setText(view.button);
+    pairNewBtn->setVisible(view.refreshVisible);
+    pairNewBtn->setEnabled(view.refreshEnabled);
+    fit();
+}
+
+void PairWindow::fit() {
+    layout()->activate();
+    const int height = layout()->hasHeightForWidth() ? layout()->heightForWidth(WIDTH) : layout()->sizeHint().height();
+    setFixedSize(WIDTH, height);
+}
+
+void PairWindow::present(const PairView &view) {
+    apply(view);
+    if (!isVisible()) {
+        const QScreen *screen = QGuiApplication::screenAt(QCursor::pos());
+        if (!screen)
+            screen = QGuiApplication::primaryScreen();
+        if (screen)
+            move(screen->availableGeometry().center() - rect().center());
+        pairBtn->setFocus();
+    }
+    show();
+    raise();
+    activateWindow();
+}
+
+void PairWindow::keyPressEvent(QKeyEvent *event) {
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        return pairBtn->click();
+    QWidget::keyPressEvent(event);
+}
+
+} // namespace korvel

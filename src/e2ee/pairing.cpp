@@ -1,0 +1,85 @@
+#include "e2ee/pairing.h"
+
+#include "app/wording.h"
+#include "e2ee/requests.h"
+
+namespace korvel {
+
+namespace {
+constexpr milliseconds SUCCESS_SHOWN = 1400ms;
+}
+
+Pairing::Pairing(const E2State &e, PairState &p, AgentApi &a, PairPanel &w, Scheduler &s, Hooks h)
+    : e2ee(e), pairing(p), api(a), window(w), scheduler(s), hooks(std::move(h)) {
+    window.connect({.buttonClicked = [this] { pairButtonClicked(); }, .renewClicked = [this] { pairRenewClicked(); }});
+}
+
+void Pairing::updatePairWindow() {
+    if (window.isVisible())
+        follow(pairView(e2ee.e2, pairing, hooks.context()));
+}
+
+void Pairing::follow(const PairUpdate &update) {
+    switch (update.step) {
+    case PairUpdate::Step::Keep:
+        return;
+    case PairUpdate::Step::Vanish:
+        return window.hide();
+    case PairUpdate::Step::Show:
+        closing.cancel();
+        break;
+    case PairUpdate::Step::Celebrate:
+        closing = scheduler.after(SUCCESS_SHOWN, [this] {
+            window.hide();
+            pairing.pairClosing = pairing.pairSawCode = false;
+        });
+        hooks.showHUD({.text = L(u"🔒 已加密，开始同步", u"🔒 Encrypted. Syncing now."), .secs = Seconds(3)});
+        break;
+    }
+    shown = update.view;
+    window.apply(shown);
+}
+
+void Pairing::showPairWindow() {
+    const PairUpdate update = pairView(e2ee.e2, pairing, hooks.context());
+    if (update.step == PairUpdate::Step::Show)
+        shown = update.view;
+    // A window whose news is old goes again at once, silently; it is not even brought up.
+    if (update.step != PairUpdate::Step::Vanish)
+        window.present(shown);
+    follow(update);
+}
+
+void Pairing::pairAfterLogin() {
+    pairing.pairAutoShown = true;
+    pairing.pairSawCode = false;
+    showPairWindow();
+}
+
+void Pairing::pairButtonClicked() {
+    window.hide();
+    if (pairing.pairLogout)
+        hooks.logoutDialog();
+    else if (pairing.pairRelogin)
+        hooks.startBrowserLogin();
+}
+
+void Pairing::pairRenewClicked() {
+    if (pairing.pairRenewing)
+        return;
+    pairing.pairRenewing = true;
+    updatePairWindow();
+    e2Post(api, renewCodeRequest(), alive.guard([this](const std::optional<QJsonObject> &reply) { renewed(reply); }));
+}
+
+void Pairing::renewed(const std::optional<QJsonObject> &reply) {
+    pairing.pairRenewing = false;
+    updatePairWindow();
+    if (!replyOk(reply) && window.isVisible()) {
+        shown.error = errText(reply);
+        window.apply(shown);
+    }
+    hooks.poll();
+}
+
+} // namespace korvel

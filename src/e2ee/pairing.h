@@ -1,0 +1,53 @@
+#pragma once
+
+#include "app/tray_state.h"
+#include "e2ee/pair_view.h"
+#include "platform/alive.h"
+#include "platform/pair_panel.h"
+#include "platform/scheduler.h"
+#include "service/agent_api.h"
+#include "ui/notices.h"
+
+#include <functional>
+#include <optional>
+
+namespace korvel {
+
+/// The pairing window: shows this Mac's code and every other situation of its pairing.
+class Pairing {
+public:
+    struct Hooks {
+        std::function<PairContext()> context;
+        std::function<void()> poll;
+        std::function<void(const Notice &)> showHUD;
+        std::function<void()> startBrowserLogin;
+        std::function<void()> logoutDialog;
+    };
+    Pairing(const E2State &e2ee, PairState &pairing, AgentApi &api, PairPanel &window, Scheduler &scheduler,
+            Hooks hooks);
+
+    /// Recomputes the window; nothing while it is not on the screen.
+    void updatePairWindow();
+    void showPairWindow();
+    /// Shows the window after a sign-in, when it has no past yet.
+    void pairAfterLogin();
+    bool isVisible() const { return window.isVisible(); }
+
+private:
+    void pairButtonClicked();
+    void pairRenewClicked();
+    void renewed(const std::optional<QJsonObject> &reply);
+    void follow(const PairUpdate &update);
+
+    const E2State &e2ee;
+    PairState &pairing;
+    AgentApi &api;
+    PairPanel &window;
+    Scheduler &scheduler;
+    Hooks hooks;
+    PairView shown;
+    Timer closing;
+    Alive alive;
+};
+
+} // namespace korvel

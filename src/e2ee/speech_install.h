@@ -1,0 +1,27 @@
+#pragma once
+
+#include "platform/alive.h"
+#include "service/agent_api.h"
+#include "ui/notices.h"
+
+#include <functional>
+
+namespace korvel {
+
+/// Asks the agent to install speech recognition; its report shows the progress.
+class SpeechInstall {
+public:
+    struct Hooks {
+        std::function<void(const Notice &)> showHUD;
+    };
+    SpeechInstall(AgentApi &a, Hooks h) : api(a), hooks(std::move(h)) {}
+
+    void e2AsrInstall();
+
+private:
+    AgentApi &api;
+    Hooks hooks;
+    Alive alive;
+};
+
+} // namespace korvel

@@ -1,0 +1,111 @@
+#include "ui/alert_window.h"
+
+#include "ui/code_field.h"
+#include "ui/text_styles.h"
+
+#include <QBoxLayout>
+#include <QPushButton>
+#include <QStyle>
+
+namespace korvel {
+
+namespace {
+
+constexpr int TEXT_WIDTH = 352;
+
+ToneLabel *paragraph(const QString &text, const QFont &font, Tone tone, QWidget *parent) {
+    auto *label = new ToneLabel(font, tone, parent);
+    label->setText(text);
+    label->setWordWrap(true);
+    label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    label->setFixedWidth(TEXT_WIDTH);
+    return label;
+}
+
+QLabel *symbol(const AlertView &view, QWidget *parent) {
+    auto *label = new QLabel(parent);
+    const auto which = view.warning ? QStyle::SP_MessageBoxWarning : QStyle::SP_MessageBoxInformation;
+    label->setPixmap(label->style()->standardIcon(which).pixmap(40));
+    return label;
+}
+
+} // namespace
+
+AlertDialog::AlertDialog(const AlertView &v, std::function<void(const AlertAnswer &)> a)
+    : QDialog(nullptr, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint | Qt::WindowStaysOnTopHint), view(v),
+      answered(std::move(a)) {
+    setAttribute(Qt::WA_DeleteOnClose);
+    setAttribute(Qt::WA_QuitOnClose, false);
+    setWindowTitle(QStringLiteral("Korvel"));
+    setAccessibleDescription(view.title);
+    auto *text = new QVBoxLayout;
+    text->setSpacing(8);
+    text->addWidget(paragraph(view.title, uiFont(14, QFont::DemiBold), Tone::Normal, this));
+    text->addWidget(paragraph(view.text, uiFont(13), Tone::Normal, this));
+    if (view.codeField) {
+        field = new PairCodeField(this);
+        field->setAccessibleName(view.title);
+        text->addSpacing(6);
+        text->addWidget(field, 0, Qt::AlignLeft);
+    }
+    text->addSpacing(10);
+    text->addWidget(buttonRow());
+    auto *row = new QHBoxLayout(this);
+    row->setContentsMargins(22, 22, 24, 20);
+    row->setSpacing(16);
+    row->addWidget(symbol(view, this), 0, Qt::AlignTop);
+    row->addLayout(text);
+    row->setSizeConstraint(QLayout::SetFixedSize);
+    if (!field)
+        return;
+    answers.first()->setEnabled(false);
+    field->onEdited = [this] { answers.first()->setEnabled(field->isComplete()); };
+    field->setFocus();
+}
+
+QWidget *AlertDialog::buttonRow() {
+    auto *row = new QWidget(this);
+    auto *layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(10);
+    layout->addStretch();
+    for (qsizetype i = 0; i < view.buttons.size(); ++i) {
+        auto *button = new QPushButton(view.buttons.at(i), row);
+        // Return is for the first button alone, wherever the focus is; a disabled one does nothing.
+        button->setAutoDefault(false);
+        connect(button, &QPushButton::clicked, this, [this, i] { answer(static_cast<int>(i)); });
+        layout->addWidget(button);
+        answers.append(button);
+    }
+    answers.first()->setDefault(true);
+    if (!view.codeField)
+        answers.first()->setFocus();
+    return row;
+}
+
+void AlertDialog::reject() { answer(view.escape); }
+
+void AlertDialog::answer(int button) {
+    const auto report = std::exchange(answered, nullptr);
+    if (!report)
+        return;
+    const AlertAnswer given{.button = button, .code = field ? field->text() : QString()};
+    hide();
+    deleteLater();
+    report(given);
+}
+
+AlertWindow::~AlertWindow() { delete current; }
+
+bool AlertWindow::open(const AlertView &view, std::function<void(const AlertAnswer &)> answered) {
+    const bool isFirst = !current || !current->isVisible();
+    if (isFirst) {
+        current = new AlertDialog(view, std::move(answered));
+        current->open();
+    }
+    current->raise();
+    current->activateWindow();
+    return isFirst;
+}
+
+} // namespace korvel

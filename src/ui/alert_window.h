@@ -1,0 +1,44 @@
+#pragma once
+
+#include "platform/alerts.h"
+
+#include <QDialog>
+#include <QPointer>
+
+class QPushButton;
+
+namespace korvel {
+
+class PairCodeField;
+
+/// The window of one alert. Reports how it was answered, once, and deletes itself.
+class AlertDialog final : public QDialog {
+public:
+    AlertDialog(const AlertView &view, std::function<void(const AlertAnswer &)> answered);
+
+    QList<QPushButton *> buttons() const { return answers; }
+    PairCodeField *codeField() const { return field; }
+    /// Escape and closing.
+    void reject() override;
+
+private:
+    void answer(int button);
+    QWidget *buttonRow();
+
+    const AlertView view;
+    std::function<void(const AlertAnswer &)> answered;
+    QList<QPushButton *> answers;
+    PairCodeField *field = nullptr;
+};
+
+/// Alerts as windows above all others that let the event loop go on.
+class AlertWindow final : public Alerts {
+public:
+    ~AlertWindow() override;
+    bool open(const AlertView &view, std::function<void(const AlertAnswer &)> answered) override;
+
+private:
+    QPointer<AlertDialog> current;
+};
+
+} // namespace korvel

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QFont>
+#include <QLabel>
+#include <QPalette>
+
+namespace korvel {
+
+/// The system's font at a size in points (device-independent pixels).
+QFont uiFont(int points, QFont::Weight weight = QFont::Normal);
+/// The system's monospaced font.
+QFont codeFont(int points, QFont::Weight weight = QFont::Normal);
+
+/// How much a text stands out.
+enum class Tone { Normal, Secondary, Tertiary, Error };
+
+/// The colour of a tone on the windows of `palette`; at least 4.5 to 1 against them (WCAG 2.1, 1.4.3).
+QColor toneColour(Tone tone, const QPalette &palette);
+
+/// A centred label of plain text whose colour follows its tone in light and dark appearance.
+class ToneLabel : public QLabel {
+public:
+    ToneLabel(QFont font, Tone tone, QWidget *parent = nullptr);
+    void setTone(Tone tone);
+    /// Shows `text`, and nothing at all when it is empty.
+    void setTextOrHide(const QString &text);
+
+protected:
+    void changeEvent(QEvent *event) override;
+
+private:
+    void paintTone();
+    Tone tone;
+    bool painting = false;
+};
+
+} // namespace korvel
