@@ -30,7 +30,7 @@ QString start(Tour &tour, Icons &icons) {
                       home.signIn(tourAccount()) && home.installJobFile();
     if (!made)
         return u"the simulated home could not be prepared"_s;
-    if (const QString wrong = tour.startTray(); !wrong.isEmpty())
+    if (QString wrong = tour.startTray(); !wrong.isEmpty())
         return wrong;
     if (!tour.waitForLine(startingLine(tour), AGENT_STARTS_AFTER))
         return u"the line reads "_s + tour.statusLine();

@@ -29,7 +29,7 @@ QString choose(Tour &tour, const QString &entry, const QString &line, const QStr
 }
 
 QString pause(Tour &tour) {
-    const QString wrong = choose(tour, tour.say(u"暂停同步"_s, u"Pause Sync"_s), pausedLine(tour), u"paused"_s);
+    QString wrong = choose(tour, tour.say(u"暂停同步"_s, u"Pause Sync"_s), pausedLine(tour), u"paused"_s);
     if (!wrong.isEmpty())
         return wrong;
     return tour.home().agentPid() == 0 ? QString() : u"the agent still runs"_s;
