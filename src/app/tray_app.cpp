@@ -59,6 +59,7 @@ void TrayApp::launch(const QString &executablePath) {
     // The agent starts with the login session too: its first silent seconds are no fault.
     if (atLaunch.bound && atLaunch.plistExists)
         state.health.startingUntil = ports.scheduler.now() + LAUNCH_GRACE;
+    render();
     const auto firstPoll = [this] { health.poll([this] { report.startupReport(0); }); };
     if (atLaunch.plistExists)
         agent.ensureAgentLoaded(firstPoll);

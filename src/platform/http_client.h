@@ -19,8 +19,8 @@ enum class Reach {
 struct HttpRequest {
     QByteArray method = "GET";
     QString url;
-    QList<std::pair<QByteArray, QByteArray>> headers;
-    QByteArray body;
+    QList<std::pair<QByteArray, QByteArray>> headers = {};
+    QByteArray body = {};
     std::chrono::milliseconds timeout{0}; ///< Hard deadline for the whole exchange.
     qint64 maxBytes = 8 << 20;            ///< A larger answer (headers included) is refused.
     Reach reach = Reach::Loopback;

@@ -52,6 +52,7 @@ public:
         onClick = std::move(clicked);
         label->setText(view.text);
         setAccessibleName(view.text);
+        setWindowTitle(view.text); // never seen, but window lists and screen readers know it
         const QScreen *screen = QGuiApplication::primaryScreen();
         const NoticeLayout layout =
             noticeLayout(textSize(), screen ? screen->availableGeometry() : QRect(0, 0, 800, 600));

@@ -138,11 +138,18 @@ TEST_F(HealthPollTest, ALateAnswerDoesNotUndoANewerOne) {
     EXPECT_TRUE(health().running);
 }
 
-TEST_F(HealthPollTest, ThePermissionListIsFetchedEveryThirtySecondsAtMost) {
-    int fetches = 0;
-    features.fetchPerms = [&] { ++fetches; };
-    launchWith(ONLINE);
-    EXPECT_GT(fetches, 0); // nothing fetched yet, so each answer asks
+TEST(HealthRules, ThePermissionListIsDueAfterThirtySecondsAndOnlyWhileTheAgentAnswers) {
+    const Instant now(1h);
+    TrayState state;
+    const auto due = [&](std::optional<Instant> fetchedAt, bool answered) {
+        state.permissions.permsFetchedAt = fetchedAt;
+        const auto answer = answered ? std::optional(QJsonObject{{u"ok"_s, true}}) : std::nullopt;
+        return applyHealth(state, answer, {.now = now, .bound = true, .username = {}}).fetchPerms;
+    };
+    EXPECT_TRUE(due(std::nullopt, true));
+    EXPECT_FALSE(due(now - 30s, true));
+    EXPECT_TRUE(due(now - 31s, true));
+    EXPECT_FALSE(due(std::nullopt, false));
 }
 
 TEST_F(HealthPollTest, EachNewReportIsReactedToAfterTheAnswerIsShown) {

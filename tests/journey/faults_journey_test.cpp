@@ -1,0 +1,81 @@
+#include "journey/journey.h"
+
+#include <QFile>
+#include <cstdio>
+#include <sys/resource.h>
+
+using namespace Qt::StringLiterals;
+
+namespace korvel::test {
+namespace {
+
+/// The most memory that this process has held so far, in MiB.
+double peakMemory() {
+    rusage usage{};
+    ::getrusage(RUSAGE_SELF, &usage);
+    return static_cast<double>(usage.ru_maxrss) / 1024;
+}
+
+const QString CONNECTED = u"● Connected · ann · 0 sessions"_s;
+
+TEST_F(Journey, ABrokenAnswerCountsAsNoAnswerAndBlocksNothing) {
+    installAndSignIn();
+    launch();
+    ASSERT_TRUE(showsSoon(CONNECTED));
+    const double before = peakMemory();
+    for (const QString &mode :
+         {u"truncate"_s, u"huge"_s, u"wrong-types"_s, u"deep"_s, u"not-utf8"_s, u"drip"_s, u"array"_s, u"html"_s,
+          u"garbage"_s, u"not-http"_s, u"silent"_s, u"close"_s, u"reset"_s}) {
+        home.setScenario({{u"faults"_s, QJsonObject{{u"/health"_s, QJsonObject{{u"mode"_s, mode}}}}}});
+        ASSERT_TRUE(eventually([&] { return !item.icon.on; })) << mode.toStdString();
+        int turns = 0; // the main thread goes on meanwhile
+        const Timer beat = scheduler.every(50ms, [&turns] { ++turns; });
+        ASSERT_TRUE(eventually([&] { return turns >= 5; }, std::chrono::seconds(2))) << mode.toStdString();
+        home.setScenario({});
+        ASSERT_TRUE(showsSoon(CONNECTED)) << mode.toStdString();
+    }
+    // An answer may grow to 8 MiB before it is refused, and a buffer doubles as it grows.
+    EXPECT_LT(peakMemory() - before, 64);
+}
+
+TEST_F(Journey, AnAnswerJustInTimeCountsAndALateOneDoesNot) {
+    installAndSignIn();
+    home.setScenario({{u"faults"_s, QJsonObject{{u"/health"_s, QJsonObject{{u"delayMs"_s, 1200}}}}}});
+    launch();
+    ASSERT_TRUE(showsSoon(CONNECTED));
+    home.setScenario({{u"faults"_s, QJsonObject{{u"/health"_s, QJsonObject{{u"delayMs"_s, 2600}}}}}});
+    ASSERT_TRUE(eventually([&] { return !item.icon.on; }));
+}
+
+TEST_F(Journey, WhateverLiesInPlaceOfTheConfigurationTheTrayRunsAndSaysWhatIsTrue) {
+    installAndSignIn();
+    launch();
+    ASSERT_TRUE(showsSoon(CONNECTED));
+    QFile file(home.configPath());
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray good = file.readAll();
+    file.close();
+    const auto put = [&](const QByteArray &content) {
+        QFile::remove(home.configPath());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
+        file.close();
+    };
+    for (const QByteArray &content :
+         {QByteArray("[]"), good.first(good.size() / 2), QByteArray("\x00\xff\x13", 3), QByteArray(100 << 20, ' ')}) {
+        put(content);
+        ASSERT_TRUE(showsSoon(u"Not signed in"_s));
+        put(good);
+        ASSERT_TRUE(showsSoon(CONNECTED));
+    }
+    QFile::remove(home.configPath());
+    QDir().mkpath(home.configPath());
+    ASSERT_TRUE(showsSoon(u"Not signed in"_s));
+    QDir().rmdir(home.configPath());
+    ASSERT_TRUE(showsSoon(u"Not signed in"_s));
+    put(good);
+    ASSERT_TRUE(showsSoon(CONNECTED));
+}
+
+} // namespace
+} // namespace korvel::test

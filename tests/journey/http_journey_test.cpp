@@ -1,0 +1,151 @@
+#include "journey/journey.h"
+
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTimer>
+
+using namespace Qt::StringLiterals;
+
+namespace korvel::test {
+namespace {
+
+/// A listener on the loopback that reads requests and does with each connection what a test says.
+struct Listener {
+    QTcpServer server;
+    int connections = 0;
+    QByteArray read;
+    std::function<void(QTcpSocket &)> onRequest;
+
+    Listener() {
+        EXPECT_TRUE(server.listen(QHostAddress::LocalHost));
+        QObject::connect(&server, &QTcpServer::newConnection, &server, [this] {
+            ++connections;
+            QTcpSocket *socket = server.nextPendingConnection();
+            QObject::connect(socket, &QTcpSocket::readyRead, socket, [this, socket] {
+                read += socket->readAll();
+                onRequest(*socket);
+            });
+        });
+    }
+    QString url(const QString &path = u"/x"_s) const {
+        return u"http://127.0.0.1:%1%2"_s.arg(server.serverPort()).arg(path);
+    }
+    qsizetype requests(const QByteArray &method) const { return read.count(method + " /"); }
+};
+
+struct HttpJourney : ::testing::Test {
+    CurlHttpClient client;
+    Listener agent;
+
+    std::optional<Result<HttpReply>> send(const HttpRequest &request) {
+        std::optional<Result<HttpReply>> result;
+        client.send(request, Done<HttpReply>([&](Result<HttpReply> r) { result.emplace(std::move(r)); }));
+        EXPECT_FALSE(result.has_value()); // never before send() returned
+        eventually([&] { return result.has_value(); });
+        return result;
+    }
+    HttpRequest post() const {
+        HttpRequest request{.method = "POST", .url = agent.url(), .body = "{}"};
+        request.timeout = std::chrono::seconds(5);
+        return request;
+    }
+    HttpRequest get(const QString &url) const {
+        HttpRequest request{.url = url};
+        request.timeout = std::chrono::seconds(5);
+        return request;
+    }
+};
+
+TEST_F(HttpJourney, APostLeavesOnceWhenTheAgentReadsItAndDies) {
+    // A connection kept open from a poll is where clients repeat a request by themselves.
+    for (int i = 0; i < 20; ++i) {
+        agent.read.clear();
+        agent.onRequest = [](QTcpSocket &s) { s.write("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\n{}"); };
+        ASSERT_TRUE(send(get(agent.url()))->ok());
+        agent.onRequest = [](QTcpSocket &s) { s.abort(); };
+        EXPECT_FALSE(send(post())->ok());
+        EXPECT_EQ(agent.requests("POST"), 1);
+    }
+}
+
+TEST_F(HttpJourney, PollsShareOneConnection) {
+    agent.onRequest = [](QTcpSocket &s) { s.write("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\n{}"); };
+    for (int i = 0; i < 5; ++i)
+        ASSERT_TRUE(send(get(agent.url()))->ok());
+    EXPECT_EQ(agent.connections, 1);
+}
+
+TEST_F(HttpJourney, ARedirectIsAnAnswerAndIsNotFollowed) {
+    Listener elsewhere;
+    elsewhere.onRequest = [](QTcpSocket &) {};
+    agent.onRequest = [&](QTcpSocket &s) {
+        s.write("HTTP/1.1 302 Found\r\nLocation: " + elsewhere.url().toUtf8() + "\r\nContent-Length: 2\r\n\r\n{}");
+    };
+    EXPECT_EQ(send(get(agent.url()))->value().status, 302);
+    EXPECT_EQ(elsewhere.connections, 0);
+}
+
+TEST_F(HttpJourney, AProxyOfTheEnvironmentIsNotUsedForTheAgent) {
+    Listener proxy;
+    proxy.onRequest = [](QTcpSocket &s) { s.abort(); };
+    qputenv("http_proxy", proxy.url(u""_s).toUtf8());
+    qputenv("all_proxy", proxy.url(u""_s).toUtf8());
+    agent.onRequest = [](QTcpSocket &s) { s.write("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\n{}"); };
+    EXPECT_TRUE(send(get(agent.url()))->ok());
+    EXPECT_EQ(proxy.connections, 0);
+    qunsetenv("http_proxy");
+    qunsetenv("all_proxy");
+}
+
+TEST_F(HttpJourney, TheTokenLeavesForNoOtherPlaceThanTheLoopbackAddress) {
+    Listener other;
+    other.onRequest = [](QTcpSocket &s) { s.abort(); };
+    const QString port = QString::number(other.server.serverPort());
+    for (const QString &url :
+         {u"http://127.0.0.1:80@localhost:%1/x"_s.arg(port), u"http://localhost:%1/x"_s.arg(port),
+          u"http://127.0.0.1:x/health"_s, u"http://127.0.0.1:99999/x"_s, u"https://127.0.0.1:%1/x"_s.arg(port),
+          u"file:///etc/passwd"_s, u"http://127.0.0.1:\r\nA: b"_s}) {
+        const auto result = send(get(url));
+        ASSERT_FALSE(result->ok()) << url.toStdString();
+        EXPECT_EQ(result->error().kind, ErrorKind::InvalidRequest) << url.toStdString();
+    }
+    EXPECT_EQ(other.connections, 0);
+    // A token with a line break in it must not add a header.
+    HttpRequest request = get(agent.url());
+    request.headers = {{"X-Korvel-Token", "a\r\nX-Other: b"}};
+    EXPECT_EQ(send(request)->error().kind, ErrorKind::InvalidRequest);
+}
+
+TEST_F(HttpJourney, TheDeadlineHoldsAgainstADripAndTheSizeAgainstAFlood) {
+    agent.onRequest = [](QTcpSocket &s) {
+        s.write("HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\n");
+        auto *drip = new QTimer(&s);
+        QObject::connect(drip, &QTimer::timeout, &s, [&s] { s.write("x"); });
+        drip->start(20);
+    };
+    HttpRequest request = get(agent.url());
+    request.timeout = std::chrono::milliseconds(300);
+    EXPECT_EQ(send(request)->error().kind, ErrorKind::TimedOut);
+
+    agent.onRequest = [](QTcpSocket &s) { s.write("HTTP/1.1 200 OK\r\n\r\n" + QByteArray(4096, 'x')); };
+    request.maxBytes = 2000;
+    EXPECT_EQ(send(request)->error().kind, ErrorKind::TooLarge);
+    agent.onRequest = [](QTcpSocket &s) { s.write("HTTP/1.1 200 OK\r\nX: " + QByteArray(4096, 'x') + "\r\n\r\n"); };
+    EXPECT_EQ(send(request)->error().kind, ErrorKind::TooLarge);
+
+    const QString url = agent.url();
+    agent.server.close();
+    EXPECT_EQ(send(get(url))->error().kind, ErrorKind::Unreachable);
+}
+
+TEST_F(HttpJourney, RequestsUnderWayAreToldWhenTheClientGoes) {
+    agent.onRequest = [](QTcpSocket &) {};
+    auto shortLived = std::make_unique<CurlHttpClient>();
+    std::optional<ErrorKind> kind;
+    shortLived->send(get(agent.url()), Done<HttpReply>([&](Result<HttpReply> r) { kind = r.error().kind; }));
+    shortLived.reset();
+    EXPECT_EQ(kind, ErrorKind::Dropped);
+}
+
+} // namespace
+} // namespace korvel::test

@@ -1,0 +1,96 @@
+#include "journey/journey.h"
+
+#include "app/deployment.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QJsonArray>
+#include <QTimer>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace korvel::test {
+
+namespace {
+
+void become(const QProcessEnvironment &wanted) {
+    const QProcessEnvironment now = QProcessEnvironment::systemEnvironment();
+    for (const QString &name : now.keys())
+        if (!wanted.contains(name))
+            qunsetenv(name.toLocal8Bit().constData());
+    for (const QString &name : wanted.keys())
+        if (now.value(name) != wanted.value(name))
+            qputenv(name.toLocal8Bit().constData(), wanted.value(name).toLocal8Bit());
+}
+
+} // namespace
+
+bool eventually(const std::function<bool()> &condition, std::chrono::milliseconds limit) {
+    QElapsedTimer clock;
+    clock.start();
+    QTimer look; // what the condition looks at may be another process's
+    look.start(10);
+    while (!condition()) {
+        if (clock.elapsed() > limit.count())
+            return false;
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    return true;
+}
+
+EnvironmentScope::EnvironmentScope(const sim::SimulatedHome &home) : before(QProcessEnvironment::systemEnvironment()) {
+    become(home.environment());
+}
+EnvironmentScope::~EnvironmentScope() { become(before); }
+
+QString trayProgram() { return QStringLiteral(KORVEL_TRAY_PROGRAM); }
+
+Journey::Journey(int speed)
+    : fixed(makeFixedConfig(testDeployment(), {.preferredLanguages = {},
+                                               .home = home.path(),
+                                               .hookPort = QString::number(home.port()),
+                                               .korvelHome = std::nullopt,
+                                               .automation = std::nullopt})),
+      paths(makePaths(fixed, home.path(), ::getuid())), programs(standInRoot()), scheduler(speed),
+      services(programs, paths.uid) {}
+
+Journey::~Journey() {
+    tray.reset();
+    eventually([this] { return scheduler.finishBackground(); });
+}
+
+void Journey::installAndSignIn() {
+    ASSERT_TRUE(home.signIn(u"ann"_s));
+    ASSERT_TRUE(home.installJobFile());
+}
+
+void Journey::launch() {
+    tray =
+        std::make_unique<TrayApp>(fixed, paths, TrayPorts{scheduler, http, programs, services, desktop, item, notices});
+    tray->launch(trayProgram());
+}
+
+bool Journey::showsSoon(const QString &statusLine) {
+    const bool shown = eventually([&] { return item.statusLine() == statusLine; });
+    EXPECT_EQ(item.statusLine(), statusLine);
+    return shown;
+}
+
+int Journey::requestsTo(const QString &path) const {
+    int count = 0;
+    for (const QJsonObject &request : home.requests())
+        count += request.value(u"path").toString() == path;
+    return count;
+}
+
+int Journey::launchctlCalls(const QString &subcommand) const {
+    int count = 0;
+    for (const QJsonObject &call : home.toolCalls())
+        count += call.value(u"tool").toString() == u"launchctl" &&
+                 call.value(u"arguments").toArray().at(0).toString() == subcommand;
+    return count;
+}
+
+} // namespace korvel::test

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "app/tray_app.h"
+#include "platform/curl_http_client.h"
+#include "platform/qt_programs.h"
+#include "platform/qt_scheduler.h"
+#include "service/launchctl.h"
+#include "simulator/simulated_home.h"
+#include "support/fakes.h"
+
+#include <QTemporaryDir>
+#include <functional>
+#include <memory>
+
+namespace korvel::test {
+
+/// Runs the event loop until `condition` holds; false when it does not within `limit`.
+bool eventually(const std::function<bool()> &condition, std::chrono::milliseconds limit = std::chrono::seconds(20));
+
+/// The environment of this process is that of `home` while this lives, for the programs that the tray starts.
+class EnvironmentScope {
+public:
+    explicit EnvironmentScope(const sim::SimulatedHome &home);
+    ~EnvironmentScope();
+
+private:
+    QProcessEnvironment before;
+};
+
+/// The tray program of this build.
+QString trayProgram();
+
+/// A TrayApp on real sockets, processes and files, in a home of its own whose agent is simulated. Its clock runs
+/// `speed` times as fast as the one on the wall, so that a test does not wait; time limits of programs and requests
+/// stay real.
+struct Journey : ::testing::Test {
+    explicit Journey(int speed = 5);
+    ~Journey() override;
+
+    QTemporaryDir folder;
+    sim::SimulatedHome home{folder.filePath(QStringLiteral("home"))};
+    EnvironmentScope environment{home};
+    FixedConfig fixed;
+    Paths paths;
+    QtPrograms programs;
+    QtScheduler scheduler;
+    CurlHttpClient http;
+    Launchctl services;
+    ScriptedDesktop desktop;
+    RecordedItem item;
+    RecordedNotices notices;
+    std::unique_ptr<TrayApp> tray;
+
+    /// A signed-in Mac with the agent installed but not loaded.
+    void installAndSignIn();
+    void launch();
+    bool showsSoon(const QString &statusLine);
+    /// Requests to a path that the agent has received.
+    int requestsTo(const QString &path) const;
+    /// Calls of launchctl with this subcommand.
+    int launchctlCalls(const QString &subcommand) const;
+};
+
+} // namespace korvel::test
