@@ -69,14 +69,14 @@ QImage grabScreen(const QRect &part) {
     return part.isNull() ? screen : screen.copy(part);
 }
 
-QList<QRect> windowsOf(qint64 pid) {
-    QList<QRect> rectangles;
+QList<ScreenWindow> windowsOf(qint64 pid) {
+    QList<ScreenWindow> windows;
     const auto found =
         readWindows(xdotool({u"search"_s, u"--all"_s, u"--onlyvisible"_s, u"--pid"_s, QString::number(pid), u"--name"_s,
                              u".*"_s, u"getwindowgeometry"_s, u"--shell"_s, u"%@"_s}));
-    for (const auto &window : found)
-        rectangles.append(window.second);
-    return rectangles;
+    for (const auto &[id, area] : found)
+        windows.append({area, xdotool({u"getwindowname"_s, id}).trimmed()});
+    return windows;
 }
 
 QRect statusArea() { return statusAreaWindow().second; }

@@ -12,8 +12,14 @@ namespace korvel::sim {
 // The whole screen, or a part of it.
 QImage grabScreen(const QRect &part = {});
 
+// A window as the window manager knows it.
+struct ScreenWindow {
+    QRect area;
+    QString title;
+};
+
 // The visible top-level windows of a process; empty when it has none.
-QList<QRect> windowsOf(qint64 pid);
+QList<ScreenWindow> windowsOf(qint64 pid);
 
 // Where the panel shows its status items; an empty rectangle while it shows none.
 QRect statusArea();

@@ -30,7 +30,7 @@ QString start(Tour &tour, Icons &icons) {
                       home.signIn(tourAccount()) && home.installJobFile();
     if (!made)
         return u"the simulated home could not be prepared"_s;
-    if (const QString wrong = tour.startTray(); !wrong.isEmpty())
+    if (QString wrong = tour.startTray(); !wrong.isEmpty())
         return wrong;
     if (!tour.waitForLine(startingLine(tour), AGENT_STARTS_AFTER))
         return u"the line reads "_s + tour.statusLine();
@@ -57,8 +57,10 @@ QString connect(Tour &tour, const Icons &before) {
 
 // The start-up report comes with the first good answer.
 QString notice(Tour &tour) {
-    if (!tour.waitUntil([&] { return tour.notice().has_value(); }, SLACK))
-        return u"there is no notice at the top of the screen"_s;
+    const QString expected = connectedLine(tour) + tour.say(u" · 双击 Korvel 可暂停或恢复同步"_s,
+                                                            u" · Double-click Korvel to pause or resume sync"_s);
+    if (!tour.waitUntil([&] { return tour.notice() == expected; }, SLACK))
+        return u"the notice reads "_s + tour.notice().value_or(u"nothing"_s);
     if (!tour.screenshot(u"connected-notice"_s))
         return u"no screenshot"_s;
     return tour.waitUntil([&] { return !tour.notice(); }, 2600ms + SLACK) ? QString() : u"the notice stays"_s;

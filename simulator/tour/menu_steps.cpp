@@ -24,7 +24,8 @@ constexpr int RIGHT_BUTTON = 3;
 constexpr int SMALLEST_MENU = 80;
 
 bool showsMenu(qint64 pid) {
-    return std::ranges::any_of(windowsOf(pid), [](const QRect &window) { return window.height() >= SMALLEST_MENU; });
+    return std::ranges::any_of(windowsOf(pid),
+                               [](const ScreenWindow &window) { return window.area.height() >= SMALLEST_MENU; });
 }
 
 // Opens the menu with a click on the item, expects it as a window of process `owner`, and closes it with Escape.

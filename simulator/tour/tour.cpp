@@ -94,14 +94,14 @@ bool Tour::waitForLine(const QString &expected, std::chrono::milliseconds within
     return waitUntil([&] { return line == expected; }, within);
 }
 
-std::optional<QRect> Tour::notice() const {
+std::optional<QString> Tour::notice() const {
     const double scale = QGuiApplication::primaryScreen()->devicePixelRatio();
     const QImage screen = grabScreen();
-    for (const QRect &window : windowsOf(trayProcess.processId())) {
+    for (const auto &[window, title] : windowsOf(trayProcess.processId())) {
         const bool centred = std::abs(window.center().x() - screen.width() / 2) <= NOTICE_OFF_CENTRE;
         const bool atTop = window.top() > 0 && window.top() < NOTICE_TOP * scale;
         if (centred && atTop && isDark(screen.pixel(window.left() + int(8 * scale), window.center().y())))
-            return window;
+            return title;
     }
     return std::nullopt;
 }

@@ -51,8 +51,8 @@ public:
     bool waitUntil(const std::function<bool()> &condition, std::chrono::milliseconds within);
     bool waitForLine(const QString &expected, std::chrono::milliseconds within);
 
-    // The notice on the screen, fully painted; nothing while there is none.
-    std::optional<QRect> notice() const;
+    // The text of the notice on the screen, once it is painted; nothing while there is none.
+    std::optional<QString> notice() const;
     // Waits until a part of the screen has not changed for a while, as after a fade. False if it never rests.
     bool waitForRest(const QRect &part);
     // Waits until the panel has painted the status item.

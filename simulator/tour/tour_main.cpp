@@ -95,6 +95,7 @@ int run(int argc, char **argv) {
         std::printf("the tray did not start again: %s\n", qUtf8Printable(wrong));
         return 1;
     }
+    QObject::connect(&tour->tray(), &QProcess::finished, &application, &QCoreApplication::exit);
     std::printf("The tray stays on display %s until interrupted (Ctrl-C).\n", qgetenv("DISPLAY").constData());
     std::fflush(stdout);
     return application.exec();
