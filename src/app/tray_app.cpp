@@ -26,8 +26,7 @@ TrayApp::TrayApp(const FixedConfig &f, const Paths &pa, const TrayPorts &p, Feat
       pairing(state.e2ee, state.pairing, api, p.pairPanel, p.scheduler, pairingHooks()),
       approval(state.e2ee, api, p.alerts, p.scheduler,
                {.poll = [this] { health.poll(); }, .showHUD = showHUD(), .hideHUD = [this] { notices.hideHUD(); }}),
-      alarms(state.e2ee, api, p.alerts,
-             {.showHUD = showHUD(), .pairAfterLogin = [this] { pairing.pairAfterLogin(); }}),
+      alarms(state.e2ee, api, p.alerts, {.showHUD = showHUD(), .pairAfterLogin = [this] { pairing.pairAfterLogin(); }}),
       speech(api, {.showHUD = showHUD()}), prompts(state.e2ee, state.pairing, promptHooks()) {}
 
 std::function<void(const Notice &)> TrayApp::showHUD() {
@@ -77,9 +76,8 @@ Prompts::Hooks TrayApp::promptHooks() {
 }
 
 PairContext TrayApp::pairContext() const {
-    return {.bound = bound(config.readCfg()),
-            .authDead = state.health.authDead,
-            .accountGone = state.health.accountGone};
+    return {
+        .bound = bound(config.readCfg()), .authDead = state.health.authDead, .accountGone = state.health.accountGone};
 }
 
 Situation TrayApp::situation() const {

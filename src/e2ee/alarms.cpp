@@ -21,10 +21,11 @@ AlertView alarmAlert(const QJsonObject &alarm) {
                 .buttons = {L(u"好", u"OK")},
                 .escape = 0};
     return {.title = L(u"加密已重置", u"Encryption Was Reset"),
-            .text = L(u"如果是你本人的操作，请点击「是我，重新加入」，然后在手机上输入这台 Mac "
-                      u"的配对码。\n如果不是，请勿批准任何新设备，并立即修改密码。",
-                      u"If you did this, click It Was Me, Rejoin, then enter this Mac's pairing code on your phone.\nIf "
-                      u"not, don't approve any new device, and change your password immediately."),
+            .text =
+                L(u"如果是你本人的操作，请点击「是我，重新加入」，然后在手机上输入这台 Mac "
+                  u"的配对码。\n如果不是，请勿批准任何新设备，并立即修改密码。",
+                  u"If you did this, click It Was Me, Rejoin, then enter this Mac's pairing code on your phone.\nIf "
+                  u"not, don't approve any new device, and change your password immediately."),
             .warning = true,
             .buttons = {L(u"是我，重新加入", u"It Was Me, Rejoin"), L(u"不是我", u"It Wasn't Me")},
             .escape = ItWasNotMe};
@@ -58,9 +59,8 @@ void Alarms::rejoin() {
     e2Post(api, acceptResetRequest(), alive.guard([this](const std::optional<QJsonObject> &reply) {
         if (replyOk(reply))
             return hooks.pairAfterLogin();
-        hooks.showHUD({.text = L(u"无法重新加入：", u"Couldn't rejoin: ") + errText(reply),
-                       .secs = Seconds(6),
-                       .error = true});
+        hooks.showHUD(
+            {.text = L(u"无法重新加入：", u"Couldn't rejoin: ") + errText(reply), .secs = Seconds(6), .error = true});
     }));
 }
 

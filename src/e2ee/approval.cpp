@@ -17,9 +17,10 @@ QString nameOf(const QJsonObject &request) { return request.value(u"name").toStr
 QString pendingIdOf(const QJsonObject &request) { return request.value(u"pendingId").toString(); }
 
 QString instructions() {
-    return L(u"请输入新设备上显示的配对码。\n如果你刚才没有在新设备上登录，请勿输入，并立即修改密码。",
-             u"Enter the pairing code shown on the new device.\nIf you didn't just sign in on a new device, don't enter "
-             u"it, and change your password immediately.");
+    return L(
+        u"请输入新设备上显示的配对码。\n如果你刚才没有在新设备上登录，请勿输入，并立即修改密码。",
+        u"Enter the pairing code shown on the new device.\nIf you didn't just sign in on a new device, don't enter "
+        u"it, and change your password immediately.");
 }
 
 bool canBeRetried(const QString &code) { return code == u"wrong-code" || code == u"bad-code" || code == u"answered"; }
@@ -42,10 +43,11 @@ Approval::Approval(E2State &e, AgentApi &a, Alerts &al, Scheduler &s, Hooks h)
 void Approval::showApprove(const QJsonObject &request, const QString &error) {
     if (!request.value(u"pendingId").isString())
         return;
-    const bool opened = alerts.open(approveAlert(request, error), alive.guard([this, request](const AlertAnswer &answer) {
-        e2ee.e2Modal = false;
-        answered(request, answer);
-    }));
+    const bool opened =
+        alerts.open(approveAlert(request, error), alive.guard([this, request](const AlertAnswer &answer) {
+            e2ee.e2Modal = false;
+            answered(request, answer);
+        }));
     e2ee.e2Modal = e2ee.e2Modal || opened;
 }
 

@@ -9,9 +9,9 @@ namespace korvel {
 /// Everything that the pairing window shows.
 struct PairView {
     QString title;
-    QString code;          ///< The code, a mark, or the placeholder.
+    QString code;           ///< The code, a mark, or the placeholder.
     bool codeMuted = false; ///< The placeholder's colour.
-    QString codeName;      ///< What a screen reader says for the code: its digits one by one.
+    QString codeName;       ///< What a screen reader says for the code: its digits one by one.
     QString line;
     QString hint;  ///< Empty: hidden.
     QString error; ///< Empty: hidden.

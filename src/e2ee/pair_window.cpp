@@ -3,8 +3,8 @@
 #include "app/wording.h"
 
 #include <QBoxLayout>
-#include <QGuiApplication>
 #include <QCursor>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QScreen>
 

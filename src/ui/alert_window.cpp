@@ -32,8 +32,8 @@ QLabel *symbol(const AlertView &view, QWidget *parent) {
 } // namespace
 
 AlertDialog::AlertDialog(const AlertView &v, std::function<void(const AlertAnswer &)> a)
-    : QDialog(nullptr, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint | Qt::WindowStaysOnTopHint), view(v),
-      answered(std::move(a)) {
+    : QDialog(nullptr, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint | Qt::WindowStaysOnTopHint),
+      view(v), answered(std::move(a)) {
     setAttribute(Qt::WA_DeleteOnClose);
     setAttribute(Qt::WA_QuitOnClose, false);
     setWindowTitle(QStringLiteral("Korvel"));

@@ -1,0 +1,334 @@
+#include "e2ee/pair_code.h"
+#include "e2ee/pair_window.h"
+#include "support/tray_fixture.h"
+#include "ui/alert_window.h"
+#include "ui/code_field.h"
+
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace korvel::test {
+namespace {
+
+constexpr PairContext SIGNED_IN{.bound = true};
+
+PairView viewOf(const char *json, PairContext context = SIGNED_IN, PairState pairing = {}) {
+    return pairView(QJsonDocument::fromJson(json).object(), pairing, context).view;
+}
+
+TEST(PairView, ShowsACodeWithItsSpellingAndTheWayToRenewIt) {
+    PairView view = viewOf(R"({"state":"pending","pair":{"show":"123 456"}})");
+    EXPECT_EQ(view.title, u"Pair This Mac"_s);
+    EXPECT_EQ(view.code, u"123 456"_s);
+    EXPECT_EQ(view.codeName, u"1 2 3 4 5 6"_s);
+    EXPECT_EQ(view.line, u"Enter this code on your phone"_s);
+    EXPECT_TRUE(view.refreshVisible && view.refreshEnabled && view.error.isEmpty());
+    EXPECT_EQ(view.button, u"Close"_s);
+    view = viewOf(R"({"state":"pending","pair":{"show":"654321","wrong":true}})", SIGNED_IN, {.pairRenewing = true});
+    EXPECT_EQ(view.error, u"Incorrect code. The code has been refreshed."_s);
+    EXPECT_FALSE(view.refreshEnabled);
+}
+
+TEST(PairView, WithoutACodeAPlaceholderStandsInItsPlace) {
+    for (const char *json : {R"({"state":"pending"})", R"({"state":"pending","pair":{"show":""}})",
+                             R"({"state":"expired","pair":{"show":"123456"}})", R"({"state":"waiting"})"}) {
+        const PairView view = viewOf(json);
+        EXPECT_EQ(view.code, u"··· ···"_s) << json;
+        EXPECT_TRUE(view.codeMuted && view.codeName.isEmpty() && !view.refreshVisible) << json;
+    }
+    EXPECT_EQ(viewOf(R"({"state":"pending","pair":{"show":"123456","paired":true}})").code, u"✓"_s);
+}
+
+TEST(PairView, ADeadEndOffersTheWayOut) {
+    const struct {
+        const char *json;
+        PairContext context;
+        QString line, button;
+        bool logout;
+    } cases[] = {
+        {R"({"state":"pending"})", {}, u"Not signed in"_s, u"Sign In Again…"_s, false},
+        {R"({"state":"pending","pair":{"show":"1"}})",
+         {.bound = true, .authDead = true},
+         u"You've been signed out. Sign in again."_s,
+         u"Sign In Again…"_s,
+         false},
+        {R"({"state":"waiting"})",
+         {.bound = true, .authDead = true, .accountGone = true},
+         u"This account was deleted. Sign in with a different account."_s,
+         u"Sign In Again…"_s,
+         false},
+        {R"({"state":"pair-failed"})",
+         {.bound = true, .authDead = true},
+         u"Too many incorrect codes. Sign in again."_s,
+         u"Sign In Again…"_s,
+         false},
+        {R"({"state":"approved"})", SIGNED_IN, u"This Mac isn't paired. Sign out, then sign in again to pair it."_s,
+         u"Sign Out…"_s, true},
+        {R"({"state":"approved"})",
+         {.bound = true, .authDead = true},
+         u"You've been signed out. Sign in again."_s,
+         u"Sign In Again…"_s,
+         false},
+        {R"({"state":"revoked"})", SIGNED_IN, u"This Mac was removed from your account. Sign in again."_s,
+         u"Sign In Again…"_s, false},
+    };
+    for (const auto &c : cases) {
+        PairState pairing;
+        const PairView view = pairView(QJsonDocument::fromJson(c.json).object(), pairing, c.context).view;
+        EXPECT_EQ(view.line, c.line) << c.json;
+        EXPECT_EQ(view.button, c.button) << c.json;
+        EXPECT_TRUE(pairing.pairRelogin);
+        EXPECT_EQ(pairing.pairLogout, c.logout) << c.json;
+        EXPECT_FALSE(view.refreshVisible);
+    }
+}
+
+TEST(PairView, TroubleIsAHintWhereTheLineDoesNotSayItAlready) {
+    EXPECT_EQ(viewOf(R"({"state":"off","required":true,"trouble":"Clock is wrong"})").line, u"Clock is wrong"_s);
+    EXPECT_EQ(viewOf(R"({"state":"off","required":true,"trouble":"Clock is wrong"})").hint, u""_s);
+    const PairView view = viewOf(R"({"state":"off","trouble":"Clock is wrong"})");
+    EXPECT_EQ(view.line, u"Turning on encryption…"_s);
+    EXPECT_EQ(view.hint, u"Clock is wrong"_s);
+}
+
+struct PairingTest : TrayFixture {
+    QStringList asked;
+    PairingTest() {
+        features.startBrowserLogin = [this] { asked.append(u"sign in"_s); };
+        features.logoutDialog = [this] { asked.append(u"sign out"_s); };
+    }
+    void launchWith(const QByteArray &report) {
+        installAndBind();
+        next(report);
+        launch();
+        scheduler.advance(10ms);
+    }
+    void next(const QByteArray &report) {
+        agentAnswers(R"({"ok":true,"e2ee":)" + report + '}');
+        scheduler.advance(tray ? 3s : 0s);
+    }
+};
+
+const QByteArray CODE = R"({"state":"pending","pair":{"show":"123456"}})";
+const QByteArray ACTIVE = R"({"state":"active"})";
+
+TEST_F(PairingTest, TheWindowFollowsThePairingAndClosesItselfAfterSuccess) {
+    launchWith(R"({"state":"waiting"})");
+    ASSERT_TRUE(pairPanel.visible);
+    next(CODE);
+    EXPECT_EQ(pairPanel.view.code, u"123456"_s);
+    notices.shown.clear();
+    next(R"({"state":"pending","pair":{"show":"123456","paired":true}})");
+    EXPECT_EQ(pairPanel.view.line, u"Paired. Turning on encryption…"_s);
+    agentAnswers(R"({"ok":true,"e2ee":)" + ACTIVE + '}');
+    scheduler.advance(3s - 10ms);
+    ASSERT_TRUE(pairPanel.visible);
+    EXPECT_EQ(pairPanel.view.title, u"Paired"_s);
+    EXPECT_EQ(pairPanel.view.code, u"🔒"_s);
+    scheduler.advance(1380ms);
+    EXPECT_TRUE(pairPanel.visible);
+    scheduler.advance(40ms);
+    EXPECT_FALSE(pairPanel.visible);
+    scheduler.advance(10s);
+    EXPECT_EQ(notices.shown.size(), 1u);
+    EXPECT_EQ(notices.last(), u"🔒 Encrypted. Syncing now."_s);
+    EXPECT_FALSE(tray->currentState().pairing.pairSawCode || tray->currentState().pairing.pairClosing);
+}
+
+TEST_F(PairingTest, AWindowThatNeverShowedACodeGoesSilently) {
+    launchWith(R"({"state":"waiting"})");
+    notices.shown.clear();
+    next(ACTIVE);
+    EXPECT_FALSE(pairPanel.visible);
+    EXPECT_TRUE(notices.shown.empty());
+    tray->reopen(); // nothing to pair: this toggles instead of showing an empty window
+    EXPECT_FALSE(pairPanel.visible);
+}
+
+TEST_F(PairingTest, TheWindowOpensByItselfOnceAndStaysClosedAfter) {
+    launchWith(CODE);
+    ASSERT_TRUE(pairPanel.visible);
+    pairPanel.events.buttonClicked();
+    EXPECT_FALSE(pairPanel.visible);
+    EXPECT_TRUE(asked.isEmpty());
+    next(CODE);
+    EXPECT_FALSE(pairPanel.visible);
+    item.choose(Action::ShowPair);
+    EXPECT_TRUE(pairPanel.visible);
+    EXPECT_EQ(pairPanel.view.code, u"123456"_s);
+}
+
+TEST_F(PairingTest, TheButtonDoesWhatItSays) {
+    launchWith(R"({"state":"approved"})");
+    pairPanel.events.buttonClicked();
+    tray->reopen();
+    next(R"({"state":"rejected"})");
+    pairPanel.events.buttonClicked();
+    EXPECT_EQ(asked, (QStringList{u"sign out"_s, u"sign in"_s}));
+}
+
+TEST_F(PairingTest, RefreshIsAskedForOnceAndItsFailureIsShown) {
+    launchWith(CODE);
+    http.answer = nullptr;
+    pairPanel.events.renewClicked();
+    EXPECT_FALSE(pairPanel.view.refreshEnabled);
+    pairPanel.events.renewClicked();
+    ASSERT_EQ(http.open.size(), 1u);
+    EXPECT_EQ(http.open[0].request.url, u"http://127.0.0.1:8790/e2ee/pair/new"_s);
+    EXPECT_EQ(http.open[0].request.body, "{}");
+    http.reply(0, json(R"({"ok":false,"error":"Too often."})"));
+    EXPECT_EQ(pairPanel.view.error, u"Too often."_s);
+    EXPECT_TRUE(pairPanel.view.refreshEnabled);
+    EXPECT_EQ(http.open.size(), 1u); // the poll that follows
+}
+
+TEST(PairCode, DigitsOfAnyScriptAreTakenAndNothingElse) {
+    EXPECT_EQ(codeDigits(u"12a3 4-56"_s), u"123456"_s);
+    EXPECT_EQ(codeDigits(u"１２３４５６７"_s), u"123456"_s);
+    EXPECT_EQ(codeDigits(u"٣٤५६𝟟"_s), u"34567"_s);
+    EXPECT_EQ(codeDigits(u"²①½一"_s), u""_s);
+    EXPECT_EQ(showCode(u"123"_s), u"123"_s);
+    EXPECT_EQ(showCode(u"1234"_s), u"123 4"_s);
+}
+
+TEST(PairCode, TheCaretStaysBehindTheSameDigit) {
+    EXPECT_EQ(formatCode({u"1234"_s, 4}), (CodeText{u"123 4"_s, 5}));
+    EXPECT_EQ(formatCode({u"1293 45"_s, 3}), (CodeText{u"129 345"_s, 3}));
+    EXPECT_EQ(formatCode({u"13 456"_s, 1}), (CodeText{u"134 56"_s, 1}));
+    EXPECT_EQ(formatCode({u"x1"_s, 1}), (CodeText{u"1"_s, 0}));
+    EXPECT_EQ(formatCode({u"1234567"_s, 7}), (CodeText{u"123 456"_s, 7}));
+}
+
+struct CodeFieldTest : ::testing::Test {
+    PairCodeField field;
+    void type(const QString &text) { QTest::keyClicks(&field, text); }
+};
+
+TEST_F(CodeFieldTest, TypingDeletingAndPastingKeepTheForm) {
+    type(u"12a3 4-56"_s);
+    EXPECT_EQ(field.text(), u"123 456"_s);
+    EXPECT_TRUE(field.isComplete());
+    QTest::keyClick(&field, Qt::Key_Backspace);
+    EXPECT_EQ(field.text(), u"123 45"_s);
+    EXPECT_FALSE(field.isComplete());
+    field.setCursorPosition(4); // behind the blank: it goes with the digit before it
+    QTest::keyClick(&field, Qt::Key_Backspace);
+    EXPECT_EQ(field.text(), u"124 5"_s);
+    EXPECT_EQ(field.cursorPosition(), 2);
+    type(u"9"_s);
+    EXPECT_EQ(field.text(), u"129 45"_s);
+    field.selectAll();
+    field.insert(u"１２３４５６７"_s);
+    EXPECT_EQ(codeDigits(field.text()), u"123456"_s);
+}
+
+TEST_F(CodeFieldTest, AnInputMethodsUnfinishedTextIsLeftAlone) {
+    type(u"12"_s);
+    QInputMethodEvent composing(u"３４"_s, {});
+    QCoreApplication::sendEvent(&field, &composing);
+    EXPECT_EQ(field.text(), u"12"_s);
+    QInputMethodEvent committed;
+    committed.setCommitString(u"３４"_s);
+    QCoreApplication::sendEvent(&field, &committed);
+    EXPECT_EQ(field.text(), u"123 4"_s);
+    EXPECT_EQ(field.cursorPosition(), 5);
+}
+
+struct AlertTest : ::testing::Test {
+    AlertWindow alerts;
+    QList<AlertAnswer> answers;
+
+    AlertDialog *open(const AlertView &view) {
+        EXPECT_TRUE(alerts.open(view, [this](const AlertAnswer &a) { answers.append(a); }));
+        for (QWidget *window : QApplication::topLevelWidgets())
+            if (auto *dialog = dynamic_cast<AlertDialog *>(window); dialog && dialog->isVisible())
+                return dialog;
+        return nullptr;
+    }
+};
+
+TEST_F(AlertTest, AllowNeedsSixDigitsAndReturnPressesIt) {
+    AlertDialog *dialog = open({.title = u"t"_s,
+                                .text = u"x"_s,
+                                .buttons = {u"Allow"_s, u"Deny"_s, u"Later"_s},
+                                .escape = 2,
+                                .codeField = true});
+    ASSERT_TRUE(dialog);
+    QPushButton *allow = dialog->buttons().first();
+    QTest::keyClicks(dialog->codeField(), u"12345"_s);
+    EXPECT_FALSE(allow->isEnabled());
+    QTest::keyClick(dialog->codeField(), Qt::Key_Return);
+    EXPECT_TRUE(answers.isEmpty());
+    QTest::keyClicks(dialog->codeField(), u"6"_s);
+    EXPECT_TRUE(allow->isEnabled());
+    QTest::keyClick(dialog->codeField(), Qt::Key_Return);
+    ASSERT_EQ(answers.size(), 1);
+    EXPECT_EQ(answers[0].button, 0);
+    EXPECT_EQ(answers[0].code, u"123 456"_s);
+}
+
+TEST_F(AlertTest, EscapeAndClosingAreTheHarmlessAnswerAndCountOnce) {
+    const AlertView view{.title = u"t"_s,
+                         .text = u"x"_s,
+                         .buttons = {u"Allow"_s, u"Deny"_s, u"Later"_s},
+                         .escape = 2,
+                         .codeField = true};
+    QTest::keyClick(open(view), Qt::Key_Escape);
+    AlertDialog *dialog = open(view);
+    EXPECT_FALSE(
+        alerts.open({.title = u"other"_s, .text = {}, .buttons = {u"OK"_s}}, [](const AlertAnswer &) { FAIL(); }));
+    dialog->close();
+    ASSERT_EQ(answers.size(), 2);
+    EXPECT_EQ(answers[0].button, 2);
+    EXPECT_EQ(answers[1].button, 2);
+}
+
+/// Contrast of two colours (WCAG 2.1).
+double contrast(const QColor &a, const QColor &b) {
+    const auto luminance = [](const QColor &c) {
+        const auto channel = [](double v) { return v <= 0.03928 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4); };
+        return 0.2126 * channel(c.redF()) + 0.7152 * channel(c.greenF()) + 0.0722 * channel(c.blueF());
+    };
+    const double first = luminance(a) + 0.05, second = luminance(b) + 0.05;
+    return std::max(first, second) / std::min(first, second);
+}
+
+TEST(ToneColour, EveryToneCanBeReadOnLightAndDarkWindows) {
+    for (const auto &[text, ground] :
+         {std::pair{QColor(Qt::black), QColor(0xef, 0xef, 0xef)}, std::pair{QColor(Qt::black), QColor(Qt::white)},
+          std::pair{QColor(Qt::white), QColor(0x32, 0x32, 0x32)},
+          std::pair{QColor(0xee, 0xee, 0xec), QColor(0x35, 0x35, 0x35)}}) {
+        QPalette palette;
+        palette.setColor(QPalette::WindowText, text);
+        palette.setColor(QPalette::Window, ground);
+        for (const Tone tone : {Tone::Normal, Tone::Secondary, Tone::Tertiary, Tone::Error})
+            EXPECT_GE(contrast(toneColour(tone, palette), ground), 4.5) << static_cast<int>(tone);
+    }
+}
+
+TEST(PairWindowTest, ItsHeightFollowsItsTextAndReturnPressesTheMainButton) {
+    PairWindow window;
+    int pressed = 0;
+    window.connect({.buttonClicked = [&] { ++pressed; }, .renewClicked = [] {}});
+    PairView view = viewOf(R"({"state":"pending","pair":{"show":"123456"}})");
+    window.present(view);
+    const int height = window.height();
+    EXPECT_EQ(window.width(), 400);
+    view.error = u"A sentence that is long enough to need more than one line of the window at its usual width."_s;
+    window.apply(view);
+    EXPECT_GT(window.height(), height + 20);
+    view.error.clear();
+    window.apply(view);
+    EXPECT_EQ(window.height(), height);
+    QTest::keyClick(&window, Qt::Key_Escape);
+    EXPECT_TRUE(window.isVisible());
+    QTest::keyClick(&window, Qt::Key_Return);
+    EXPECT_EQ(pressed, 1);
+}
+
+} // namespace
+} // namespace korvel::test

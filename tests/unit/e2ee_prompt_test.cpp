@@ -1,0 +1,252 @@
+#include "e2ee/prompt_rules.h"
+
+#include "support/tray_fixture.h"
+
+using namespace Qt::StringLiterals;
+
+namespace korvel::test {
+namespace {
+
+struct PromptRules : ::testing::Test {
+    E2State e2ee;
+    PairState pairing;
+    PromptContext context{.bound = true};
+
+    E2Prompt after(const char *json) {
+        e2ee.e2 = QJsonDocument::fromJson(json).object();
+        return takePrompt(e2ee, pairing, context);
+    }
+    /// The kind of prompt that a report raises, with the id of its subject.
+    QString raised(const char *json) {
+        const E2Prompt prompt = after(json);
+        switch (prompt.kind) {
+        case E2Prompt::Kind::None:
+            return u"none"_s;
+        case E2Prompt::Kind::PairWindow:
+            return u"window"_s;
+        case E2Prompt::Kind::Approval:
+            return u"approve "_s + prompt.subject.value(u"pendingId").toString();
+        case E2Prompt::Kind::Alarm:
+            return u"alarm "_s + prompt.subject.value(u"id").toString();
+        }
+        return {};
+    }
+};
+
+TEST_F(PromptRules, OnePromptAReportInAFixedOrder) {
+    const char *all = R"({"state":"waiting","pending":[{"pendingId":"a","ready":true},{"pendingId":"b","ready":true}],
+                          "alarms":[{"id":"1"},{"id":"2"}]})";
+    EXPECT_EQ(raised(all), u"window"_s);
+    EXPECT_EQ(raised(all), u"approve a"_s);
+    EXPECT_EQ(raised(all), u"approve b"_s);
+    EXPECT_EQ(raised(all), u"alarm 1"_s);
+    EXPECT_EQ(raised(all), u"alarm 2"_s);
+    EXPECT_EQ(raised(all), u"none"_s);
+}
+
+TEST_F(PromptRules, ARequestIsPromptedOncePerAttemptAndOnlyWhenItCanBeAnswered) {
+    EXPECT_EQ(raised(R"({"state":"active","pending":[{"pendingId":"a","ready":false}]})"), u"none"_s);
+    EXPECT_EQ(raised(R"({"state":"active","pending":[{"pendingId":"a","ready":true,"busy":true}]})"), u"none"_s);
+    EXPECT_EQ(raised(R"({"state":"active","pending":[{"pendingId":"a","ready":"yes"}]})"), u"none"_s);
+    EXPECT_EQ(raised(R"({"state":"active","pending":[{"pendingId":"a","ready":true,"attempt":1}]})"), u"approve a"_s);
+    EXPECT_EQ(raised(R"({"state":"active","pending":[{"pendingId":"a","ready":true,"attempt":1}]})"), u"none"_s);
+    e2ee.e2Answering.insert(u"a"_s);
+    EXPECT_EQ(raised(R"({"state":"active","pending":[{"pendingId":"a","ready":true,"attempt":2}]})"), u"none"_s);
+    e2ee.e2Answering.clear();
+    EXPECT_EQ(raised(R"({"state":"active","pending":[{"pendingId":"a","ready":true,"attempt":2}]})"), u"approve a"_s);
+    EXPECT_EQ(pendKey(QJsonObject{{u"pendingId"_s, u"abc"_s}, {u"attempt"_s, 2}}), u"abc#2"_s);
+    EXPECT_EQ(pendKey({}), u"#0"_s);
+}
+
+TEST_F(PromptRules, WhileAnAlertIsOpenNothingIsRaisedOrUsedUp) {
+    e2ee.e2Modal = true;
+    const char *report = R"({"state":"active","alarms":[{"id":"1"}]})";
+    EXPECT_EQ(raised(report), u"none"_s);
+    e2ee.e2Modal = false;
+    EXPECT_EQ(raised(report), u"alarm 1"_s);
+}
+
+TEST_F(PromptRules, TheWindowOpensByItselfOnceAndNotWhileEncryptionStarts) {
+    EXPECT_EQ(raised("{}"), u"none"_s);
+    EXPECT_EQ(raised(R"({"state":"starting","required":true})"), u"none"_s);
+    context.authDead = true;
+    EXPECT_EQ(raised(R"({"state":"pending"})"), u"none"_s);
+    context.authDead = false;
+    EXPECT_EQ(raised(R"({"state":"pending"})"), u"window"_s);
+    EXPECT_EQ(raised(R"({"state":"rejected"})"), u"none"_s);
+}
+
+TEST_F(PromptRules, EncryptionComingOnIsAnnouncedWhereNoWindowTellsIt) {
+    const auto announced = [&](const char *before, bool visible) {
+        context.pairWindowVisible = visible;
+        after(before);
+        return after(R"({"state":"active"})").announceActive;
+    };
+    EXPECT_TRUE(announced(R"({"state":"pending"})", false));
+    EXPECT_TRUE(announced(R"({"state":"approved"})", false));
+    EXPECT_FALSE(announced(R"({"state":"pending"})", true));
+    EXPECT_FALSE(announced(R"({"state":"expired"})", false));
+    EXPECT_FALSE(announced(R"({"state":"active"})", false));
+}
+
+/// A tray whose agent answers "/health" with a report and everything else as a test says.
+struct E2eeOperations : TrayFixture {
+    QJsonObject report;
+    QMap<QString, QByteArray> replies; ///< By path; without an entry the agent stays silent.
+    QList<HttpRequest> posts;
+
+    void launchActive() {
+        installAndBind();
+        http.answer = [this](const HttpRequest &request) -> Result<HttpReply> {
+            const QString path = request.url.section(u"8790"_s, 1);
+            if (path == u"/health")
+                return HttpReply{200,
+                                 QJsonDocument(QJsonObject{{u"ok"_s, true}, {u"online"_s, true}, {u"e2ee"_s, report}})
+                                     .toJson(QJsonDocument::Compact)};
+            posts.append(request);
+            return replies.contains(path) ? Result<HttpReply>(HttpReply{200, replies.value(path)}) : noAnswer();
+        };
+        set(R"({"state":"active"})");
+        launch();
+        notices.shown.clear();
+    }
+    void set(const char *json) { report = QJsonDocument::fromJson(json).object(); }
+    void next(const char *json) {
+        set(json);
+        scheduler.advance(3s);
+    }
+    QString postedTo() const { return posts.isEmpty() ? QString() : posts.last().url.section(u"8790"_s, 1); }
+};
+
+const char *const ASKING =
+    R"({"state":"active","pending":[{"pendingId":"p","attempt":1,"name":"Anna's phone","platform":"ios","ready":true}]})";
+
+TEST_F(E2eeOperations, ACodeLetsADeviceInAndTheAgentIsAskedAtOnce) {
+    launchActive();
+    next(ASKING);
+    ASSERT_TRUE(alerts.isOpen());
+    EXPECT_EQ(alerts.view.title, u"New device: Anna's phone · iPhone"_s);
+    EXPECT_EQ(alerts.view.escape, 2);
+    replies[u"/e2ee/pair"_s] = R"({"ok":true})";
+    const int polls = http.count;
+    alerts.answer(0, u"１２３ 456"_s);
+    EXPECT_EQ(posts.last().body, R"({"code":"123456","pendingId":"p"})");
+    EXPECT_EQ(posts.last().timeout, 75s);
+    EXPECT_EQ(notices.last(), u"✓ Allowed Anna's phone"_s);
+    EXPECT_EQ(notices.shown.at(notices.shown.size() - 2).text, u"Verifying…"_s);
+    EXPECT_EQ(http.count, polls + 2);
+    EXPECT_TRUE(tray->currentState().e2ee.e2Answering.isEmpty());
+}
+
+TEST_F(E2eeOperations, AWrongCodeAsksAgainWithTheAgentsSentence) {
+    for (const char *code : {"wrong-code", "bad-code", "answered"}) {
+        SCOPED_TRACE(code);
+        if (!tray)
+            launchActive();
+        next(ASKING);
+        if (!alerts.isOpen())
+            item.choose(Action::E2Pending);
+        replies[u"/e2ee/pair"_s] = QByteArray(R"({"ok":false,"code":")") + code + R"(","error":"No match."})";
+        alerts.answer(0, u"111111"_s);
+        EXPECT_FALSE(alerts.isOpen());
+        scheduler.advance(300ms);
+        ASSERT_TRUE(alerts.isOpen());
+        EXPECT_TRUE(alerts.view.text.startsWith(u"No match.\n\nEnter the pairing code"_s));
+        EXPECT_TRUE(alerts.view.warning);
+        alerts.dismiss();
+    }
+}
+
+TEST_F(E2eeOperations, AnAgentThatDiesDuringAnApprovalEndsInOneNoticeAndTheMenuStillOffersIt) {
+    launchActive();
+    next(ASKING);
+    alerts.answer(0, u"123456"_s);
+    EXPECT_EQ(notices.last(), u"Korvel isn't responding. Try again later."_s);
+    EXPECT_TRUE(notices.shown.back().error);
+    const size_t told = notices.shown.size();
+    next(ASKING);
+    EXPECT_EQ(notices.shown.size(), told);
+    EXPECT_FALSE(alerts.isOpen());
+    item.choose(Action::E2Pending);
+    EXPECT_TRUE(alerts.isOpen());
+    EXPECT_EQ(posts.size(), 1);
+}
+
+TEST_F(E2eeOperations, DenyIsToldWhateverTheAgentSaysAndLaterSendsNothing) {
+    launchActive();
+    next(ASKING);
+    alerts.answer(1);
+    EXPECT_EQ(postedTo(), u"/e2ee/reject"_s);
+    EXPECT_EQ(notices.last(), u"Denied Anna's phone. If that wasn't you, change your password immediately."_s);
+    item.choose(Action::E2Pending);
+    alerts.dismiss();
+    EXPECT_EQ(posts.size(), 1);
+    next(ASKING);
+    EXPECT_FALSE(alerts.isOpen());
+}
+
+TEST_F(E2eeOperations, WhileOneAlertIsOpenNothingOpensAnother) {
+    launchActive();
+    next(R"({"state":"active","alarms":[{"id":"1","text":"t"}],"pending":[{"pendingId":"p","ready":true}]})");
+    EXPECT_TRUE(alerts.view.codeField);
+    item.choose(Action::E2Alarm);
+    next(R"({"state":"active","alarms":[{"id":"1","text":"t"}],"pending":[{"pendingId":"q","ready":true}]})");
+    EXPECT_EQ(alerts.opened, 1);
+    alerts.dismiss();
+    scheduler.advance(3s);
+    EXPECT_EQ(alerts.opened, 2);
+    // A request without an identity cannot be answered, so it is not shown.
+    alerts.dismiss();
+    next(R"({"state":"active","pending":[{"name":"x"}]})");
+    item.choose(Action::E2Pending);
+    EXPECT_FALSE(alerts.isOpen());
+}
+
+TEST_F(E2eeOperations, AnAlarmIsDismissedAtTheAgentByItsIdentity) {
+    launchActive();
+    next(R"({"state":"active","alarms":[{"id":"7","text":"Keys <b>changed</b>"}]})");
+    EXPECT_EQ(alerts.view.text, u"Keys <b>changed</b>"_s);
+    alerts.dismiss();
+    EXPECT_EQ(posts.last().body, R"({"id":"7"})");
+    next(R"({"state":"active","alarms":[{"text":"no id"}]})");
+    alerts.answer(0);
+    EXPECT_EQ(posts.size(), 1);
+}
+
+TEST_F(E2eeOperations, AResetIsRejoinedOrLeftStanding) {
+    launchActive();
+    const char *const RESET = R"({"state":"active","alarms":[{"id":"r","kind":"reset","text":"ignored"}]})";
+    next(RESET);
+    EXPECT_EQ(alerts.view.title, u"Encryption Was Reset"_s);
+    EXPECT_FALSE(alerts.view.text.contains(u"ignored"_s));
+    alerts.dismiss();
+    EXPECT_TRUE(posts.isEmpty());
+    EXPECT_EQ(notices.last(), u"Don't approve any new device, and change your password immediately."_s);
+
+    item.choose(Action::E2Alarm);
+    alerts.answer(0);
+    EXPECT_EQ(notices.last(), u"Couldn't rejoin: Korvel isn't responding. Try again later."_s);
+    replies[u"/e2ee/reset/accept"_s] = R"({"ok":true})";
+    next(R"({"state":"pending","pair":{"show":"654321"},"alarms":[{"id":"r","kind":"reset"}]})");
+    pairPanel.hide();
+    item.choose(Action::E2Alarm);
+    alerts.answer(0);
+    EXPECT_TRUE(pairPanel.visible);
+    EXPECT_EQ(pairPanel.view.code, u"654321"_s);
+}
+
+TEST_F(E2eeOperations, SpeechIsAskedForAndTheAnswerTold) {
+    launchActive();
+    item.choose(Action::E2AsrInstall);
+    EXPECT_EQ(notices.last(), u"Couldn't start the installation: Korvel isn't responding. Try again later."_s);
+    replies[u"/e2ee/asr/install"_s] = R"({"ok":true})";
+    item.choose(Action::E2AsrInstall);
+    EXPECT_EQ(notices.last(), u"Downloading speech recognition. The menu will show when it's ready."_s);
+    EXPECT_EQ(posts.size(), 2);
+    home.writeConfig(R"({"agentToken":"t"})"); // no token for the agent: nothing leaves
+    item.choose(Action::E2AsrInstall);
+    EXPECT_EQ(posts.size(), 2);
+}
+
+} // namespace
+} // namespace korvel::test
