@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QJsonObject>
 #include <QList>
 #include <QString>
 
@@ -23,10 +22,6 @@ enum class PairState {
     Suspended
 };
 
-// The state's name in the report, and back; nothing for a name that is none.
-QString nameOf(PairState state);
-std::optional<PairState> pairStateNamed(const QString &name);
-
 // What a scenario's "e2ee" sets. Times in milliseconds.
 struct EncryptionRules {
     PairState start = PairState::Active; // where a sign-in begins
@@ -37,8 +32,6 @@ struct EncryptionRules {
     int turnOnMs = 1500;                 // from the right code to "active"
     int asrMs = 6000;                    // how long the speech-recognition download takes
     std::optional<quint32> seed;         // makes the codes the same every time
-
-    static EncryptionRules of(const QJsonObject &scenario);
 };
 
 // A device that asks to join.
@@ -97,9 +90,6 @@ struct Encryption {
     bool operator==(const Encryption &) const = default;
 };
 
-// How the agent answers: Done, or why not.
-enum class Verdict { Done, WrongCode, BadCode, Answered, NotPairing, NoReset, NoAlarm };
-
 // Starts over for a sign-in (empty: nobody is signed in) in the state that the rules say. What belongs to the account
 // and not to the Mac stays: the phone, and whether encryption is required.
 void beginSignIn(Encryption &encryption, const QString &signIn, const EncryptionRules &rules, qint64 now);
@@ -107,34 +97,9 @@ void beginSignIn(Encryption &encryption, const QString &signIn, const Encryption
 void advance(Encryption &encryption, const EncryptionRules &rules, qint64 now);
 // Goes to a state: "pending" with a new code, whatever was counted forgotten.
 void enter(Encryption &encryption, PairState state, const EncryptionRules &rules, qint64 now);
-
-// The phone. False when the state does not allow it.
-bool phoneSignsIn(Encryption &encryption, const EncryptionRules &rules, qint64 now);
-bool phoneSignsOut(Encryption &encryption, const EncryptionRules &rules, qint64 now);
-bool phoneTypes(Encryption &encryption, const QString &code, const EncryptionRules &rules, qint64 now);
-bool phoneDenies(Encryption &encryption, const EncryptionRules &rules, qint64 now);
-
-// Other devices and alarms.
-AskingDevice deviceAsks(Encryption &encryption, const QString &name, const QString &platform);
-bool deviceAsksAgain(Encryption &encryption, const QString &pendingId);
-AskingDevice *findDevice(Encryption &encryption, const QString &pendingId); // null when it does not ask
-bool removeDevice(Encryption &encryption, const QString &pendingId);
-QString raiseAlarm(Encryption &encryption, const QString &kind, const QString &text); // the alarm's id
-
-// The agent's endpoints.
-Verdict answerDevice(Encryption &encryption, const QString &pendingId, const QString &code);
-Verdict rejectDevice(Encryption &encryption, const QString &pendingId);
-Verdict renewCode(Encryption &encryption, const EncryptionRules &rules, qint64 now);
-Verdict dismissAlarm(Encryption &encryption, const QString &id);
-Verdict acceptReset(Encryption &encryption, const EncryptionRules &rules, qint64 now);
-Verdict installSpeech(Encryption &encryption, qint64 now);
-Verdict leaveEncryption(Encryption &encryption, const EncryptionRules &rules, qint64 now);
-
-// The "e2ee" object of the health report. `online`: the agent has reached its server.
-QJsonObject encryptionReport(const Encryption &encryption, bool online);
-
-// To a file's content and back; an object of another content gives defaults.
-QJsonObject toJson(const Encryption &encryption);
-Encryption encryptionFrom(const QJsonObject &stored);
+// Shows a new pairing code in the state "pending"; the wrong ones stay counted.
+void showNewCode(Encryption &encryption, const EncryptionRules &rules, qint64 now);
+// The next of the home's random six-digit codes, never the one before it.
+QString drawCode(Encryption &encryption);
 
 } // namespace korvel::sim

@@ -17,8 +17,8 @@ public:
 
     // The state as it is now.
     Encryption read() const;
-    // Lets `event` change the state and stores the outcome. False when it returned false, or the file could not be
-    // written.
+    // Lets `event` change the state. When it returns false, nothing of it is kept. False then, or when the file could
+    // not be written.
     bool change(const std::function<bool(Encryption &, const EncryptionRules &, qint64 now)> &event) const;
 
 private:
