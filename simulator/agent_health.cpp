@@ -1,5 +1,6 @@
 #include "simulator/agent_health.h"
 
+#include "simulator/encryption_json.h"
 #include "simulator/files.h"
 
 #include <QJsonArray>
@@ -15,9 +16,6 @@ QJsonObject healthReport(const AgentSituation &situation, const QJsonObject &sce
     const bool offline = scenario.value("offline"_L1).toBool();
     const bool online = signedIn && !offline && situation.uptimeMs >= milliseconds(scenario, "connectMs"_L1, 300);
 
-    QJsonObject e2ee{{u"state"_s, signedIn ? u"active"_s : u"off"_s}};
-    if (online)
-        e2ee.insert("relay"_L1, u"ok"_s);
     const QJsonObject report{
         {u"ok"_s, true},
         {u"online"_s, online},
@@ -26,7 +24,7 @@ QJsonObject healthReport(const AgentSituation &situation, const QJsonObject &sce
         {u"account"_s, situation.config.value("username"_L1).toString()},
         {u"authDead"_s, false},
         {u"accountGone"_s, false},
-        {u"e2ee"_s, e2ee},
+        {u"e2ee"_s, encryptionReport(situation.encryption, online)},
         {u"perms"_s, QJsonObject{{u"ok"_s, true}, {u"missing"_s, QJsonArray{}}}},
     };
     return mergePatch(report, scenario.value("health"_L1).toObject());

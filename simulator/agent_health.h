@@ -1,5 +1,7 @@
 #pragma once
 
+#include "simulator/encryption.h"
+
 #include <QJsonObject>
 
 namespace korvel::sim {
@@ -8,6 +10,7 @@ namespace korvel::sim {
 struct AgentSituation {
     QJsonObject config;  // agent.json
     qint64 uptimeMs = 0; // since the agent started
+    Encryption encryption;
 };
 
 // The agent's name and version as it reports them.

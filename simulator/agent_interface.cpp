@@ -23,6 +23,7 @@ HttpAnswer refusal(int status, const QString &error) {
 
 AgentInterface::AgentInterface(HomePaths paths, AgentConfig config)
     : paths(std::move(paths)), config(std::move(config)), token(this->config.ensureLocalToken().toUtf8()),
+      encryption({this->paths, this->config}),
       server([this](HttpConnection &connection, const HttpRequest &request) { receive(connection, request); }) {
     uptime.start();
     addRoutes();
@@ -32,8 +33,13 @@ bool AgentInterface::listen(int port) { return server.listenOnLoopback(port); }
 
 void AgentInterface::addRoutes() {
     routes[{"GET", "/health"}] = [this](const HttpRequest &, const Scenario &scenario, const Respond &respond) {
-        respond(HttpAnswer::json(healthReport({config.read(), uptime.elapsed()}, scenario.values())));
+        respond(
+            HttpAnswer::json(healthReport({config.read(), uptime.elapsed(), encryption.state()}, scenario.values())));
     };
+    for (const QByteArray &path : AgentEncryption::paths())
+        routes[{"POST", path}] = [this](const HttpRequest &request, const Scenario &scenario, const Respond &respond) {
+            encryption.answer(request, scenario, respond);
+        };
 }
 
 void AgentInterface::receive(HttpConnection &connection, const HttpRequest &request) {

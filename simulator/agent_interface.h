@@ -1,6 +1,7 @@
 #pragma once
 
 #include "simulator/agent_config.h"
+#include "simulator/agent_encryption.h"
 #include "simulator/http_server.h"
 #include "simulator/scenario.h"
 
@@ -15,8 +16,6 @@ namespace korvel::sim {
 // answers by route.
 class AgentInterface {
 public:
-    // Gives the answer to one request; may do so later, and at most once.
-    using Respond = std::function<void(const HttpAnswer &)>;
     using Route = std::function<void(const HttpRequest &, const Scenario &, const Respond &)>;
 
     AgentInterface(HomePaths paths, AgentConfig config);
@@ -34,6 +33,7 @@ private:
     AgentConfig config;
     QByteArray token;
     QElapsedTimer uptime;
+    AgentEncryption encryption;
     std::map<std::pair<QByteArray, QByteArray>, Route> routes; // by method and path
     HttpServer server;
 };

@@ -1,6 +1,6 @@
 #include "simulator/control.h"
 
-#include "simulator/home.h"
+#include "simulator/control_encryption.h"
 
 #include <QJsonDocument>
 
@@ -12,8 +12,6 @@ namespace korvel::sim {
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr int USAGE = 2;
 
 const char HELP[] = R"(usage: korvel-simulator [--home DIR] COMMAND
 
@@ -30,24 +28,10 @@ Drives the simulated Mac of a home directory: $HOME, or DIR.
   requests             print the requests that the agent received, one a line
   launchctl ARGS...    run the stand-in launchctl; the agent's target is gui/UID/com.korvel.agent
   shut-down            unload every job and end what else of the simulator runs in the home
-  --help               print this
-
-docs/simulator.md lists what a scenario can hold.
+  --help               print this; docs/simulator.md lists what a scenario can hold
 )";
 
-// What one command does; `arguments` are those after its name.
-using Command = int (*)(Home &home, const QStringList &arguments);
-
-struct CommandEntry {
-    QLatin1StringView name;
-    int fewest; // number of arguments
-    int most;
-    Command run;
-};
-
 constexpr int ANY_NUMBER = 1'000;
-
-int statusOf(bool success) { return success ? 0 : 1; }
 
 void printJson(const QJsonObject &object, QJsonDocument::JsonFormat format) {
     std::puts(QJsonDocument(object).toJson(format).trimmed().constData());
@@ -72,6 +56,7 @@ int show(Home &home, const QStringList &) {
             {u"account"_s, home.account()},
             {u"port"_s, home.port()},
             {u"agentPid"_s, home.agentPid()},
+            {u"encryption"_s, home.encryption().state()},
         },
         QJsonDocument::Indented);
     return 0;
@@ -139,12 +124,14 @@ int control(const ProgramCall &call) {
     const QString name = arguments.takeFirst();
     if (name == "--help"_L1) {
         std::fputs(HELP, stdout);
+        std::fputs(ENCRYPTION_HELP, stdout);
         return 0;
     }
     Home home(directory);
-    for (const CommandEntry &command : COMMANDS)
-        if (command.name == name && arguments.size() >= command.fewest && arguments.size() <= command.most)
-            return command.run(home, arguments);
+    for (const std::span<const CommandEntry> commands : {std::span<const CommandEntry>(COMMANDS), encryptionCommands()})
+        for (const CommandEntry &command : commands)
+            if (command.name == name && arguments.size() >= command.fewest && arguments.size() <= command.most)
+                return command.run(home, arguments);
     return usage();
 }
 

@@ -152,6 +152,7 @@ Fault faultFor(const Scenario &scenario, const QByteArray &path) {
     fault.delayMs = milliseconds(entry, "delayMs"_L1);
     fault.bytes = qint64(entry.value("bytes"_L1).toDouble(100e6));
     fault.everyMs = milliseconds(entry, "ms"_L1, 1000);
+    fault.acts = entry.value("acts"_L1).toBool();
     return fault;
 }
 

@@ -30,9 +30,10 @@ struct Fault {
     int delayMs = 0;         // wait before answering
     qint64 bytes = 0;        // Huge: length of the body
     int everyMs = 0;         // Drip: between two bytes
+    bool acts = false;       // what was asked for is done nevertheless
     bool needsAnswer() const // whether the right answer is a part of it
     {
-        return mode == FaultMode::None || mode == FaultMode::Truncate || mode == FaultMode::Drip;
+        return acts || mode == FaultMode::None || mode == FaultMode::Truncate || mode == FaultMode::Drip;
     }
 };
 

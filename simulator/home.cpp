@@ -75,6 +75,10 @@ bool Home::signOut() { return configOf(paths).signOut(); }
 
 QString Home::account() const { return configOf(paths).read().value("username"_L1).toString(); }
 
+Phone Home::phone() const { return Phone({paths, configOf(paths)}); }
+
+AccountControl Home::encryption() const { return AccountControl({paths, configOf(paths)}); }
+
 bool Home::placeAgent() const {
     return placeProgram(standInRoot() + "/usr/local/bin/korvel-agent"_L1, paths.agentProgram());
 }

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "simulator/account_control.h"
 #include "simulator/home_paths.h"
+#include "simulator/phone.h"
 
 #include <QJsonObject>
 #include <QList>
@@ -48,6 +50,11 @@ public:
     bool signOut();
     // The account in agent.json; empty when nobody is signed in.
     QString account() const;
+
+    // The user's phone, as far as it pairs this Mac.
+    Phone phone() const;
+    // What happens to this Mac's encryption elsewhere: devices that ask, alarms, removal; and the codes on show.
+    AccountControl encryption() const;
 
     // Writes the agent's job file without loading the job, and puts the agent where the job expects it.
     bool installJobFile();

@@ -14,6 +14,7 @@ QString HomePaths::requestLog() const { return state() + "/requests.jsonl"_L1; }
 QString HomePaths::toolLog() const { return state() + "/tools.jsonl"_L1; }
 QString HomePaths::agentLog() const { return state() + "/agent.jsonl"_L1; }
 QString HomePaths::openedLog() const { return state() + "/opened.jsonl"_L1; }
+QString HomePaths::encryption() const { return state() + "/e2ee.json"_L1; }
 QString HomePaths::portFile() const { return state() + "/port"_L1; }
 QString HomePaths::ownerLock() const { return state() + "/owner"_L1; }
 QString HomePaths::turns() const { return state() + "/turns"_L1; }

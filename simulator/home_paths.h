@@ -18,6 +18,7 @@ struct HomePaths {
     QString toolLog() const;      // tools.jsonl
     QString agentLog() const;     // agent.jsonl
     QString openedLog() const;    // opened.jsonl
+    QString encryption() const;   // e2ee.json: the encryption state
     QString portFile() const;     // port: the reserved port as decimal text
     QString ownerLock() const;    // owner: locked by the process that holds the home, if one does
     QString turns() const;        // turns/: how often limited faults happened

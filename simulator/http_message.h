@@ -4,6 +4,7 @@
 #include <QJsonObject>
 #include <QList>
 
+#include <functional>
 #include <utility>
 
 namespace korvel::sim {
@@ -30,6 +31,9 @@ struct HttpAnswer {
 
     static HttpAnswer json(const QJsonObject &object, int status = 200);
 };
+
+// Gives the answer to one request; may be called later, and at most once.
+using Respond = std::function<void(const HttpAnswer &)>;
 
 // Status line and header of an answer, up to and with the empty line. `length` is the announced length of the body.
 QByteArray headOf(const HttpAnswer &answer, qint64 length, bool keepAlive);
