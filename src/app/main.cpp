@@ -4,6 +4,7 @@
 #include "app/paths.h"
 #include "app/platform_app.h"
 #include "app/wording.h"
+#include "platform/standard_streams.h"
 
 #include <csignal>
 #include <unistd.h>
@@ -22,6 +23,7 @@ QStringList argumentList(int argc, char **argv) {
 } // namespace
 
 int main(int argc, char **argv) {
+    openStandardStreams();
     // A program that exits without reading its input must not end the tray.
     std::signal(SIGPIPE, SIG_IGN);
     const LaunchEnvironment environment = readLaunchEnvironment();

@@ -55,13 +55,14 @@ int runTray(int &argc, char **argv, const FixedConfig &config, const Paths &path
     QApplication app(count, arguments.data());
     QApplication::setApplicationName(QStringLiteral("Korvel"));
     QApplication::setQuitOnLastWindowClosed(false);
+    auto copies = std::make_unique<RunningCopiesLinux>(); // before the signals: see its comment
     bool quit = false;
     const QuitSignals signals([&quit] {
         quit = true;
         QCoreApplication::exit(0);
     });
-    RunningCopiesLinux copies;
-    endOtherCopies(copies, runLoopFor, Clock::now);
+    endOtherCopies(*copies, runLoopFor, Clock::now);
+    copies.reset();
     if (quit) // asked to go while an older copy was still going
         return 0;
 

@@ -8,7 +8,7 @@ namespace korvel {
 class RunningCopies {
 public:
     virtual ~RunningCopies() = default;
-    /// Copies of the same user that were running before this process, automation runs left out.
+    /// Copies of the same user that this one replaces, automation runs left out.
     virtual QList<qint64> others() = 0;
     /// Asks a copy to quit, leaving the agent alone.
     virtual void terminate(qint64 copy) = 0;

@@ -10,6 +10,7 @@
 #include <fcntl.h>
 #include <optional>
 #include <poll.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <tuple>
@@ -21,16 +22,23 @@ namespace korvel {
 
 namespace {
 
+constexpr char STARTING[] = "korvel-starting"; // at most 15 characters
+constexpr char RUNNING[] = "korvel-tray";
+
 /// What of a process decides whether it is another copy of this program.
 struct Copy {
     qint64 pid = 0;
     quint64 startedAt = 0; ///< Ticks since boot.
     QString name;
+    bool starting = false;
     std::optional<QString> home;
     QStringList arguments;
     std::optional<QString> automation;
 
-    bool startedBefore(const Copy &o) const { return std::tie(startedAt, pid) < std::tie(o.startedAt, o.pid); }
+    /// Whether this starting copy ends `o`. A process keeps its start time when it becomes another program.
+    bool replaces(const Copy &o) const {
+        return !o.starting || std::tie(o.startedAt, o.pid) < std::tie(startedAt, pid);
+    }
 };
 
 QByteArray procFile(qint64 pid, const QString &name) {
@@ -72,6 +80,7 @@ std::optional<Copy> inspect(qint64 pid) {
     return Copy{.pid = pid,
                 .startedAt = fields.at(19).toULongLong(),
                 .name = QFileInfo(program).fileName(),
+                .starting = procFile(pid, u"comm"_s).trimmed() == STARTING,
                 .home = variable(environment, u"HOME"_s),
                 .arguments = zeroSeparated(procFile(pid, u"cmdline"_s)),
                 .automation = variable(environment, u"KORVEL_TRAY_AUTOMATION"_s)};
@@ -79,7 +88,10 @@ std::optional<Copy> inspect(qint64 pid) {
 
 } // namespace
 
+RunningCopiesLinux::RunningCopiesLinux() { ::prctl(PR_SET_NAME, STARTING); }
+
 RunningCopiesLinux::~RunningCopiesLinux() {
+    ::prctl(PR_SET_NAME, RUNNING);
     for (const auto &[pid, descriptor] : descriptors)
         ::close(descriptor);
 }
@@ -99,8 +111,7 @@ QList<qint64> RunningCopiesLinux::others() {
         if (descriptor < 0)
             continue;
         const auto copy = inspect(pid);
-        // Two that start together must not end each other: the one that started last stays.
-        if (copy && copy->name == self->name && copy->home == self->home && copy->startedBefore(*self) &&
+        if (copy && copy->name == self->name && copy->home == self->home && self->replaces(*copy) &&
             !automationMode(copy->arguments, copy->automation)) {
             descriptors.emplace(pid, descriptor);
             found.append(pid);

@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <QProcess>
+#include <algorithm>
 #include <csignal>
 
 using namespace Qt::StringLiterals;
@@ -27,8 +28,15 @@ struct CopiesJourney : Journey {
     }
     /// Launched: it has written its first log line.
     static bool isUp(QProcess &copy) {
-        return eventually([&] { return copy.peek(1 << 16).contains("[tray]") || copy.state() == QProcess::NotRunning; }) &&
+        return eventually(
+                   [&] { return copy.peek(1 << 16).contains("[tray]") || copy.state() == QProcess::NotRunning; }) &&
                copy.state() == QProcess::Running;
+    }
+    /// Past the start, with the icon on its way: it bears its own name again.
+    static bool isTray(const QProcess &copy) {
+        QFile name(u"/proc/%1/comm"_s.arg(copy.processId()));
+        return name.open(QIODevice::ReadOnly) && name.readAll().trimmed() == "korvel-tray" &&
+               QFile::symLinkTarget(u"/proc/%1/fd/2"_s.arg(copy.processId())) == u"/dev/null"_s;
     }
     static bool hasEnded(QProcess &copy) {
         return eventually([&] { return copy.state() == QProcess::NotRunning; });
@@ -83,6 +91,49 @@ TEST_F(CopiesJourney, CopiesOfAnotherHomeAndAutomationRunsAreNoCopies) {
     EXPECT_EQ(first->state(), QProcess::Running);
     end(elsewhere);
     end(*first);
+}
+
+TEST_F(CopiesJourney, OfCopiesThatStartTogetherExactlyOneStays) {
+    for (int round = 0; round < 3; ++round) {
+        std::vector<std::unique_ptr<QProcess>> copies;
+        for (int i = 0; i < 3; ++i)
+            copies.push_back(start());
+        const auto running = [&] {
+            return std::count_if(copies.begin(), copies.end(),
+                                 [](const auto &copy) { return copy->state() == QProcess::Running; });
+        };
+        ASSERT_TRUE(eventually([&] { return running() == 1; }));
+        for (const auto &copy : copies)
+            if (copy->state() == QProcess::Running) {
+                EXPECT_TRUE(isUp(*copy));
+                end(*copy);
+            }
+    }
+}
+
+TEST_F(CopiesJourney, ACopyWhoseProcessIsOlderThanItselfReplacesTheOneThatRuns) {
+    // A process that becomes a tray later keeps its early start time.
+    QProcess early;
+    early.setProcessEnvironment(home.environment());
+    early.setProcessChannelMode(QProcess::MergedChannels);
+    early.start(u"/bin/sh"_s, {u"-c"_s, u"read go; unset DISPLAY DBUS_SESSION_BUS_ADDRESS; exec \"$0\""_s, program});
+    ASSERT_TRUE(early.waitForStarted());
+    const auto running = start();
+    ASSERT_TRUE(isUp(*running));
+    early.write("go\n");
+    EXPECT_TRUE(hasEnded(*running));
+    EXPECT_TRUE(isUp(early));
+    end(early);
+}
+
+TEST_F(CopiesJourney, ATrayWithoutStandardStreamsRunsAndFollows) {
+    QProcess shell;
+    shell.setProcessEnvironment(home.environment());
+    shell.start(u"/bin/sh"_s, {u"-c"_s, u"unset DISPLAY; exec \"$0\" 0<&- 1>&- 2>&-"_s, program});
+    ASSERT_TRUE(shell.waitForStarted());
+    installAndSignIn();
+    ASSERT_TRUE(eventually([&] { return isTray(shell); }));
+    end(shell);
 }
 
 } // namespace

@@ -14,6 +14,13 @@ namespace {
 
 constexpr int POLLS_A_DISTURBANCE = 20;
 
+// AddressSanitizer keeps freed memory aside; there the leak check at the end of the process has the say.
+#ifdef __SANITIZE_ADDRESS__
+constexpr bool KEEPS_FREED_MEMORY = true;
+#else
+constexpr bool KEEPS_FREED_MEMORY = false;
+#endif
+
 qsizetype entriesOf(const QString &folder) {
     return QDir(folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::System).size();
 }
@@ -49,8 +56,8 @@ void FlappingJourney::pollTimes(int times) {
 void FlappingJourney::flap(int polls, quint32 seed) {
     QRandomGenerator random(seed);
     installAndSignIn();
-    tray = std::make_unique<TrayApp>(fixed, paths,
-                                     TrayPorts{scheduler, counted, programs, services, desktop, item, notices, alerts, pairPanel});
+    tray = std::make_unique<TrayApp>(
+        fixed, paths, TrayPorts{scheduler, counted, programs, services, desktop, item, notices, alerts, pairPanel});
     tray->launch(trayProgram());
     Holdings warm;
     constexpr int WARM_UP = 10 * POLLS_A_DISTURBANCE;
@@ -67,7 +74,9 @@ void FlappingJourney::flap(int polls, quint32 seed) {
     ASSERT_TRUE(eventually([&] { return scheduler.finishBackground(); }));
     const Holdings after = Holdings::now();
     EXPECT_GT(turnedOn, 0) << "the agent never failed: the trial tried nothing";
-    EXPECT_LT(after.megabytes - warm.megabytes, 4);
+    if (!KEEPS_FREED_MEMORY) {
+        EXPECT_LT(after.megabytes - warm.megabytes, 4);
+    }
     EXPECT_LE(after.descriptors - warm.descriptors, 4);             // a connection more or less
     EXPECT_LE(after.threads, std::max<qsizetype>(warm.threads, 8)); // idle ones of the pool end by themselves
 }
