@@ -45,7 +45,7 @@ void advanceSpeech(SpeechInstall &speech, int asrMs, qint64 now) {
 void beginSignIn(Encryption &encryption, const QString &signIn, const EncryptionRules &rules, qint64 now) {
     Encryption fresh;
     fresh.signIn = signIn;
-    fresh.began = rules.start;
+    fresh.began = rules.start.value_or(PairState::Active);
     fresh.phone = encryption.phone;
     fresh.required = encryption.required;
     fresh.relay = encryption.relay;
@@ -56,8 +56,8 @@ void beginSignIn(Encryption &encryption, const QString &signIn, const Encryption
     encryption = fresh;
     if (signIn.isEmpty())
         return;
-    const bool phoneIsThere = rules.start == PairState::Waiting && encryption.phone;
-    enter(encryption, phoneIsThere ? PairState::Pending : rules.start, rules, now);
+    const bool phoneIsThere = encryption.began == PairState::Waiting && encryption.phone;
+    enter(encryption, phoneIsThere ? PairState::Pending : encryption.began, rules, now);
 }
 
 void advance(Encryption &encryption, const EncryptionRules &rules, qint64 now) {

@@ -24,14 +24,14 @@ enum class PairState {
 
 // What a scenario's "e2ee" sets. Times in milliseconds.
 struct EncryptionRules {
-    PairState start = PairState::Active; // where a sign-in begins
-    int wrongCodes = 5;                  // the wrong code of this number ends in "pair-failed"
-    int startMs = 0;                     // how long "starting" lasts; 0: until something else happens
-    int codeMs = 0;                      // how long a code is good; 0: for ever
-    int renewMs = 3000;                  // from "expired" to a new code
-    int turnOnMs = 1500;                 // from the right code to "active"
-    int asrMs = 6000;                    // how long the speech-recognition download takes
-    std::optional<quint32> seed;         // makes the codes the same every time
+    std::optional<PairState> start; // where a sign-in begins; none: "active", and a state that is there stays
+    int wrongCodes = 5;             // the wrong code of this number ends in "pair-failed"
+    int startMs = 0;                // how long "starting" lasts; 0: until something else happens
+    int codeMs = 0;                 // how long a code is good; 0: for ever
+    int renewMs = 3000;             // from "expired" to a new code
+    int turnOnMs = 1500;            // from the right code to "active"
+    int asrMs = 6000;               // how long the speech-recognition download takes
+    std::optional<quint32> seed;    // makes the codes the same every time
 };
 
 // A device that asks to join.
@@ -70,7 +70,7 @@ struct SpeechInstall {
 // time `now` in milliseconds since the epoch.
 struct Encryption {
     QString signIn;                      // the sign-in that it belongs to; empty while nobody is signed in
-    PairState began = PairState::Active; // the scenario's "start" that it began with
+    PairState began = PairState::Active; // where it began
     PairState state = PairState::Off;
     qint64 due = 0;     // when the state goes on by itself; 0: never
     bool phone = false; // a phone is signed in to the account

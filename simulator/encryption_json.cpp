@@ -105,7 +105,7 @@ std::optional<PairState> pairStateNamed(const QString &name) {
 
 EncryptionRules encryptionRules(const QJsonObject &settings) {
     EncryptionRules rules;
-    rules.start = pairStateNamed(settings.value("start"_L1).toString()).value_or(rules.start);
+    rules.start = pairStateNamed(settings.value("start"_L1).toString());
     rules.wrongCodes = settings.value("wrongCodes"_L1).toInt(rules.wrongCodes);
     rules.startMs = milliseconds(settings, "startMs"_L1, rules.startMs);
     rules.codeMs = milliseconds(settings, "codeMs"_L1, rules.codeMs);

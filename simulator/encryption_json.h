@@ -10,7 +10,7 @@ namespace korvel::sim {
 QString nameOf(PairState state);
 std::optional<PairState> pairStateNamed(const QString &name);
 
-// The rules that a scenario's "e2ee" object sets; a "start" of an unknown name counts as "active".
+// The rules that a scenario's "e2ee" object sets; a "start" of an unknown name counts as none.
 EncryptionRules encryptionRules(const QJsonObject &settings);
 
 // The "e2ee" object of the health report. `online`: the agent has reached its server.

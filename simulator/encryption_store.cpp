@@ -60,7 +60,7 @@ bool EncryptionStore::change(const std::function<bool(Encryption &, const Encryp
     const qint64 now = timeNow();
 
     Encryption current = stored;
-    if (current.signIn != signIn || current.began != rules.start)
+    if (current.signIn != signIn || current.began != rules.start.value_or(current.began))
         beginSignIn(current, signIn, rules, now);
     advance(current, rules, now);
     Encryption changed = current;

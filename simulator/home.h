@@ -44,7 +44,8 @@ public:
     QJsonObject scenario() const;
 
     // Writes agentToken, agentId, username and loginName into agent.json; other keys stay. An agent that already runs
-    // goes online without a restart. False when the file cannot be written or holds something else than an object.
+    // goes online without a restart; its encryption starts over. False when the file cannot be written or holds
+    // something else than an object.
     bool signIn(const QString &account);
     // Removes those four keys; others stay.
     bool signOut();

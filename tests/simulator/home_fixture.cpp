@@ -42,16 +42,15 @@ End readAnswer(int socket, QByteArray &answer, int patienceMs, qsizetype enough)
     return End::Answered;
 }
 
-} // namespace
+QByteArray startOf(const QByteArray &method, const QByteArray &path, const QByteArray &token) {
+    const QByteArray start = method + ' ' + path + " HTTP/1.1\r\nHost: 127.0.0.1\r\nConnection: close\r\n";
+    return token.isEmpty() ? start : start + "X-Korvel-Token: " + token + "\r\n";
+}
 
-Exchange get(int port, const QByteArray &path, const QByteArray &token, int patienceMs, qsizetype enough) {
+Exchange exchange(int port, const QByteArray &request, int patienceMs, qsizetype enough) {
     const int socket = connected(port);
     if (socket < 0)
         return {{}, {}, End::Closed};
-    QByteArray request = "GET " + path + " HTTP/1.1\r\nHost: 127.0.0.1\r\nConnection: close\r\n";
-    if (!token.isEmpty())
-        request += "X-Korvel-Token: " + token + "\r\n";
-    request += "\r\n";
     EXPECT_EQ(::send(socket, request.constData(), size_t(request.size()), 0), request.size());
     QByteArray answer;
     const End end = readAnswer(socket, answer, patienceMs, enough);
@@ -60,6 +59,18 @@ Exchange get(int port, const QByteArray &path, const QByteArray &token, int pati
     if (split < 0)
         return {answer, {}, end};
     return {answer.first(split), answer.mid(split + 4), end};
+}
+
+} // namespace
+
+Exchange get(int port, const QByteArray &path, const QByteArray &token, int patienceMs, qsizetype enough) {
+    return exchange(port, startOf("GET", path, token) + "\r\n", patienceMs, enough);
+}
+
+Exchange post(int port, const QByteArray &path, const QByteArray &token, const QByteArray &body, int patienceMs) {
+    const QByteArray fields =
+        "Content-Type: application/json\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\n\r\n";
+    return exchange(port, startOf("POST", path, token) + fields + body, patienceMs, 1 << 20);
 }
 
 HomeTest::HomeTest() : home(folder.path() + "/home"_L1) {

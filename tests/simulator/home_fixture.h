@@ -38,6 +38,10 @@ struct Exchange {
 Exchange get(int port, const QByteArray &path, const QByteArray &token, int patienceMs = 10'000,
              qsizetype enough = 1 << 20);
 
+// The same with a POST of a body.
+Exchange post(int port, const QByteArray &path, const QByteArray &token, const QByteArray &body,
+              int patienceMs = 10'000);
+
 // A home in a temporary folder, signed in, with its job file written.
 class HomeTest : public testing::Test {
 protected:
