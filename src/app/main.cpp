@@ -32,5 +32,5 @@ int main(int argc, char **argv) {
     const Paths paths = makePaths(config, environment.home, ::getuid());
     if (const auto mode = automationMode(argumentList(argc, argv), environment.automation))
         return runAutomation(*mode, argc, argv, config, paths);
-    return runTray(argc, argv, config, paths);
+    return runTray(argv, config, paths);
 }

@@ -5,6 +5,6 @@
 namespace korvel {
 
 /// A normal start: takes over from older copies, then runs the tray until it quits. Gives the exit status.
-int runTray(int &argc, char **argv, const FixedConfig &config, const Paths &paths);
+int runTray(char **argv, const FixedConfig &config, const Paths &paths);
 
 } // namespace korvel

@@ -26,15 +26,16 @@ namespace korvel {
 namespace {
 
 bool hasDisplay() {
-    return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY") ||
-           qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
+    return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
 }
 
-/// The arguments for Qt. Given as arguments and not through the environment, which the agent's programs inherit.
-std::vector<char *> qtArguments(int argc, char **argv) {
+/// The arguments for Qt: none of the tray's own, which are ignored. Off screen is chosen here and not through the
+/// environment, which the agent's programs inherit.
+std::vector<char *> qtArguments(char **argv) {
     static char platform[] = "-platform";
     static char offscreen[] = "offscreen";
-    std::vector<char *> arguments(argv, argv + argc);
+    std::vector<char *> arguments{argv[0]};
     if (!hasDisplay())
         arguments.insert(arguments.end(), {platform, offscreen});
     arguments.push_back(nullptr);
@@ -49,8 +50,8 @@ void runLoopFor(milliseconds duration) {
 
 } // namespace
 
-int runTray(int &argc, char **argv, const FixedConfig &config, const Paths &paths) {
-    std::vector<char *> arguments = qtArguments(argc, argv);
+int runTray(char **argv, const FixedConfig &config, const Paths &paths) {
+    std::vector<char *> arguments = qtArguments(argv);
     int count = static_cast<int>(arguments.size()) - 1;
     QApplication app(count, arguments.data());
     QApplication::setApplicationName(QStringLiteral("Korvel"));

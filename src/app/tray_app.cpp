@@ -26,7 +26,8 @@ TrayApp::TrayApp(const FixedConfig &f, const Paths &pa, const TrayPorts &p, Feat
       pairing(state.e2ee, state.pairing, api, p.pairPanel, p.scheduler, pairingHooks()),
       approval(state.e2ee, api, p.alerts, p.scheduler,
                {.poll = [this] { health.poll(); }, .showHUD = showHUD(), .hideHUD = [this] { notices.hideHUD(); }}),
-      alarms(state.e2ee, api, p.alerts, {.showHUD = showHUD(), .pairAfterLogin = [this] { pairing.pairAfterLogin(); }}),
+      alarms(state.e2ee, api, p.alerts,
+             {.showHUD = showHUD(), .poll = poll(), .pairAfterLogin = [this] { pairing.pairAfterLogin(); }}),
       speech(api, {.showHUD = showHUD()}), prompts(state.e2ee, state.pairing, promptHooks()) {}
 
 std::function<void(const Notice &)> TrayApp::showHUD() {

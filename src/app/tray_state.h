@@ -16,18 +16,18 @@ constexpr auto STARTING_GRACE = 25s;
 
 /// What the agent's last answer, or its silence, says; and what is known of its launchd job.
 struct HealthState {
-    bool running = false;          ///< The agent answered the last poll.
-    bool online = false;           ///< The agent reports a live connection to the account server.
-    bool authDead = false;         ///< The agent reports that its sign-in is no longer accepted.
-    bool authDeadNotified = false; ///< The user has been told of this loss of the sign-in.
-    bool accountGone = false;      ///< The account was deleted on the server.
-    std::optional<bool> jobLoaded; ///< Whether the agent's job is loaded; none: not known yet.
+    bool running = false;               ///< The agent answered the last poll.
+    bool online = false;                ///< The agent reports a live connection to the account server.
+    bool authDead = false;              ///< The agent reports that its sign-in is no longer accepted.
+    bool authDeadNotified = false;      ///< The user has been told of this loss of the sign-in.
+    bool accountGone = false;           ///< The account was deleted on the server.
+    std::optional<bool> jobLoaded = {}; ///< Whether the agent's job is loaded; none: not known yet.
     Instant jobCheckedAt = DISTANT_PAST;
-    std::optional<Instant> startingUntil;   ///< Until when a silent agent counts as starting.
-    std::optional<Instant> connectingSince; ///< Since when the agent runs without being online.
+    std::optional<Instant> startingUntil = {};   ///< Until when a silent agent counts as starting.
+    std::optional<Instant> connectingSince = {}; ///< Since when the agent runs without being online.
     qint64 sessions = 0;
-    QString account;
-    QString agentVer;
+    QString account = {};
+    QString agentVer = {};
 };
 
 struct ServiceState {
@@ -37,10 +37,10 @@ struct ServiceState {
 };
 
 struct PermissionState {
-    std::optional<bool> permsOk; ///< none: not known
-    QStringList permsMissing;
-    QList<QJsonObject> permItems; ///< One object a permission, as the agent sent it.
-    std::optional<Instant> permsFetchedAt;
+    std::optional<bool> permsOk = {}; ///< none: not known
+    QStringList permsMissing = {};
+    QList<QJsonObject> permItems = {}; ///< One object a permission, as the agent sent it.
+    std::optional<Instant> permsFetchedAt = {};
     bool permsRequesting = false;
     bool permsFetchFailed = false;
     bool permsFetching = false;
@@ -48,30 +48,30 @@ struct PermissionState {
 
 /// One validated update package.
 struct UpdateInfo {
-    QString ver;
-    QString file;
-    QString sha;
-    QString sig;
+    QString ver = {};
+    QString file = {};
+    QString sha = {};
+    QString sig = {};
     qint64 bytes = 0; ///< 0: not said
     bool operator==(const UpdateInfo &) const = default;
 };
 
 struct UpdateState {
-    std::optional<UpdateInfo> updateAvail;
-    std::optional<Instant> updateCheckedAt;
+    std::optional<UpdateInfo> updateAvail = {};
+    std::optional<Instant> updateCheckedAt = {};
     bool updateBusy = false;
-    std::optional<int> updatePct; ///< Percent, only while downloading.
+    std::optional<int> updatePct = {}; ///< Percent, only while downloading.
     bool updateNotified = false;
 };
 
 /// The agent's encryption report as received, and which of its prompts were shown.
 struct E2State {
-    QJsonObject e2;
-    QSet<QString> e2ShownPending;
-    QSet<QString> e2ShownAlarms;
-    QSet<QString> e2Answering;
-    bool e2Modal = false; ///< An approval or alarm alert is open.
-    QString e2LastState;  ///< The state that the last reaction saw.
+    QJsonObject e2 = {};
+    QSet<QString> e2ShownPending = {};
+    QSet<QString> e2ShownAlarms = {};
+    QSet<QString> e2Answering = {};
+    bool e2Modal = false;     ///< An approval or alarm alert is open.
+    QString e2LastState = {}; ///< The state that the last reaction saw.
 };
 
 /// The pairing window's part of the state.

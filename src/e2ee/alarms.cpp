@@ -57,8 +57,8 @@ void Alarms::answered(const QJsonObject &alarm, const AlertAnswer &answer) {
 
 void Alarms::rejoin() {
     e2Post(api, acceptResetRequest(), alive.guard([this](const std::optional<QJsonObject> &reply) {
-        if (replyOk(reply))
-            return hooks.pairAfterLogin();
+        if (replyOk(reply)) // the window has to see the report after the reset
+            return hooks.poll(hooks.pairAfterLogin);
         hooks.showHUD(
             {.text = L(u"无法重新加入：", u"Couldn't rejoin: ") + errText(reply), .secs = Seconds(6), .error = true});
     }));

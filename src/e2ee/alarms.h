@@ -18,6 +18,7 @@ class Alarms {
 public:
     struct Hooks {
         std::function<void(const Notice &)> showHUD;
+        std::function<void(std::function<void()> then)> poll;
         std::function<void()> pairAfterLogin;
     };
     Alarms(E2State &e2ee, AgentApi &api, Alerts &alerts, Hooks hooks);

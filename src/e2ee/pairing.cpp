@@ -51,9 +51,10 @@ void Pairing::showPairWindow() {
 }
 
 void Pairing::pairAfterLogin() {
-    pairing.pairAutoShown = true;
     pairing.pairSawCode = false;
     showPairWindow();
+    // A report from before the sign-in may have sent the window away: then it opens by itself with the next one.
+    pairing.pairAutoShown = window.isVisible();
 }
 
 void Pairing::pairButtonClicked() {

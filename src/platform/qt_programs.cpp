@@ -5,6 +5,7 @@
 #include <QElapsedTimer>
 #include <QProcess>
 #include <algorithm>
+#include <fcntl.h>
 
 namespace korvel {
 
@@ -47,7 +48,15 @@ private:
     bool asked = false;
 };
 
+/// Libraries open descriptors that a program would inherit; a long-lived one would keep their connections open.
+void closeInherited() {
+    constexpr int FIRST_AFTER_STANDARD_STREAMS = 3;
+    for (int descriptor = FIRST_AFTER_STANDARD_STREAMS; descriptor < 256; ++descriptor)
+        ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
+}
+
 void prepare(QProcess &process, const ProgramRun &request) {
+    process.setChildProcessModifier(closeInherited);
     process.setArguments(request.arguments);
     if (request.collect == ProgramRun::Collect::StandardOutput) {
         process.setStandardErrorFile(QProcess::nullDevice());

@@ -16,7 +16,7 @@ volatile int wakeUpEnd = -1;
 void onSignal(int) {
     const int saved = errno;
     const char byte = 1;
-    if (::write(wakeUpEnd, &byte, 1) < 0) {
+    if (wakeUpEnd >= 0 && ::write(wakeUpEnd, &byte, 1) < 0) {
     }
     errno = saved;
 }
@@ -41,13 +41,17 @@ QuitSignals::QuitSignals(std::function<void()> quit) {
     struct sigaction action {};
     action.sa_handler = onSignal;
     action.sa_flags = SA_RESTART;
-    for (const int number : SIGNALS)
-        ::sigaction(number, &action, nullptr);
+    for (const int number : SIGNALS) {
+        struct sigaction before {};
+        ::sigaction(number, nullptr, &before);
+        if (before.sa_handler != SIG_IGN) // as under nohup
+            ::sigaction(number, &action, nullptr);
+    }
 }
 
 QuitSignals::~QuitSignals() {
-    for (const int number : SIGNALS)
-        ::signal(number, SIG_DFL);
+    // From here on the process is leaving: a signal need not, and must not, reach the closed pipe.
+    wakeUpEnd = -1;
     notifier.reset();
     for (const int end : ends)
         ::close(end);

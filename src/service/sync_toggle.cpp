@@ -58,7 +58,8 @@ void SyncToggle::toggleAgent() {
     if (direction == ToggleDirection::Pause)
         pause();
     else
-        resume(RESUME_ATTEMPTS);
+        scheduler.background([&sv = services, label = fixed.AGENT_LABEL] { return sv.enable(label); },
+                             alive.guard([this](bool) { resume(RESUME_ATTEMPTS); }));
 }
 
 void SyncToggle::pause() {
@@ -80,7 +81,6 @@ void SyncToggle::waitUntilGone(Instant deadline) {
 
 void SyncToggle::resume(int attemptsLeft) {
     auto loaded = [&sv = services, label = fixed.AGENT_LABEL, plist = paths.agentPlist] {
-        sv.enable(label);
         if (!sv.bootstrap(plist))
             sv.kickstart(label);
         return sv.print(label);

@@ -65,14 +65,15 @@ void HealthPoll::follow(const HealthEffects &effects, std::function<void()> then
         reaction = scheduler.after(0ms, [this] { hooks.e2Prompt(); });
     if (effects.fetchPerms)
         hooks.fetchPerms();
-    if (effects.checkJob)
-        checkJob(std::move(then));
-    else
-        finish(then);
+    if (!effects.checkJob)
+        return finish(then);
+    hooks.render(); // the silence is known now, the job's state only when the service manager answers
+    checkJob(std::move(then));
 }
 
 void HealthPoll::checkJob(std::function<void()> then) {
-    afterJobCheck.push_back(std::move(then));
+    if (then)
+        afterJobCheck.push_back(std::move(then));
     lookedAt = state.health.jobCheckedAt;
     // A service manager that hangs must not use up the background threads: later polls join the look under way.
     if (std::exchange(checkingJob, true))
@@ -85,8 +86,7 @@ void HealthPoll::checkJob(std::function<void()> then) {
                                  state.health.jobLoaded = loaded;
                              hooks.render();
                              for (const auto &waiting : std::exchange(afterJobCheck, {}))
-                                 if (waiting)
-                                     waiting();
+                                 waiting();
                          }));
 }
 

@@ -1,11 +1,12 @@
 #include "ui/notices.h"
 
+#include "platform/plain_text.h"
 #include "ui/notice_view.h"
 
 namespace korvel {
 
 void Notices::showHUD(const Notice &notice) {
-    panel.show({.text = notice.text, .error = notice.error}, [this, link = notice.link] {
+    panel.show({.text = singleLine(notice.text), .error = notice.error}, [this, link = notice.link] {
         if (!link.isEmpty())
             desktop.openUrl(link);
         hideHUD();

@@ -90,6 +90,8 @@ TEST_F(E2eeJourney, AnAgentThatDiesWhileItVerifiesEndsInOneNotice) {
     alerts.answer(0, device.code);
     ASSERT_TRUE(eventually([&] { return notices.last() == u"Korvel isn't responding. Try again later."; }));
     const size_t told = notices.shown.size();
+    const int polls = requestsTo(u"/health"_s);
+    ASSERT_TRUE(eventually([&] { return requestsTo(u"/health"_s) > polls && item.icon.on; }));
     ASSERT_TRUE(showsSoon(CONNECTED));
     EXPECT_EQ(notices.shown.size(), told);
     EXPECT_EQ(requestsTo(u"/e2ee/pair"_s), 1);
@@ -97,7 +99,8 @@ TEST_F(E2eeJourney, AnAgentThatDiesWhileItVerifiesEndsInOneNotice) {
     item.choose(Action::E2Pending);
     ASSERT_TRUE(alerts.isOpen());
     alerts.answer(0, device.code);
-    ASSERT_TRUE(eventually([&] { return notices.last() == u"✓ Allowed Anna's phone"; }));
+    ASSERT_TRUE(eventually([&] { return notices.last() == u"✓ Allowed Anna's phone"; }))
+        << notices.last().toStdString();
 }
 
 TEST_F(E2eeJourney, AResetLeadsToANewPairing) {
@@ -105,7 +108,8 @@ TEST_F(E2eeJourney, AResetLeadsToANewPairing) {
     home.encryption().raiseResetAlarm();
     ASSERT_TRUE(eventually([&] { return alerts.isOpen(); }));
     alerts.answer(0);
-    ASSERT_TRUE(eventually([&] { return pairPanel.visible && pairPanel.view.refreshVisible; }));
+    ASSERT_TRUE(eventually([&] { return pairPanel.visible && pairPanel.view.refreshVisible; }))
+        << notices.last().toStdString() << item.statusLine().toStdString();
     ASSERT_TRUE(home.phone().typeRight());
     ASSERT_TRUE(eventually([&] { return !pairPanel.visible; }));
     ASSERT_TRUE(showsSoon(CONNECTED));

@@ -2,6 +2,7 @@
 
 #include "app/paths.h"
 #include "app/wording.h"
+#include "e2ee/pair_view.h"
 #include "platform/alerts.h"
 #include "platform/desktop.h"
 #include "platform/http_client.h"
@@ -10,7 +11,6 @@
 #include "platform/programs.h"
 #include "platform/status_item.h"
 #include "service/service_control.h"
-#include "e2ee/pair_view.h"
 #include "status/icon_view.h"
 #include "ui/edit_menu.h"
 #include "ui/menu_entry.h"
@@ -89,6 +89,7 @@ public:
     };
     void send(HttpRequest request, Done<HttpReply> done) override {
         ++count;
+        last = request;
         if (answer)
             return done(answer(request));
         open.push_back({std::move(request), std::move(done)});
@@ -101,6 +102,7 @@ public:
     }
     std::function<Result<HttpReply>(const HttpRequest &)> answer; ///< Where set, every request is answered at once.
     std::deque<Sent> open;
+    HttpRequest last;
     int count = 0;
 };
 

@@ -1,5 +1,6 @@
 #include "service/agent_command.h"
 
+#include "service/launchctl.h"
 #include "service/login_item.h"
 #include "support/fakes.h"
 #include "support/manual_scheduler.h"
@@ -72,6 +73,7 @@ TEST_F(AgentCommandTest, TheRequestGoesThroughStandardInputAndTheAnswerComesOnce
     EXPECT_EQ(run.input, R"({"password":"p"})");
     EXPECT_EQ(run.extraEnvironment.value(0), std::make_pair(u"KORVEL_LANG"_s, u"zh"_s));
     EXPECT_EQ(run.timeout, 60s);
+    EXPECT_EQ(run.collect, ProgramRun::Collect::StandardOutput);
 }
 
 TEST_F(AgentCommandTest, WithoutAnAgentTheAnswerIsNothingAndNotAtOnce) {
@@ -82,6 +84,26 @@ TEST_F(AgentCommandTest, WithoutAnAgentTheAnswerIsNothingAndNotAtOnce) {
     scheduler.settle();
     EXPECT_TRUE(answered);
     EXPECT_TRUE(programs.runs.empty());
+}
+
+TEST(Launchctl, EachOperationIsOneCommandInTheUsersDomain) {
+    RecordedPrograms programs;
+    Launchctl services(programs, 501);
+    services.print(u"a.b"_s);
+    services.bootstrap(u"/x.plist"_s);
+    services.bootout(u"a.b"_s);
+    services.enable(u"a.b"_s);
+    services.disable(u"a.b"_s);
+    EXPECT_TRUE(services.kickstart(u"a.b"_s));
+    QStringList commands;
+    for (const ProgramRun &run : programs.runs)
+        commands.append(run.executable + u' ' + run.arguments.join(u' '));
+    EXPECT_EQ(commands,
+              (QStringList{u"/bin/launchctl print gui/501/a.b"_s, u"/bin/launchctl bootstrap gui/501 /x.plist"_s,
+                           u"/bin/launchctl bootout gui/501/a.b"_s, u"/bin/launchctl enable gui/501/a.b"_s,
+                           u"/bin/launchctl disable gui/501/a.b"_s, u"/bin/launchctl kickstart -k gui/501/a.b"_s}));
+    programs.result.status = 113;
+    EXPECT_FALSE(services.print(u"a.b"_s));
 }
 
 TEST(LoginItem, IsWrittenOnceAndOnlyForAnInstalledCopy) {

@@ -17,6 +17,11 @@ TEST(Automation, ASwitchCountsOnlyWithEnoughEntriesAndThePermission) {
     EXPECT_EQ(automationMode({u"tray"_s, u"--login"_s, u"ann"_s}, u"1"_s), AutomationMode::Login);
     EXPECT_EQ(automationMode({u"tray"_s, u"x"_s, u"--menu-dump"_s}, u"1"_s), std::nullopt);
     EXPECT_EQ(automationMode({u"tray"_s, u"--e2ee-render"_s, u"pair"_s, u"o"_s}, u"1"_s), std::nullopt);
+    EXPECT_EQ(automationMode({u"tray"_s, u"--e2ee-render"_s, u"pair"_s, u"o"_s, u"{}"_s}, u"1"_s),
+              AutomationMode::E2eeRender);
+    EXPECT_EQ(automationMode({u"tray"_s, u"--login-render"_s, u"login"_s}, u"1"_s), std::nullopt);
+    EXPECT_EQ(automationMode({u"tray"_s, u"--login-render"_s, u"login"_s, u"o"_s}, u"1"_s),
+              AutomationMode::LoginRender);
     EXPECT_EQ(automationMode({u"tray"_s}, u"1"_s), std::nullopt);
 }
 

@@ -73,9 +73,12 @@ TEST(QtScheduler, ATimerMayBeCancelledByItsOwnCall) {
         loop.quit();
     });
     loop.exec();
-    Timer end = scheduler.after(milliseconds(5), [&] { loop.quit(); });
+    int once = 0;
+    const Timer single = scheduler.after(milliseconds(1), [&] { ++once; });
+    const Timer end = scheduler.after(milliseconds(20), [&] { loop.quit(); });
     loop.exec();
     EXPECT_EQ(calls, 1);
+    EXPECT_EQ(once, 1);
 }
 
 } // namespace

@@ -102,6 +102,7 @@ TEST(E2eeMenuBlock, SaysTheSituationOnlyWhereTheStatusLineDoesNot) {
     EXPECT_EQ(block(R"({"state":"revoked"})"),
               (QStringList{u"⚠ This Mac was removed from your account. Sign in again."_s, u"---"_s}));
     EXPECT_EQ(block(R"({"state":"rejected"})"), (QStringList{u"[x] Sign In Again…"_s, u"---"_s}));
+    EXPECT_EQ(block(R"({"state":"revoked"})", false, false), QStringList());
     // The main menu offers the sign-in already.
     EXPECT_EQ(block(R"({"state":"rejected"})", true, true, true),
               (QStringList{u"⚠ Your phone denied this Mac. Sign in again to retry."_s, u"---"_s}));

@@ -29,6 +29,8 @@ TEST(FixedConfig, TheEditionChoosesServerAndPagesButNotTheLanguage) {
     EXPECT_EQ(cn.DEFAULT_SERVER, u"cn.example:443"_s);
     EXPECT_EQ(cn.SITE_URL, u"https://site.example/zh"_s);
     EXPECT_EQ(cn.TERMS_URL, u"https://site.example/cn/terms"_s);
+    EXPECT_EQ(cn.PRIVACY_URL, u"https://site.example/cn/privacy"_s);
+    EXPECT_EQ(cn.UPDATE_SIG_PREFIX, u"korvel-update/1"_s);
     EXPECT_FALSE(cn.ZH);
 
     const FixedConfig intl = makeFixedConfig(testDeployment(u"intl"_s), environment());

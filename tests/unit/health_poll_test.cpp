@@ -19,9 +19,11 @@ struct HealthPollTest : TrayFixture {
 };
 
 TEST_F(HealthPollTest, AnAnswerIsCopiedIntoTheState) {
-    launchWith(R"({"ok":true,"online":true,"ver":"korvel-agent/1.4.2","e2ee":{"state":"active"},
+    launchWith(R"({"ok":true,"online":true,"ver":"a/korvel-agent/1.4.2","e2ee":{"state":"active"},
                    "perms":{"ok":false,"missing":["Mic"]}})");
     EXPECT_TRUE(health().running && health().online);
+    EXPECT_EQ(http.last.url, u"http://127.0.0.1:8790/health"_s);
+    EXPECT_EQ(http.last.timeout, 2s);
     EXPECT_EQ(health().agentVer, u"1.4.2"_s);
     EXPECT_EQ(health().account, u"ann"_s); // from the configuration
     EXPECT_EQ(health().sessions, 0);
@@ -60,6 +62,10 @@ TEST_F(HealthPollTest, ALossOfTheSignInIsToldOncePerLoss) {
     };
     EXPECT_EQ(after(SIGNED_OUT), 1u);
     EXPECT_TRUE(notices.shown.back().error);
+    scheduler.advance(4900ms);
+    EXPECT_TRUE(notices.visible);
+    scheduler.advance(200ms);
+    EXPECT_FALSE(notices.visible);
     EXPECT_EQ(notices.last(), u"You've been signed out. Sign in again."_s);
     EXPECT_EQ(after(SIGNED_OUT), 1u);
     agentIsSilent(); // silence is no sign of life of the sign-in
@@ -109,6 +115,7 @@ TEST_F(HealthPollTest, AServiceManagerThatHangsTakesOneThreadAndBlocksNothing) {
     scheduler.holdBackground(true);
     scheduler.advance(120s);
     EXPECT_EQ(scheduler.backgroundWaiting(), 1u);
+    EXPECT_FALSE(item.icon.on); // shown at once, without waiting for the look
     EXPECT_EQ(item.statusLine(), u"○ Korvel isn't responding. Retrying…"_s);
     agentAnswers(ONLINE);
     scheduler.advance(3s);
@@ -136,6 +143,31 @@ TEST_F(HealthPollTest, ALateAnswerDoesNotUndoANewerOne) {
     http.reply(1, json(ONLINE));
     http.reply(0, noAnswer());
     EXPECT_TRUE(health().running);
+}
+
+TEST(HealthRules, SilenceForgetsWhatOnlyARunningAgentKnows) {
+    const Instant now(1h);
+    TrayState state;
+    state.health.running = state.health.online = true;
+    state.health.connectingSince = now - 5s;
+    state.health.jobLoaded = true;
+    state.health.jobCheckedAt = now - 10s;
+    state.permissions = {.permsOk = false,
+                         .permsMissing = {u"a"_s},
+                         .permItems = {QJsonObject()},
+                         .permsFetchedAt = now,
+                         .permsFetchFailed = true};
+    const auto effects = [&] {
+        return applyHealth(state, std::nullopt, {.now = now, .bound = true, .username = u"ann"_s});
+    };
+    EXPECT_FALSE(effects().checkJob); // looked at ten seconds ago, and no longer
+    EXPECT_FALSE(state.health.running || state.health.online || state.health.connectingSince);
+    const PermissionState &p = state.permissions;
+    EXPECT_FALSE(p.permsOk || p.permsFetchedAt || p.permsFetchFailed);
+    EXPECT_TRUE(p.permsMissing.isEmpty() && p.permItems.isEmpty());
+    state.health.jobLoaded.reset();
+    EXPECT_TRUE(effects().checkJob);
+    EXPECT_EQ(state.health.jobCheckedAt, now);
 }
 
 TEST(HealthRules, ThePermissionListIsDueAfterThirtySecondsAndOnlyWhileTheAgentAnswers) {

@@ -1,6 +1,7 @@
 #include "support/tray_fixture.h"
 
 #include "app/reopen.h"
+#include "ui/menu_view.h"
 
 using namespace Qt::StringLiterals;
 
@@ -37,7 +38,10 @@ TEST_F(LaunchTest, AFreshUserIsRepairedFirstAndThenPolled) {
     EXPECT_EQ(http.count, 1);
     EXPECT_EQ(health().startingUntil, std::nullopt);
     EXPECT_EQ(notices.last(), u"Not signed in"_s); // no hint without a job file
-    EXPECT_EQ(desktop.editMenu.size(), 7);
+    QString keys;
+    for (const EditMenuItem &entry : desktop.editMenu)
+        keys += entry.title.isEmpty() ? u"-"_s : entry.key;
+    EXPECT_EQ(keys, u"zZ-xcva"_s);
 }
 
 TEST_F(LaunchTest, ABoundMacCountsAsStartingAndItsJobIsLoaded) {
@@ -77,6 +81,39 @@ TEST_F(LaunchTest, TheOptionKeyAddsTheDiagnosticsAtTheOpening) {
     desktop.option = false;
     item.events.menuOpening();
     EXPECT_EQ(item.entry(Action::OpenLog), MenuEntry());
+}
+
+TEST_F(LaunchTest, EachMenuActionReachesItsFeature) {
+    features.showLogin = [this] { done.append(u"login"_s); };
+    features.logoutDialog = [this] { done.append(u"logout"_s); };
+    features.installUpdate = [this] { done.append(u"install"_s); };
+    features.repairClicked = [this] { done.append(u"repair clicked"_s); };
+    features.askPerms = [this] { done.append(u"ask"_s); };
+    features.openPermPane = [this](const QJsonValue &pane) { done.append(pane.toString()); };
+    installAndBind();
+    agentAnswers(ONLINE);
+    launch();
+    done.clear();
+    for (const Action action : {Action::None, Action::BrowserLogin, Action::LoginDialog, Action::LogoutDialog,
+                                Action::CheckUpdate, Action::InstallUpdate, Action::Repair, Action::AskPerms}) {
+        item.events.chosen(menuItem(u"x"_s, action));
+    }
+    MenuEntry pane = menuItem(u"x"_s, Action::OpenPermPane);
+    pane.payload = u"x:pane"_s;
+    item.events.chosen(pane);
+    EXPECT_EQ(done, (QStringList{u"sign in"_s, u"login"_s, u"logout"_s, u"check"_s, u"install"_s, u"repair clicked"_s,
+                                 u"ask"_s, u"x:pane"_s}));
+}
+
+TEST_F(LaunchTest, OpeningTheMenuAsksTheAgentOnlyWhileItRuns) {
+    agentIsSilent();
+    launch();
+    done.clear();
+    item.events.menuOpening();
+    EXPECT_EQ(done, QStringList{u"auto check"_s});
+    UpdateState checked{.updateCheckedAt = Instant(1h)};
+    EXPECT_FALSE(updateCheckDue(checked, Instant(1h) + 3600s));
+    EXPECT_TRUE(updateCheckDue(checked, Instant(1h) + 3601s));
 }
 
 TEST_F(LaunchTest, ReopeningDoesTheMostUsefulThing) {

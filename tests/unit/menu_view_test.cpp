@@ -105,6 +105,8 @@ TEST_F(MenuViewTest, PermissionsShowOnlyWhileTheAgentRuns) {
     state.permissions.permItems = {
         QJsonObject{{u"name"_s, u"Screen"_s}, {u"state"_s, u"denied"_s}, {u"pane"_s, u"x:y"_s}}};
     EXPECT_TRUE(titles().contains(u"Permissions · 2 missing"_s));
+    state.permissions.permItems += {QJsonObject(), QJsonObject()};
+    EXPECT_TRUE(titles().contains(u"Permissions · 3 missing"_s));
     EXPECT_EQ(entry(Action::OpenPermPane).payload, QJsonValue(u"x:y"_s));
     EXPECT_EQ(entry(Action::AskPerms).title, u"Request Permissions…"_s);
     state.permissions.permsRequesting = true;

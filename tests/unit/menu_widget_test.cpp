@@ -59,6 +59,17 @@ TEST_F(MenuWidgetTest, TellsThePanelOnlyOfWhatChanged) {
     EXPECT_FALSE(actions[1]->isEnabled());
 }
 
+TEST_F(MenuWidgetTest, EntriesOfTheSameKindStayWithWhatTheyAreAbout) {
+    MenuEntry first = menuItem(u"New device: a"_s, Action::E2Pending);
+    first.payload = u"a"_s;
+    MenuEntry second = menuItem(u"New device: b"_s, Action::E2Pending);
+    second.payload = u"b"_s;
+    widget.apply(view({LINE, first, second}));
+    const QAction *ofSecond = widget.menu().actions().at(2);
+    widget.apply(view({LINE, second}));
+    EXPECT_EQ(widget.menu().actions().at(1), ofSecond);
+}
+
 TEST_F(MenuWidgetTest, AnEntryThatVanishesWhileItIsChosenStillActs) {
     widget.apply(view({LINE, PAUSE}));
     widget.menu().actions()[1]->trigger();

@@ -28,6 +28,12 @@ TEST_F(NoticesTest, TheTimerOfAReplacedNoticeLeavesTheNewOneAlone) {
     EXPECT_FALSE(panel.visible);
 }
 
+TEST_F(NoticesTest, ATextFromOutsideFillsNoScreen) {
+    notices.showHUD({.text = QString(u"x\n"_s).repeated(100000), .secs = Seconds(2)});
+    EXPECT_LE(panel.last().size(), 1000);
+    EXPECT_FALSE(panel.last().contains(u'\n'));
+}
+
 TEST_F(NoticesTest, AClickOpensTheLinkIfThereIsOneAndCloses) {
     notices.showHUD({.text = u"plain"_s, .secs = Seconds(9)});
     panel.click();
@@ -45,6 +51,7 @@ TEST(NoticeLayout, IsCentredBelowTheMenuBarAndNeverWiderThanItsLimit) {
     EXPECT_EQ(small.panel, QRect(483, 40, 234, 36));
     EXPECT_EQ(small.label, QRect(17, 10, 200, 16));
     EXPECT_EQ(noticeLayout({900, 64}, visible).panel.width(), 594);
+    EXPECT_LE(noticeLayout({560, 32767}, visible).panel.bottom(), visible.bottom());
 }
 
 TEST(EscWindow, OnlyEscapeWithoutAModifierRunsItsAction) {

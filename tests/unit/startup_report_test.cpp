@@ -80,6 +80,12 @@ TEST_F(StartupReportTest, ALostSignInIsToldOnce) {
     EXPECT_EQ(notices.shown.size(), 1u);
 }
 
+TEST_F(StartupReportTest, AMissingJobFileIsReportedAtOnceAndWithoutAHint) {
+    home.bind();
+    agentAnswers(R"({"ok":true,"online":false})");
+    EXPECT_EQ(reportWithin(0ms), u"Korvel isn't installed correctly. Choose Repair Korvel."_s);
+}
+
 TEST_F(StartupReportTest, AnUnboundMacIsToldHowToSignIn) {
     home.installJobFile();
     agentIsSilent();

@@ -136,6 +136,19 @@ const LineCase LINE_CASES[] = {
      },
      u"⚠ Your phone denied this Mac. Sign in again to retry · ann"_s,
      u"⚠ 手机已拒绝这台 Mac，请重新登录后重试 · ann"_s},
+    {"approved without keys",
+     [](Scene &s) {
+         CONNECTING(s);
+         s.report(R"({"state":"approved"})");
+     },
+     u"⚠ This Mac isn't paired. Sign out, then sign in again to pair it · ann"_s,
+     u"⚠ 这台 Mac 尚未配对，请退出账号后重新登录并配对 · ann"_s},
+    {"not installed wins over switching",
+     [](Scene &s) {
+         s.plistExists = false;
+         s.state.service.busy = true;
+     },
+     u"Korvel isn't installed correctly. Choose Repair Korvel."_s, u"后台服务未正确安装，请点击「修复 Korvel」"_s},
     {"revoked needs no pairing, so the connection is told",
      [](Scene &s) {
          CONNECTING(s);

@@ -59,6 +59,7 @@ TEST_F(SyncToggleTest, AJobThatNeverGoesAwayIsToldAfterSixSeconds) {
     EXPECT_EQ(notices.last(), u"Couldn't pause sync. Try again."_s);
     EXPECT_TRUE(notices.shown.back().error);
     EXPECT_EQ(health().jobLoaded, true);
+    EXPECT_LE(health().startingUntil.value_or(DISTANT_PAST), scheduler.now() + 20s); // a pause starts nothing
     EXPECT_NEAR(static_cast<double>(services.calls.filter(u"print"_s).size()), 21, 1);
 }
 
@@ -108,8 +109,13 @@ TEST_F(SyncToggleTest, AResumeThatFailsTwiceTellsWhereToAllowIt) {
     scheduler.advance(200ms);
     EXPECT_TRUE(notices.last().startsWith(u"Korvel couldn't start. Allow it in System Settings"_s));
     EXPECT_EQ(services.calls.filter(u"bootstrap"_s).size(), 2);
+    EXPECT_EQ(services.calls.filter(u"enable"_s).size(), 1);
     EXPECT_EQ(item.statusLine(), u"⏻ Sync paused · ann"_s);
     EXPECT_TRUE(item.entry(Action::MenuToggle).enabled);
+    scheduler.advance(9s);
+    EXPECT_TRUE(notices.visible);
+    scheduler.advance(1s);
+    EXPECT_FALSE(notices.visible);
 }
 
 TEST_F(SyncToggleTest, WithoutAccountOrJobFileTheMissingThingIsAskedFor) {
