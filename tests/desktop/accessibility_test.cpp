@@ -140,6 +140,12 @@ TEST_F(AccessibilityTest, ThePairingCodeIsReadDigitByDigitAndTheWindowUsedByKeyb
     sim::pressKey(u"Return"_s); // wherever the focus is
     EXPECT_TRUE(closes());
     EXPECT_EQ(requestsTo(u"/e2ee/pair/new"_s), 1);
+
+    // Not at once: within 0.4 s of having been hidden Qt shows the window again as one without the keyboard.
+    const int polls = requestsTo(u"/health"_s);
+    ASSERT_TRUE(panel.waitUntil([&] { return requestsTo(u"/health"_s) > polls + 1; }, SOON));
+    ASSERT_TRUE(panel.click(u"Show Pairing Code…"_s));
+    EXPECT_TRUE(opens(u"Enter this code on your phone"_s));
 }
 
 TEST_F(AccessibilityTest, ADeviceIsAllowedByKeyboard) {
