@@ -92,4 +92,6 @@ void clickButton(int button) { xdotool({u"click"_s, QString::number(button)}); }
 
 void pressKey(const QString &name) { xdotool({u"key"_s, name}); }
 
+void typeText(const QString &text) { xdotool({u"type"_s, text}); }
+
 } // namespace korvel::sim

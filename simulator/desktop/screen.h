@@ -33,5 +33,7 @@ void movePointer(QPoint to);
 void clickButton(int button);
 // A key by its X name, such as "Escape".
 void pressKey(const QString &name);
+// A text, key by key.
+void typeText(const QString &text);
 
 } // namespace korvel::sim

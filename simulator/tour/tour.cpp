@@ -22,9 +22,12 @@ constexpr auto PANEL_REACTS_WITHIN = 3s;
 constexpr int END_WITHIN_MS = 5000;
 constexpr int RESTS_AFTER_MS = 150;
 
-// A notice hangs from the middle of the top edge, this far below the panel at most (in points).
-constexpr int NOTICE_TOP = 60;
+// A notice or a menu hangs from the panel and begins this far below the top edge at most (in points).
+constexpr int BELOW_PANEL = 60;
 constexpr int NOTICE_OFF_CENTRE = 4;
+
+// The title of the pairing window and of alerts.
+const auto WINDOW_TITLE = u"Korvel"_s;
 
 // The dark of a notice's background, drawn over whatever is behind it.
 bool isDark(QRgb colour) { return qGray(colour) < 80; }
@@ -46,6 +49,10 @@ void addLanguage(QProcessEnvironment &environment, TourLanguage language) {
 }
 
 } // namespace
+
+bool hangsFromPanel(const QRect &window) {
+    return window.top() > 0 && window.top() < BELOW_PANEL * QGuiApplication::primaryScreen()->devicePixelRatio();
+}
 
 Tour::Tour(TourOptions given) : options(std::move(given)), simulated(options.homeDirectory) {
     probe.onChange([this] { readLine(); });
@@ -73,6 +80,7 @@ QString Tour::startTray() {
         return u"no bundle could be made of "_s + options.trayProgram;
     auto environment = simulated.environment();
     addLanguage(environment, options.language);
+    environment.insert(u"QT_LINUX_ACCESSIBILITY_ALWAYS_ON"_s, u"1"_s); // as with a screen reader running
     trayProcess.setProcessEnvironment(environment);
     trayProcess.setStandardOutputFile(QProcess::nullDevice());
     trayProcess.setStandardErrorFile(options.outputDirectory + u"/tray.log"_s, QIODevice::Append);
@@ -99,11 +107,35 @@ std::optional<QString> Tour::notice() const {
     const QImage screen = grabScreen();
     for (const auto &[window, title] : windowsOf(trayProcess.processId())) {
         const bool centred = std::abs(window.center().x() - screen.width() / 2) <= NOTICE_OFF_CENTRE;
-        const bool atTop = window.top() > 0 && window.top() < NOTICE_TOP * scale;
-        if (centred && atTop && isDark(screen.pixel(window.left() + int(8 * scale), window.center().y())))
+        if (centred && hangsFromPanel(window) &&
+            isDark(screen.pixel(window.left() + int(8 * scale), window.center().y())))
             return title;
     }
     return std::nullopt;
+}
+
+std::optional<AccessibleWindow> Tour::window() {
+    for (const AccessibleWindow &window : reader.windows(trayProcess.processId())) {
+        if (window.name == WINDOW_TITLE)
+            return window;
+    }
+    return std::nullopt;
+}
+
+bool Tour::waitForText(const QString &name, std::chrono::milliseconds within) {
+    const auto shown = [&] {
+        const auto now = window();
+        return now && now->find(name);
+    };
+    return waitUntil(shown, within);
+}
+
+QRect Tour::windowArea() const {
+    for (const auto &[area, title] : windowsOf(trayProcess.processId())) {
+        if (title == WINDOW_TITLE && !hangsFromPanel(area))
+            return area;
+    }
+    return {};
 }
 
 bool Tour::waitForRest(const QRect &part) {

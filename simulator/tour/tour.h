@@ -1,5 +1,6 @@
 #pragma once
 
+#include "simulator/desktop/accessible.h"
 #include "simulator/desktop/panel_probe.h"
 #include "simulator/simulated_home.h"
 
@@ -13,6 +14,9 @@
 #include <optional>
 
 namespace korvel::sim {
+
+// Whether a window of the screen stands right below the panel, as menus and notices do and other windows do not.
+bool hangsFromPanel(const QRect &window);
 
 enum class TourLanguage { Chinese, English };
 
@@ -53,6 +57,13 @@ public:
 
     // The text of the notice on the screen, once it is painted; nothing while there is none.
     std::optional<QString> notice() const;
+    // The pairing window or alert as assistive technology is told of it; nothing while none shows.
+    std::optional<AccessibleWindow> window();
+    // Waits until the window shows an element of that name.
+    bool waitForText(const QString &name, std::chrono::milliseconds within);
+    // The same window's area on the screen in pixels, frame excluded; empty while none shows.
+    QRect windowArea() const;
+
     // Waits until a part of the screen has not changed for a while, as after a fade. False if it never rests.
     bool waitForRest(const QRect &part);
     // Waits until the panel has painted the status item.
@@ -68,6 +79,7 @@ private:
     TourOptions options;
     SimulatedHome simulated;
     PanelProbe probe;
+    AccessibleReader reader;
     QProcess trayProcess;
     QElapsedTimer clock;
     QString line;

@@ -1,12 +1,10 @@
 #include "e2ee/pair_window.h"
 
 #include "app/wording.h"
+#include "ui/window_place.h"
 
 #include <QBoxLayout>
-#include <QCursor>
-#include <QGuiApplication>
 #include <QKeyEvent>
-#include <QScreen>
 
 namespace korvel {
 
@@ -60,6 +58,8 @@ void PairWindow::apply(const PairView &view) {
     pairCodeF->setText(view.code);
     pairCodeF->setTone(view.codeMuted ? Tone::Tertiary : Tone::Normal);
     pairCodeF->setAccessibleName(view.codeName);
+    // A code can be reached with Tab, to be copied without a mouse; a placeholder is no stop.
+    pairCodeF->setFocusPolicy(view.codeName.isEmpty() ? Qt::NoFocus : Qt::StrongFocus);
     pairLineF->setText(view.line);
     pairHintF->setTextOrHide(view.hint);
     pairErrF->setTextOrHide(view.error);
@@ -78,11 +78,7 @@ void PairWindow::fit() {
 void PairWindow::present(const PairView &view) {
     apply(view);
     if (!isVisible()) {
-        const QScreen *screen = QGuiApplication::screenAt(QCursor::pos());
-        if (!screen)
-            screen = QGuiApplication::primaryScreen();
-        if (screen)
-            move(screen->availableGeometry().center() - rect().center());
+        centreOnScreen(*this);
         pairBtn->setFocus();
     }
     show();

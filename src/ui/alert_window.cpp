@@ -2,6 +2,7 @@
 
 #include "ui/code_field.h"
 #include "ui/text_styles.h"
+#include "ui/window_place.h"
 
 #include <QBoxLayout>
 #include <QPushButton>
@@ -101,6 +102,9 @@ bool AlertWindow::open(const AlertView &view, std::function<void(const AlertAnsw
     const bool isFirst = !current || !current->isVisible();
     if (isFirst) {
         current = new AlertDialog(view, std::move(answered));
+        // A dialog would place itself, too far left by what it takes for its frame.
+        current->adjustSize();
+        centreOnScreen(*current);
         current->open();
     }
     current->raise();

@@ -3,7 +3,9 @@
 #include "e2ee/pair_code.h"
 #include "ui/text_styles.h"
 
+#include <QInputMethodEvent>
 #include <QKeyEvent>
+#include <QPainter>
 
 namespace korvel {
 
@@ -39,6 +41,22 @@ void PairCodeField::keyPressEvent(QKeyEvent *event) {
             setCursorPosition(caret + 1);
     }
     QLineEdit::keyPressEvent(event);
+}
+
+void PairCodeField::inputMethodEvent(QInputMethodEvent *event) {
+    composing = !event->preeditString().isEmpty();
+    QLineEdit::inputMethodEvent(event);
+}
+
+void PairCodeField::paintEvent(QPaintEvent *event) {
+    QLineEdit::paintEvent(event);
+    // A line edit leaves the placeholder of a centred text out while it has the focus, which is all the time here.
+    if (!hasFocus() || composing || !text().isEmpty())
+        return;
+    QPainter painter(this);
+    painter.setFont(codeFont(24)); // lighter than a code that was typed
+    painter.setPen(toneColour(Tone::Tertiary, palette()));
+    painter.drawText(rect(), Qt::AlignCenter, placeholderText());
 }
 
 } // namespace korvel

@@ -17,9 +17,13 @@ public:
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
+    void inputMethodEvent(QInputMethodEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
 
 private:
     void controlTextDidChange();
+
+    bool composing = false; // an input method holds a text that is not yet entered
 };
 
 } // namespace korvel

@@ -1,0 +1,169 @@
+#include "simulator/desktop/accessible.h"
+
+#include <QDBusArgument>
+#include <QDBusMessage>
+#include <QDBusVariant>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace korvel::sim {
+
+namespace {
+
+constexpr int ANSWER_WITHIN_MS = 2000;
+constexpr int DEEPEST = 12; // windows here are flat; a program's mistake must not keep the reader for ever
+
+const auto ACCESSIBLE = u"org.a11y.atspi.Accessible"_s;
+
+// Numbers of AT-SPI's list of states, each a bit of the answer.
+enum State { Active = 1, Focusable = 11, Focused = 12, Sensitive = 24, Showing = 25 };
+
+bool has(quint64 states, State state) { return (states >> state & 1) != 0; }
+
+QVariantList ask(const QDBusConnection &bus, QDBusMessage message, const QVariantList &arguments) {
+    message.setArguments(arguments);
+    const auto reply = bus.call(message, QDBus::BlockWithGui, ANSWER_WITHIN_MS);
+    return reply.type() == QDBusMessage::ReplyMessage ? reply.arguments() : QVariantList();
+}
+
+QRect readArea(const QVariant &answer) {
+    int x = 0, y = 0, width = 0, height = 0;
+    if (!answer.canConvert<QDBusArgument>())
+        return {};
+    const auto argument = answer.value<QDBusArgument>();
+    argument.beginStructure();
+    argument >> x >> y >> width >> height;
+    argument.endStructure();
+    return {x, y, width, height};
+}
+
+int nextConnection = 0;
+
+} // namespace
+
+std::optional<AccessibleElement> AccessibleWindow::find(const QString &wanted) const {
+    const auto found = std::ranges::find(elements, wanted, &AccessibleElement::name);
+    return found == elements.end() ? std::nullopt : std::optional(*found);
+}
+
+std::optional<AccessibleElement> AccessibleWindow::focus() const {
+    const auto found = std::ranges::find(elements, true, &AccessibleElement::focused);
+    return found == elements.end() ? std::nullopt : std::optional(*found);
+}
+
+AccessibleReader::AccessibleReader()
+    : connectionName(u"accessible-reader-%1"_s.arg(++nextConnection)), bus(connectionName) {}
+
+AccessibleReader::~AccessibleReader() { QDBusConnection::disconnectFromBus(connectionName); }
+
+QList<AccessibleWindow> AccessibleReader::windows(qint64 pid) {
+    const auto found = connect() ? program(pid) : std::nullopt;
+    QList<AccessibleWindow> windows;
+    if (!found)
+        return windows;
+    for (const Object &top : children(*found)) {
+        const quint64 state = states(top);
+        if (!has(state, Showing))
+            continue;
+        AccessibleWindow window{.role = call(top, ACCESSIBLE, u"GetRoleName"_s).value(0).toString(),
+                                .name = property(top, u"Name"_s),
+                                .description = property(top, u"Description"_s),
+                                .area = area(top),
+                                .active = has(state, Active),
+                                .elements = {}};
+        for (const Object &child : children(top))
+            collect(child, 0, window.elements);
+        windows.append(window);
+    }
+    return windows;
+}
+
+bool AccessibleReader::connect() {
+    if (bus.isConnected())
+        return true;
+    const auto address = ask(
+        QDBusConnection::sessionBus(),
+        QDBusMessage::createMethodCall(u"org.a11y.Bus"_s, u"/org/a11y/bus"_s, u"org.a11y.Bus"_s, u"GetAddress"_s), {});
+    if (address.isEmpty())
+        return false;
+    bus = QDBusConnection::connectToBus(address.first().toString(), connectionName);
+    return bus.isConnected();
+}
+
+QVariantList AccessibleReader::call(const Object &object, const QString &interface, const QString &method,
+                                    const QVariantList &arguments) const {
+    return ask(bus, QDBusMessage::createMethodCall(object.service, object.path, interface, method), arguments);
+}
+
+QString AccessibleReader::property(const Object &object, const QString &name) const {
+    const auto answer = call(object, u"org.freedesktop.DBus.Properties"_s, u"Get"_s, {ACCESSIBLE, name});
+    return answer.value(0).value<QDBusVariant>().variant().toString();
+}
+
+QList<AccessibleReader::Object> AccessibleReader::children(const Object &object) const {
+    QList<Object> list;
+    const auto answer = call(object, ACCESSIBLE, u"GetChildren"_s);
+    if (!answer.value(0).canConvert<QDBusArgument>())
+        return list;
+    const auto argument = answer.first().value<QDBusArgument>();
+    argument.beginArray();
+    while (!argument.atEnd()) {
+        QDBusObjectPath path;
+        Object child;
+        argument.beginStructure();
+        argument >> child.service >> path;
+        argument.endStructure();
+        child.path = path.path();
+        list.append(child);
+    }
+    argument.endArray();
+    return list;
+}
+
+std::optional<AccessibleReader::Object> AccessibleReader::program(qint64 pid) const {
+    const Object registry{u"org.a11y.atspi.Registry"_s, u"/org/a11y/atspi/accessible/root"_s};
+    const Object daemon{u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s};
+    for (const Object &each : children(registry)) {
+        const auto owner = call(daemon, daemon.service, u"GetConnectionUnixProcessID"_s, {each.service});
+        if (owner.value(0).toLongLong() == pid)
+            return each;
+    }
+    return std::nullopt;
+}
+
+QRect AccessibleReader::area(const Object &object) const {
+    constexpr uint RELATIVE_TO_SCREEN = 0;
+    return readArea(call(object, u"org.a11y.atspi.Component"_s, u"GetExtents"_s, {RELATIVE_TO_SCREEN}).value(0));
+}
+
+quint64 AccessibleReader::states(const Object &object) const {
+    const auto answer = call(object, ACCESSIBLE, u"GetState"_s);
+    const auto words = qdbus_cast<QList<uint>>(answer.value(0));
+    return words.size() == 2 ? quint64(words[1]) << 32 | words[0] : 0;
+}
+
+AccessibleElement AccessibleReader::element(const Object &object, quint64 states) const {
+    AccessibleElement element{.role = call(object, ACCESSIBLE, u"GetRoleName"_s).value(0).toString(),
+                              .name = property(object, u"Name"_s),
+                              .text = {},
+                              .area = area(object),
+                              .enabled = has(states, Sensitive),
+                              .focusable = has(states, Focusable),
+                              .focused = has(states, Focused)};
+    if (element.role == "text"_L1)
+        element.text = call(object, u"org.a11y.atspi.Text"_s, u"GetText"_s, {0, -1}).value(0).toString();
+    return element;
+}
+
+void AccessibleReader::collect(const Object &object, int depth, QList<AccessibleElement> &elements) const {
+    const quint64 state = states(object);
+    if (!has(state, Showing) || depth > DEEPEST)
+        return;
+    elements.append(element(object, state));
+    for (const Object &child : children(object))
+        collect(child, depth + 1, elements);
+}
+
+} // namespace korvel::sim

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "simulator/tour/tour.h"
+
+namespace korvel::sim {
+
+// Opens the tray's own menu with a left click on the item, takes a screenshot of that name, and closes the menu with
+// Escape. What went wrong; empty if nothing.
+QString lookAtMenu(Tour &tour, const QString &name);
+
+// The same with the panel's copy of the menu, after a right click.
+QString lookAtPanelMenu(Tour &tour, const QString &name);
+
+} // namespace korvel::sim

@@ -1,0 +1,216 @@
+#include "journey/journey.h"
+#include "simulator/desktop/accessible.h"
+#include "simulator/desktop/panel_probe.h"
+#include "simulator/desktop/screen.h"
+
+#include <QProcess>
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace korvel::test {
+namespace {
+
+constexpr auto SOON = std::chrono::seconds(15);
+
+/// The tray's windows as a screen reader is told of them, used with the keyboard of this desktop alone.
+struct AccessibilityTest : ::testing::Test {
+    QTemporaryDir folder;
+    sim::SimulatedHome home{folder.filePath(u"home"_s)};
+    sim::PanelProbe panel;
+    sim::AccessibleReader reader;
+    QProcess tray;
+
+    ~AccessibilityTest() override {
+        tray.terminate();
+        EXPECT_TRUE(tray.state() == QProcess::NotRunning || tray.waitForFinished(10000));
+    }
+
+    void start(const QString &encryption) {
+        ASSERT_TRUE(home.setScenario({{u"e2ee"_s, QJsonObject{{u"start"_s, encryption}}}}));
+        ASSERT_TRUE(home.signIn(u"ann"_s));
+        ASSERT_TRUE(home.installJobFile());
+        QProcessEnvironment env = home.environment();
+        env.insert(u"LANGUAGE"_s, u"en"_s);
+        env.insert(u"QT_LINUX_ACCESSIBILITY_ALWAYS_ON"_s, u"1"_s);
+        tray.setProcessEnvironment(env);
+        tray.setProcessChannelMode(QProcess::ForwardedChannels);
+        tray.start(home.assembleBundle(trayProgram()), {});
+        ASSERT_TRUE(tray.waitForStarted());
+        ASSERT_TRUE(panel.waitForItem(SOON, tray.processId()));
+    }
+    sim::AccessibleWindow window() {
+        for (const sim::AccessibleWindow &each : reader.windows(tray.processId()))
+            if (each.name == u"Korvel")
+                return each;
+        return {};
+    }
+    /// What has the focus; without a name when nothing has.
+    sim::AccessibleElement focus() { return window().focus().value_or(sim::AccessibleElement()); }
+    /// Waits for a window that has the keyboard and shows this text.
+    bool opens(const QString &text) {
+        return panel.waitUntil([&] { return window().active && window().find(text); }, SOON);
+    }
+    bool closes() {
+        return panel.waitUntil([&] { return window().elements.isEmpty(); }, SOON);
+    }
+    bool isEnabled(const QString &name) { return window().find(name).value_or(sim::AccessibleElement()).enabled; }
+    bool isFocused(const QString &name) {
+        const auto focused = [&] { return focus().name == name; };
+        return panel.waitUntil(focused, SOON);
+    }
+    /// Presses Tab and gives the name of what has the focus then; empty when it does not move.
+    QString tab() {
+        const QString before = focus().name;
+        sim::pressKey(u"Tab"_s);
+        const auto moved = [&] { return !focus().name.isEmpty() && focus().name != before; };
+        return panel.waitUntil(moved, LOOK) ? focus().name : QString();
+    }
+    /// The names that Tab leads to from where the focus is, until it comes round.
+    QStringList tabOrder() {
+        QStringList order{focus().name};
+        for (QString next = tab(); next != order.first() && order.size() < 8; next = tab())
+            order.append(next);
+        return order;
+    }
+    /// What can be used with the keyboard, row by row from the left, from the one that has the focus on.
+    QStringList visualOrder() {
+        QList<sim::AccessibleElement> stops;
+        for (const sim::AccessibleElement &each : window().elements)
+            if (each.focusable && each.enabled)
+                stops.append(each);
+        std::ranges::sort(stops, [](const sim::AccessibleElement &one, const sim::AccessibleElement &other) {
+            const bool sameRow = one.area.top() <= other.area.bottom() && other.area.top() <= one.area.bottom();
+            return sameRow ? one.area.left() < other.area.left() : one.area.top() < other.area.top();
+        });
+        const auto first = std::ranges::find(stops, true, &sim::AccessibleElement::focused);
+        std::rotate(stops.begin(), first, stops.end());
+        QStringList names;
+        for (const sim::AccessibleElement &each : stops)
+            names.append(each.name);
+        return names;
+    }
+    /// Every button and field says what it is.
+    void expectNames() {
+        int controls = 0;
+        for (const sim::AccessibleElement &each : window().elements) {
+            if (each.role != u"push button" && each.role != u"text")
+                continue;
+            ++controls;
+            EXPECT_FALSE(each.name.trimmed().isEmpty()) << "a " << each.role.toStdString() << " without a name";
+        }
+        EXPECT_GT(controls, 0);
+    }
+    void expectOrder() {
+        const QStringList seen = visualOrder();
+        EXPECT_EQ(tabOrder(), seen);
+        EXPECT_EQ(QSet<QString>(seen.begin(), seen.end()).size(), seen.size()); // else the order tells nothing
+    }
+    int requestsTo(const QString &path) const {
+        const auto all = home.requests();
+        return int(std::ranges::count(all, path,
+                                      [](const QJsonObject &request) { return request.value(u"path"_s).toString(); }));
+    }
+    bool sends(const QString &path) {
+        return panel.waitUntil([&] { return requestsTo(path) > 0; }, SOON);
+    }
+
+    /// How long a key may take to move the focus.
+    static constexpr auto LOOK = std::chrono::seconds(2);
+};
+
+TEST_F(AccessibilityTest, ThePairingCodeIsReadDigitByDigitAndTheWindowUsedByKeyboard) {
+    start(u"pending"_s);
+    const QString code = home.encryption().pairCode();
+    ASSERT_EQ(code.size(), 6);
+    ASSERT_TRUE(opens(code.split(QString(), Qt::SkipEmptyParts).join(u' ')));
+    EXPECT_FALSE(window().find(code));
+    expectNames();
+    EXPECT_EQ(focus().name, u"Close");
+    expectOrder();
+
+    for (int stops = 0; stops < 3 && focus().name != u"Refresh"; ++stops)
+        tab();
+    sim::pressKey(u"space"_s);
+    ASSERT_TRUE(sends(u"/e2ee/pair/new"_s));
+    ASSERT_TRUE(panel.waitUntil([&] { return home.encryption().pairCode() != code; }, SOON));
+    ASSERT_TRUE(opens(home.encryption().pairCode().split(QString(), Qt::SkipEmptyParts).join(u' ')));
+
+    sim::pressKey(u"Return"_s); // wherever the focus is
+    EXPECT_TRUE(closes());
+    EXPECT_EQ(requestsTo(u"/e2ee/pair/new"_s), 1);
+
+    // Not at once: within 0.4 s of having been hidden Qt shows the window again as one without the keyboard.
+    const int polls = requestsTo(u"/health"_s);
+    ASSERT_TRUE(panel.waitUntil([&] { return requestsTo(u"/health"_s) > polls + 1; }, SOON));
+    ASSERT_TRUE(panel.click(u"Show Pairing Code…"_s));
+    EXPECT_TRUE(opens(u"Enter this code on your phone"_s));
+}
+
+TEST_F(AccessibilityTest, ADeviceIsAllowedByKeyboard) {
+    start(u"active"_s);
+    const sim::AskedDevice device = home.encryption().askDevice(u"Anna's phone"_s, u"ios"_s);
+    const QString title = u"New device: Anna's phone · iPhone"_s;
+    ASSERT_TRUE(opens(title));
+    EXPECT_EQ(window().description, title);
+    expectNames();
+    EXPECT_EQ(focus().role, u"text");
+    EXPECT_FALSE(isEnabled(u"Allow"_s));
+    expectOrder();
+
+    sim::typeText(device.code);
+    ASSERT_TRUE(panel.waitUntil([&] { return isEnabled(u"Allow"_s); }, SOON));
+    expectOrder();
+    sim::pressKey(u"Return"_s);
+    EXPECT_TRUE(sends(u"/e2ee/pair"_s));
+    EXPECT_TRUE(closes());
+}
+
+TEST_F(AccessibilityTest, ADeviceIsPutOffWithEscapeAndDeniedWithTheSpaceBar) {
+    start(u"active"_s);
+    home.encryption().askDevice(u"Anna's phone"_s, u"ios"_s);
+    ASSERT_TRUE(opens(u"New device: Anna's phone · iPhone"_s));
+    sim::pressKey(u"Escape"_s);
+    ASSERT_TRUE(closes());
+    EXPECT_EQ(requestsTo(u"/e2ee/reject"_s), 0);
+
+    ASSERT_TRUE(panel.click(u"New device: Anna's phone · iPhone…"_s));
+    ASSERT_TRUE(opens(u"Deny"_s));
+    sim::pressKey(u"Tab"_s);
+    ASSERT_TRUE(isFocused(u"Deny"_s));
+    sim::pressKey(u"space"_s);
+    EXPECT_TRUE(sends(u"/e2ee/reject"_s));
+    EXPECT_EQ(requestsTo(u"/e2ee/pair"_s), 0);
+}
+
+TEST_F(AccessibilityTest, AnAlarmIsReadAndDismissedByKeyboard) {
+    start(u"active"_s);
+    home.encryption().raiseAlarm(u"Somebody knocked."_s);
+    ASSERT_TRUE(opens(u"Somebody knocked."_s));
+    EXPECT_EQ(window().description, u"Security Alert");
+    expectNames();
+    sim::pressKey(u"Return"_s);
+    EXPECT_TRUE(sends(u"/e2ee/alarm/dismiss"_s));
+    EXPECT_TRUE(closes());
+}
+
+TEST_F(AccessibilityTest, AResetIsReadAndAcceptedByKeyboard) {
+    start(u"waiting"_s);
+    ASSERT_TRUE(opens(u"Pair This Mac"_s));
+    sim::pressKey(u"Return"_s);
+    ASSERT_TRUE(closes());
+
+    home.encryption().setState(u"approved"_s);
+    home.encryption().raiseResetAlarm();
+    ASSERT_TRUE(opens(u"Encryption Was Reset"_s));
+    EXPECT_EQ(window().description, u"Encryption Was Reset");
+    expectNames();
+    expectOrder();
+    sim::pressKey(u"Return"_s);
+    EXPECT_TRUE(sends(u"/e2ee/reset/accept"_s));
+    EXPECT_TRUE(opens(u"Enter this code on your phone"_s));
+}
+
+} // namespace
+} // namespace korvel::test
