@@ -56,14 +56,15 @@ int runTray(char **argv, const FixedConfig &config, const Paths &paths) {
     QApplication app(count, arguments.data());
     QApplication::setApplicationName(QStringLiteral("Korvel"));
     QApplication::setQuitOnLastWindowClosed(false);
-    auto copies = std::make_unique<RunningCopiesLinux>(); // before the signals: see its comment
     bool quit = false;
     const QuitSignals signals([&quit] {
         quit = true;
         QCoreApplication::exit(0);
     });
-    endOtherCopies(*copies, runLoopFor, Clock::now);
-    copies.reset();
+    {
+        RunningCopiesLinux copies;
+        endOtherCopies(copies, runLoopFor, Clock::now);
+    }
     if (quit) // asked to go while an older copy was still going
         return 0;
 

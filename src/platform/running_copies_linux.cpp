@@ -2,18 +2,24 @@
 
 #include "app/automation.h"
 
+#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QStringList>
+#include <chrono>
 #include <csignal>
+#include <cstddef>
+#include <cstring>
 #include <fcntl.h>
 #include <optional>
 #include <poll.h>
 #include <sys/prctl.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
-#include <tuple>
+#include <sys/un.h>
+#include <thread>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -22,23 +28,18 @@ namespace korvel {
 
 namespace {
 
-constexpr char STARTING[] = "korvel-starting"; // at most 15 characters
-constexpr char RUNNING[] = "korvel-tray";
+/// Name of a process (not of its program) that has had its turn; at most 15 characters.
+constexpr char ESTABLISHED[] = "Korvel";
+constexpr auto LONGEST_TURN = std::chrono::seconds(5); // a copy that hangs in its turn is passed over
 
 /// What of a process decides whether it is another copy of this program.
 struct Copy {
     qint64 pid = 0;
-    quint64 startedAt = 0; ///< Ticks since boot.
     QString name;
-    bool starting = false;
+    bool established = false;
     std::optional<QString> home;
     QStringList arguments;
     std::optional<QString> automation;
-
-    /// Whether this starting copy ends `o`. A process keeps its start time when it becomes another program.
-    bool replaces(const Copy &o) const {
-        return !o.starting || std::tie(o.startedAt, o.pid) < std::tie(startedAt, pid);
-    }
 };
 
 QByteArray procFile(qint64 pid, const QString &name) {
@@ -71,16 +72,12 @@ std::optional<Copy> inspect(qint64 pid) {
     QString program = QFile::symLinkTarget(folder + u"/exe"_s);
     if (program.endsWith(u" (deleted)"_s)) // replaced while it runs, as by an update
         program.chop(10);
-    // The name in brackets may hold blanks and brackets itself.
-    const QByteArray stat = procFile(pid, u"stat"_s);
-    const QList<QByteArray> fields = stat.sliced(stat.lastIndexOf(')') + 1).simplified().split(' ');
     const QStringList environment = zeroSeparated(procFile(pid, u"environ"_s));
-    if (program.isEmpty() || fields.size() < 20 || fields.first() == "Z")
+    if (program.isEmpty()) // also of a process that has ended and not been waited for
         return std::nullopt;
     return Copy{.pid = pid,
-                .startedAt = fields.at(19).toULongLong(),
                 .name = QFileInfo(program).fileName(),
-                .starting = procFile(pid, u"comm"_s).trimmed() == STARTING,
+                .established = procFile(pid, u"comm"_s).trimmed() == ESTABLISHED,
                 .home = variable(environment, u"HOME"_s),
                 .arguments = zeroSeparated(procFile(pid, u"cmdline"_s)),
                 .automation = variable(environment, u"KORVEL_TRAY_AUTOMATION"_s)};
@@ -88,15 +85,31 @@ std::optional<Copy> inspect(qint64 pid) {
 
 } // namespace
 
-RunningCopiesLinux::RunningCopiesLinux() { ::prctl(PR_SET_NAME, STARTING); }
-
 RunningCopiesLinux::~RunningCopiesLinux() {
-    ::prctl(PR_SET_NAME, RUNNING);
+    if (turn >= 0) {
+        ::prctl(PR_SET_NAME, ESTABLISHED); // before the turn is given on
+        ::close(turn);
+    }
     for (const auto &[pid, descriptor] : descriptors)
         ::close(descriptor);
 }
 
+void RunningCopiesLinux::takeTurn() {
+    const QByteArray home = QCryptographicHash::hash(qgetenv("HOME"), QCryptographicHash::Sha1).toHex();
+    const QByteArray name = "korvel-tray." + QByteArray::number(::getuid()) + '.' + home;
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    std::memcpy(address.sun_path + 1, name.constData(), static_cast<size_t>(name.size())); // no file: a leading zero
+    const auto size = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + static_cast<size_t>(name.size()));
+    turn = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    const auto deadline = std::chrono::steady_clock::now() + LONGEST_TURN;
+    while (::bind(turn, reinterpret_cast<const sockaddr *>(&address), size) != 0 &&
+           std::chrono::steady_clock::now() < deadline)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+}
+
 QList<qint64> RunningCopiesLinux::others() {
+    takeTurn();
     QList<qint64> found;
     const auto self = inspect(::getpid());
     if (!self)
@@ -111,7 +124,7 @@ QList<qint64> RunningCopiesLinux::others() {
         if (descriptor < 0)
             continue;
         const auto copy = inspect(pid);
-        if (copy && copy->name == self->name && copy->home == self->home && self->replaces(*copy) &&
+        if (copy && copy->name == self->name && copy->home == self->home && copy->established &&
             !automationMode(copy->arguments, copy->automation)) {
             descriptors.emplace(pid, descriptor);
             found.append(pid);

@@ -9,11 +9,11 @@ namespace korvel {
 /// Copies found in /proc: the same user's processes of the same program name with the same HOME. Each is held by a
 /// process descriptor, so that a signal never reaches another process that got its number.
 ///
-/// While one lives, this process bears the name of a starting copy: two that start together must not end each other, so
-/// of starting copies only the one that began last ends the others.
+/// Copies that start together take turns, from others() to the end of this object's life, and end only copies that have
+/// had their turn: so they cannot end each other, and the one whose turn comes last stays.
 class RunningCopiesLinux final : public RunningCopies {
 public:
-    RunningCopiesLinux();
+    RunningCopiesLinux() = default;
     RunningCopiesLinux(const RunningCopiesLinux &) = delete;
     RunningCopiesLinux &operator=(const RunningCopiesLinux &) = delete;
     ~RunningCopiesLinux() override;
@@ -24,6 +24,9 @@ public:
     void forceTerminate(qint64 copy) override;
 
 private:
+    void takeTurn();
+
+    int turn = -1; ///< A socket whose address is the turn; the system frees it with the process.
     std::map<qint64, int> descriptors;
 };
 

@@ -32,10 +32,10 @@ struct CopiesJourney : Journey {
                    [&] { return copy.peek(1 << 16).contains("[tray]") || copy.state() == QProcess::NotRunning; }) &&
                copy.state() == QProcess::Running;
     }
-    /// Past the start, with the icon on its way: it bears its own name again.
+    /// Past the start: it bears the name of an established copy.
     static bool isTray(const QProcess &copy) {
         QFile name(u"/proc/%1/comm"_s.arg(copy.processId()));
-        return name.open(QIODevice::ReadOnly) && name.readAll().trimmed() == "korvel-tray" &&
+        return name.open(QIODevice::ReadOnly) && name.readAll().trimmed() == "Korvel" &&
                QFile::symLinkTarget(u"/proc/%1/fd/2"_s.arg(copy.processId())) == u"/dev/null"_s;
     }
     static bool hasEnded(QProcess &copy) {
