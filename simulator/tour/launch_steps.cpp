@@ -26,7 +26,8 @@ using Icons = QList<QImage>;
 QString start(Tour &tour, Icons &icons) {
     auto &home = tour.home();
     const bool made = home.setScenario({{u"agent"_s, QJsonObject{{u"startDelayMs"_s, AGENT_STARTS_AFTER_MS}}},
-                                        {u"health"_s, QJsonObject{{u"sessions"_s, 1}}}}) &&
+                                        {u"health"_s, QJsonObject{{u"sessions"_s, 1}}},
+                                        {u"e2ee"_s, QJsonObject{{u"lang"_s, tour.say(u"zh"_s, u"en"_s)}}}}) &&
                       home.signIn(tourAccount()) && home.installJobFile();
     if (!made)
         return u"the simulated home could not be prepared"_s;

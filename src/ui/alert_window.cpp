@@ -13,6 +13,7 @@ namespace korvel {
 namespace {
 
 constexpr int TEXT_WIDTH = 352;
+constexpr int BUTTON_MARGINS = 32; // left and right together; some styles leave a long title hardly any
 
 ToneLabel *paragraph(const QString &text, const QFont &font, Tone tone, QWidget *parent) {
     auto *label = new ToneLabel(font, tone, parent);
@@ -74,6 +75,7 @@ QWidget *AlertDialog::buttonRow() {
         auto *button = new QPushButton(view.buttons.at(i), row);
         // Return is for the first button alone, wherever the focus is; a disabled one does nothing.
         button->setAutoDefault(false);
+        button->setMinimumWidth(button->fontMetrics().horizontalAdvance(button->text()) + BUTTON_MARGINS);
         connect(button, &QPushButton::clicked, this, [this, i] { answer(static_cast<int>(i)); });
         layout->addWidget(button);
         answers.append(button);
