@@ -13,7 +13,9 @@
 #include "platform/running_copies_linux.h"
 #include "platform/status_item_linux.h"
 #include "service/launchctl.h"
+#include "status/icon_view.h"
 #include "ui/alert_window.h"
+#include "ui/icon_image.h"
 #include "ui/notice_window.h"
 
 #include <QApplication>
@@ -56,6 +58,7 @@ int runTray(char **argv, const FixedConfig &config, const Paths &paths) {
     QApplication app(count, arguments.data());
     QApplication::setApplicationName(QStringLiteral("Korvel"));
     QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setWindowIcon(panelIcon({.on = true, .dimmed = false, .toolTip = {}}));
     bool quit = false;
     const QuitSignals signals([&quit] {
         quit = true;
