@@ -34,7 +34,6 @@ QString plainAlarm(Tour &tour) {
 
 QString reset(Tour &tour) {
     tour.home().changeScenario({{u"offline"_s, true}});
-    tour.home().encryption().setState(u"approved"_s); // its keys are worth nothing any more
     tour.home().encryption().raiseResetAlarm();
     const QStringList texts{
         tour.say(u"加密已重置"_s, u"Encryption Was Reset"_s),

@@ -1,18 +1,21 @@
 #include "ui/alert_window.h"
 
+#include "status/icon_view.h"
 #include "ui/code_field.h"
+#include "ui/icon_image.h"
 #include "ui/text_styles.h"
 #include "ui/window_place.h"
 
 #include <QBoxLayout>
+#include <QPainter>
 #include <QPushButton>
-#include <QStyle>
 
 namespace korvel {
 
 namespace {
 
-constexpr int TEXT_WIDTH = 352;
+constexpr int TEXT_WIDTH = 368;
+constexpr int SYMBOL_SIZE = 40;
 constexpr int BUTTON_MARGINS = 32; // left and right together; some styles leave a long title hardly any
 
 ToneLabel *paragraph(const QString &text, const QFont &font, Tone tone, QWidget *parent) {
@@ -24,10 +27,29 @@ ToneLabel *paragraph(const QString &text, const QFont &font, Tone tone, QWidget 
     return label;
 }
 
+/// A triangle with an exclamation mark, sharp at every scale and clear on light and dark.
+QPixmap warningSign(qreal pixelsPerPoint) {
+    const int pixels = qRound(SYMBOL_SIZE * pixelsPerPoint);
+    QPixmap pixmap(pixels, pixels);
+    pixmap.setDevicePixelRatio(pixelsPerPoint);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QColor amber(0xf5, 0xa6, 0x23), ink(0x24, 0x29, 0x30);
+    painter.setPen(QPen(amber, 5, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setBrush(amber);
+    painter.drawPolygon(QPolygonF{{20, 6}, {36, 34}, {4, 34}});
+    painter.setPen(QPen(ink, 4, Qt::SolidLine, Qt::RoundCap));
+    painter.drawLine(QPointF(20, 15), QPointF(20, 24));
+    painter.drawPoint(QPointF(20, 31));
+    return pixmap;
+}
+
 QLabel *symbol(const AlertView &view, QWidget *parent) {
     auto *label = new QLabel(parent);
-    const auto which = view.warning ? QStyle::SP_MessageBoxWarning : QStyle::SP_MessageBoxInformation;
-    label->setPixmap(label->style()->standardIcon(which).pixmap(40));
+    const IconView active{.on = true, .dimmed = false, .toolTip = {}};
+    label->setPixmap(view.warning ? warningSign(parent->devicePixelRatioF())
+                                  : panelIcon(active).pixmap(QSize(SYMBOL_SIZE, SYMBOL_SIZE)));
     return label;
 }
 

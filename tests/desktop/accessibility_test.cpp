@@ -201,7 +201,6 @@ TEST_F(AccessibilityTest, AResetIsReadAndAcceptedByKeyboard) {
     sim::pressKey(u"Return"_s);
     ASSERT_TRUE(closes());
 
-    home.encryption().setState(u"approved"_s);
     home.encryption().raiseResetAlarm();
     ASSERT_TRUE(opens(u"Encryption Was Reset"_s));
     EXPECT_EQ(window().description, u"Encryption Was Reset");
