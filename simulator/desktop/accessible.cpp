@@ -1,5 +1,7 @@
 #include "simulator/desktop/accessible.h"
 
+#include "simulator/desktop/bus_call.h"
+
 #include <QDBusArgument>
 #include <QDBusMessage>
 #include <QDBusVariant>
@@ -12,7 +14,6 @@ namespace korvel::sim {
 
 namespace {
 
-constexpr int ANSWER_WITHIN_MS = 2000;
 constexpr int DEEPEST = 12; // windows here are flat; a program's mistake must not keep the reader for ever
 
 const auto ACCESSIBLE = u"org.a11y.atspi.Accessible"_s;
@@ -24,7 +25,7 @@ bool has(quint64 states, State state) { return (states >> state & 1) != 0; }
 
 QVariantList ask(const QDBusConnection &bus, QDBusMessage message, const QVariantList &arguments) {
     message.setArguments(arguments);
-    const auto reply = bus.call(message, QDBus::BlockWithGui, ANSWER_WITHIN_MS);
+    const auto reply = callWithEvents(bus, message);
     return reply.type() == QDBusMessage::ReplyMessage ? reply.arguments() : QVariantList();
 }
 

@@ -1,5 +1,6 @@
 #include "simulator/desktop/panel_probe.h"
 
+#include "simulator/desktop/bus_call.h"
 #include "simulator/desktop/panel_values.h"
 
 #include <QDBusMessage>
@@ -20,7 +21,6 @@ namespace korvel::sim {
 
 namespace {
 
-constexpr auto ANSWER_WITHIN = 2s;
 constexpr auto LOOK_AGAIN_EVERY = 20ms;
 
 const auto WATCHER = u"org.kde.StatusNotifierWatcher"_s;
@@ -35,8 +35,7 @@ QDBusMessage ask(const QDBusConnection &bus, const QString &service, const QStri
                  const QString &method, const QList<QVariant> &arguments) {
     auto message = QDBusMessage::createMethodCall(service, path, interface, method);
     message.setArguments(arguments);
-    // With the event loop running: the item may be one of this process.
-    return bus.call(message, QDBus::BlockWithGui, int(std::chrono::milliseconds(ANSWER_WITHIN).count()));
+    return callWithEvents(bus, message);
 }
 
 QVariant first(const QDBusMessage &reply) {
