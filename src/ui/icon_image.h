@@ -10,8 +10,8 @@ struct IconView;
 /// The shape of the menu-bar icon on an 18 x 18 point canvas, origin at the top left, to be filled.
 QPainterPath iconShape(bool on);
 
-/// The icon for panels that show pictures as they are: light with a dark edge, so that it stands out on light and dark
-/// ones, the dimmed look told by a missing centre. Drawn at every size that panels ask for.
+/// The icon for panels that show pictures as they are: in a colour that stands out on light and dark ones, the dimmed
+/// look told by a missing centre. Drawn at every size that panels ask for.
 QIcon panelIcon(const IconView &view);
 
 } // namespace korvel
