@@ -7,13 +7,6 @@ namespace korvel {
 
 namespace {
 
-bool isOneOf(const QString &state, std::initializer_list<QStringView> states) {
-    for (QStringView candidate : states)
-        if (state == candidate)
-            return true;
-    return false;
-}
-
 void appendSituation(QList<MenuEntry> &list, const Situation &s, const QString &sentence) {
     const QJsonObject &e2 = s.state.e2ee.e2;
     const QString state = e2State(e2);
@@ -23,7 +16,7 @@ void appendSituation(QList<MenuEntry> &list, const Situation &s, const QString &
         const bool serious = isOneOf(state, {u"approved", u"pair-failed", u"rejected", u"revoked", u"suspended"});
         list.append(menuLine((serious ? QStringLiteral("⚠ ") : QStringLiteral("🔒 ")) + sentence));
     }
-    const bool required = isOneOf(state, {u"off", u"starting"}) && e2Required(e2);
+    const bool required = isIdle(state) && e2Required(e2);
     if (required || isOneOf(state, {u"waiting", u"pending", u"expired"})) {
         MenuEntry show = menuItem(L(u"显示配对码…", u"Show Pairing Code…"), Action::ShowPair);
         show.enabled = canShowPairCode(e2, s.bound, authDead);
@@ -71,7 +64,7 @@ QList<MenuEntry> e2MenuItems(const Situation &s) {
     const QJsonObject &e2 = s.state.e2ee.e2;
     const QString state = e2State(e2);
     QList<MenuEntry> list;
-    if (isOneOf(state, {u"off", u"starting"}) && !e2Required(e2))
+    if (isIdle(state) && !e2Required(e2))
         return list;
     const bool active = state == u"active";
     if (const auto sentence = e2StatusText(e2); sentence && !active)

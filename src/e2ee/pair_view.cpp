@@ -49,9 +49,8 @@ Sentences sentencesOf(const QJsonObject &e2, const PairState &pairing, const Pai
                 .hint = L(u"登录后，配对码将显示在这里", u"The pairing code will appear here after you sign in.")};
     if (state == u"expired")
         return {.line = L(u"配对码已过期，正在刷新…", u"The pairing code expired. Refreshing…")};
-    for (QStringView dead : {u"approved", u"pair-failed", u"rejected", u"revoked", u"suspended"})
-        if (state == dead)
-            return {.line = e2StatusText(e2).value_or(QString()), .relogin = true};
+    if (isOneOf(state, {u"approved", u"pair-failed", u"rejected", u"revoked", u"suspended"}))
+        return {.line = e2StatusText(e2).value_or(QString()), .relogin = true};
     return otherSentences(e2);
 }
 

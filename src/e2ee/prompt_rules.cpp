@@ -14,8 +14,7 @@ bool wantsApproval(const E2State &e2ee, const QJsonObject &request) {
 
 bool wantsPairWindow(const E2State &e2ee, const PairState &pairing, const PromptContext &context) {
     const QString state = e2State(e2ee.e2);
-    return !pairing.pairAutoShown && e2NeedsPairing(e2ee.e2, context.bound, context.authDead) && state != u"off" &&
-           state != u"starting";
+    return !pairing.pairAutoShown && e2NeedsPairing(e2ee.e2, context.bound, context.authDead) && !isIdle(state);
 }
 
 } // namespace

@@ -3,12 +3,11 @@
 #include "app/wording.h"
 #include "platform/json_values.h"
 
+#include <algorithm>
+
 namespace korvel {
 
 namespace {
-
-/// A state that tells nothing by itself: encryption is not up, which matters only when the account requires it.
-bool isIdle(const QString &state) { return state == u"off" || state == u"starting"; }
 
 QJsonObject pairOf(const QJsonObject &e2) { return e2.value(u"pair").toObject(); }
 
@@ -26,6 +25,12 @@ QString idleText(const QJsonObject &e2) {
 }
 
 } // namespace
+
+bool isOneOf(const QString &state, std::initializer_list<QStringView> states) {
+    return std::find(states.begin(), states.end(), state) != states.end();
+}
+
+bool isIdle(const QString &state) { return isOneOf(state, {u"off", u"starting"}); }
 
 QString e2State(const QJsonObject &e2) { return e2.value(u"state").toString(QStringLiteral("off")); }
 bool e2Required(const QJsonObject &e2) { return e2.value(u"required").toBool(); }
@@ -49,10 +54,8 @@ bool e2NeedsPairing(const QJsonObject &e2, bool bound, bool authDead) {
         return false;
     if (authDead)
         return state == u"pair-failed";
-    for (QStringView needing : {u"waiting", u"pending", u"approved", u"pair-failed", u"rejected", u"expired"})
-        if (state == needing)
-            return true;
-    return isIdle(state) && e2Required(e2);
+    return isOneOf(state, {u"waiting", u"pending", u"approved", u"pair-failed", u"rejected", u"expired"}) ||
+           (isIdle(state) && e2Required(e2));
 }
 
 bool canShowPairCode(const QJsonObject &e2, bool bound, bool authDead) {

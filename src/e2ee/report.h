@@ -3,6 +3,8 @@
 #include <QJsonObject>
 #include <QList>
 #include <QString>
+#include <QStringView>
+#include <initializer_list>
 #include <optional>
 
 namespace korvel {
@@ -12,6 +14,10 @@ namespace korvel {
 
 /// The report's state; "off" when it says none.
 QString e2State(const QJsonObject &e2);
+/// Whether `state` is one of `states`.
+bool isOneOf(const QString &state, std::initializer_list<QStringView> states);
+/// A state that tells nothing by itself: encryption is not up, which matters only when the account requires it.
+bool isIdle(const QString &state);
 /// The account requires encryption.
 bool e2Required(const QJsonObject &e2);
 /// This Mac's pairing code; none while there is none to show.

@@ -1,5 +1,6 @@
 #include "status/health.h"
 
+#include "app/situation.h"
 #include "platform/json_values.h"
 
 namespace korvel {
@@ -65,8 +66,8 @@ HealthEffects applySilence(TrayState &state, const HealthContext &context) {
     permissions.permsFetchFailed = false;
 
     HealthEffects effects;
-    const bool starting = health.startingUntil && context.now < *health.startingUntil;
-    effects.checkJob = !health.jobLoaded || starting || context.now - health.jobCheckedAt > JOB_CHECK_INTERVAL;
+    effects.checkJob =
+        !health.jobLoaded || isStarting(health, context.now) || context.now - health.jobCheckedAt > JOB_CHECK_INTERVAL;
     if (effects.checkJob)
         health.jobCheckedAt = context.now;
     return effects;

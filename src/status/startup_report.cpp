@@ -32,9 +32,8 @@ bool startupReportDue(const Situation &s, int attempt) {
         return true;
     if (!s.plistExists || attempt > LAST_ATTEMPT)
         return true;
-    const QString state = e2State(s.state.e2ee.e2);
-    return health.running && e2NeedsPairing(s.state.e2ee.e2, s.bound, health.authDead) && state != u"off" &&
-           state != u"starting";
+    const QJsonObject &e2 = s.state.e2ee.e2;
+    return health.running && e2NeedsPairing(e2, s.bound, health.authDead) && !isIdle(e2State(e2));
 }
 
 std::optional<Notice> startupNotice(const Situation &s) {

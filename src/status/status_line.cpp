@@ -43,10 +43,8 @@ QString deadSignInText(bool accountGone) {
 QString pairingText(const QString &state, QString sentence) {
     if (sentence.endsWith(u'.'))
         sentence.chop(1);
-    for (QStringView serious : {u"approved", u"rejected", u"revoked", u"suspended"})
-        if (state == serious)
-            return QStringLiteral("⚠ ") + sentence;
-    return QStringLiteral("○ ") + sentence;
+    const bool serious = isOneOf(state, {u"approved", u"rejected", u"revoked", u"suspended"});
+    return (serious ? QStringLiteral("⚠ ") : QStringLiteral("○ ")) + sentence;
 }
 
 QString runningText(const Situation &s) {
