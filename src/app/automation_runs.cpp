@@ -1,18 +1,24 @@
 #include "app/automation_runs.h"
 
+#include "account/binding.h"
 #include "account/server_rules.h"
 #include "app/bundle.h"
 #include "app/deployment.h"
+#include "platform/curl_http_client.h"
+#include "platform/desktop_qt.h"
 #include "platform/json_values.h"
+#include "platform/plain_text.h"
 #include "platform/qt_programs.h"
 #include "platform/qt_scheduler.h"
 #include "service/agent_command.h"
-#include "service/agent_config.h"
+#include "service/agent_control.h"
+#include "service/launchctl.h"
 #include "status/health.h"
 #include "ui/menu_view.h"
 
 #include <QCoreApplication>
 #include <QJsonDocument>
+#include <QTimer>
 #include <cstdio>
 #include <iostream>
 #include <string>
@@ -67,6 +73,36 @@ int runAgentJsonMode() {
     return reply ? 0 : 1;
 }
 
+/// Signs in with the account of the arguments and the password on standard input, at the server of the arguments or
+/// else the configured one.
+int runLogin(const FixedConfig &config, const Paths &paths) {
+    const QStringList args = QCoreApplication::arguments();
+    const QString password = QString::fromUtf8(readLine());
+    const AgentConfig agentConfig(paths);
+    const QString server =
+        args.size() > 3 ? normalizeServer(args.at(3)).value_or(args.at(3)) : serverOf(config, agentConfig.readCfg());
+    QtScheduler scheduler;
+    QtPrograms programs(standInRoot());
+    Launchctl services(programs, paths.uid);
+    DesktopQt desktop(programs, !standInRoot().isEmpty());
+    CurlHttpClient http(scheduler);
+    TrayState state;
+    AgentControl agent(state, config, paths, agentConfig, services, programs, desktop, scheduler,
+                       {.showHUD = [](const Notice &) {}, .repairService = [] {}});
+    Binding binding(state.health, config, agentConfig, http, desktop,
+                    {.restartAgent = [&agent](auto then) { agent.restartAgent(std::move(then)); }});
+    int status = 1;
+    QTimer::singleShot(0, [&] {
+        binding.performLogin(args.at(2), password, server, [&status](bool ok, const QString &message) {
+            print(singleLine(message).toUtf8() + '\n');
+            status = ok ? 0 : 1;
+            QCoreApplication::quit();
+        });
+    });
+    QCoreApplication::exec();
+    return status;
+}
+
 } // namespace
 
 std::optional<QByteArray> menuDump(const QByteArray &description, const FixedConfig &config, const Paths &paths) {
@@ -104,6 +140,7 @@ int runAutomation(AutomationMode mode, int &argc, char **argv, const FixedConfig
     case AutomationMode::AgentJson:
         return runAgentJsonMode();
     case AutomationMode::Login:
+        return runLogin(config, paths);
     case AutomationMode::E2eeRender:
     case AutomationMode::LoginRender:
         break;

@@ -7,9 +7,6 @@ namespace korvel {
 
 /// Entrances of the features that TrayApp does not hold itself. Each does nothing until its feature is there.
 struct FeatureHooks {
-    std::function<void()> startBrowserLogin = [] {};
-    std::function<void()> showLogin = [] {};
-    std::function<void()> logoutDialog = [] {};
     std::function<void(bool manual)> checkUpdate = [](bool) {};
     std::function<void()> installUpdate = [] {};
     std::function<void(std::function<void()> then)> repairService = [](const std::function<void()> &then) {

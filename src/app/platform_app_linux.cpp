@@ -1,5 +1,6 @@
 #include "app/platform_app.h"
 
+#include "account/cn_login_window.h"
 #include "app/bundle.h"
 #include "app/deployment.h"
 #include "app/single_instance.h"
@@ -75,14 +76,17 @@ int runTray(char **argv, const FixedConfig &config, const Paths &paths) {
     QtScheduler scheduler;
     int status = 0;
     {
-        CurlHttpClient http;
+        CurlHttpClient http(scheduler);
         Launchctl services(programs, paths.uid);
         DesktopQt desktop(programs, !standInRoot().isEmpty());
         StatusItemLinux item;
         NoticeWindow notice;
         AlertWindow alerts;
         PairWindow pairing;
-        TrayApp tray(config, paths, {scheduler, http, programs, services, desktop, item, notice, alerts, pairing});
+        CnLoginPanel login;
+        TrayApp tray(config, paths,
+                     {scheduler, http, programs, services, desktop, item, notice, alerts, pairing, login, bundlePath(),
+                      agentOverride()});
         tray.launch(executablePath());
         status = QApplication::exec();
         if (!scheduler.finishBackground())

@@ -21,6 +21,7 @@ TrayApp::TrayApp(const FixedConfig &f, const Paths &pa, const TrayPorts &p, Feat
       notices(p.noticePanel, p.desktop, p.scheduler),
       health(state, fixed, config, api, p.services, p.scheduler, healthHooks()),
       agent(state, fixed, paths, config, p.services, p.programs, p.desktop, p.scheduler, agentHooks()),
+      command(p.programs, p.scheduler, p.bundlePath, p.agentBin),
       sync(state, fixed, paths, config, p.services, p.scheduler, syncHooks()),
       report(p.scheduler, {.poll = poll(), .situation = [this] { return situation(); }, .showHUD = showHUD()}),
       pairing(state.e2ee, state.pairing, api, p.pairPanel, p.scheduler, pairingHooks()),
@@ -28,7 +29,12 @@ TrayApp::TrayApp(const FixedConfig &f, const Paths &pa, const TrayPorts &p, Feat
                {.poll = [this] { health.poll(); }, .showHUD = showHUD(), .hideHUD = [this] { notices.hideHUD(); }}),
       alarms(state.e2ee, api, p.alerts,
              {.showHUD = showHUD(), .poll = poll(), .pairAfterLogin = [this] { pairing.pairAfterLogin(); }}),
-      speech(api, {.showHUD = showHUD()}), prompts(state.e2ee, state.pairing, promptHooks()) {}
+      speech(api, {.showHUD = showHUD()}), prompts(state.e2ee, state.pairing, promptHooks()),
+      binding(state.health, fixed, config, p.http, p.desktop, bindingHooks()),
+      cnLogin(state.health, fixed, config, p.loginPanel, p.desktop, p.scheduler, cnLoginHooks()),
+      browserLogin(state.browserLogin, state.health, fixed, api, p.desktop, p.scheduler, browserLoginHooks()),
+      loginDialog(fixed, config, p.desktop, p.alerts, loginDialogHooks()),
+      signOut(state.health, fixed, config, api, p.alerts, p.services, p.scheduler, signOutHooks()) {}
 
 std::function<void(const Notice &)> TrayApp::showHUD() {
     return [this](const Notice &notice) { notices.showHUD(notice); };
@@ -36,6 +42,10 @@ std::function<void(const Notice &)> TrayApp::showHUD() {
 
 std::function<void(std::function<void()> then)> TrayApp::poll() {
     return [this](std::function<void()> then) { health.poll(std::move(then)); };
+}
+
+std::function<void(std::function<void()> then)> TrayApp::restartAgent() {
+    return [this](std::function<void()> then) { agent.restartAgent(std::move(then)); };
 }
 
 HealthPoll::Hooks TrayApp::healthHooks() {
@@ -54,7 +64,7 @@ SyncToggle::Hooks TrayApp::syncHooks() {
             .poll = poll(),
             .showHUD = showHUD(),
             .statusLine = [this] { return statusLine(situation()); },
-            .showLogin = features.showLogin,
+            .showLogin = [this] { loginDialog.showLogin(); },
             .repairService = [this] { features.repairService({}); }};
 }
 
@@ -62,8 +72,8 @@ Pairing::Hooks TrayApp::pairingHooks() {
     return {.context = [this] { return pairContext(); },
             .poll = [this] { health.poll(); },
             .showHUD = showHUD(),
-            .startBrowserLogin = features.startBrowserLogin,
-            .logoutDialog = features.logoutDialog};
+            .startBrowserLogin = [this] { browserLogin.startBrowserLogin(); },
+            .logoutDialog = [this] { signOut.logoutDialog(); }};
 }
 
 Prompts::Hooks TrayApp::promptHooks() {
@@ -73,6 +83,42 @@ Prompts::Hooks TrayApp::promptHooks() {
             .showPairWindow = [this] { pairing.showPairWindow(); },
             .showApprove = [this](const QJsonObject &request) { approval.showApprove(request); },
             .showAlarm = [this](const QJsonObject &alarm) { alarms.showAlarm(alarm); },
+            .showHUD = showHUD()};
+}
+
+Binding::Hooks TrayApp::bindingHooks() { return {.restartAgent = restartAgent()}; }
+
+CnLogin::Hooks TrayApp::cnLoginHooks() {
+    return {.runOp = [this](const QJsonObject &request, auto done) { command.runAgentJson(request, std::move(done)); },
+            .stopBrowserLogin = [this] { browserLogin.stopBrowserLogin(); },
+            .showHUD = showHUD(),
+            .poll = [this] { health.poll(); },
+            .pairAfterLogin = [this] { pairing.pairAfterLogin(); }};
+}
+
+BrowserLogin::Hooks TrayApp::browserLoginHooks() {
+    return {.showCnLogin = [this] { cnLogin.showCnLogin(); },
+            .restartAgent = restartAgent(),
+            .showHUD = showHUD(),
+            .poll = [this] { health.poll(); },
+            .pairAfterLogin = [this] { pairing.pairAfterLogin(); }};
+}
+
+LoginDialog::Hooks TrayApp::loginDialogHooks() {
+    return {.showCnLogin = [this] { cnLogin.showCnLogin(); },
+            .stopBrowserLogin = [this] { browserLogin.stopBrowserLogin(); },
+            .performLogin = [this](const QString &user, const QString &pass, const QString &server,
+                                   auto done) { binding.performLogin(user, pass, server, std::move(done)); },
+            .showHUD = showHUD(),
+            .hideHUD = [this] { notices.hideHUD(); },
+            .poll = [this] { health.poll(); },
+            .pairAfterLogin = [this] { pairing.pairAfterLogin(); }};
+}
+
+SignOut::Hooks TrayApp::signOutHooks() {
+    return {.unbindCurrent = [this](std::function<void()> then) { binding.unbindCurrent(std::move(then)); },
+            .stopBrowserLogin = [this] { browserLogin.stopBrowserLogin(); },
+            .poll = [this] { health.poll(); },
             .showHUD = showHUD()};
 }
 
@@ -136,7 +182,7 @@ void TrayApp::menuOpening() {
 void TrayApp::reopen() {
     switch (reopenAction(situation())) {
     case ReopenAction::SignIn:
-        return features.startBrowserLogin();
+        return browserLogin.startBrowserLogin();
     case ReopenAction::Repair:
         return features.repairService({});
     case ReopenAction::ShowPairingCode:
@@ -151,11 +197,11 @@ void TrayApp::perform(const MenuEntry &entry) {
     case Action::None:
         return;
     case Action::BrowserLogin:
-        return features.startBrowserLogin();
+        return browserLogin.startBrowserLogin();
     case Action::LoginDialog:
-        return features.showLogin();
+        return loginDialog.showLogin();
     case Action::LogoutDialog:
-        return features.logoutDialog();
+        return signOut.logoutDialog();
     case Action::MenuToggle:
         return sync.toggleAgent();
     case Action::CheckUpdate:

@@ -1,5 +1,10 @@
 #pragma once
 
+#include "account/binding.h"
+#include "account/browser_login.h"
+#include "account/cn_login.h"
+#include "account/login_dialog.h"
+#include "account/sign_out.h"
 #include "app/feature_hooks.h"
 #include "app/paths.h"
 #include "app/situation.h"
@@ -33,6 +38,9 @@ struct TrayPorts {
     NoticePanel &noticePanel;
     Alerts &alerts;
     PairPanel &pairPanel;
+    LoginPanel &loginPanel;
+    QString bundlePath = {};              ///< The tray's own bundle, which the agent's program lies in.
+    std::optional<QString> agentBin = {}; ///< The developer's override of that program.
 };
 
 /// The application: holds the state, composes the features and forwards what the user does. Making one has no effect.
@@ -62,8 +70,14 @@ private:
     SyncToggle::Hooks syncHooks();
     Pairing::Hooks pairingHooks();
     Prompts::Hooks promptHooks();
+    Binding::Hooks bindingHooks();
+    CnLogin::Hooks cnLoginHooks();
+    BrowserLogin::Hooks browserLoginHooks();
+    LoginDialog::Hooks loginDialogHooks();
+    SignOut::Hooks signOutHooks();
     std::function<void(const Notice &)> showHUD();
     std::function<void(std::function<void()> then)> poll();
+    std::function<void(std::function<void()> then)> restartAgent();
 
     const FixedConfig &fixed;
     const Paths &paths;
@@ -76,6 +90,7 @@ private:
     Notices notices;
     HealthPoll health;
     AgentControl agent;
+    AgentCommand command;
     SyncToggle sync;
     StartupReport report;
     Pairing pairing;
@@ -83,6 +98,11 @@ private:
     Alarms alarms;
     SpeechInstall speech;
     Prompts prompts;
+    Binding binding;
+    CnLogin cnLogin;
+    BrowserLogin browserLogin;
+    LoginDialog loginDialog;
+    SignOut signOut;
 
     std::optional<IconView> shownIcon;
     std::optional<MenuView> shownMenu;

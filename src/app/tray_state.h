@@ -85,6 +85,13 @@ struct PairState {
     bool pairPreview = false;   ///< It is drawn for review: on no screen, and whatever the sign-in.
 };
 
+/// A sign-in that the user carries out in a web browser, while it is open.
+struct BrowserLoginState {
+    std::optional<QString> browserLoginId = {};  ///< The agent's name for it.
+    std::optional<QString> browserLoginURL = {}; ///< The page in the browser.
+    Instant browserLoginUntil = DISTANT_PAST;    ///< When the page stops being good; outlives the attempt.
+};
+
 struct MenuState {
     bool optionKey = false; ///< Whether Option was held when the menu opened last.
 };
@@ -97,6 +104,7 @@ struct TrayState {
     UpdateState update;
     E2State e2ee;
     PairState pairing;
+    BrowserLoginState browserLogin;
     MenuState menu;
 };
 

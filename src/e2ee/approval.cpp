@@ -34,7 +34,7 @@ AlertView approveAlert(const QJsonObject &request, const QString &error) {
             .warning = !error.isEmpty(),
             .buttons = {L(u"允许", u"Allow"), L(u"拒绝", u"Deny"), L(u"稍后", u"Later")},
             .escape = Later,
-            .codeField = true};
+            .fields = {{.kind = AlertField::Kind::Code}}};
 }
 
 Approval::Approval(E2State &e, AgentApi &a, Alerts &al, Scheduler &s, Hooks h)
@@ -55,7 +55,7 @@ void Approval::answered(const QJsonObject &request, const AlertAnswer &answer) {
     if (answer.button == Deny)
         deny(request);
     else if (answer.button == Allow)
-        allow(request, codeDigits(answer.code));
+        allow(request, codeDigits(answer.texts.value(0)));
 }
 
 void Approval::deny(const QJsonObject &request) {

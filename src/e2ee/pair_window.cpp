@@ -66,13 +66,7 @@ void PairWindow::apply(const PairView &view) {
     pairBtn->setText(view.button);
     pairNewBtn->setVisible(view.refreshVisible);
     pairNewBtn->setEnabled(view.refreshEnabled);
-    fit();
-}
-
-void PairWindow::fit() {
-    layout()->activate();
-    const int height = layout()->hasHeightForWidth() ? layout()->heightForWidth(WIDTH) : layout()->sizeHint().height();
-    setFixedSize(WIDTH, height);
+    fitHeight(*this, WIDTH);
 }
 
 void PairWindow::present(const PairView &view) {

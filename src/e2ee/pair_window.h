@@ -24,8 +24,6 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
-    void fit();
-
     Events events;
     ToneLabel *pairTitleF;
     ToneLabel *pairCodeF;

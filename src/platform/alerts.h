@@ -2,25 +2,40 @@
 
 #include <QList>
 #include <QString>
+#include <QStringList>
 #include <functional>
 
 namespace korvel {
 
+/// A field that an alert asks the user to fill in.
+struct AlertField {
+    enum class Kind {
+        Code,    ///< Six digits; the first button is enabled only with all of them.
+        Text,    ///< One line.
+        Secret,  ///< One line that is not shown.
+        Address, ///< One line in a small monospaced font, below a caption.
+    };
+    Kind kind = Kind::Text;
+    QString label = {}; ///< Placeholder, or the caption of an Address.
+    QString text = {};  ///< What it holds at first.
+    bool operator==(const AlertField &) const = default;
+};
+
 /// An alert as data: what it says and which answers it offers.
 struct AlertView {
     QString title;
-    QString text;           ///< Plain text; may hold line breaks.
-    bool warning = false;   ///< Looks like a warning.
-    QList<QString> buttons; ///< The first is the default one.
-    int escape = 0;         ///< The harmless button, which Escape and closing stand for; -1: none of them.
-    bool codeField = false; ///< Asks for a six-digit code, and enables the first button only with one.
+    QString text;                  ///< Plain text; may hold line breaks.
+    bool warning = false;          ///< Looks like a warning.
+    QList<QString> buttons;        ///< The first is the default one.
+    int escape = 0;                ///< The harmless button, which Escape and closing stand for; -1: none of them.
+    QList<AlertField> fields = {}; ///< The first has the keyboard when the alert opens.
     bool operator==(const AlertView &) const = default;
 };
 
 /// How an alert was answered.
 struct AlertAnswer {
-    int button = -1; ///< Index into AlertView::buttons; -1: closed without one.
-    QString code;    ///< What the code field held.
+    int button = -1;   ///< Index into AlertView::buttons; -1: closed without one.
+    QStringList texts; ///< What the fields held.
 };
 
 /// Shows alerts, one at a time, without a nested event loop.

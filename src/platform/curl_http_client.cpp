@@ -2,8 +2,10 @@
 
 #include "platform/curl_transfer.h"
 
+#include <QElapsedTimer>
 #include <QSocketNotifier>
 #include <QTimer>
+#include <algorithm>
 #include <map>
 
 namespace korvel {
@@ -28,7 +30,7 @@ void retire(std::unique_ptr<QSocketNotifier> &notifier) {
 /// The transfers under way and what libcurl wants to be told about.
 class CurlHttpClient::Multi {
 public:
-    Multi() : handle(curl_multi_init()) {
+    explicit Multi(const Network &n) : network(n), handle(curl_multi_init()) {
         curl_multi_setopt(handle, CURLMOPT_SOCKETFUNCTION, &socketChanged);
         curl_multi_setopt(handle, CURLMOPT_SOCKETDATA, this);
         curl_multi_setopt(handle, CURLMOPT_TIMERFUNCTION, &timerChanged);
@@ -103,27 +105,63 @@ private:
             const CURLcode code = message->data.result;
             auto node = transfers.extract(message->easy_handle);
             curl_multi_remove_handle(handle, node.key());
-            Result<HttpReply> outcome = node.mapped()->outcome(code);
+            Result<HttpReply> outcome = node.mapped()->outcome(code, network);
             node.mapped()->takeDone()(std::move(outcome));
         }
     }
 
+    const Network &network;
     CURLM *handle;
     std::map<CURL *, std::unique_ptr<CurlTransfer>> transfers;
     std::map<curl_socket_t, Watch> watches;
     QTimer timer;
 };
 
-CurlHttpClient::CurlHttpClient() = default;
+/// A request that waits for its proxy. Who comes first, the answer or the deadline, takes it.
+struct CurlHttpClient::ProxyQuery {
+    HttpRequest request;
+    Done<HttpReply> done;
+    QElapsedTimer clock;
+    bool taken = false;
+};
+
+CurlHttpClient::CurlHttpClient(Scheduler &s, Network n)
+    : scheduler(s), network(std::move(n)), context(std::make_unique<QObject>()) {}
 CurlHttpClient::~CurlHttpClient() = default;
 
 void CurlHttpClient::send(HttpRequest request, Done<HttpReply> done) {
+    if (request.reach == Reach::Server)
+        lookUpProxy(std::move(request), std::move(done));
+    else
+        start(std::move(request), std::move(done), {});
+}
+
+void CurlHttpClient::lookUpProxy(HttpRequest request, Done<HttpReply> done) {
+    const QString url = request.url;
+    const milliseconds limit = request.timeout;
+    auto query = std::make_shared<ProxyQuery>(ProxyQuery{std::move(request), std::move(done), {}});
+    query->clock.start();
+    QTimer::singleShot(limit, Qt::PreciseTimer, context.get(), [query] {
+        if (!std::exchange(query->taken, true))
+            query->done(Error{ErrorKind::TimedOut, QStringLiteral("the proxy settings could not be read in time")});
+    });
+    scheduler.background([look = network.proxyFor, url] { return look(url); },
+                         alive.guard([this, query](const QString &proxy) {
+                             if (std::exchange(query->taken, true))
+                                 return;
+                             const milliseconds left = query->request.timeout - milliseconds(query->clock.elapsed());
+                             query->request.timeout = std::max<milliseconds>(left, 1ms); // 0 would mean no limit
+                             start(std::move(query->request), std::move(query->done), proxy);
+                         }));
+}
+
+void CurlHttpClient::start(HttpRequest request, Done<HttpReply> done, const QString &proxy) {
     if (!multi) {
         curl_global_init(CURL_GLOBAL_DEFAULT);
-        multi = std::make_unique<Multi>();
+        multi = std::make_unique<Multi>(network);
     }
     auto transfer = std::make_unique<CurlTransfer>(std::move(request), std::move(done));
-    if (transfer->prepare())
+    if (transfer->prepare(proxy, network.authorities))
         return multi->add(std::move(transfer));
     // Never called back before this returns, so that callers see one order of events.
     auto refused = std::make_shared<Done<HttpReply>>(transfer->takeDone());

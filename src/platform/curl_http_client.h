@@ -1,7 +1,11 @@
 #pragma once
 
+#include "platform/alive.h"
 #include "platform/http_client.h"
+#include "platform/network.h"
+#include "platform/scheduler.h"
 
+#include <QObject>
 #include <memory>
 
 namespace korvel {
@@ -9,13 +13,22 @@ namespace korvel {
 /// HttpClient through libcurl on the Qt event loop: exact deadlines, bounded answers, no hidden repeat of a POST.
 class CurlHttpClient final : public HttpClient {
 public:
-    CurlHttpClient();
+    /// `scheduler` runs the look-ups of `network` in the background.
+    explicit CurlHttpClient(Scheduler &scheduler, Network network = systemNetwork());
     ~CurlHttpClient() override;
     void send(HttpRequest request, Done<HttpReply> done) override;
 
 private:
     class Multi;
-    std::unique_ptr<Multi> multi; ///< Made at the first request.
+    struct ProxyQuery;
+    void lookUpProxy(HttpRequest request, Done<HttpReply> done);
+    void start(HttpRequest request, Done<HttpReply> done, const QString &proxy);
+
+    Scheduler &scheduler;
+    const Network network;
+    std::unique_ptr<Multi> multi;     ///< Made at the first request.
+    std::unique_ptr<QObject> context; ///< Its deadlines go with it.
+    Alive alive;
 };
 
 } // namespace korvel

@@ -7,11 +7,15 @@ namespace korvel {
 
 namespace {
 
-/// Whether libcurl itself reads `url` as plain HTTP to 127.0.0.1 with nothing hidden in front of the host.
-bool isLoopback(const QByteArray &url) {
+/// A web address in the parts that libcurl itself reads in it; empty ones when it reads none.
+struct Address {
+    QByteArray scheme, host, user, password;
+};
+
+Address addressOf(const QByteArray &url) {
     const std::unique_ptr<CURLU, decltype(&curl_url_cleanup)> parsed(curl_url(), &curl_url_cleanup);
     if (!parsed || curl_url_set(parsed.get(), CURLUPART_URL, url.constData(), 0) != CURLUE_OK)
-        return false;
+        return {};
     const auto part = [&](CURLUPart which) {
         char *text = nullptr;
         const bool present = curl_url_get(parsed.get(), which, &text, 0) == CURLUE_OK;
@@ -19,23 +23,52 @@ bool isLoopback(const QByteArray &url) {
         curl_free(text);
         return value;
     };
-    return part(CURLUPART_SCHEME) == "http" && part(CURLUPART_HOST) == "127.0.0.1" && part(CURLUPART_USER).isEmpty() &&
-           part(CURLUPART_PASSWORD).isEmpty();
+    return {part(CURLUPART_SCHEME), part(CURLUPART_HOST), part(CURLUPART_USER), part(CURLUPART_PASSWORD)};
+}
+
+/// Plain HTTP to 127.0.0.1 with nothing hidden in front of the host.
+bool isAgentAddress(const Address &address) {
+    return address.scheme == "http" && address.host == "127.0.0.1" && address.user.isEmpty() &&
+           address.password.isEmpty();
+}
+
+bool namesThisMachine(const QByteArray &host) {
+    const QByteArray lower = host.toLower();
+    return lower == "localhost" || lower.endsWith(".localhost") || lower.startsWith("127.") || lower == "[::1]";
 }
 
 ErrorKind kindOf(CURLcode code) {
     switch (code) {
     case CURLE_OPERATION_TIMEDOUT:
         return ErrorKind::TimedOut;
-    case CURLE_COULDNT_CONNECT:
     case CURLE_COULDNT_RESOLVE_HOST:
     case CURLE_COULDNT_RESOLVE_PROXY:
+        return ErrorKind::HostNotFound;
+    case CURLE_COULDNT_CONNECT:
         return ErrorKind::Unreachable;
+    case CURLE_SSL_CONNECT_ERROR:
+    case CURLE_PEER_FAILED_VERIFICATION:
+    case CURLE_SSL_CERTPROBLEM:
+    case CURLE_SSL_CIPHER:
+    case CURLE_SSL_CACERT_BADFILE:
+    case CURLE_SSL_ISSUER_ERROR:
+    case CURLE_SSL_CRL_BADFILE:
+    case CURLE_SSL_CLIENTCERT:
+    case CURLE_SSL_INVALIDCERTSTATUS:
+    case CURLE_SSL_ENGINE_INITFAILED:
+        return ErrorKind::InsecureConnection;
+    case CURLE_GOT_NOTHING:
+    case CURLE_RECV_ERROR:
+    case CURLE_SEND_ERROR:
+    case CURLE_PARTIAL_FILE:
+    case CURLE_SSL_SHUTDOWN_FAILED:
+    case CURLE_HTTP2:
+    case CURLE_HTTP2_STREAM:
+        return ErrorKind::Interrupted;
     case CURLE_URL_MALFORMAT:
-    case CURLE_UNSUPPORTED_PROTOCOL:
         return ErrorKind::InvalidRequest;
     default:
-        return ErrorKind::Interrupted;
+        return ErrorKind::UnreadableAnswer;
     }
 }
 
@@ -49,10 +82,16 @@ CurlTransfer::~CurlTransfer() {
     curl_slist_free_all(headers);
 }
 
-bool CurlTransfer::prepare() {
+bool CurlTransfer::prepare(const QString &proxy, const QString &authorities) {
     if (!easy || url.contains('\0') || url.contains('\r') || url.contains('\n'))
         return false;
-    if (request.reach == Reach::Loopback ? !prepareLoopback() : !prepareServer())
+    const Address address = addressOf(url);
+    if (request.reach == Reach::Server && address.scheme == "https" && !address.host.isEmpty())
+        prepareServer(proxy, authorities);
+    // The token must reach no other machine, whatever a malformed port makes of the address.
+    else if (request.reach == Reach::Loopback && isAgentAddress(address))
+        prepareLoopback();
+    else
         return false;
     curl_easy_setopt(easy, CURLOPT_URL, url.constData());
     curl_easy_setopt(easy, CURLOPT_ERRORBUFFER, errorText);
@@ -75,19 +114,26 @@ bool CurlTransfer::prepare() {
     return true;
 }
 
-bool CurlTransfer::prepareLoopback() {
-    // The token must reach no other machine, whatever a malformed port makes of the address.
-    if (!isLoopback(url))
-        return false;
+void CurlTransfer::prepareLoopback() {
     curl_easy_setopt(easy, CURLOPT_PROXY, "");
     curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "http");
     curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
-    return true;
 }
 
-bool CurlTransfer::prepareServer() {
+void CurlTransfer::prepareServer(const QString &proxy, const QString &authorities) {
     curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "https");
-    return true;
+    curl_easy_setopt(easy, CURLOPT_SSL_VERIFYPEER, 1L);
+    curl_easy_setopt(easy, CURLOPT_SSL_VERIFYHOST, 2L);
+    curl_easy_setopt(easy, CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
+    if (!authorities.isEmpty()) {
+        curl_easy_setopt(easy, CURLOPT_CAINFO, authorities.toLocal8Bit().constData());
+        curl_easy_setopt(easy, CURLOPT_CAPATH, nullptr);
+    }
+    // Where the system names none, libcurl still reads the customary environment variables.
+    if (!proxy.isEmpty())
+        curl_easy_setopt(easy, CURLOPT_PROXY, proxy.toUtf8().constData());
+    // A name server that does not answer must not hold the main thread when the deadline has passed.
+    curl_easy_setopt(easy, CURLOPT_QUICK_EXIT, 1L);
 }
 
 void CurlTransfer::prepareBody() {
@@ -122,11 +168,16 @@ size_t CurlTransfer::headerReceived(char *, size_t size, size_t count, void *sel
     return static_cast<CurlTransfer *>(self)->accept(size * count) ? size * count : 0;
 }
 
-Result<HttpReply> CurlTransfer::outcome(CURLcode code) {
+Result<HttpReply> CurlTransfer::outcome(CURLcode code, const Network &network) {
     if (tooLarge)
         return Error{ErrorKind::TooLarge, QStringLiteral("answer over %1 bytes").arg(request.maxBytes)};
-    if (code != CURLE_OK)
-        return Error{kindOf(code), QString::fromUtf8(*errorText ? errorText : curl_easy_strerror(code))};
+    if (code != CURLE_OK) {
+        ErrorKind kind = kindOf(code);
+        const bool noWay = kind == ErrorKind::HostNotFound || kind == ErrorKind::Unreachable;
+        if (noWay && request.reach == Reach::Server && !namesThisMachine(addressOf(url).host) && network.isOffline())
+            kind = ErrorKind::Offline;
+        return Error{kind, QString::fromUtf8(*errorText ? errorText : curl_easy_strerror(code))};
+    }
     long status = 0;
     curl_easy_getinfo(easy, CURLINFO_RESPONSE_CODE, &status);
     reply.status = static_cast<int>(status);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/http_client.h"
+#include "platform/network.h"
 
 #include <curl/curl.h>
 #include <memory>
@@ -15,17 +16,18 @@ public:
     CurlTransfer &operator=(const CurlTransfer &) = delete;
     ~CurlTransfer();
 
-    /// Sets the transfer up; false when the request may not leave or cannot be formed.
-    bool prepare();
+    /// Sets the transfer up; false when the request may not leave or cannot be formed. `proxy` and `authorities` are
+    /// for servers only; empty: none, and the system's.
+    bool prepare(const QString &proxy, const QString &authorities);
     CURL *handle() const { return easy; }
     /// The outcome, once libcurl is through with `code`. Called once.
-    Result<HttpReply> outcome(CURLcode code);
+    Result<HttpReply> outcome(CURLcode code, const Network &network);
     /// Hands the completion over.
     Done<HttpReply> takeDone() { return std::move(done); }
 
 private:
-    bool prepareLoopback();
-    bool prepareServer();
+    void prepareLoopback();
+    void prepareServer(const QString &proxy, const QString &authorities);
     void prepareBody();
     bool accept(size_t bytes);
     static size_t received(char *data, size_t size, size_t count, void *self);

@@ -15,6 +15,8 @@ public:
     virtual void openUrl(const QString &url) = 0;
     /// Whether the Option (Alt) key is held at this moment.
     virtual bool optionKeyHeld() const = 0;
+    /// The name that the user gave this computer; its host name where there is none.
+    virtual QString computerName() const = 0;
     /// Makes the standard editing keys work in the tray's windows; the menu itself is never seen.
     virtual void installEditMenu(const QList<EditMenuItem> &items) = 0;
     /// Leaves the event loop with exit status 0.

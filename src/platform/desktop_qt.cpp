@@ -7,6 +7,7 @@
 #include <QCoreApplication>
 #include <QDesktopServices>
 #include <QGuiApplication>
+#include <QSysInfo>
 #include <QUrl>
 
 namespace korvel {
@@ -22,6 +23,8 @@ void DesktopQt::openUrl(const QString &address) {
 }
 
 bool DesktopQt::optionKeyHeld() const { return QGuiApplication::queryKeyboardModifiers().testFlag(Qt::AltModifier); }
+
+QString DesktopQt::computerName() const { return QSysInfo::machineHostName(); }
 
 void DesktopQt::installEditMenu(const QList<EditMenuItem> &) {}
 

@@ -6,6 +6,7 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
+#include <limits>
 #include <optional>
 
 namespace korvel {
@@ -14,6 +15,13 @@ namespace korvel {
 
 inline std::optional<bool> jsonBool(const QJsonValue &v) {
     return v.isBool() ? std::optional(v.toBool()) : std::nullopt;
+}
+
+/// A whole number; one with a fraction, or beyond 64 bits, is none.
+inline std::optional<qint64> jsonInteger(const QJsonValue &v) {
+    constexpr qint64 NONE = std::numeric_limits<qint64>::min();
+    const qint64 number = v.toInteger(NONE);
+    return number == NONE ? std::nullopt : std::optional(number);
 }
 
 inline std::optional<QString> jsonText(const QJsonValue &v) {

@@ -8,13 +8,16 @@ namespace korvel {
 
 /// What kind of failure ended an operation; callers switch on it, the detail is for the log.
 enum class ErrorKind {
-    Dropped,          ///< The operation went away without an answer.
-    InvalidRequest,   ///< The request could not be formed, or was not allowed to leave.
-    Unreachable,      ///< No connection could be made.
-    Interrupted,      ///< The connection ended before the answer was whole.
-    TimedOut,         ///< The deadline passed.
-    TooLarge,         ///< The answer is larger than its limit.
-    UnreadableAnswer, ///< An answer came that is not what was asked for.
+    Dropped,            ///< The operation went away without an answer.
+    InvalidRequest,     ///< The request could not be formed, or was not allowed to leave.
+    Offline,            ///< No network: only loopback interfaces are up.
+    HostNotFound,       ///< The name has no address.
+    Unreachable,        ///< No connection could be made.
+    InsecureConnection, ///< TLS failed, or the certificate is not to be trusted.
+    Interrupted,        ///< The connection ended before the answer was whole.
+    TimedOut,           ///< The deadline passed.
+    TooLarge,           ///< The answer is larger than its limit.
+    UnreadableAnswer,   ///< An answer came that is not what was asked for.
 };
 
 struct Error {

@@ -2,6 +2,7 @@
 
 #include "platform/private_file.h"
 
+#include <QFileInfo>
 #include <QJsonDocument>
 
 namespace korvel {
@@ -15,10 +16,19 @@ QJsonObject AgentConfig::readCfg() const {
     return bytes ? QJsonDocument::fromJson(*bytes).object() : QJsonObject();
 }
 
-void AgentConfig::writeCfg(const QJsonObject &cfg) const {
+bool AgentConfig::writeCfg(const QJsonObject &cfg) const {
     // QJsonObject keeps its keys sorted, so the indented form is stable.
-    if (makePrivateFolder(paths.cfgDir))
-        replacePrivateFile(paths.agentCfg, QJsonDocument(cfg).toJson(QJsonDocument::Indented));
+    return makePrivateFolder(paths.cfgDir) &&
+           replacePrivateFile(paths.agentCfg, QJsonDocument(cfg).toJson(QJsonDocument::Indented));
+}
+
+bool AgentConfig::changeCfg(const std::function<void(QJsonObject &cfg)> &change) const {
+    const auto bytes = readRegularFile(paths.agentCfg, MAX_CONFIG_BYTES);
+    if (!bytes && QFileInfo::exists(paths.agentCfg))
+        return false;
+    QJsonObject cfg = bytes ? QJsonDocument::fromJson(*bytes).object() : QJsonObject();
+    change(cfg);
+    return writeCfg(cfg);
 }
 
 QString cfgText(const QJsonObject &cfg, QStringView key) { return cfg.value(key).toString(); }

@@ -4,6 +4,7 @@
 
 #include <QJsonObject>
 #include <QString>
+#include <functional>
 
 namespace korvel {
 
@@ -15,8 +16,11 @@ public:
 
     /// The object in the file; empty when it is missing, unreadable, not a regular file, over 1 MiB or not an object.
     QJsonObject readCfg() const;
-    /// Replaces the file (mode 0600, folder 0700). A failure is silent and leaves the old file whole.
-    void writeCfg(const QJsonObject &cfg) const;
+    /// Replaces the file (mode 0600, folder 0700). False when it could not: the old file stays whole.
+    bool writeCfg(const QJsonObject &cfg) const;
+    /// Reads the object, lets `change` alter it and writes it back. False as above, and when a file is there that
+    /// cannot be read: what it holds must not be lost. A file that holds no object counts as empty.
+    bool changeCfg(const std::function<void(QJsonObject &cfg)> &change) const;
 
 private:
     const Paths &paths;

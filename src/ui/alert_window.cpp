@@ -7,6 +7,7 @@
 #include "ui/window_place.h"
 
 #include <QBoxLayout>
+#include <QLineEdit>
 #include <QPainter>
 #include <QPushButton>
 
@@ -16,6 +17,7 @@ namespace {
 
 constexpr int TEXT_WIDTH = 368;
 constexpr int SYMBOL_SIZE = 40;
+constexpr QSize FIELD_SIZE(280, 24);
 constexpr int BUTTON_MARGINS = 32; // left and right together; some styles leave a long title hardly any
 
 ToneLabel *paragraph(const QString &text, const QFont &font, Tone tone, QWidget *parent) {
@@ -65,13 +67,10 @@ AlertDialog::AlertDialog(const AlertView &v, std::function<void(const AlertAnswe
     auto *text = new QVBoxLayout;
     text->setSpacing(8);
     text->addWidget(paragraph(view.title, uiFont(14, QFont::DemiBold), Tone::Normal, this));
-    text->addWidget(paragraph(view.text, uiFont(13), Tone::Normal, this));
-    if (view.codeField) {
-        field = new PairCodeField(this);
-        field->setAccessibleName(view.title);
-        text->addSpacing(6);
-        text->addWidget(field, 0, Qt::AlignLeft);
-    }
+    if (!view.text.isEmpty())
+        text->addWidget(paragraph(view.text, uiFont(13), Tone::Normal, this));
+    for (const AlertField &field : view.fields)
+        addField(field, *text);
     text->addSpacing(10);
     text->addWidget(buttonRow());
     auto *row = new QHBoxLayout(this);
@@ -80,11 +79,38 @@ AlertDialog::AlertDialog(const AlertView &v, std::function<void(const AlertAnswe
     row->addWidget(symbol(view, this), 0, Qt::AlignTop);
     row->addLayout(text);
     row->setSizeConstraint(QLayout::SetFixedSize);
-    if (!field)
+    if (inputs.isEmpty())
         return;
+    if (auto *code = dynamic_cast<PairCodeField *>(inputs.first()))
+        requireWholeCode(*code);
+    inputs.first()->setFocus();
+}
+
+void AlertDialog::addField(const AlertField &field, QVBoxLayout &column) {
+    if (inputs.isEmpty())
+        column.addSpacing(6);
+    if (field.kind == AlertField::Kind::Code) {
+        inputs.append(new PairCodeField(this));
+        inputs.last()->setAccessibleName(view.title);
+    } else {
+        auto *line = new QLineEdit(field.text, this);
+        line->setFixedSize(FIELD_SIZE);
+        line->setFont(field.kind == AlertField::Kind::Address ? codeFont(11) : uiFont(13));
+        line->setAccessibleName(field.label);
+        if (field.kind == AlertField::Kind::Secret)
+            line->setEchoMode(QLineEdit::Password);
+        if (field.kind == AlertField::Kind::Address)
+            column.addWidget(paragraph(field.label, uiFont(11), Tone::Secondary, this));
+        else
+            line->setPlaceholderText(field.label);
+        inputs.append(line);
+    }
+    column.addWidget(inputs.last(), 0, Qt::AlignLeft);
+}
+
+void AlertDialog::requireWholeCode(PairCodeField &code) {
     answers.first()->setEnabled(false);
-    field->onEdited = [this] { answers.first()->setEnabled(field->isComplete()); };
-    field->setFocus();
+    code.onEdited = [this, &code] { answers.first()->setEnabled(code.isComplete()); };
 }
 
 QWidget *AlertDialog::buttonRow() {
@@ -103,7 +129,7 @@ QWidget *AlertDialog::buttonRow() {
         answers.append(button);
     }
     answers.first()->setDefault(true);
-    if (!view.codeField)
+    if (view.fields.isEmpty())
         answers.first()->setFocus();
     return row;
 }
@@ -114,7 +140,9 @@ void AlertDialog::answer(int button) {
     const auto report = std::exchange(answered, nullptr);
     if (!report)
         return;
-    const AlertAnswer given{.button = button, .code = field ? field->text() : QString()};
+    AlertAnswer given{.button = button};
+    for (const QLineEdit *input : inputs)
+        given.texts.append(input->text());
     hide();
     deleteLater();
     report(given);

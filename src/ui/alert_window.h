@@ -5,7 +5,9 @@
 #include <QDialog>
 #include <QPointer>
 
+class QLineEdit;
 class QPushButton;
+class QVBoxLayout;
 
 namespace korvel {
 
@@ -17,18 +19,20 @@ public:
     AlertDialog(const AlertView &view, std::function<void(const AlertAnswer &)> answered);
 
     QList<QPushButton *> buttons() const { return answers; }
-    PairCodeField *codeField() const { return field; }
+    QList<QLineEdit *> fields() const { return inputs; }
     /// Escape and closing.
     void reject() override;
 
 private:
     void answer(int button);
     QWidget *buttonRow();
+    void addField(const AlertField &field, QVBoxLayout &column);
+    void requireWholeCode(PairCodeField &code);
 
     const AlertView view;
     std::function<void(const AlertAnswer &)> answered;
     QList<QPushButton *> answers;
-    PairCodeField *field = nullptr;
+    QList<QLineEdit *> inputs;
 };
 
 /// Alerts as windows above all others that let the event loop go on.

@@ -3,6 +3,8 @@
 #include <QEvent>
 #include <QFontDatabase>
 #include <QGuiApplication>
+#include <algorithm>
+#include <cmath>
 
 namespace korvel {
 
@@ -19,7 +21,39 @@ QColor mixed(const QColor &text, const QColor &ground, double share) {
     return QColor(part(text.red(), ground.red()), part(text.green(), ground.green()), part(text.blue(), ground.blue()));
 }
 
+double luminance(const QColor &colour) {
+    const auto linear = [](double c) { return c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4); };
+    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) + 0.0722 * linear(colour.blueF());
+}
+
+constexpr double READABLE = 4.5;
+
 } // namespace
+
+double contrastRatio(const QColor &a, const QColor &b) {
+    const auto [darker, lighter] = std::minmax({luminance(a), luminance(b)});
+    return (lighter + 0.05) / (darker + 0.05);
+}
+
+QColor groundColour(Ground ground, const QPalette &palette) {
+    const QColor text = palette.color(QPalette::Active, QPalette::WindowText);
+    const QColor window = palette.color(QPalette::Active, QPalette::Window);
+    const bool dark = window.lightness() < 128;
+    if (ground == Ground::Sunken)
+        return mixed(text, window, dark ? 0.06 : 0.09);
+    return dark ? mixed(text, window, 0.22) : QColor(Qt::white);
+}
+
+void markAsMain(QPushButton &button) {
+    button.setDefault(true);
+    QPalette strong = button.palette();
+    const QColor blue(0x25, 0x63, 0xeb), pale(0x7f, 0xa0, 0xe0);
+    for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+        strong.setColor(group, QPalette::Button, group == QPalette::Disabled ? pale : blue);
+        strong.setColor(group, QPalette::ButtonText, Qt::white);
+    }
+    button.setPalette(strong);
+}
 
 QFont uiFont(int points, QFont::Weight weight) { return sized(QGuiApplication::font(), points, weight); }
 
@@ -37,6 +71,12 @@ QColor toneColour(Tone tone, const QPalette &palette) {
         return mixed(text, ground, 0.74);
     case Tone::Tertiary:
         return mixed(text, ground, 0.64);
+    case Tone::Link: {
+        const QColor own = palette.color(QPalette::Active, QPalette::Link);
+        if (contrastRatio(own, ground) >= READABLE)
+            return own;
+        return ground.lightness() < 128 ? QColor(0x8c, 0xb4, 0xff) : QColor(0x12, 0x55, 0xc4);
+    }
     case Tone::Error:
         return ground.lightness() < 128 ? QColor(0xff, 0x9b, 0x91) : QColor(0xb8, 0x1c, 0x1c);
     }

@@ -3,6 +3,7 @@
 #include <QFont>
 #include <QLabel>
 #include <QPalette>
+#include <QPushButton>
 
 namespace korvel {
 
@@ -12,10 +13,20 @@ QFont uiFont(int points, QFont::Weight weight = QFont::Normal);
 QFont codeFont(int points, QFont::Weight weight = QFont::Normal);
 
 /// How much a text stands out.
-enum class Tone { Normal, Secondary, Tertiary, Error };
+enum class Tone { Normal, Secondary, Tertiary, Link, Error };
 
 /// The colour of a tone on the windows of `palette`; at least 4.5 to 1 against them (WCAG 2.1, 1.4.3).
 QColor toneColour(Tone tone, const QPalette &palette);
+
+/// A part of a window that stands back or forth; texts of every tone but Tertiary can be read on it.
+enum class Ground { Sunken, Raised };
+QColor groundColour(Ground ground, const QPalette &palette);
+
+/// The ratio of contrast between two colours (WCAG 2.1), 1 to 21.
+double contrastRatio(const QColor &a, const QColor &b);
+
+/// Makes a button the window's main one: in a strong colour, where the style does not do that by itself.
+void markAsMain(QPushButton &button);
 
 /// A centred label of plain text whose colour follows its tone in light and dark appearance.
 class ToneLabel : public QLabel {

@@ -2,6 +2,7 @@
 
 #include <QCursor>
 #include <QGuiApplication>
+#include <QLayout>
 #include <QScreen>
 #include <QWidget>
 
@@ -13,6 +14,13 @@ void centreOnScreen(QWidget &window) {
         screen = QGuiApplication::primaryScreen();
     if (screen)
         window.move(screen->availableGeometry().center() - window.rect().center());
+}
+
+void fitHeight(QWidget &window, int width) {
+    QLayout &layout = *window.layout();
+    layout.activate();
+    const int height = layout.hasHeightForWidth() ? layout.heightForWidth(width) : layout.sizeHint().height();
+    window.setFixedSize(width, height);
 }
 
 } // namespace korvel

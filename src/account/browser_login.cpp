@@ -1,0 +1,137 @@
+#include "account/browser_login.h"
+
+#include "account/server_api.h"
+#include "app/wording.h"
+#include "platform/json_values.h"
+
+#include <QUrl>
+
+using namespace Qt::StringLiterals;
+
+namespace korvel {
+
+namespace {
+
+constexpr int MOST_ATTEMPTS = 15;
+constexpr milliseconds NEXT_ATTEMPT = 1s;
+constexpr milliseconds STATUS_PERIOD = 1s;
+constexpr auto PAGE_GOOD_FOR = 600s;
+constexpr auto LATE_ANSWERS_FOR = 30s;
+
+bool isSecurePage(const QString &address) {
+    const QUrl url(address, QUrl::StrictMode);
+    return url.isValid() && url.scheme() == u"https" && !url.host().isEmpty();
+}
+
+Notice failure(const QString &text, double secs) { return {.text = text, .secs = Seconds(secs), .error = true}; }
+
+} // namespace
+
+AgentRequest authStartRequest(const QString &device) {
+    return {.method = "POST", .path = u"/auth/start"_s, .body = QJsonObject{{u"device"_s, device}}, .timeout = 10s};
+}
+
+AgentRequest authStatusRequest(const QString &id) {
+    // Only letters and digits stay as they are.
+    const QByteArray encoded = QUrl::toPercentEncoding(id, {}, "-._~");
+    return {.path = u"/auth/status?id="_s + QString::fromLatin1(encoded), .timeout = 3s};
+}
+
+BrowserLogin::BrowserLogin(BrowserLoginState &l, const HealthState &st, const FixedConfig &f, AgentApi &a, Desktop &d,
+                           Scheduler &s, Hooks h)
+    : login(l), health(st), fixed(f), api(a), desktop(d), scheduler(s), hooks(std::move(h)) {}
+
+void BrowserLogin::startBrowserLogin(int attempt) {
+    if (fixed.IS_CN)
+        return hooks.showCnLogin();
+    // Another click while the first still waits for the agent must not start a second sign-in.
+    if (reopenPage() || (attempt == 0 && starting))
+        return;
+    starting = true;
+    if (!health.running || !api.hasToken())
+        return waitForAgent(attempt);
+    auto answered = [this](const Result<QJsonObject> &reply) {
+        if (std::exchange(starting, false))
+            started(reply);
+    };
+    api.send(authStartRequest(computerDisplayName(desktop.computerName())),
+             Done<QJsonObject>(alive.guard(std::move(answered))));
+}
+
+bool BrowserLogin::reopenPage() {
+    if (!login.browserLoginId || !login.browserLoginURL || scheduler.now() >= login.browserLoginUntil)
+        return false;
+    desktop.openUrl(*login.browserLoginURL);
+    return true;
+}
+
+void BrowserLogin::waitForAgent(int attempt) {
+    if (attempt >= MOST_ATTEMPTS) {
+        starting = false;
+        return hooks.showHUD(
+            failure(L(u"Korvel 后台服务未能启动，请稍后重试", u"Korvel couldn't start. Try again later."), 4));
+    }
+    if (attempt == 0) {
+        hooks.showHUD({.text = L(u"正在启动…", u"Starting…"), .secs = Seconds(15)});
+        hooks.restartAgent([] {});
+    }
+    nextAttempt = scheduler.after(NEXT_ATTEMPT, [this, attempt] { startBrowserLogin(attempt + 1); });
+}
+
+void BrowserLogin::started(const Result<QJsonObject> &reply) {
+    const QJsonObject answer = reply ? reply.value() : QJsonObject();
+    const auto id = jsonText(answer.value(u"id"));
+    const auto url = jsonText(answer.value(u"url"));
+    if (id && url && isSecurePage(*url))
+        return open(*id, *url);
+    hooks.showHUD(failure(L(u"无法开始登录，请稍后重试", u"Couldn't start signing in. Try again later."), 4));
+}
+
+void BrowserLogin::open(const QString &id, const QString &url) {
+    stopBrowserLogin();
+    login.browserLoginId = id;
+    login.browserLoginURL = url;
+    login.browserLoginUntil = scheduler.now() + PAGE_GOOD_FOR;
+    desktop.openUrl(url);
+    browserLoginTimer = scheduler.every(STATUS_PERIOD, [this] { pollBrowserLogin(); });
+}
+
+void BrowserLogin::pollBrowserLogin() {
+    if (!login.browserLoginId)
+        return;
+    // An answer may come a little after the page has lapsed.
+    if (scheduler.now() > login.browserLoginUntil + LATE_ANSWERS_FOR)
+        return stopBrowserLogin();
+    auto answered = [this, id = *login.browserLoginId](const Result<QJsonObject> &reply) {
+        // Slow answers overlap: the first outcome counts, and none of a sign-in that is over.
+        if (reply && login.browserLoginId == id)
+            outcome(reply.value());
+    };
+    api.send(authStatusRequest(*login.browserLoginId), Done<QJsonObject>(alive.guard(std::move(answered))));
+}
+
+void BrowserLogin::outcome(const QJsonObject &answer) {
+    const QString status = answer.value(u"status").toString();
+    if (status == u"done") {
+        stopBrowserLogin();
+        hooks.showHUD(
+            {.text = L(u"● 已登录 ", u"● Signed in as ") + answer.value(u"user").toString(), .secs = Seconds(3)});
+        hooks.poll();
+        hooks.pairAfterLogin();
+    } else if (status == u"failed") {
+        stopBrowserLogin();
+        hooks.showHUD(failure(jsonText(answer.value(u"error")).value_or(L(u"登录失败", u"Couldn't sign in.")), 5));
+    } else if (status == u"cancelled" || status == u"expired") {
+        stopBrowserLogin();
+    }
+}
+
+void BrowserLogin::stopBrowserLogin() {
+    starting = false;
+    nextAttempt.cancel();
+    browserLoginTimer.cancel();
+    login.browserLoginId.reset();
+    login.browserLoginURL.reset();
+}
+
+} // namespace korvel

@@ -1,0 +1,146 @@
+#include "account/cn_login.h"
+
+#include "account/cn_login_view.h"
+#include "account/server_rules.h"
+#include "app/wording.h"
+
+namespace korvel {
+
+namespace {
+constexpr milliseconds TICK = 1s;
+}
+
+CnLogin::CnLogin(const HealthState &st, const FixedConfig &f, const AgentConfig &c, LoginPanel &w, Desktop &d,
+                 Scheduler &s, Hooks h)
+    : health(st), fixed(f), config(c), window(w), desktop(d), scheduler(s), hooks(std::move(h)) {
+    window.connect([this](const LoginInput &i) { input(i); });
+}
+
+void CnLogin::showCnLogin() {
+    if (!form) {
+        ++opening;
+        const bool again = bound(config.readCfg()) && health.authDead && !health.accountGone;
+        form = openCnLoginForm(again, again ? health.account : QString());
+    }
+    if (window.present(cnLoginView(*form)))
+        window.focus(firstEmptyField(*form));
+}
+
+void CnLogin::input(const LoginInput &i) {
+    if (!form)
+        return;
+    switch (i.kind) {
+    case LoginInput::Kind::Account:
+        form->account = i.text;
+        return;
+    case LoginInput::Kind::Code:
+        form->code = i.text;
+        return;
+    case LoginInput::Kind::Password:
+        form->password = i.text;
+        return;
+    case LoginInput::Kind::Agree:
+        form->agree = i.index != 0;
+        return;
+    case LoginInput::Kind::Tab:
+        return chooseMode(i.index == 0);
+    case LoginInput::Kind::LinkA:
+        return turnTo(form->page == Page::Login ? Page::Register : Page::Login);
+    case LoginInput::Kind::LinkB:
+        return turnTo(Page::Reset);
+    case LoginInput::Kind::SendCode:
+        return sendCode();
+    case LoginInput::Kind::Submit:
+        return submit();
+    case LoginInput::Kind::Terms:
+        return desktop.openUrl(fixed.TERMS_URL);
+    case LoginInput::Kind::Privacy:
+        return desktop.openUrl(fixed.PRIVACY_URL);
+    case LoginInput::Kind::Close:
+        return forget();
+    }
+}
+
+void CnLogin::turnTo(Page page) {
+    setPage(*form, page);
+    show();
+    window.focus(LoginField::Account);
+}
+
+void CnLogin::chooseMode(bool codeMode) {
+    if (form->codeMode == codeMode)
+        return;
+    setCodeMode(*form, codeMode);
+    show();
+}
+
+void CnLogin::sendCode() {
+    const auto request = korvel::sendCode(*form);
+    if (!request)
+        return;
+    show();
+    hooks.runOp(*request, alive.guard([this, asked = opening](const std::optional<QJsonObject> &answer) {
+        if (!form || asked != opening)
+            return;
+        codeAnswered(*form, answer);
+        runTick();
+        show();
+    }));
+}
+
+void CnLogin::submit() {
+    const auto request = korvel::submit(*form);
+    if (!request)
+        return;
+    show();
+    hooks.runOp(*request,
+                alive.guard([this, sent = *form, asked = opening](const std::optional<QJsonObject> &answer) mutable {
+                    if (form && asked == opening)
+                        answered(answer);
+                    // Closing the window does not take a sign-in back: that it went through is told all the same.
+                    else if (const auto user = submitAnswered(sent, answer).user)
+                        cnLoggedIn(*user);
+                }));
+}
+
+void CnLogin::answered(const std::optional<QJsonObject> &answer) {
+    const SubmitOutcome outcome = submitAnswered(*form, answer);
+    if (outcome.user)
+        return cnLoggedIn(*outcome.user);
+    if (outcome.bringToFront)
+        window.present(cnLoginView(*form));
+    else
+        show();
+    if (outcome.focus)
+        window.focus(*outcome.focus);
+}
+
+void CnLogin::cnLoggedIn(const QString &user) {
+    window.close();
+    forget();
+    hooks.stopBrowserLogin();
+    hooks.showHUD({.text = L(u"● 已登录 ", u"● Signed in as ") + user, .secs = Seconds(3)});
+    hooks.poll();
+    hooks.pairAfterLogin();
+}
+
+void CnLogin::runTick() {
+    tick.cancel();
+    if (form->countdown < 1)
+        return;
+    tick = scheduler.every(TICK, [this] {
+        startCountdown(*form, form->countdown - 1);
+        if (form->countdown == 0)
+            tick.cancel();
+        show();
+    });
+}
+
+void CnLogin::show() { window.apply(cnLoginView(*form)); }
+
+void CnLogin::forget() {
+    tick.cancel();
+    form.reset();
+}
+
+} // namespace korvel

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "account/cn_login_form.h"
+#include "app/fixed_config.h"
+#include "app/tray_state.h"
+#include "platform/alive.h"
+#include "platform/desktop.h"
+#include "platform/login_panel.h"
+#include "platform/scheduler.h"
+#include "service/agent_config.h"
+#include "ui/notices.h"
+
+#include <functional>
+#include <optional>
+
+namespace korvel {
+
+/// The mainland sign-in window: collects what the user types, hands each operation to the agent's command line and
+/// shows its answers. The agent signs in and binds this Mac itself.
+class CnLogin {
+public:
+    struct Hooks {
+        std::function<void(const QJsonObject &request, std::function<void(std::optional<QJsonObject>)> done)> runOp;
+        std::function<void()> stopBrowserLogin;
+        std::function<void(const Notice &)> showHUD;
+        std::function<void()> poll;
+        std::function<void()> pairAfterLogin;
+    };
+    CnLogin(const HealthState &health, const FixedConfig &fixed, const AgentConfig &config, LoginPanel &window,
+            Desktop &desktop, Scheduler &scheduler, Hooks hooks);
+
+    /// Opens the window, or brings the open one to the front.
+    void showCnLogin();
+
+private:
+    void input(const LoginInput &input);
+    void turnTo(Page page);
+    void chooseMode(bool codeMode);
+    void sendCode();
+    void submit();
+    void answered(const std::optional<QJsonObject> &answer);
+    void cnLoggedIn(const QString &user);
+    void runTick();
+    void show();
+    void forget();
+
+    const HealthState &health;
+    const FixedConfig &fixed;
+    const AgentConfig &config;
+    LoginPanel &window;
+    Desktop &desktop;
+    Scheduler &scheduler;
+    Hooks hooks;
+    std::optional<CnLoginForm> form; ///< None: no window is open.
+    int opening = 0;                 ///< Counts windows, so that an answer for a closed one is told.
+    Timer tick;
+    Alive alive;
+};
+
+} // namespace korvel

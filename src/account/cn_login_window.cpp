@@ -1,0 +1,284 @@
+#include "account/cn_login_window.h"
+
+#include "app/wording.h"
+#include "ui/link_button.h"
+#include "ui/segmented_control.h"
+#include "ui/window_place.h"
+
+#include <QBoxLayout>
+#include <QCheckBox>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QProgressBar>
+#include <QPushButton>
+
+namespace korvel {
+
+namespace {
+
+constexpr int WIDTH = 404;
+constexpr int MARGIN = 30;
+constexpr int CONTENT = WIDTH - 2 * MARGIN;
+constexpr int FIELD_HEIGHT = 30;
+constexpr int MESSAGE_LINES = 2;
+constexpr int BUSY_HEIGHT = 3;
+constexpr int BUTTON_MARGINS = 28;
+
+ToneLabel *leftLabel(const QFont &font, Tone tone, QWidget *parent) {
+    auto *label = new ToneLabel(font, tone, parent);
+    label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    return label;
+}
+
+ToneLabel *caption(QWidget *parent) { return leftLabel(uiFont(12), Tone::Secondary, parent); }
+
+/// A line below the fields whose room is always there, so that nothing moves when it speaks.
+ToneLabel *message(Tone tone, QWidget *parent) {
+    ToneLabel *label = leftLabel(uiFont(12), tone, parent);
+    label->setWordWrap(true);
+    label->setFixedWidth(CONTENT);
+    return label;
+}
+
+QLineEdit *lineEdit(QLabel *label, QWidget *parent) {
+    auto *field = new QLineEdit(parent);
+    field->setFont(uiFont(13));
+    field->setFixedHeight(FIELD_HEIGHT);
+    label->setBuddy(field);
+    return field;
+}
+
+int widest(const QWidget &control, const QStringList &texts) {
+    int width = 0;
+    for (const QString &text : texts)
+        width = std::max(width, control.fontMetrics().horizontalAdvance(text));
+    return width;
+}
+
+} // namespace
+
+CnLoginWindow::CnLoginWindow(std::function<void(const LoginInput &)> in)
+    : EscWindow(nullptr, Qt::Window | Qt::WindowTitleHint | Qt::WindowCloseButtonHint | Qt::CustomizeWindowHint),
+      input(std::move(in)), titleF(new ToneLabel(uiFont(20, QFont::DemiBold), Tone::Normal, this)),
+      noticeF(new ToneLabel(uiFont(12), Tone::Secondary, this)), tabs(new SegmentedControl(this)), acctL(caption(this)),
+      codeL(caption(this)), passL(caption(this)), acctF(lineEdit(acctL, this)), codeF(lineEdit(codeL, this)),
+      passF(lineEdit(passL, this)), sendB(new QPushButton(this)),
+      agreeB(new QCheckBox(L(u"我已阅读并同意", u"I agree to the"), this)),
+      termsB(new LinkButton(L(u"《用户协议》", u"Terms of Service"), this)),
+      privacyB(new LinkButton(L(u"《隐私政策》", u"Privacy Policy"), this)), linkA(new LinkButton({}, this)),
+      linkB(new LinkButton({}, this)), andF(new ToneLabel(uiFont(12), Tone::Normal, this)),
+      infoF(message(Tone::Secondary, this)), errF(message(Tone::Error, this)), mainB(new QPushButton(this)),
+      busyBar(new QProgressBar(this)) {
+    setWindowTitle(QStringLiteral("Korvel"));
+    setAttribute(Qt::WA_QuitOnClose, false);
+    onEsc = [this] { close(); };
+    noticeF->setWordWrap(true);
+    noticeF->setFixedWidth(CONTENT);
+    passF->setEchoMode(QLineEdit::Password);
+    codeF->setInputMethodHints(Qt::ImhPreferNumbers | Qt::ImhNoPredictiveText);
+    agreeB->setFont(uiFont(12));
+    andF->setText(L(u"和", u"and"));
+    sendB->setAutoDefault(false);
+    // As wide as its longest countdown of the usual length, so that the field beside it keeps its width.
+    sendB->setMinimumWidth(BUTTON_MARGINS +
+                           widest(*sendB, {L(u"获取验证码", u"Get Code"), L(u"60 秒后重新获取", u"Resend in 60s")}));
+    sendB->setFixedHeight(FIELD_HEIGHT);
+    mainB->setFont(uiFont(13, QFont::DemiBold));
+    mainB->setFixedHeight(FIELD_HEIGHT + 4);
+    markAsMain(*mainB);
+    busyBar->setRange(0, 0);
+    busyBar->setTextVisible(false);
+    busyBar->setFixedHeight(BUSY_HEIGHT);
+    QSizePolicy keepsItsRoom = busyBar->sizePolicy();
+    keepsItsRoom.setRetainSizeWhenHidden(true);
+    busyBar->setSizePolicy(keepsItsRoom);
+    layOut();
+    connectControls();
+}
+
+void CnLoginWindow::layOut() {
+    auto *lines = new QWidget(this);
+    auto *linesColumn = new QVBoxLayout(lines);
+    linesColumn->setContentsMargins(0, 0, 0, 0);
+    linesColumn->addWidget(infoF);
+    linesColumn->addWidget(errF);
+    linesColumn->addStretch();
+    lines->setMinimumHeight(MESSAGE_LINES * infoF->fontMetrics().lineSpacing());
+
+    auto *links = new QHBoxLayout;
+    links->addWidget(linkA);
+    links->addStretch();
+    links->addWidget(linkB);
+
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(MARGIN, 26, MARGIN, 22);
+    column->setSpacing(6);
+    column->addWidget(titleF);
+    column->addWidget(noticeF, 0, Qt::AlignHCenter);
+    column->addSpacing(8);
+    column->addWidget(tabs);
+    column->addSpacing(4);
+    column->addWidget(acctL);
+    column->addWidget(acctF);
+    column->addWidget(codeL);
+    column->addLayout(codeRow());
+    column->addWidget(passL);
+    column->addWidget(passF);
+    column->addLayout(agreeRows());
+    column->addWidget(lines);
+    column->addWidget(mainB);
+    column->addWidget(busyBar);
+    column->addSpacing(2);
+    column->addLayout(links);
+}
+
+QLayout *CnLoginWindow::codeRow() {
+    auto *row = new QHBoxLayout;
+    row->setSpacing(8);
+    row->addWidget(codeF, 1);
+    row->addWidget(sendB);
+    return row;
+}
+
+QLayout *CnLoginWindow::agreeRows() {
+    auto *links = new QHBoxLayout;
+    links->setSpacing(4);
+    for (QWidget *part : std::initializer_list<QWidget *>{termsB, andF, privacyB})
+        links->addWidget(part);
+    links->addStretch();
+    const int wanted = agreeB->sizeHint().width() + links->sizeHint().width() + 4;
+    auto *rows = new QBoxLayout(wanted <= CONTENT ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+    rows->setSpacing(4);
+    rows->addWidget(agreeB);
+    rows->addLayout(links, 1);
+    return rows;
+}
+
+void CnLoginWindow::connectControls() {
+    const auto typed = [this](QLineEdit *field, LoginInput::Kind kind) {
+        connect(field, &QLineEdit::textEdited, this,
+                [this, kind](const QString &text) { input({.kind = kind, .text = text}); });
+    };
+    typed(acctF, LoginInput::Kind::Account);
+    typed(codeF, LoginInput::Kind::Code);
+    typed(passF, LoginInput::Kind::Password);
+    const auto pressed = [this](QPushButton *button, LoginInput::Kind kind) {
+        connect(button, &QPushButton::clicked, this, [this, kind] { input({.kind = kind}); });
+    };
+    pressed(sendB, LoginInput::Kind::SendCode);
+    pressed(termsB, LoginInput::Kind::Terms);
+    pressed(privacyB, LoginInput::Kind::Privacy);
+    pressed(linkA, LoginInput::Kind::LinkA);
+    pressed(linkB, LoginInput::Kind::LinkB);
+    pressed(mainB, LoginInput::Kind::Submit);
+    connect(agreeB, &QCheckBox::toggled, this,
+            [this](bool on) { input({.kind = LoginInput::Kind::Agree, .index = on ? 1 : 0}); });
+    tabs->onChosen = [this](int index) { input({.kind = LoginInput::Kind::Tab, .index = index}); };
+}
+
+void CnLoginWindow::apply(const CnLoginView &view) {
+    titleF->setText(view.title);
+    noticeF->setTextOrHide(view.notice);
+    tabs->setVisible(!view.tabs.isEmpty());
+    if (!view.tabs.isEmpty()) {
+        tabs->setSegments(view.tabs);
+        tabs->setCurrent(view.tab);
+    }
+    applyField(acctL, acctF, view.account, view.busy);
+    applyField(codeL, codeF, view.code, view.busy);
+    applyField(passL, passF, view.password, view.busy);
+    sendB->setVisible(view.code.visible);
+    sendB->setText(view.sendText);
+    sendB->setEnabled(view.sendEnabled);
+    for (QWidget *part : std::initializer_list<QWidget *>{agreeB, termsB, andF, privacyB})
+        part->setVisible(view.agreeVisible);
+    agreeB->setChecked(view.agree);
+    linkA->setText(view.linkA);
+    linkB->setText(view.linkB);
+    linkB->setVisible(!view.linkB.isEmpty());
+    infoF->setTextOrHide(view.info);
+    errF->setTextOrHide(view.error);
+    mainB->setText(view.mainText);
+    setBusy(view.busy);
+    fitHeight(*this, WIDTH);
+}
+
+void CnLoginWindow::applyField(QLabel *label, QLineEdit *field, const LoginFieldView &view, bool busy) {
+    label->setText(view.label);
+    label->setVisible(view.visible);
+    field->setPlaceholderText(view.placeholder);
+    field->setVisible(view.visible);
+    field->setEnabled(!busy);
+    if (field->text() != view.text) // setting a text moves the caret
+        field->setText(view.text);
+}
+
+void CnLoginWindow::setBusy(bool busy) {
+    for (QWidget *control : std::initializer_list<QWidget *>{tabs, agreeB, linkA, linkB, mainB})
+        control->setEnabled(!busy);
+    busyBar->setVisible(busy);
+}
+
+void CnLoginWindow::focus(LoginField field) {
+    switch (field) {
+    case LoginField::Account:
+        return acctF->setFocus();
+    case LoginField::Code:
+        return codeF->setFocus();
+    case LoginField::Password:
+        return passF->setFocus();
+    case LoginField::Agree:
+        return agreeB->setFocus();
+    }
+}
+
+void CnLoginWindow::keyPressEvent(QKeyEvent *event) {
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        return mainB->click();
+    EscWindow::keyPressEvent(event);
+}
+
+void CnLoginWindow::closeEvent(QCloseEvent *event) {
+    EscWindow::closeEvent(event);
+    input({.kind = LoginInput::Kind::Close});
+}
+
+CnLoginPanel::~CnLoginPanel() = default;
+
+void CnLoginPanel::connect(std::function<void(const LoginInput &)> input) { sink = std::move(input); }
+
+bool CnLoginPanel::present(const CnLoginView &view) {
+    if (!window)
+        window = std::make_unique<CnLoginWindow>([this](const LoginInput &input) {
+            if (input.kind == LoginInput::Kind::Close)
+                close();
+            sink(input);
+        });
+    window->apply(view);
+    const bool appears = !window->isVisible();
+    if (appears)
+        centreOnScreen(*window);
+    window->show();
+    window->raise();
+    window->activateWindow();
+    return appears;
+}
+
+void CnLoginPanel::apply(const CnLoginView &view) {
+    if (window)
+        window->apply(view);
+}
+
+void CnLoginPanel::focus(LoginField field) {
+    if (window)
+        window->focus(field);
+}
+
+void CnLoginPanel::close() {
+    if (!window)
+        return;
+    window->hide();
+    window.release()->deleteLater(); // it may be the one that says it
+}
+
+} // namespace korvel

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "account/cn_login_view.h"
+#include "platform/login_panel.h"
+#include "ui/esc_window.h"
+#include "ui/text_styles.h"
+
+#include <memory>
+
+class QBoxLayout;
+class QCheckBox;
+class QLineEdit;
+class QProgressBar;
+class QPushButton;
+
+namespace korvel {
+
+class LinkButton;
+class SegmentedControl;
+
+/// The mainland sign-in window: maps a CnLoginView. Return submits, Escape closes.
+class CnLoginWindow final : public EscWindow {
+public:
+    explicit CnLoginWindow(std::function<void(const LoginInput &)> input);
+
+    void apply(const CnLoginView &view);
+    void focus(LoginField field);
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    void layOut();
+    QLayout *codeRow();
+    QLayout *agreeRows();
+    void connectControls();
+    void applyField(QLabel *label, QLineEdit *field, const LoginFieldView &view, bool busy);
+    void setBusy(bool busy);
+
+    const std::function<void(const LoginInput &)> input;
+    ToneLabel *titleF, *noticeF;
+    SegmentedControl *tabs;
+    ToneLabel *acctL, *codeL, *passL;
+    QLineEdit *acctF, *codeF, *passF;
+    QPushButton *sendB;
+    QCheckBox *agreeB;
+    LinkButton *termsB, *privacyB, *linkA, *linkB;
+    ToneLabel *andF, *infoF, *errF;
+    QPushButton *mainB;
+    QProgressBar *busyBar;
+};
+
+/// The window as a port: made when it is shown, gone when it is closed.
+class CnLoginPanel final : public LoginPanel {
+public:
+    ~CnLoginPanel() override;
+    void connect(std::function<void(const LoginInput &)> input) override;
+    bool present(const CnLoginView &view) override;
+    void apply(const CnLoginView &view) override;
+    void focus(LoginField field) override;
+    void close() override;
+
+private:
+    std::function<void(const LoginInput &)> sink;
+    std::unique_ptr<CnLoginWindow> window;
+};
+
+} // namespace korvel

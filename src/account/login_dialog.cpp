@@ -1,0 +1,77 @@
+#include "account/login_dialog.h"
+
+#include "account/server_rules.h"
+#include "app/wording.h"
+
+namespace korvel {
+
+namespace {
+enum Field { Account, Password, Server };
+}
+
+AlertView loginAlert(const LoginAttempt &attempt, bool isBound, const QString &serverInUse) {
+    AlertView view{.title = isBound ? L(u"重新登录 Korvel", u"Sign In to Korvel Again")
+                                    : L(u"登录 Korvel", u"Sign In to Korvel"),
+                   .text = attempt.error.value_or(QString()),
+                   .warning = false,
+                   .buttons = {L(u"登录", u"Sign In"), L(u"取消", u"Cancel")},
+                   .escape = 1,
+                   .fields = {{.label = L(u"邮箱", u"Email"), .text = attempt.user},
+                              {.kind = AlertField::Kind::Secret, .label = L(u"密码", u"Password")}}};
+    if (attempt.advanced.value_or(false))
+        view.fields.append({.kind = AlertField::Kind::Address,
+                            .label = L(u"服务器", u"Server"),
+                            .text = attempt.server.value_or(serverInUse)});
+    return view;
+}
+
+LoginDialog::LoginDialog(const FixedConfig &f, const AgentConfig &c, const Desktop &d, Alerts &al, Hooks h)
+    : fixed(f), config(c), desktop(d), alerts(al), hooks(std::move(h)) {}
+
+void LoginDialog::showLogin(LoginAttempt attempt) {
+    if (fixed.IS_CN)
+        return hooks.showCnLogin();
+    if (!attempt.advanced)
+        attempt.advanced = desktop.optionKeyHeld();
+    const QJsonObject cfg = config.readCfg();
+    alerts.open(loginAlert(attempt, bound(cfg), serverOf(fixed, cfg)),
+                alive.guard([this, attempt](const AlertAnswer &answer) {
+                    if (answer.button == 0)
+                        answered(attempt, answer.texts);
+                }));
+}
+
+void LoginDialog::answered(LoginAttempt attempt, const QStringList &texts) {
+    attempt.user = texts.value(Account);
+    const QString pass = texts.value(Password);
+    const QString typed = *attempt.advanced ? texts.value(Server) : serverOf(fixed, config.readCfg());
+    attempt.server = typed;
+    if (attempt.user.isEmpty() || pass.isEmpty()) {
+        attempt.error = L(u"请输入邮箱和密码", u"Enter your email and password.");
+        return showLogin(attempt);
+    }
+    const auto server = normalizeServer(typed);
+    if (!server) {
+        attempt.error = L(u"服务器地址格式不正确", u"The server address isn't valid.");
+        return showLogin(attempt);
+    }
+    hooks.showHUD({.text = L(u"正在登录…", u"Signing in…"), .secs = Seconds(40)});
+    hooks.performLogin(attempt.user, pass, *server, alive.guard([this, attempt](bool ok, const QString &message) {
+        finished(attempt, ok, message);
+    }));
+}
+
+void LoginDialog::finished(LoginAttempt attempt, bool ok, const QString &message) {
+    if (!ok) {
+        // The dialog says it now; it must not lie below a notice that still says "signing in".
+        hooks.hideHUD();
+        attempt.error = message;
+        return showLogin(attempt);
+    }
+    hooks.stopBrowserLogin();
+    hooks.showHUD({.text = message, .secs = Seconds(3)});
+    hooks.poll();
+    hooks.pairAfterLogin();
+}
+
+} // namespace korvel

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "app/fixed_config.h"
+#include "platform/alerts.h"
+#include "platform/alive.h"
+#include "platform/desktop.h"
+#include "service/agent_config.h"
+#include "ui/notices.h"
+
+#include <functional>
+#include <optional>
+
+namespace korvel {
+
+/// What one showing of the sign-in dialog is given: what survives of a failed attempt.
+struct LoginAttempt {
+    QString user = {};
+    std::optional<QString> error = {};  ///< Why the last attempt failed.
+    std::optional<QString> server = {}; ///< As typed in the last attempt.
+    std::optional<bool> advanced = {};  ///< Whether the server can be chosen; none: when the Option key is held now.
+};
+
+/// The alert of one attempt.
+AlertView loginAlert(const LoginAttempt &attempt, bool isBound, const QString &serverInUse);
+
+/// Asks for account and password in an alert, again and again until a sign-in succeeds or the user cancels. In the
+/// mainland edition the sign-in window takes its place.
+class LoginDialog {
+public:
+    struct Hooks {
+        std::function<void()> showCnLogin;
+        std::function<void()> stopBrowserLogin;
+        std::function<void(const QString &user, const QString &pass, const QString &server,
+                           std::function<void(bool ok, const QString &message)> done)>
+            performLogin;
+        std::function<void(const Notice &)> showHUD;
+        std::function<void()> hideHUD;
+        std::function<void()> poll;
+        std::function<void()> pairAfterLogin;
+    };
+    LoginDialog(const FixedConfig &fixed, const AgentConfig &config, const Desktop &desktop, Alerts &alerts,
+                Hooks hooks);
+
+    void showLogin(LoginAttempt attempt = {});
+
+private:
+    void answered(LoginAttempt attempt, const QStringList &texts);
+    void finished(LoginAttempt attempt, bool ok, const QString &message);
+
+    const FixedConfig &fixed;
+    const AgentConfig &config;
+    const Desktop &desktop;
+    Alerts &alerts;
+    Hooks hooks;
+    Alive alive;
+};
+
+} // namespace korvel

@@ -1,0 +1,75 @@
+#include "account/sign_out.h"
+
+#include "app/wording.h"
+#include "e2ee/requests.h"
+
+using namespace Qt::StringLiterals;
+
+namespace korvel {
+
+namespace {
+
+/// How long the service manager may take to stop the agent before the sign-out ends without it.
+constexpr milliseconds STOPPED_WITHIN = 10s;
+
+AlertView question() {
+    return {.title = L(u"退出账号?", u"Sign Out?"),
+            .text = L(u"退出后，手机将无法看到这台电脑", u"Your phone won't see this Mac after you sign out."),
+            .warning = false,
+            .buttons = {L(u"退出账号", u"Sign Out"), L(u"取消", u"Cancel")},
+            .escape = 1};
+}
+
+} // namespace
+
+SignOut::SignOut(HealthState &st, const FixedConfig &f, const AgentConfig &c, AgentApi &a, Alerts &al,
+                 ServiceControl &sv, Scheduler &s, Hooks h)
+    : health(st), fixed(f), config(c), api(a), alerts(al), services(sv), scheduler(s), hooks(std::move(h)) {}
+
+void SignOut::logoutDialog() {
+    if (underWay)
+        return;
+    alerts.open(question(), alive.guard([this](const AlertAnswer &answer) {
+        if (answer.button == 0)
+            tellAgent();
+    }));
+}
+
+void SignOut::tellAgent() {
+    underWay = true;
+    hooks.showHUD({.text = L(u"⏻ 正在退出…", u"⏻ Signing out…"), .secs = Seconds(30)});
+    e2Post(api, e2LogoutRequest(), alive.guard([this](const std::optional<QJsonObject> &) { signOutRest(); }));
+}
+
+void SignOut::signOutRest() {
+    underWay = true;
+    hooks.stopBrowserLogin();
+    hooks.unbindCurrent(alive.guard([this] { clear(); }));
+}
+
+void SignOut::clear() {
+    const bool cleared = config.changeCfg([](QJsonObject &cfg) {
+        for (const QString &key : {u"agentToken"_s, u"agentId"_s, u"username"_s, u"loginName"_s})
+            cfg.remove(key);
+    });
+    finishAnyway = scheduler.after(STOPPED_WITHIN, [this, cleared] { finish(cleared); });
+    scheduler.background([&sv = services, label = fixed.AGENT_LABEL] { return sv.bootout(label); },
+                         alive.guard([this, cleared](bool) { finish(cleared); }));
+}
+
+void SignOut::finish(bool cleared) {
+    if (!std::exchange(underWay, false))
+        return;
+    finishAnyway.cancel();
+    health.account.clear();
+    health.authDead = health.accountGone = false;
+    hooks.poll();
+    if (cleared)
+        hooks.showHUD({.text = L(u"⏻ 已退出账号", u"⏻ Signed out"), .secs = Seconds(2.5)});
+    else
+        hooks.showHUD({.text = L(u"退出失败，请稍后重试", u"Couldn't sign out. Try again later."),
+                       .secs = Seconds(4),
+                       .error = true});
+}
+
+} // namespace korvel

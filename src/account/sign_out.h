@@ -1,0 +1,52 @@
+#pragma once
+
+#include "app/fixed_config.h"
+#include "app/tray_state.h"
+#include "platform/alerts.h"
+#include "platform/alive.h"
+#include "platform/scheduler.h"
+#include "service/agent_api.h"
+#include "service/service_control.h"
+#include "ui/notices.h"
+
+#include <functional>
+
+namespace korvel {
+
+/// Signs this Mac out: tells the agent, releases the credential, clears the configuration, stops the agent. Nothing on
+/// the way that fails or hangs keeps it from ending.
+class SignOut {
+public:
+    struct Hooks {
+        std::function<void(std::function<void()> then)> unbindCurrent;
+        std::function<void()> stopBrowserLogin;
+        std::function<void()> poll;
+        std::function<void(const Notice &)> showHUD;
+    };
+    SignOut(HealthState &health, const FixedConfig &fixed, const AgentConfig &config, AgentApi &api, Alerts &alerts,
+            ServiceControl &services, Scheduler &scheduler, Hooks hooks);
+
+    /// Asks the user, then signs out.
+    void logoutDialog();
+    /// Everything after the agent was told.
+    void signOutRest();
+
+private:
+    void tellAgent();
+    void clear();
+    void finish(bool cleared);
+
+    HealthState &health;
+    const FixedConfig &fixed;
+    const AgentConfig &config;
+    AgentApi &api;
+    Alerts &alerts;
+    ServiceControl &services;
+    Scheduler &scheduler;
+    Hooks hooks;
+    bool underWay = false;
+    Timer finishAnyway;
+    Alive alive;
+};
+
+} // namespace korvel

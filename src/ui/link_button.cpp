@@ -1,0 +1,33 @@
+#include "ui/link_button.h"
+
+#include "ui/text_styles.h"
+
+#include <QPainter>
+
+namespace korvel {
+
+namespace {
+constexpr int MARGIN = 2;
+}
+
+LinkButton::LinkButton(const QString &text, QWidget *parent) : QPushButton(text, parent) {
+    setFont(uiFont(12));
+    setCursor(Qt::PointingHandCursor);
+    setAutoDefault(false);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+}
+
+QSize LinkButton::sizeHint() const {
+    return fontMetrics().size(Qt::TextSingleLine, text()) + QSize(2 * MARGIN, 2 * MARGIN);
+}
+
+void LinkButton::paintEvent(QPaintEvent *) {
+    QPainter painter(this);
+    QFont drawn = font();
+    drawn.setUnderline(isEnabled() && (underMouse() || hasFocus()));
+    painter.setFont(drawn);
+    painter.setPen(toneColour(isEnabled() ? Tone::Link : Tone::Tertiary, palette()));
+    painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine, text());
+}
+
+} // namespace korvel

@@ -1,0 +1,83 @@
+#include "ui/segmented_control.h"
+
+#include "ui/text_styles.h"
+
+#include <QBoxLayout>
+#include <QPainter>
+#include <QRadioButton>
+
+namespace korvel {
+
+namespace {
+
+constexpr int HEIGHT = 28;
+constexpr int INSET = 2;
+constexpr qreal RADIUS = 6;
+
+class Segment final : public QRadioButton {
+public:
+    using QRadioButton::QRadioButton;
+    QSize sizeHint() const override { return {fontMetrics().horizontalAdvance(text()) + 24, HEIGHT - 2 * INSET}; }
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    bool hitButton(const QPoint &point) const override { return rect().contains(point); }
+    void paintEvent(QPaintEvent *) override {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        const QRectF frame = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
+        if (isChecked()) {
+            painter.setPen(hasFocus() ? QPen(palette().color(QPalette::Highlight), 2) : QPen(Qt::NoPen));
+            painter.setBrush(groundColour(Ground::Raised, palette()));
+            painter.drawRoundedRect(hasFocus() ? frame.adjusted(0.5, 0.5, -0.5, -0.5) : frame, RADIUS - 1, RADIUS - 1);
+        }
+        painter.setPen(toneColour(isChecked() && isEnabled() ? Tone::Normal : Tone::Secondary, palette()));
+        painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine, text());
+    }
+};
+
+} // namespace
+
+SegmentedControl::SegmentedControl(QWidget *parent) : QWidget(parent) {
+    auto *row = new QHBoxLayout(this);
+    row->setContentsMargins(INSET, INSET, INSET, INSET);
+    row->setSpacing(INSET);
+    setFixedHeight(HEIGHT);
+}
+
+void SegmentedControl::setSegments(const QStringList &titles) {
+    while (segments.size() < titles.size()) {
+        auto *segment = new Segment(this);
+        segment->setFont(uiFont(12));
+        segment->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+        const int index = static_cast<int>(segments.size());
+        connect(segment, &QAbstractButton::toggled, this, [this, index](bool on) {
+            if (on && onChosen)
+                onChosen(index);
+        });
+        layout()->addWidget(segment);
+        segments.append(segment);
+    }
+    for (qsizetype i = 0; i < segments.size(); ++i) {
+        segments.at(i)->setText(titles.value(i));
+        segments.at(i)->setVisible(i < titles.size());
+    }
+}
+
+void SegmentedControl::setCurrent(int index) {
+    if (index < 0 || index >= segments.size() || segments.at(index)->isChecked())
+        return;
+    const auto told = std::exchange(onChosen, nullptr); // the program's choice, not the user's
+    segments.at(index)->setChecked(true);
+    onChosen = told;
+}
+
+void SegmentedControl::paintEvent(QPaintEvent *) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(groundColour(Ground::Sunken, palette()));
+    painter.drawRoundedRect(rect(), RADIUS, RADIUS);
+}
+
+} // namespace korvel

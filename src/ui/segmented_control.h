@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QStringList>
+#include <QWidget>
+#include <functional>
+
+class QAbstractButton;
+
+namespace korvel {
+
+/// A row of choices of which one holds: mouse, arrow keys and assistive technology treat it as radio buttons.
+class SegmentedControl final : public QWidget {
+public:
+    explicit SegmentedControl(QWidget *parent = nullptr);
+    void setSegments(const QStringList &titles);
+    void setCurrent(int index);
+    /// Called with the number of the choice when the user made another one.
+    std::function<void(int)> onChosen;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    QList<QAbstractButton *> segments;
+};
+
+} // namespace korvel
