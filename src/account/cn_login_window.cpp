@@ -21,6 +21,7 @@ constexpr int MARGIN = 30;
 constexpr int CONTENT = WIDTH - 2 * MARGIN;
 constexpr int FIELD_HEIGHT = 30;
 constexpr int MESSAGE_LINES = 2;
+constexpr int WAYS_TO_SIGN_IN = 2;
 constexpr int BUSY_HEIGHT = 3;
 constexpr int BUTTON_MARGINS = 28;
 
@@ -60,7 +61,7 @@ int widest(const QWidget &control, const QStringList &texts) {
 CnLoginWindow::CnLoginWindow(std::function<void(const LoginInput &)> in)
     : EscWindow(nullptr, Qt::Window | Qt::WindowTitleHint | Qt::WindowCloseButtonHint | Qt::CustomizeWindowHint),
       input(std::move(in)), titleF(new ToneLabel(uiFont(20, QFont::DemiBold), Tone::Normal, this)),
-      noticeF(new ToneLabel(uiFont(12), Tone::Secondary, this)), tabs(new SegmentedControl(this)), acctL(caption(this)),
+      noticeF(new ToneLabel(uiFont(12), Tone::Secondary, this)), tabs(new SegmentedControl(WAYS_TO_SIGN_IN, this)), acctL(caption(this)),
       codeL(caption(this)), passL(caption(this)), acctF(lineEdit(acctL, this)), codeF(lineEdit(codeL, this)),
       passF(lineEdit(passL, this)), sendB(new QPushButton(this)),
       agreeB(new QCheckBox(L(u"我已阅读并同意", u"I agree to the"), this)),
@@ -130,6 +131,8 @@ void CnLoginWindow::layOut() {
     column->addWidget(busyBar);
     column->addSpacing(2);
     column->addLayout(links);
+    setTabOrder(privacyB, mainB); // as they stand, not as they were made
+    setTabOrder(mainB, linkA);
 }
 
 QLayout *CnLoginWindow::codeRow() {
@@ -180,10 +183,8 @@ void CnLoginWindow::apply(const CnLoginView &view) {
     titleF->setText(view.title);
     noticeF->setTextOrHide(view.notice);
     tabs->setVisible(!view.tabs.isEmpty());
-    if (!view.tabs.isEmpty()) {
-        tabs->setSegments(view.tabs);
-        tabs->setCurrent(view.tab);
-    }
+    tabs->setTitles(view.tabs);
+    tabs->setCurrent(view.tab);
     applyField(acctL, acctF, view.account, view.busy);
     applyField(codeL, codeF, view.code, view.busy);
     applyField(passL, passF, view.password, view.busy);

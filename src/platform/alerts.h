@@ -34,8 +34,8 @@ struct AlertView {
 
 /// How an alert was answered.
 struct AlertAnswer {
-    int button = -1;   ///< Index into AlertView::buttons; -1: closed without one.
-    QStringList texts; ///< What the fields held.
+    int button = -1;        ///< Index into AlertView::buttons; -1: closed without one.
+    QStringList texts = {}; ///< What the fields held.
 };
 
 /// Shows alerts, one at a time, without a nested event loop.

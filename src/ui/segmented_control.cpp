@@ -38,30 +38,30 @@ protected:
 
 } // namespace
 
-SegmentedControl::SegmentedControl(QWidget *parent) : QWidget(parent) {
+SegmentedControl::SegmentedControl(int count, QWidget *parent) : QWidget(parent) {
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(INSET, INSET, INSET, INSET);
     row->setSpacing(INSET);
     setFixedHeight(HEIGHT);
-}
-
-void SegmentedControl::setSegments(const QStringList &titles) {
-    while (segments.size() < titles.size()) {
+    for (int index = 0; index < count; ++index) {
         auto *segment = new Segment(this);
         segment->setFont(uiFont(12));
         segment->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
-        const int index = static_cast<int>(segments.size());
-        connect(segment, &QAbstractButton::toggled, this, [this, index](bool on) {
+        segment->setFocusPolicy(Qt::ClickFocus);
+        connect(segment, &QAbstractButton::toggled, this, [this, index, segment](bool on) {
+            // One stop on the way with Tab; the arrow keys change the choice.
+            segment->setFocusPolicy(on ? Qt::StrongFocus : Qt::ClickFocus);
             if (on && onChosen)
                 onChosen(index);
         });
-        layout()->addWidget(segment);
+        row->addWidget(segment);
         segments.append(segment);
     }
-    for (qsizetype i = 0; i < segments.size(); ++i) {
+}
+
+void SegmentedControl::setTitles(const QStringList &titles) {
+    for (qsizetype i = 0; i < segments.size(); ++i)
         segments.at(i)->setText(titles.value(i));
-        segments.at(i)->setVisible(i < titles.size());
-    }
 }
 
 void SegmentedControl::setCurrent(int index) {

@@ -11,8 +11,8 @@ namespace korvel {
 /// A row of choices of which one holds: mouse, arrow keys and assistive technology treat it as radio buttons.
 class SegmentedControl final : public QWidget {
 public:
-    explicit SegmentedControl(QWidget *parent = nullptr);
-    void setSegments(const QStringList &titles);
+    explicit SegmentedControl(int count, QWidget *parent = nullptr);
+    void setTitles(const QStringList &titles);
     void setCurrent(int index);
     /// Called with the number of the choice when the user made another one.
     std::function<void(int)> onChosen;

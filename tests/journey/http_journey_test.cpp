@@ -34,7 +34,8 @@ struct Listener {
 };
 
 struct HttpJourney : ::testing::Test {
-    CurlHttpClient client;
+    QtScheduler scheduler;
+    CurlHttpClient client{scheduler};
     Listener agent;
 
     std::optional<Result<HttpReply>> send(const HttpRequest &request) {
@@ -140,7 +141,7 @@ TEST_F(HttpJourney, TheDeadlineHoldsAgainstADripAndTheSizeAgainstAFlood) {
 
 TEST_F(HttpJourney, RequestsUnderWayAreToldWhenTheClientGoes) {
     agent.onRequest = [](QTcpSocket &) {};
-    auto shortLived = std::make_unique<CurlHttpClient>();
+    auto shortLived = std::make_unique<CurlHttpClient>(scheduler);
     std::optional<ErrorKind> kind;
     shortLived->send(get(agent.url()), Done<HttpReply>([&](Result<HttpReply> r) { kind = r.error().kind; }));
     shortLived.reset();

@@ -67,8 +67,19 @@ void Journey::installAndSignIn() {
 }
 
 void Journey::launch() {
-    tray = std::make_unique<TrayApp>(
-        fixed, paths, TrayPorts{scheduler, http, programs, services, desktop, item, notices, alerts, pairPanel});
+    tray = std::make_unique<TrayApp>(fixed, paths,
+                                     TrayPorts{scheduler,
+                                               http,
+                                               programs,
+                                               services,
+                                               desktop,
+                                               item,
+                                               notices,
+                                               alerts,
+                                               pairPanel,
+                                               loginPanel,
+                                               {},
+                                               home.agentProgram()});
     tray->launch(trayProgram());
 }
 

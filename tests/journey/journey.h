@@ -44,13 +44,14 @@ struct Journey : ::testing::Test {
     Paths paths;
     QtPrograms programs;
     QtScheduler scheduler;
-    CurlHttpClient http;
+    CurlHttpClient http{scheduler};
     Launchctl services;
     ScriptedDesktop desktop;
     RecordedItem item;
     RecordedNotices notices;
     ScriptedAlerts alerts;
     RecordedPairPanel pairPanel;
+    RecordedLoginPanel loginPanel;
     std::unique_ptr<TrayApp> tray;
 
     /// A signed-in Mac with the agent installed but not loaded.

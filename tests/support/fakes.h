@@ -1,11 +1,13 @@
 #pragma once
 
+#include "account/cn_login_view.h"
 #include "app/paths.h"
 #include "app/wording.h"
 #include "e2ee/pair_view.h"
 #include "platform/alerts.h"
 #include "platform/desktop.h"
 #include "platform/http_client.h"
+#include "platform/login_panel.h"
 #include "platform/notice_panel.h"
 #include "platform/pair_panel.h"
 #include "platform/programs.h"
@@ -153,11 +155,13 @@ class ScriptedDesktop final : public Desktop {
 public:
     void openUrl(const QString &url) override { opened.append(url); }
     bool optionKeyHeld() const override { return option; }
+    QString computerName() const override { return name; }
     void installEditMenu(const QList<EditMenuItem> &items) override { editMenu = items; }
     void terminate() override { ++terminated; }
 
     QStringList opened;
     bool option = false;
+    QString name = QStringLiteral("Studio.local");
     QList<EditMenuItem> editMenu;
     int terminated = 0;
 };
@@ -202,10 +206,11 @@ public:
         return true;
     }
     bool isOpen() const { return answered != nullptr; }
-    void answer(int button, const QString &code = {}) {
+    void answer(int button, const QStringList &texts = {}) {
         ASSERT_TRUE(answered);
-        std::exchange(answered, nullptr)({.button = button, .code = code});
+        std::exchange(answered, nullptr)({.button = button, .texts = texts});
     }
+    void answer(int button, const QString &text) { answer(button, QStringList{text}); }
     /// Escape or the close button.
     void dismiss() { answer(view.escape); }
     AlertView view;
@@ -229,6 +234,31 @@ public:
 
     Events events;
     PairView view;
+    bool visible = false;
+    int presented = 0;
+};
+
+/// The mainland sign-in window without a screen; the test is the user.
+class RecordedLoginPanel final : public LoginPanel {
+public:
+    void connect(std::function<void(const LoginInput &)> i) override { input = std::move(i); }
+    bool present(const CnLoginView &v) override {
+        view = v;
+        ++presented;
+        return !std::exchange(visible, true);
+    }
+    void apply(const CnLoginView &v) override { view = v; }
+    void focus(LoginField f) override { focused = f; }
+    void close() override { visible = false; }
+
+    void does(LoginInput::Kind kind, const QString &text = {}, int index = 0) {
+        if (kind == LoginInput::Kind::Close)
+            visible = false;
+        input({.kind = kind, .text = text, .index = index});
+    }
+    std::function<void(const LoginInput &)> input;
+    CnLoginView view;
+    std::optional<LoginField> focused;
     bool visible = false;
     int presented = 0;
 };

@@ -20,6 +20,7 @@ struct TrayFixture : ::testing::Test {
     RecordedNotices notices;
     ScriptedAlerts alerts;
     RecordedPairPanel pairPanel;
+    RecordedLoginPanel loginPanel;
     FeatureHooks features;
     std::unique_ptr<TrayApp> tray;
 
@@ -30,9 +31,11 @@ struct TrayFixture : ::testing::Test {
         services.loaded = true;
     }
     void makeTray() {
-        tray = std::make_unique<TrayApp>(
-            home.fixed, home.paths,
-            TrayPorts{scheduler, http, programs, services, desktop, item, notices, alerts, pairPanel}, features);
+        tray = std::make_unique<TrayApp>(home.fixed, home.paths,
+                                         TrayPorts{scheduler, http, programs, services, desktop, item, notices, alerts,
+                                                   pairPanel, loginPanel, home.home(),
+                                                   QStringLiteral("/opt/korvel-agent")},
+                                         features);
     }
     void launch() {
         makeTray();

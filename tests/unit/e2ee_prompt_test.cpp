@@ -188,7 +188,7 @@ TEST_F(E2eeOperations, DenyIsToldWhateverTheAgentSaysAndLaterSendsNothing) {
 TEST_F(E2eeOperations, WhileOneAlertIsOpenNothingOpensAnother) {
     launchActive();
     next(R"({"state":"active","alarms":[{"id":"1","text":"t"}],"pending":[{"pendingId":"p","ready":true}]})");
-    EXPECT_TRUE(alerts.view.codeField);
+    EXPECT_FALSE(alerts.view.fields.isEmpty());
     item.choose(Action::E2Alarm);
     next(R"({"state":"active","alarms":[{"id":"1","text":"t"}],"pending":[{"pendingId":"q","ready":true}]})");
     EXPECT_EQ(alerts.opened, 1);

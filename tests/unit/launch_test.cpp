@@ -12,7 +12,6 @@ struct LaunchTest : TrayFixture {
     QStringList done; ///< What the hooked features were asked for.
 
     LaunchTest() {
-        features.startBrowserLogin = [this] { done.append(u"sign in"_s); };
         features.checkUpdate = [this](bool manual) { done.append(manual ? u"check"_s : u"auto check"_s); };
         features.fetchPerms = [this] { done.append(u"fetch perms"_s); };
         features.repairService = [this](const std::function<void()> &then) {
@@ -84,8 +83,6 @@ TEST_F(LaunchTest, TheOptionKeyAddsTheDiagnosticsAtTheOpening) {
 }
 
 TEST_F(LaunchTest, EachMenuActionReachesItsFeature) {
-    features.showLogin = [this] { done.append(u"login"_s); };
-    features.logoutDialog = [this] { done.append(u"logout"_s); };
     features.installUpdate = [this] { done.append(u"install"_s); };
     features.repairClicked = [this] { done.append(u"repair clicked"_s); };
     features.askPerms = [this] { done.append(u"ask"_s); };
@@ -94,15 +91,20 @@ TEST_F(LaunchTest, EachMenuActionReachesItsFeature) {
     agentAnswers(ONLINE);
     launch();
     done.clear();
-    for (const Action action : {Action::None, Action::BrowserLogin, Action::LoginDialog, Action::LogoutDialog,
-                                Action::CheckUpdate, Action::InstallUpdate, Action::Repair, Action::AskPerms}) {
+    for (const Action action :
+         {Action::None, Action::CheckUpdate, Action::InstallUpdate, Action::Repair, Action::AskPerms}) {
         item.events.chosen(menuItem(u"x"_s, action));
     }
     MenuEntry pane = menuItem(u"x"_s, Action::OpenPermPane);
     pane.payload = u"x:pane"_s;
     item.events.chosen(pane);
-    EXPECT_EQ(done, (QStringList{u"sign in"_s, u"login"_s, u"logout"_s, u"check"_s, u"install"_s, u"repair clicked"_s,
-                                 u"ask"_s, u"x:pane"_s}));
+    EXPECT_EQ(done, (QStringList{u"check"_s, u"install"_s, u"repair clicked"_s, u"ask"_s, u"x:pane"_s}));
+    for (const Action action : {Action::BrowserLogin, Action::LoginDialog}) {
+        item.events.chosen(menuItem(u"x"_s, action));
+        EXPECT_TRUE(std::exchange(loginPanel.visible, false));
+    }
+    item.events.chosen(menuItem(u"x"_s, Action::LogoutDialog));
+    EXPECT_EQ(alerts.view.title, u"Sign Out?"_s);
 }
 
 TEST_F(LaunchTest, OpeningTheMenuAsksTheAgentOnlyWhileItRuns) {
@@ -125,6 +127,8 @@ TEST_F(LaunchTest, ReopeningDoesTheMostUsefulThing) {
         pairPanel.hide();
         tray->reopen();
         scheduler.settle();
+        if (std::exchange(loginPanel.visible, false))
+            return u"sign in"_s;
         return done.value(0, services.calls.value(0, pairPanel.visible ? u"show code"_s : u""_s));
     };
     EXPECT_EQ(reopened(), u"sign in"_s);

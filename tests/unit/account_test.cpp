@@ -1,0 +1,338 @@
+#include "account/net_error.h"
+#include "account/server_api.h"
+#include "support/tray_fixture.h"
+
+#include <QFile>
+
+using namespace Qt::StringLiterals;
+
+namespace korvel::test {
+namespace {
+
+TEST(NetError, EveryKindOfFailureHasItsSentence) {
+    const QString offline = u"This Mac is offline. Connect to the internet and try again."_s;
+    const QString later = u"Can't connect to the server. Try again later."_s;
+    const std::pair<ErrorKind, QString> cases[] = {
+        {ErrorKind::Offline, offline},
+        {ErrorKind::Interrupted, offline},
+        {ErrorKind::TimedOut, u"The server timed out. Try again later."_s},
+        {ErrorKind::HostNotFound, u"Can't find the server. Check your network and try again."_s},
+        {ErrorKind::InsecureConnection, u"Can't establish a secure connection. Try another network."_s},
+        {ErrorKind::Unreachable, later},
+        {ErrorKind::UnreadableAnswer, later},
+        {ErrorKind::TooLarge, later},
+        {ErrorKind::Dropped, later},
+        {ErrorKind::InvalidRequest, later},
+    };
+    for (const auto &[kind, sentence] : cases)
+        EXPECT_EQ(netErrorText(Error{kind, u"why"_s}), sentence) << static_cast<int>(kind);
+    EXPECT_EQ(netErrorText(std::nullopt), u"Can't connect to the server. Check your network and try again."_s);
+}
+
+TEST(ServerApi, AnAnswerIsJudgedByItsBodyAlone) {
+    const auto parsed = [](int status, const char *body) { return parseLogin(HttpReply{status, body}); };
+    const auto sentence = [&](int status, const char *body) {
+        const auto answer = parsed(status, body);
+        return std::holds_alternative<QString>(answer) ? std::get<QString>(answer) : u"signed in"_s;
+    };
+    EXPECT_EQ(std::get<Credential>(parsed(500, R"({"agentToken":"t","agentId":"i"})")), (Credential{u"t"_s, u"i"_s}));
+    const QString failed = u"Couldn't sign in. Try again later."_s;
+    const QString wrong = u"The server didn't respond correctly. Try again later."_s;
+    EXPECT_EQ(sentence(200, R"({"error":"No such account."})"), u"No such account."_s);
+    EXPECT_EQ(sentence(200, R"({"agentToken":"t","agentId":7})"), failed);
+    EXPECT_EQ(sentence(200, R"({"agentToken":"t","agentId":7,"error":"Full."})"), u"Full."_s);
+    EXPECT_EQ(sentence(200, R"({"error":5})"), failed);
+    EXPECT_EQ(sentence(200, "{}"), failed);
+    EXPECT_EQ(sentence(502, "<html>Bad gateway</html>"), wrong);
+    EXPECT_EQ(sentence(200, "[1]"), wrong);
+    EXPECT_EQ(sentence(200, ""), wrong);
+    EXPECT_EQ(std::get<QString>(parseLogin(Error{ErrorKind::TimedOut, {}})),
+              u"The server timed out. Try again later."_s);
+}
+
+TEST(ServerApi, AComputerIsNamedWithoutItsDomainAndInAtMost32Characters) {
+    EXPECT_EQ(computerDisplayName(u"Studio.local"_s), u"Studio"_s);
+    EXPECT_EQ(computerDisplayName(QString(40, u'x')), QString(32, u'x'));
+    EXPECT_EQ(computerDisplayName(QString(31, u'x') + u"👩‍💻y"_s), QString(31, u'x') + u"👩‍💻"_s);
+    EXPECT_EQ(computerDisplayName(u"王的电脑"_s), u"王的电脑"_s);
+}
+
+struct AccountTest : TrayFixture {
+    QStringList sent; ///< Requests to servers: "host/path", with the credential of a release.
+    QByteArray loginReply = R"({"agentToken":"new","agentId":"id"})";
+    std::optional<Error> loginError, unbindError;
+    QByteArray onUnbind; ///< The configuration at the moment of the last release.
+
+    void SetUp() override {
+        http.answer = [this](const HttpRequest &r) -> Result<HttpReply> {
+            if (r.reach == Reach::Loopback)
+                return json(ONLINE);
+            const bool login = r.url.endsWith(u"/login");
+            QString line = r.url.mid(8);
+            for (const auto &[name, value] : r.headers)
+                if (name == "Authorization")
+                    line += u' ' + QString::fromUtf8(value);
+            sent.append(line);
+            if (!login)
+                onUnbind = file();
+            const auto &error = login ? loginError : unbindError;
+            return error ? Result<HttpReply>(*error) : json(login ? loginReply : "{}");
+        };
+    }
+    QByteArray file() const {
+        QFile cfg(home.paths.agentCfg);
+        return cfg.open(QIODevice::ReadOnly) ? cfg.readAll() : QByteArray();
+    }
+    QJsonObject cfg() const { return QJsonDocument::fromJson(file()).object(); }
+    void makeInternational() {
+        home.fixed = makeFixedConfig(testDeployment(u"intl"_s), {.preferredLanguages = {},
+                                                                 .home = home.home(),
+                                                                 .hookPort = std::nullopt,
+                                                                 .korvelHome = std::nullopt,
+                                                                 .automation = std::nullopt});
+        home.installJobFile();
+    }
+    void signIn(const QStringList &texts = {u"ann@example.com"_s, u"pass"_s}) {
+        item.events.chosen(menuItem(u"x"_s, Action::LoginDialog));
+        ASSERT_TRUE(alerts.isOpen());
+        alerts.answer(0, texts);
+        scheduler.settle();
+    }
+    void signOut() {
+        item.events.chosen(menuItem(u"x"_s, Action::LogoutDialog));
+        ASSERT_TRUE(alerts.isOpen());
+        alerts.answer(0);
+        scheduler.settle();
+    }
+};
+
+TEST_F(AccountTest, APasswordSignInBindsThisMacAndKeepsWhatElseIsConfigured) {
+    makeInternational();
+    home.writeConfig(R"({"localToken":"secret","other":{"kept":1}})");
+    launch();
+    signIn();
+    EXPECT_EQ(sent, QStringList{u"intl.example:443/v1/agents/login"_s});
+    const QJsonObject bound = cfg();
+    EXPECT_EQ(bound.value(u"agentToken"), u"new"_s);
+    EXPECT_EQ(bound.value(u"server"), u"intl.example:443"_s);
+    EXPECT_EQ(bound.value(u"host"), u"Studio"_s);
+    EXPECT_EQ(bound.value(u"username"), u"ann@example.com"_s);
+    EXPECT_EQ(bound.value(u"loginName"), u"ann@example.com"_s);
+    EXPECT_EQ(bound.value(u"other").toObject().value(u"kept"), 1);
+    EXPECT_EQ(services.calls.filter(u"enable"_s).size(), 1); // the agent starts with it
+    EXPECT_EQ(notices.last(), u"● Signed in as ann@example.com"_s);
+    EXPECT_EQ(pairPanel.presented, 1);
+}
+
+TEST_F(AccountTest, AnOlderCredentialIsReleasedOnceWhereItIsHeldBeforeTheNewOneIsWritten) {
+    makeInternational();
+    // The mainland server belongs to another edition: not used for anything but this release.
+    const QByteArray before = R"({"agentToken":"old","server":"cn.example"})";
+    for (const bool fails : {false, true}) {
+        home.writeConfig(before);
+        sent.clear();
+        unbindError = fails ? std::optional(Error{ErrorKind::TimedOut, {}}) : std::nullopt;
+        if (!tray)
+            launch();
+        signIn();
+        EXPECT_EQ(sent, (QStringList{u"intl.example:443/v1/agents/login"_s,
+                                     u"cn.example:443/v1/agents/unbind Bearer old"_s}));
+        EXPECT_EQ(onUnbind, before);
+        EXPECT_EQ(cfg().value(u"agentToken"), u"new"_s);
+    }
+    sent.clear();
+    signIn(); // the same credential again: nothing to release
+    EXPECT_EQ(sent.size(), 1);
+    home.writeConfig(R"({"agentToken":"old","server":"not a server"})");
+    signIn();
+    EXPECT_EQ(sent.last(), u"intl.example:443/v1/agents/unbind Bearer old"_s);
+}
+
+TEST_F(AccountTest, AConfigurationThatCannotBeReadIsNotReplaced) {
+    makeInternational();
+    home.write(home.paths.agentCfg, QByteArray(2 << 20, ' ')); // larger than the tray reads
+    launch();
+    signIn();
+    EXPECT_EQ(file().size(), 2 << 20);
+    EXPECT_TRUE(alerts.isOpen());
+    EXPECT_EQ(alerts.view.text, u"Couldn't sign in. Try again later."_s);
+    EXPECT_EQ(sent.last(), u"intl.example:443/v1/agents/unbind Bearer new"_s); // kept nowhere, so given back
+}
+
+TEST_F(AccountTest, TheDialogComesBackWithWhatWasTypedAndWhatWentWrong) {
+    makeInternational();
+    launch();
+    desktop.option = true;
+    item.events.chosen(menuItem(u"x"_s, Action::LoginDialog));
+    desktop.option = false; // only the moment of the opening counts
+    ASSERT_EQ(alerts.view.fields.size(), 3);
+    EXPECT_EQ(alerts.view.fields[2].text, u"intl.example:443"_s);
+    alerts.answer(0, {u"ann"_s, u""_s, u"own.example"_s});
+    EXPECT_EQ(alerts.view.text, u"Enter your email and password."_s);
+    EXPECT_EQ(alerts.view.fields[0].text, u"ann"_s);
+    alerts.answer(0, {u"ann"_s, u"pass"_s, u"own example"_s});
+    EXPECT_EQ(alerts.view.text, u"The server address isn't valid."_s);
+    EXPECT_EQ(alerts.view.fields[2].text, u"own example"_s);
+    EXPECT_TRUE(sent.isEmpty());
+    loginReply = R"({"error":"Wrong password."})";
+    alerts.answer(0, {u"ann"_s, u"pass"_s, u"https://own.example/"_s});
+    EXPECT_EQ(sent, QStringList{u"own.example:443/v1/agents/login"_s});
+    EXPECT_EQ(alerts.view.text, u"Wrong password."_s);
+    EXPECT_EQ(alerts.view.fields[1].text, u""_s);
+    EXPECT_FALSE(notices.visible); // no longer "signing in"
+    alerts.dismiss();
+    EXPECT_FALSE(alerts.isOpen());
+    EXPECT_EQ(file(), ""_ba);
+    home.bind();
+    item.events.chosen(menuItem(u"x"_s, Action::LoginDialog));
+    EXPECT_EQ(alerts.view.title, u"Sign In to Korvel Again"_s);
+    EXPECT_EQ(alerts.view.fields.size(), 2);
+}
+
+TEST_F(AccountTest, SigningOutReleasesTheCredentialAndClearsOnlyWhatBindsThisMac) {
+    installAndBind();
+    home.writeConfig(R"({"agentToken":"t","agentId":"i","username":"ann","loginName":"ann","server":"own.example",
+                         "host":"Studio","localToken":"secret"})");
+    launch();
+    item.choose(Action::LogoutDialog);
+    alerts.dismiss();
+    EXPECT_TRUE(sent.isEmpty() && !services.calls.contains(u"bootout com.korvel.agent"_s));
+    signOut();
+    EXPECT_EQ(sent, QStringList{u"own.example:443/v1/agents/unbind Bearer t"_s});
+    EXPECT_EQ(cfg().keys(), (QStringList{u"host"_s, u"localToken"_s, u"server"_s}));
+    EXPECT_TRUE(services.calls.contains(u"bootout com.korvel.agent"_s));
+    EXPECT_EQ(notices.last(), u"⏻ Signed out"_s);
+    EXPECT_EQ(item.statusLine(), u"Not signed in"_s);
+}
+
+TEST_F(AccountTest, NothingThatFailsOrHangsKeepsASignOutFromEnding) {
+    installAndBind();
+    launch();
+    http.answer = nullptr; // the agent and the server never answer: the client reports that at its deadline
+    item.choose(Action::LogoutDialog);
+    alerts.answer(0);
+    EXPECT_EQ(notices.last(), u"⏻ Signing out…"_s);
+    item.choose(Action::LogoutDialog); // once is enough
+    EXPECT_FALSE(alerts.isOpen());
+    const auto timeOut = [this](const QString &path) {
+        for (size_t i = 0; i < http.open.size(); ++i)
+            if (http.open[i].request.url.endsWith(path))
+                return http.reply(i, Error{ErrorKind::TimedOut, {}});
+        ADD_FAILURE() << "no request to " << path.toStdString();
+    };
+    EXPECT_EQ(http.last.timeout, 30s);
+    timeOut(u"/e2ee/logout"_s);
+    EXPECT_EQ(http.last.timeout, 15s);
+    scheduler.holdBackground(true); // launchctl hangs too
+    timeOut(u"/v1/agents/unbind"_s);
+    scheduler.advance(10s);
+    EXPECT_EQ(notices.last(), u"⏻ Signed out"_s);
+    EXPECT_FALSE(cfg().contains(u"agentToken"));
+    scheduler.holdBackground(false);
+    notices.shown.clear();
+    scheduler.settle();
+    EXPECT_TRUE(notices.shown.empty());
+}
+
+struct BrowserLoginTest : AccountTest {
+    QByteArray start = R"({"id":"a+/b","url":"https://own.example/signin"})";
+    QByteArray status = R"({"status":"pending"})";
+    QStringList asked; ///< Paths of the agent's sign-in interface.
+
+    void SetUp() override {
+        makeInternational();
+        home.writeConfig(R"({"localToken":"secret"})");
+        http.answer = [this](const HttpRequest &r) {
+            const QString path = r.url.section(u"8790"_s, 1);
+            if (path.startsWith(u"/auth/"))
+                asked.append(path);
+            return json(path == u"/auth/start" ? start : path.startsWith(u"/auth/status") ? status : ONLINE);
+        };
+    }
+    void choose() { item.events.chosen(menuItem(u"x"_s, Action::BrowserLogin)); }
+};
+
+TEST_F(BrowserLoginTest, ThePageOpensOnceAndTheOutcomeIsToldOnce) {
+    launch();
+    choose();
+    EXPECT_EQ(desktop.opened, QStringList{u"https://own.example/signin"_s});
+    EXPECT_EQ(http.last.body, R"({"device":"Studio"})"_ba);
+    choose(); // the same page again
+    EXPECT_EQ(desktop.opened.size(), 2);
+    scheduler.advance(2s);
+    EXPECT_EQ(asked, (QStringList{u"/auth/start"_s, u"/auth/status?id=a%2B%2Fb"_s, u"/auth/status?id=a%2B%2Fb"_s}));
+    status = R"({"status":"done","user":"Ann"})";
+    scheduler.advance(1s);
+    EXPECT_EQ(notices.last(), u"● Signed in as Ann"_s);
+    EXPECT_EQ(pairPanel.presented, 1);
+    asked.clear();
+    scheduler.advance(10s);
+    EXPECT_TRUE(asked.isEmpty());
+}
+
+TEST_F(BrowserLoginTest, EachOtherOutcomeEndsTheAttempt) {
+    const struct {
+        const char *status;
+        QString notice; // empty: none
+    } cases[] = {{R"({"status":"failed","error":"Not allowed."})", u"Not allowed."_s},
+                 {R"({"status":"failed"})", u"Couldn't sign in."_s},
+                 {R"({"status":"cancelled"})", {}},
+                 {R"({"status":"expired"})", {}}};
+    launch();
+    for (const auto &c : cases) {
+        status = "not json";
+        choose();
+        scheduler.advance(3s); // a poll that cannot be read is no outcome
+        asked.clear();
+        notices.shown.clear();
+        status = c.status;
+        scheduler.advance(5s);
+        EXPECT_EQ(asked.size(), 1) << c.status;
+        EXPECT_EQ(notices.last(), c.notice);
+    }
+}
+
+TEST_F(BrowserLoginTest, AfterItsTimeAndTheGracePollingStopsSilently) {
+    launch();
+    choose();
+    notices.shown.clear();
+    scheduler.advance(599s);
+    choose();
+    EXPECT_EQ(desktop.opened.size(), 2);
+    scheduler.advance(31s);
+    asked.clear();
+    scheduler.advance(10s);
+    EXPECT_TRUE(asked.isEmpty());
+    EXPECT_TRUE(notices.shown.empty());
+    choose(); // a new sign-in
+    EXPECT_EQ(asked, QStringList{u"/auth/start"_s});
+}
+
+TEST_F(BrowserLoginTest, APageThatIsNotSecureIsNotOpened) {
+    launch();
+    for (const char *answer : {R"({"id":"a","url":"http://own.example/"})", R"({"id":"a","url":"file:///etc/passwd"})",
+                               R"({"id":"a","url":"https:"})", R"({"id":1,"url":"https://own.example/"})", "{}"}) {
+        start = answer;
+        choose();
+        EXPECT_EQ(notices.last(), u"Couldn't start signing in. Try again later."_s) << answer;
+        notices.shown.clear();
+    }
+    EXPECT_TRUE(desktop.opened.isEmpty());
+}
+
+TEST_F(BrowserLoginTest, AnAgentThatNeverComesUpIsRestartedOnceAndGivenUp) {
+    agentIsSilent();
+    launch();
+    services.calls.clear();
+    choose();
+    EXPECT_EQ(notices.last(), u"Starting…"_s);
+    scheduler.advance(7s);
+    choose(); // impatience starts nothing
+    scheduler.advance(8s);
+    EXPECT_EQ(notices.last(), u"Korvel couldn't start. Try again later."_s);
+    EXPECT_EQ(services.calls.filter(u"enable"_s).size(), 1);
+    EXPECT_TRUE(desktop.opened.isEmpty());
+}
+
+} // namespace
+} // namespace korvel::test

@@ -1,0 +1,299 @@
+#include "account/cn_login_view.h"
+#include "account/cn_login_window.h"
+#include "support/tray_fixture.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QLineEdit>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace korvel::test {
+namespace {
+
+QJsonObject object(const char *json) { return QJsonDocument::fromJson(json).object(); }
+
+TEST(CnLoginForm, EachPageSendsItsOwnRequest) {
+    CnLoginForm form = openCnLoginForm(false, {});
+    form.account = u" 13800000000\n"_s;
+    form.code = u"123 456"_s;
+    form.password = u" p w "_s;
+    form.agree = true;
+    const auto request = [&form](Page page, bool codeMode = false) {
+        CnLoginForm copy = form;
+        copy.page = page;
+        copy.codeMode = codeMode;
+        return submit(copy);
+    };
+    EXPECT_EQ(request(Page::Login), object(R"({"op":"login","username":"13800000000","password":" p w "})"));
+    EXPECT_EQ(request(Page::Login, true), object(R"({"op":"login-code","phone":"13800000000","code":"123456"})"));
+    EXPECT_EQ(request(Page::Register),
+              object(R"({"op":"register","phone":"13800000000","code":"123456","password":" p w ","agree":true})"));
+    EXPECT_EQ(request(Page::Reset),
+              object(R"({"op":"reset","phone":"13800000000","code":"123456","password":" p w "})"));
+    for (const auto &[page, purpose] : {std::pair{Page::Login, u"login"_s}, std::pair{Page::Register, u"register"_s},
+                                        std::pair{Page::Reset, u"reset"_s}}) {
+        CnLoginForm copy = form;
+        copy.page = page;
+        EXPECT_EQ(sendCode(copy)->value(u"purpose"), purpose);
+        EXPECT_EQ(sendCode(copy), std::nullopt); // one at a time
+    }
+    ASSERT_TRUE(submit(form));
+    EXPECT_EQ(submit(form), std::nullopt);
+    EXPECT_EQ(sendCode(form), std::nullopt);
+}
+
+TEST(CnLoginForm, ACodeThatWasSentOrRefusedStartsItsCountdown) {
+    const struct {
+        const char *answer; // null: none
+        int countdown;
+        QString info, error;
+    } cases[] = {
+        {R"({"ok":true,"next":90})", 90, u"Code sent."_s, {}},
+        {R"({"ok":true})", 60, u"Code sent."_s, {}},
+        {R"({"ok":true,"next":1.5})", 60, u"Code sent."_s, {}},
+        {R"({"ok":true,"next":100000})", 86400, u"Code sent."_s, {}},
+        {R"({"ok":true,"next":-5})", 0, u"Code sent."_s, {}},
+        {R"({"ok":false,"retryAfter":20,"error":"Too often."})", 20, {}, u"Too often."_s},
+        {R"({"ok":false,"retryAfter":0,"error":""})", 0, {}, u"Couldn't finish. Check your network and try again."_s},
+        {R"({"ok":1,"retryAfter":"20"})", 0, {}, u"Couldn't finish. Check your network and try again."_s},
+        {nullptr, 0, {}, u"Couldn't finish. Check your network and try again."_s},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.answer ? c.answer : "none");
+        CnLoginForm form;
+        ASSERT_TRUE(sendCode(form));
+        codeAnswered(form, c.answer ? std::optional(object(c.answer)) : std::nullopt);
+        EXPECT_EQ(form.countdown, c.countdown);
+        EXPECT_EQ(form.info, c.info);
+        EXPECT_EQ(form.error, c.error);
+        EXPECT_EQ(canSendCode(form), c.countdown == 0);
+    }
+}
+
+TEST(CnLoginForm, AnAnswerNamesTheFieldToLookAt) {
+    const auto focusAfter = [](Page page, const char *answer, bool codeMode = false) {
+        CnLoginForm form;
+        form.page = page;
+        form.codeMode = codeMode;
+        form.account = u"a"_s;
+        form.code = u"1"_s;
+        EXPECT_TRUE(submit(form));
+        const SubmitOutcome outcome = submitAnswered(form, object(answer));
+        EXPECT_FALSE(form.busy);
+        EXPECT_TRUE(outcome.bringToFront);
+        return outcome.focus;
+    };
+    EXPECT_EQ(focusAfter(Page::Register, R"({"field":"agree"})"), LoginField::Agree);
+    EXPECT_EQ(focusAfter(Page::Register, R"({"field":"phone"})"), LoginField::Account);
+    EXPECT_EQ(focusAfter(Page::Login, R"({"field":"username"})"), LoginField::Account);
+    EXPECT_EQ(focusAfter(Page::Reset, R"({"field":"code"})"), LoginField::Code);
+    EXPECT_EQ(focusAfter(Page::Reset, R"({"field":"password"})"), LoginField::Password);
+    EXPECT_EQ(focusAfter(Page::Reset, R"({"field":"other"})"), LoginField::Password); // the empty one
+    EXPECT_EQ(focusAfter(Page::Login, R"({"field":"code"})"), LoginField::Password);  // not on this page
+    EXPECT_EQ(focusAfter(Page::Login, "{}", true), LoginField::Account);              // none is empty
+}
+
+TEST(CnLoginForm, AResetWhoseSignInFailedAsksForTheNewPassword) {
+    CnLoginForm form;
+    form.page = Page::Reset;
+    form.codeMode = true;
+    form.account = u" 138 "_s;
+    form.password = u"new"_s;
+    ASSERT_TRUE(submit(form));
+    const SubmitOutcome outcome = submitAnswered(form, object(R"({"ok":false,"reset":true,"error":"Sign in now."})"));
+    EXPECT_EQ(form.page, Page::Login);
+    EXPECT_FALSE(form.codeMode || form.busy);
+    EXPECT_EQ(form.account, u"138"_s);
+    EXPECT_EQ(form.password, u""_s);
+    EXPECT_EQ(form.error, u"Sign in now."_s);
+    EXPECT_EQ(outcome.focus, LoginField::Password);
+}
+
+struct CnLoginTest : TrayFixture {
+    using Kind = LoginInput::Kind;
+    void answer(const QByteArray &reply) { programs.result.output = reply; }
+    QJsonObject lastRequest() const {
+        return programs.runs.empty() ? QJsonObject() : QJsonDocument::fromJson(programs.runs.back().input).object();
+    }
+    void openWindow() {
+        launch();
+        item.choose(Action::BrowserLogin);
+    }
+};
+
+TEST_F(CnLoginTest, ASignInGoesThroughTheAgentAndLeadsToThePairingWindow) {
+    agentAnswers(ONLINE);
+    openWindow();
+    ASSERT_TRUE(loginPanel.visible);
+    EXPECT_EQ(loginPanel.focused, LoginField::Account);
+    loginPanel.does(Kind::Account, u"ann"_s);
+    loginPanel.does(Kind::Password, u"secret"_s);
+    answer(R"({"ok":false,"error":"Wrong password.","field":"password"})");
+    loginPanel.does(Kind::Submit);
+    EXPECT_TRUE(loginPanel.view.busy);
+    scheduler.settle();
+    EXPECT_FALSE(loginPanel.view.busy);
+    EXPECT_EQ(loginPanel.view.error, u"Wrong password."_s);
+    EXPECT_EQ(loginPanel.focused, LoginField::Password);
+    EXPECT_EQ(lastRequest(), object(R"({"op":"login","username":"ann","password":"secret"})"));
+    EXPECT_FALSE(programs.runs.back().arguments.join(u' ').contains(u"secret"));
+
+    home.bind();
+    answer(R"({"ok":true,"user":"Ann"})");
+    const int polls = http.count;
+    loginPanel.does(Kind::Submit);
+    scheduler.settle();
+    EXPECT_FALSE(loginPanel.visible);
+    EXPECT_EQ(notices.last(), u"● Signed in as Ann"_s);
+    EXPECT_EQ(http.count, polls + 1);
+    EXPECT_EQ(pairPanel.presented, 1);
+    item.events.chosen(menuItem(u"x"_s, Action::BrowserLogin)); // a new one, empty
+    EXPECT_EQ(loginPanel.view.password.text, u""_s);
+}
+
+TEST_F(CnLoginTest, TheCountdownRunsAcrossPagesAndOnlyWhileTheWindowIsOpen) {
+    openWindow();
+    loginPanel.does(Kind::Tab, {}, 0);
+    answer(R"({"ok":true,"next":3})");
+    loginPanel.does(Kind::SendCode);
+    loginPanel.does(Kind::SendCode);
+    scheduler.settle();
+    EXPECT_EQ(programs.runs.size(), 1u);
+    EXPECT_EQ(loginPanel.view.sendText, u"Resend in 3s"_s);
+    EXPECT_FALSE(loginPanel.view.sendEnabled);
+    loginPanel.does(Kind::LinkA);
+    scheduler.advance(2s);
+    EXPECT_EQ(loginPanel.view.title, u"Sign Up for Korvel"_s);
+    EXPECT_EQ(loginPanel.view.sendText, u"Resend in 1s"_s);
+    scheduler.advance(1s);
+    EXPECT_EQ(loginPanel.view.sendText, u"Get Code"_s);
+    EXPECT_TRUE(loginPanel.view.sendEnabled);
+    const LanguageScope chinese(true);
+    loginPanel.does(Kind::SendCode);
+    scheduler.settle();
+    EXPECT_EQ(loginPanel.view.sendText, u"3 秒后重新获取"_s);
+    loginPanel.does(Kind::Close);
+    scheduler.advance(10s);
+    EXPECT_FALSE(loginPanel.visible);
+}
+
+TEST_F(CnLoginTest, AnAnswerForAClosedWindowIsToldOnlyWhenItSignedIn) {
+    openWindow();
+    loginPanel.does(Kind::Account, u"ann"_s);
+    for (const bool signsIn : {false, true}) {
+        answer(signsIn ? R"({"ok":true})" : R"({"ok":false,"error":"No."})");
+        scheduler.holdBackground(true);
+        loginPanel.does(Kind::Account, u"ann"_s);
+        loginPanel.does(Kind::Submit);
+        loginPanel.does(Kind::Close);
+        item.choose(Action::BrowserLogin);
+        scheduler.holdBackground(false);
+        scheduler.settle();
+        EXPECT_EQ(loginPanel.view.error, u""_s);
+        EXPECT_EQ(loginPanel.visible, !signsIn);
+        EXPECT_EQ(notices.last() == u"● Signed in as ann", signsIn);
+    }
+}
+
+TEST_F(CnLoginTest, TheWindowKnowsWhoSignsInAgainUnlessTheNameIsMasked) {
+    const struct {
+        QByteArray report;
+        QString title, account;
+    } cases[] = {
+        {SIGNED_OUT, u"Sign In to Korvel Again"_s, u"ann"_s},
+        {R"({"ok":true,"account":"138****0000","authDead":true})", u"Sign In to Korvel Again"_s, u""_s},
+        {R"({"ok":true,"account":"ann","authDead":true,"accountGone":true})", u"Sign In to Korvel"_s, u""_s},
+    };
+    for (const auto &c : cases) {
+        installAndBind();
+        agentAnswers(c.report);
+        loginPanel.visible = false;
+        launch();
+        item.choose(Action::BrowserLogin);
+        EXPECT_EQ(loginPanel.view.title, c.title) << c.report.constData();
+        EXPECT_EQ(loginPanel.view.account.text, c.account);
+        EXPECT_EQ(loginPanel.focused, c.account.isEmpty() ? LoginField::Account : LoginField::Password);
+    }
+    // A second click brings what was typed to the front.
+    loginPanel.does(Kind::Account, u"bob"_s);
+    item.choose(Action::BrowserLogin);
+    EXPECT_EQ(loginPanel.view.account.text, u"bob"_s);
+    EXPECT_EQ(loginPanel.presented, 4);
+}
+
+struct CnLoginWindowTest : ::testing::Test {
+    QList<LoginInput> inputs;
+    CnLoginPanel panel;
+    CnLoginForm form;
+
+    CnLoginWindowTest() {
+        panel.connect([this](const LoginInput &i) { inputs.append(i); });
+    }
+    CnLoginWindow &show() {
+        panel.present(cnLoginView(form));
+        for (QWidget *window : QApplication::topLevelWidgets())
+            if (auto *login = dynamic_cast<CnLoginWindow *>(window); login && login->isVisible())
+                return *login;
+        throw std::runtime_error("no window");
+    }
+    LoginInput::Kind last() const { return inputs.isEmpty() ? LoginInput::Kind::Agree : inputs.last().kind; }
+};
+
+TEST_F(CnLoginWindowTest, ReturnSubmitsFromEveryFieldAndEscapeCloses) {
+    form.page = Page::Register;
+    CnLoginWindow &window = show();
+    for (QLineEdit *field : window.findChildren<QLineEdit *>()) {
+        inputs.clear();
+        QTest::keyClick(field, Qt::Key_Return);
+        EXPECT_EQ(last(), LoginInput::Kind::Submit);
+    }
+    form.busy = true;
+    panel.apply(cnLoginView(form));
+    inputs.clear();
+    QTest::keyClick(&window, Qt::Key_Return);
+    EXPECT_TRUE(inputs.isEmpty());
+    QTest::keyClick(&window, Qt::Key_Escape);
+    EXPECT_EQ(last(), LoginInput::Kind::Close);
+    EXPECT_FALSE(window.isVisible());
+}
+
+TEST_F(CnLoginWindowTest, WhatIsTypedStaysWhileTheWindowChangesAroundIt) {
+    CnLoginWindow &window = show();
+    auto fields = window.findChildren<QLineEdit *>();
+    panel.focus(LoginField::Account);
+    QTest::keyClicks(fields.first(), u"ann"_s);
+    EXPECT_EQ(inputs.last().text, u"ann"_s);
+    QTest::keyClick(fields.first(), Qt::Key_Left);
+    const int height = window.height();
+    form.account = u"ann"_s;
+    form.error = u"An error of one line."_s;
+    panel.apply(cnLoginView(form));
+    EXPECT_EQ(fields.first()->cursorPosition(), 2);
+    EXPECT_EQ(window.height(), height); // an error makes nothing jump
+}
+
+TEST_F(CnLoginWindowTest, TabGoesThroughTheControlsInTheirOrderOnTheScreen) {
+    // Fields, code button, box, two links, main button, way back; ways of signing in, fields, main button, two links.
+    for (const auto &[page, controls] : {std::pair{Page::Register, 9}, std::pair{Page::Login, 6}}) {
+        form.page = page;
+        CnLoginWindow &window = show();
+        window.setFocus();
+        QPoint before(-1, -1);
+        int stops = 0;
+        for (; stops < 20; ++stops) {
+            QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
+            QWidget *w = window.focusWidget();
+            const QPoint here = w->mapTo(&window, QPoint(0, w->height() / 2));
+            if (here.y() <= before.y() + 4 && here.x() <= before.x())
+                break;
+            before = here;
+        }
+        EXPECT_EQ(stops, controls);
+        panel.close();
+    }
+}
+
+} // namespace
+} // namespace korvel::test
