@@ -9,7 +9,7 @@ namespace korvel {
 
 /// One labelled field of the sign-in window.
 struct LoginFieldView {
-    bool visible = true;
+    bool visible = true; ///< The account always is.
     QString label;
     QString placeholder = {};
     QString text = {};

@@ -2,6 +2,7 @@
 
 #include "app/wording.h"
 #include "ui/link_button.h"
+#include "ui/main_button.h"
 #include "ui/segmented_control.h"
 #include "ui/window_place.h"
 
@@ -45,6 +46,7 @@ QLineEdit *lineEdit(QLabel *label, QWidget *parent) {
     auto *field = new QLineEdit(parent);
     field->setFont(uiFont(13));
     field->setFixedHeight(FIELD_HEIGHT);
+    field->setTextMargins(5, 0, 5, 0);
     label->setBuddy(field);
     return field;
 }
@@ -61,14 +63,14 @@ int widest(const QWidget &control, const QStringList &texts) {
 CnLoginWindow::CnLoginWindow(std::function<void(const LoginInput &)> in)
     : EscWindow(nullptr, Qt::Window | Qt::WindowTitleHint | Qt::WindowCloseButtonHint | Qt::CustomizeWindowHint),
       input(std::move(in)), titleF(new ToneLabel(uiFont(20, QFont::DemiBold), Tone::Normal, this)),
-      noticeF(new ToneLabel(uiFont(12), Tone::Secondary, this)), tabs(new SegmentedControl(WAYS_TO_SIGN_IN, this)), acctL(caption(this)),
-      codeL(caption(this)), passL(caption(this)), acctF(lineEdit(acctL, this)), codeF(lineEdit(codeL, this)),
-      passF(lineEdit(passL, this)), sendB(new QPushButton(this)),
+      noticeF(new ToneLabel(uiFont(12), Tone::Secondary, this)), tabs(new SegmentedControl(WAYS_TO_SIGN_IN, this)),
+      acctL(caption(this)), codeL(caption(this)), passL(caption(this)), acctF(lineEdit(acctL, this)),
+      codeF(lineEdit(codeL, this)), passF(lineEdit(passL, this)), sendB(new QPushButton(this)),
       agreeB(new QCheckBox(L(u"我已阅读并同意", u"I agree to the"), this)),
       termsB(new LinkButton(L(u"《用户协议》", u"Terms of Service"), this)),
       privacyB(new LinkButton(L(u"《隐私政策》", u"Privacy Policy"), this)), linkA(new LinkButton({}, this)),
       linkB(new LinkButton({}, this)), andF(new ToneLabel(uiFont(12), Tone::Normal, this)),
-      infoF(message(Tone::Secondary, this)), errF(message(Tone::Error, this)), mainB(new QPushButton(this)),
+      infoF(message(Tone::Secondary, this)), errF(message(Tone::Error, this)), mainB(new MainButton(this)),
       busyBar(new QProgressBar(this)) {
     setWindowTitle(QStringLiteral("Korvel"));
     setAttribute(Qt::WA_QuitOnClose, false);
@@ -84,9 +86,6 @@ CnLoginWindow::CnLoginWindow(std::function<void(const LoginInput &)> in)
     sendB->setMinimumWidth(BUTTON_MARGINS +
                            widest(*sendB, {L(u"获取验证码", u"Get Code"), L(u"60 秒后重新获取", u"Resend in 60s")}));
     sendB->setFixedHeight(FIELD_HEIGHT);
-    mainB->setFont(uiFont(13, QFont::DemiBold));
-    mainB->setFixedHeight(FIELD_HEIGHT + 4);
-    markAsMain(*mainB);
     busyBar->setRange(0, 0);
     busyBar->setTextVisible(false);
     busyBar->setFixedHeight(BUSY_HEIGHT);
@@ -107,51 +106,54 @@ void CnLoginWindow::layOut() {
     lines->setMinimumHeight(MESSAGE_LINES * infoF->fontMetrics().lineSpacing());
 
     auto *links = new QHBoxLayout;
+    links->setContentsMargins(-2, 4, -2, 0); // their texts stand below the edges of the fields
     links->addWidget(linkA);
     links->addStretch();
     links->addWidget(linkB);
 
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(MARGIN, 26, MARGIN, 22);
-    column->setSpacing(6);
+    column->setSpacing(10);
     column->addWidget(titleF);
     column->addWidget(noticeF, 0, Qt::AlignHCenter);
-    column->addSpacing(8);
-    column->addWidget(tabs);
     column->addSpacing(4);
-    column->addWidget(acctL);
-    column->addWidget(acctF);
-    column->addWidget(codeL);
-    column->addLayout(codeRow());
-    column->addWidget(passL);
-    column->addWidget(passF);
+    column->addWidget(tabs);
+    column->addWidget(group(acctL, {acctF}));
+    column->addWidget(codeGroup = group(codeL, {codeF, sendB}));
+    column->addWidget(passGroup = group(passL, {passF}));
     column->addLayout(agreeRows());
     column->addWidget(lines);
     column->addWidget(mainB);
     column->addWidget(busyBar);
-    column->addSpacing(2);
     column->addLayout(links);
     setTabOrder(privacyB, mainB); // as they stand, not as they were made
     setTabOrder(mainB, linkA);
 }
 
-QLayout *CnLoginWindow::codeRow() {
+/// A field below its label, closer to it than to the next group.
+QWidget *CnLoginWindow::group(QLabel *label, const QList<QWidget *> &controls) {
+    auto *all = new QWidget(this);
+    auto *column = new QVBoxLayout(all);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(4);
+    column->addWidget(label);
     auto *row = new QHBoxLayout;
     row->setSpacing(8);
-    row->addWidget(codeF, 1);
-    row->addWidget(sendB);
-    return row;
+    for (QWidget *control : controls)
+        row->addWidget(control);
+    column->addLayout(row);
+    return all;
 }
 
 QLayout *CnLoginWindow::agreeRows() {
     auto *links = new QHBoxLayout;
-    links->setSpacing(4);
+    links->setSpacing(2);
     for (QWidget *part : std::initializer_list<QWidget *>{termsB, andF, privacyB})
         links->addWidget(part);
     links->addStretch();
     const int wanted = agreeB->sizeHint().width() + links->sizeHint().width() + 4;
     auto *rows = new QBoxLayout(wanted <= CONTENT ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
-    rows->setSpacing(4);
+    rows->setSpacing(0);
     rows->addWidget(agreeB);
     rows->addLayout(links, 1);
     return rows;
@@ -188,7 +190,8 @@ void CnLoginWindow::apply(const CnLoginView &view) {
     applyField(acctL, acctF, view.account, view.busy);
     applyField(codeL, codeF, view.code, view.busy);
     applyField(passL, passF, view.password, view.busy);
-    sendB->setVisible(view.code.visible);
+    codeGroup->setVisible(view.code.visible);
+    passGroup->setVisible(view.password.visible);
     sendB->setText(view.sendText);
     sendB->setEnabled(view.sendEnabled);
     for (QWidget *part : std::initializer_list<QWidget *>{agreeB, termsB, andF, privacyB})
@@ -206,9 +209,7 @@ void CnLoginWindow::apply(const CnLoginView &view) {
 
 void CnLoginWindow::applyField(QLabel *label, QLineEdit *field, const LoginFieldView &view, bool busy) {
     label->setText(view.label);
-    label->setVisible(view.visible);
     field->setPlaceholderText(view.placeholder);
-    field->setVisible(view.visible);
     field->setEnabled(!busy);
     if (field->text() != view.text) // setting a text moves the caret
         field->setText(view.text);

@@ -32,7 +32,7 @@ protected:
 
 private:
     void layOut();
-    QLayout *codeRow();
+    QWidget *group(QLabel *label, const QList<QWidget *> &controls);
     QLayout *agreeRows();
     void connectControls();
     void applyField(QLabel *label, QLineEdit *field, const LoginFieldView &view, bool busy);
@@ -41,6 +41,7 @@ private:
     const std::function<void(const LoginInput &)> input;
     ToneLabel *titleF, *noticeF;
     SegmentedControl *tabs;
+    QWidget *codeGroup, *passGroup;
     ToneLabel *acctL, *codeL, *passL;
     QLineEdit *acctF, *codeF, *passF;
     QPushButton *sendB;

@@ -2,6 +2,7 @@
 
 #include "account/binding.h"
 #include "account/server_rules.h"
+#include "app/automation_render.h"
 #include "app/bundle.h"
 #include "app/deployment.h"
 #include "platform/curl_http_client.h"
@@ -133,6 +134,8 @@ std::optional<QByteArray> menuDump(const QByteArray &description, const FixedCon
 }
 
 int runAutomation(AutomationMode mode, int &argc, char **argv, const FixedConfig &config, const Paths &paths) {
+    if (mode == AutomationMode::LoginRender)
+        return renderLogin(QString::fromLocal8Bit(argv[2]), QString::fromLocal8Bit(argv[3]));
     const QCoreApplication app(argc, argv);
     switch (mode) {
     case AutomationMode::MenuDump:

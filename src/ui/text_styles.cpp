@@ -44,17 +44,6 @@ QColor groundColour(Ground ground, const QPalette &palette) {
     return dark ? mixed(text, window, 0.22) : QColor(Qt::white);
 }
 
-void markAsMain(QPushButton &button) {
-    button.setDefault(true);
-    QPalette strong = button.palette();
-    const QColor blue(0x25, 0x63, 0xeb), pale(0x7f, 0xa0, 0xe0);
-    for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
-        strong.setColor(group, QPalette::Button, group == QPalette::Disabled ? pale : blue);
-        strong.setColor(group, QPalette::ButtonText, Qt::white);
-    }
-    button.setPalette(strong);
-}
-
 QFont uiFont(int points, QFont::Weight weight) { return sized(QGuiApplication::font(), points, weight); }
 
 QFont codeFont(int points, QFont::Weight weight) {

@@ -3,7 +3,6 @@
 #include <QFont>
 #include <QLabel>
 #include <QPalette>
-#include <QPushButton>
 
 namespace korvel {
 
@@ -24,9 +23,6 @@ QColor groundColour(Ground ground, const QPalette &palette);
 
 /// The ratio of contrast between two colours (WCAG 2.1), 1 to 21.
 double contrastRatio(const QColor &a, const QColor &b);
-
-/// Makes a button the window's main one: in a strong colour, where the style does not do that by itself.
-void markAsMain(QPushButton &button);
 
 /// A centred label of plain text whose colour follows its tone in light and dark appearance.
 class ToneLabel : public QLabel {
