@@ -2,31 +2,18 @@
 
 #include "simulator/files.h"
 #include "simulator/home_paths.h"
+#include "simulator/random_text.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
-#include <QRandomGenerator>
-
-#include <array>
 
 #include <sys/stat.h>
 
 namespace korvel::sim {
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-QString randomHex() {
-    std::array<quint32, 8> words{};
-    QRandomGenerator::system()->fillRange(words.data(), qsizetype(words.size()));
-    const QByteArray bytes(reinterpret_cast<const char *>(words.data()), sizeof words);
-    return QString::fromLatin1(bytes.toHex());
-}
-
-} // namespace
 
 AgentConfig AgentConfig::ofThisProcess() {
     const QString folder = qEnvironmentVariable("KORVEL_HOME");
@@ -51,14 +38,14 @@ QString AgentConfig::ensureLocalToken() const {
     QString stored = read().value("localToken"_L1).toString();
     if (!stored.isEmpty())
         return stored;
-    QString made = randomHex();
+    QString made = randomHex(32);
     change({{u"localToken"_s, made}});
     return made;
 }
 
 bool AgentConfig::signIn(const QString &account, const QString &server) const {
-    QJsonObject patch{{u"agentToken"_s, u"simulated-token-"_s + randomHex().left(16)},
-                      {u"agentId"_s, u"simulated-agent-"_s + randomHex().left(8)},
+    QJsonObject patch{{u"agentToken"_s, u"simulated-token-"_s + randomHex(8)},
+                      {u"agentId"_s, u"simulated-agent-"_s + randomHex(4)},
                       {u"username"_s, account},
                       {u"loginName"_s, account}};
     if (!server.isEmpty())

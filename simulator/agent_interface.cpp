@@ -5,7 +5,6 @@
 #include "simulator/files.h"
 
 #include <QCoreApplication>
-#include <QPointer>
 
 namespace korvel::sim {
 
@@ -45,13 +44,8 @@ void AgentInterface::addRoutes() {
 void AgentInterface::receive(HttpConnection &connection, const HttpRequest &request) {
     log(connection, request);
     const Scenario scenario = Scenario::read(paths);
-    const Fault fault = faultFor(scenario, request.path());
-    if (!fault.needsAnswer())
-        return playFault(connection, fault, {});
-    answer(request, scenario, [guarded = QPointer(&connection), fault](const HttpAnswer &right) {
-        if (guarded)
-            playFault(*guarded, fault, right);
-    });
+    const Fault fault = faultFor(scenario, u"agent"_s, scenario.section("faults"_L1), request.path());
+    answerUnder(fault, connection, [&](const Respond &respond) { answer(request, scenario, respond); });
 }
 
 void AgentInterface::log(const HttpConnection &connection, const HttpRequest &request) const {

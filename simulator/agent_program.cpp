@@ -3,6 +3,7 @@
 #include "simulator/agent_health.h"
 #include "simulator/files.h"
 #include "simulator/job_file.h"
+#include "simulator/request_text.h"
 #include "simulator/scenario.h"
 
 #include <QFile>
@@ -20,21 +21,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qint64 LARGEST_INPUT = 1 << 20;
-
-QJsonValue withoutPasswords(const QJsonValue &value) {
-    if (value.isArray()) {
-        QJsonArray cleaned;
-        for (const QJsonValue element : value.toArray())
-            cleaned.append(withoutPasswords(element));
-        return cleaned;
-    }
-    if (!value.isObject())
-        return value;
-    QJsonObject cleaned = value.toObject();
-    for (auto entry = cleaned.begin(); entry != cleaned.end(); ++entry)
-        entry.value() = entry.key() == "password"_L1 ? QJsonValue(u"***"_s) : withoutPasswords(entry.value());
-    return cleaned;
-}
 
 void logCall(const ProgramCall &call, const QByteArray &input) {
     appendLine(call.paths.agentLog(), {

@@ -1,5 +1,6 @@
 #include "simulator/control.h"
 
+#include "simulator/control_account.h"
 #include "simulator/control_encryption.h"
 
 #include <QJsonDocument>
@@ -56,6 +57,8 @@ int show(Home &home, const QStringList &) {
             {u"account"_s, home.account()},
             {u"port"_s, home.port()},
             {u"agentPid"_s, home.agentPid()},
+            {u"accountServer"_s, home.accountServer()},
+            {u"authority"_s, home.authorityFile()},
             {u"encryption"_s, home.encryption().state()},
         },
         QJsonDocument::Indented);
@@ -124,11 +127,13 @@ int control(const ProgramCall &call) {
     const QString name = arguments.takeFirst();
     if (name == "--help"_L1) {
         std::fputs(HELP, stdout);
+        std::fputs(ACCOUNT_HELP, stdout);
         std::fputs(ENCRYPTION_HELP, stdout);
         return 0;
     }
     Home home(directory);
-    for (const std::span<const CommandEntry> commands : {std::span<const CommandEntry>(COMMANDS), encryptionCommands()})
+    for (const std::span<const CommandEntry> commands :
+         {std::span<const CommandEntry>(COMMANDS), accountCommands(), encryptionCommands()})
         for (const CommandEntry &command : commands)
             if (command.name == name && arguments.size() >= command.fewest && arguments.size() <= command.most)
                 return command.run(home, arguments);

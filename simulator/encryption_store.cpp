@@ -1,34 +1,19 @@
 #include "simulator/encryption_store.h"
 
 #include "simulator/encryption_json.h"
+#include "simulator/file_lock.h"
 #include "simulator/files.h"
 #include "simulator/scenario.h"
 
 #include <QCryptographicHash>
 #include <QDir>
-#include <QFile>
 #include <QJsonDocument>
-
-#include <sys/file.h>
 
 namespace korvel::sim {
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-// Holds a file's lock (flock(2)) until its end.
-class FileLock {
-public:
-    explicit FileLock(const QString &path) : file(path) {
-        held = file.open(QIODevice::ReadWrite) && ::flock(file.handle(), LOCK_EX) == 0;
-    }
-    bool isHeld() const { return held; }
-
-private:
-    QFile file;
-    bool held = false;
-};
 
 // A name for the sign-in that does not give its token away; empty while nobody is signed in.
 QString signInOf(const AgentConfig &config) {

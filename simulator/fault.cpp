@@ -2,6 +2,8 @@
 
 #include "simulator/files.h"
 
+#include <QPointer>
+#include <QSslSocket>
 #include <QTimer>
 
 #include <algorithm>
@@ -26,7 +28,8 @@ constexpr ModeName MODE_NAMES[] = {
     {"exit"_L1, FaultMode::Exit},        {"not-http"_L1, FaultMode::NotHttp}, {"garbage"_L1, FaultMode::Garbage},
     {"not-utf8"_L1, FaultMode::NotUtf8}, {"array"_L1, FaultMode::Array},      {"wrong-types"_L1, FaultMode::WrongTypes},
     {"deep"_L1, FaultMode::Deep},        {"html"_L1, FaultMode::Html},        {"truncate"_L1, FaultMode::Truncate},
-    {"huge"_L1, FaultMode::Huge},        {"drip"_L1, FaultMode::Drip},
+    {"huge"_L1, FaultMode::Huge},        {"drip"_L1, FaultMode::Drip},        {"redirect"_L1, FaultMode::Spelled},
+    {"answer"_L1, FaultMode::Spelled},
 };
 
 FaultMode modeNamed(const QString &name) {
@@ -35,12 +38,14 @@ FaultMode modeNamed(const QString &name) {
     if (found != std::end(MODE_NAMES))
         return found->mode;
     if (!name.isEmpty())
-        std::fprintf(stderr, "korvel-agent: the scenario's fault mode '%s' is unknown\n", qUtf8Printable(name));
+        std::fprintf(stderr, "korvel-simulator: the scenario's fault mode '%s' is unknown\n", qUtf8Printable(name));
     return FaultMode::None;
 }
 
-const char WRONG_TYPES[] = R"({"ok":"yes","online":"yes","ver":142,"sessions":"two","account":["sam"],"authDead":"no",)"
-                           R"("accountGone":1,"e2ee":"active","perms":["screen"],"missing":"screen","items":{}})";
+const char WRONG_TYPES[] =
+    R"({"ok":"yes","online":"yes","ver":142,"sessions":"two","account":["sam"],"authDead":"no",)"
+    R"("accountGone":1,"e2ee":"active","perms":["screen"],"missing":"screen","items":{},"agentToken":7,)"
+    R"("agentId":["a"],"id":3,"url":false,"status":{},"user":1,"error":[]})";
 
 QByteArray deepBody() {
     constexpr int DEPTH = 100'000;
@@ -71,6 +76,28 @@ void sendTruncated(HttpConnection &connection, const HttpAnswer &answer) {
     connection.close();
 }
 
+// What a redirection, or an answer that the scenario spells out, is to send.
+HttpAnswer spelledAnswer(const QJsonObject &entry) {
+    if (entry.value("mode"_L1).toString() == "redirect"_L1)
+        return {entry.value("status"_L1).toInt(302),
+                "text/plain",
+                {},
+                {{"Location", entry.value("location"_L1).toString().toUtf8()}}};
+    const QJsonValue body = entry.value("body"_L1);
+    HttpAnswer answer = HttpAnswer::json(body.toObject(), entry.value("status"_L1).toInt(200));
+    if (!body.isObject())
+        answer.body = body.toString().toUtf8();
+    if (const QString type = entry.value("type"_L1).toString(); !type.isEmpty())
+        answer.type = type.toLatin1();
+    return answer;
+}
+
+// What a socket still holds; over TLS also what is encrypted already.
+qint64 backlogOf(const QTcpSocket &socket) {
+    const auto *secure = qobject_cast<const QSslSocket *>(&socket);
+    return socket.bytesToWrite() + (secure ? secure->encryptedBytesToWrite() : 0);
+}
+
 // Writes as fast as the client reads, and holds no more than a few blocks of it.
 void sendHuge(HttpConnection &connection, qint64 length) {
     const QByteArray start = R"({"ok":true,"online":true,"padding":")";
@@ -81,7 +108,7 @@ void sendHuge(HttpConnection &connection, qint64 length) {
     auto context = new QObject(&connection);
     const auto more = [&connection, left, end, context] {
         constexpr qint64 BLOCK = 256 << 10;
-        while (*left > 0 && connection.socket().bytesToWrite() < BLOCK) {
+        while (*left > 0 && backlogOf(connection.socket()) < BLOCK) {
             const qint64 size = std::min(*left, BLOCK);
             connection.socket().write(QByteArray(size, 'k'));
             *left -= size;
@@ -93,7 +120,10 @@ void sendHuge(HttpConnection &connection, qint64 length) {
         connection.socket().write(end);
         connection.finishAnswer();
     };
-    QObject::connect(&connection.socket(), &QTcpSocket::bytesWritten, context, more);
+    if (auto *secure = qobject_cast<QSslSocket *>(&connection.socket()))
+        QObject::connect(secure, &QSslSocket::encryptedBytesWritten, context, more);
+    else
+        QObject::connect(&connection.socket(), &QTcpSocket::bytesWritten, context, more);
     more();
 }
 
@@ -133,19 +163,27 @@ void playNow(HttpConnection &connection, const Fault &fault, const HttpAnswer &a
         return sendHuge(connection, fault.bytes);
     case FaultMode::Drip:
         return sendDripping(connection, answer, fault.everyMs);
+    case FaultMode::Spelled:
+        return connection.answer(fault.spelled);
     default:
         return connection.answer(wrongAnswer(fault.mode));
     }
 }
 
+void play(HttpConnection &connection, const Fault &fault, const HttpAnswer &answer) {
+    if (fault.delayMs == 0)
+        return playNow(connection, fault, answer);
+    QTimer::singleShot(fault.delayMs, &connection,
+                       [&connection, fault, answer] { playNow(connection, fault, answer); });
+}
+
 } // namespace
 
-Fault faultFor(const Scenario &scenario, const QByteArray &path) {
-    const QJsonObject faults = scenario.section("faults"_L1);
+Fault faultFor(const Scenario &scenario, const QString &server, const QJsonObject &faults, const QByteArray &path) {
     const QString own = QString::fromUtf8(path);
     const QString key = faults.contains(own) ? own : u"*"_s;
     const QJsonObject entry = faults.value(key).toObject();
-    if (entry.isEmpty() || !scenario.takeTurn(u"http "_s + key, entry))
+    if (entry.isEmpty() || !scenario.takeTurn(server + u' ' + key, entry))
         return {};
     Fault fault;
     fault.mode = modeNamed(entry.value("mode"_L1).toString());
@@ -153,14 +191,18 @@ Fault faultFor(const Scenario &scenario, const QByteArray &path) {
     fault.bytes = qint64(entry.value("bytes"_L1).toDouble(100e6));
     fault.everyMs = milliseconds(entry, "ms"_L1, 1000);
     fault.acts = entry.value("acts"_L1).toBool();
+    if (fault.mode == FaultMode::Spelled)
+        fault.spelled = spelledAnswer(entry);
     return fault;
 }
 
-void playFault(HttpConnection &connection, const Fault &fault, const HttpAnswer &answer) {
-    if (fault.delayMs == 0)
-        return playNow(connection, fault, answer);
-    QTimer::singleShot(fault.delayMs, &connection,
-                       [&connection, fault, answer] { playNow(connection, fault, answer); });
+void answerUnder(const Fault &fault, HttpConnection &connection, const std::function<void(const Respond &)> &act) {
+    if (!fault.needsAnswer())
+        return play(connection, fault, {});
+    act([guarded = QPointer(&connection), fault](const HttpAnswer &right) {
+        if (guarded)
+            play(*guarded, fault, right);
+    });
 }
 
 } // namespace korvel::sim

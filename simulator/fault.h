@@ -21,7 +21,8 @@ enum class FaultMode {
     Html,
     Truncate,
     Huge,
-    Drip
+    Drip,
+    Spelled
 };
 
 // One fault as the scenario gives it.
@@ -31,17 +32,19 @@ struct Fault {
     qint64 bytes = 0;        // Huge: length of the body
     int everyMs = 0;         // Drip: between two bytes
     bool acts = false;       // what was asked for is done nevertheless
+    HttpAnswer spelled = {}; // Spelled: the answer in place of the right one
     bool needsAnswer() const // whether the right answer is a part of it
     {
         return acts || mode == FaultMode::None || mode == FaultMode::Truncate || mode == FaultMode::Drip;
     }
 };
 
-// The fault that the scenario's "faults" ask for at this request, one turn of it taken. A mode of an unknown name is
-// reported on standard error and counts as none.
-Fault faultFor(const Scenario &scenario, const QByteArray &path);
+// The fault that a section of the scenario asks for at a request, one turn of it taken: `faults` by path or "*" for the
+// rest, of the server named `server`. A mode of an unknown name is reported on standard error and counts as none.
+Fault faultFor(const Scenario &scenario, const QString &server, const QJsonObject &faults, const QByteArray &path);
 
-// Answers the current request as the fault wants. `answer` is the right answer where the fault needs one.
-void playFault(HttpConnection &connection, const Fault &fault, const HttpAnswer &answer);
+// Answers the current request as the fault wants. `act` does what was asked for and gives the right answer; it is
+// called only where the fault needs that.
+void answerUnder(const Fault &fault, HttpConnection &connection, const std::function<void(const Respond &)> &act);
 
 } // namespace korvel::sim

@@ -1,11 +1,13 @@
 #include "simulator/home.h"
 
+#include "simulator/account_server_program.h"
 #include "simulator/agent_config.h"
 #include "simulator/files.h"
 #include "simulator/home_cleaning.h"
 #include "simulator/job_file.h"
 #include "simulator/launch_job.h"
 #include "simulator/scenario.h"
+#include "simulator/test_authority.h"
 
 #include <QDir>
 #include <QFile>
@@ -58,12 +60,17 @@ QProcessEnvironment Home::environment() const {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(u"HOME"_s, paths.home);
     environment.insert(u"KORVEL_HOOK_PORT"_s, QString::number(port()));
+    environment.insert(u"SSL_CERT_FILE"_s, authorityFile());
     for (const QLatin1StringView name : {"KORVEL_HOME"_L1, "KORVEL_AGENT_BIN"_L1, "KORVEL_TRAY_AUTOMATION"_L1})
         environment.remove(name);
     return environment;
 }
 
-bool Home::setScenario(const QJsonObject &scenario) { return Scenario::write(paths, scenario); }
+bool Home::setScenario(const QJsonObject &scenario) {
+    const bool written = Scenario::write(paths, scenario);
+    AccountServerProcess(paths).awaitScenario();
+    return written;
+}
 
 bool Home::changeScenario(const QJsonObject &patch) { return setScenario(mergePatch(scenario(), patch)); }
 
@@ -78,6 +85,16 @@ QString Home::account() const { return configOf(paths).read().value("username"_L
 Phone Home::phone() const { return Phone({paths, configOf(paths)}); }
 
 AccountControl Home::encryption() const { return AccountControl({paths, configOf(paths)}); }
+
+bool Home::startAccountServer() { return AccountServerProcess(paths).start(environment()); }
+
+bool Home::stopAccountServer() { return AccountServerProcess(paths).stop(); }
+
+QString Home::accountServer() const { return AccountServerProcess(paths).address(); }
+
+QString Home::authorityFile() const { return TestAuthority(paths).file(); }
+
+ServerAccounts Home::accounts() const { return ServerAccounts(AccountStore(paths)); }
 
 bool Home::placeAgent() const {
     return placeProgram(standInRoot() + "/usr/local/bin/korvel-agent"_L1, paths.agentProgram());
@@ -109,6 +126,8 @@ QString Home::domain() { return u"gui/%1"_s.arg(::getuid()); }
 QString Home::agentTarget() { return domain() + u'/' + agentLabel(); }
 
 QList<QJsonObject> Home::requests() const { return readLines(paths.requestLog()); }
+
+QList<QJsonObject> Home::serverRequests() const { return readLines(paths.serverLog()); }
 
 QList<QJsonObject> Home::toolCalls() const { return readLines(paths.toolLog()); }
 

@@ -3,6 +3,7 @@
 #include "simulator/account_control.h"
 #include "simulator/home_paths.h"
 #include "simulator/phone.h"
+#include "simulator/server_accounts.h"
 
 #include <QJsonObject>
 #include <QList>
@@ -32,8 +33,8 @@ public:
     QString logPath() const { return paths.agentOutput(); }
     // The port of the agent of this home on 127.0.0.1: the one reserved for it, else KORVEL_HOOK_PORT, else 8790.
     int port() const;
-    // This process's environment with HOME and KORVEL_HOOK_PORT set for this home, and KORVEL_HOME, KORVEL_AGENT_BIN
-    // and KORVEL_TRAY_AUTOMATION removed.
+    // This process's environment with HOME, KORVEL_HOOK_PORT and SSL_CERT_FILE set for this home, and KORVEL_HOME,
+    // KORVEL_AGENT_BIN and KORVEL_TRAY_AUTOMATION removed.
     QProcessEnvironment environment() const;
 
     // Replaces the scenario; faults with "times" count anew. False when it cannot be written.
@@ -57,6 +58,18 @@ public:
     // What happens to this Mac's encryption elsewhere: devices that ask, alarms, removal; and the codes on show.
     AccountControl encryption() const;
 
+    // Starts the account server, and waits until it serves; it ends with the home. True when it runs.
+    bool startAccountServer();
+    // True when it no longer runs.
+    bool stopAccountServer();
+    // Its address, running or not: "localhost:PORT".
+    QString accountServer() const;
+    // The certificate, as PEM, of the authority that the server's certificate is signed by. Made when it is first asked
+    // for.
+    QString authorityFile() const;
+    // What the account server knows, and what the user does there.
+    ServerAccounts accounts() const;
+
     // Writes the agent's job file without loading the job, and puts the agent where the job expects it.
     bool installJobFile();
     // Puts Korvel.app into the home, with the given tray program and the agent in it, and returns the tray's path
@@ -72,6 +85,8 @@ public:
 
     // Requests that the agent's HTTP interface received, oldest first.
     QList<QJsonObject> requests() const;
+    // Requests that the account server received, oldest first.
+    QList<QJsonObject> serverRequests() const;
     // Calls of the stand-in tools, in the order of their ends.
     QList<QJsonObject> toolCalls() const;
     // Calls of the agent's command line.
@@ -83,8 +98,9 @@ public:
     qint64 agentPid() const;
     // Sends a signal to that process. False when none runs.
     bool killAgent(int signal);
-    // Boots out every job of this home and ends whatever else of the simulator runs in it; no scenario prevents it.
-    // Whoever starts such programs, the tray above all, must have ended before. True when no process is left.
+    // Boots out every job of this home and ends the account server and whatever else of the simulator runs in it; no
+    // scenario prevents it. Whoever starts such programs, the tray above all, must have ended before. True when no
+    // process is left.
     bool shutDown();
 
 protected:

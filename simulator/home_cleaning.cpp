@@ -23,8 +23,12 @@ bool isLaunchd(const ProcessInfo &process) {
     return process.commandLine.first() == QString(standInRoot() + "/sbin/launchd"_L1);
 }
 
+bool isServer(const ProcessInfo &process) { return process.commandLine.first().endsWith("/korvel-account-server"_L1); }
+
+bool isLasting(const ProcessInfo &process) { return isAgent(process) || isLaunchd(process) || isServer(process); }
+
 bool isTool(const ProcessInfo &process) {
-    return process.commandLine.first().startsWith(standInRoot() + u'/') && !isAgent(process) && !isLaunchd(process);
+    return process.commandLine.first().startsWith(standInRoot() + u'/') && !isLasting(process);
 }
 
 // Signals what `belongs` picks; the number of processes that it picked.
@@ -57,8 +61,7 @@ bool endAllOf(const HomePaths &paths) {
     endWithin(paths, SIGKILL, 2000, isTool); // a tool that waits could load a job later
     for (const QString &label : LaunchJob::labels(paths))
         LaunchJob(paths, label).unload();
-    const auto any = [](const ProcessInfo &process) { return isAgent(process) || isLaunchd(process); };
-    return endWithin(paths, SIGTERM, 2000, any) || endWithin(paths, SIGKILL, 2000, any);
+    return endWithin(paths, SIGTERM, 2000, isLasting) || endWithin(paths, SIGKILL, 2000, isLasting);
 }
 
 } // namespace korvel::sim

@@ -15,6 +15,12 @@ QString HomePaths::toolLog() const { return state() + "/tools.jsonl"_L1; }
 QString HomePaths::agentLog() const { return state() + "/agent.jsonl"_L1; }
 QString HomePaths::openedLog() const { return state() + "/opened.jsonl"_L1; }
 QString HomePaths::encryption() const { return state() + "/e2ee.json"_L1; }
+QString HomePaths::accounts() const { return state() + "/account.json"_L1; }
+QString HomePaths::serverLog() const { return state() + "/server.jsonl"_L1; }
+QString HomePaths::serverLock() const { return state() + "/server"_L1; }
+QString HomePaths::authority() const { return state() + "/authority.pem"_L1; }
+QString HomePaths::authorityKey() const { return state() + "/authority.key"_L1; }
+QString HomePaths::serverPort() const { return state() + "/server-port"_L1; }
 QString HomePaths::portFile() const { return state() + "/port"_L1; }
 QString HomePaths::ownerLock() const { return state() + "/owner"_L1; }
 QString HomePaths::turns() const { return state() + "/turns"_L1; }

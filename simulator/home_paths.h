@@ -19,7 +19,13 @@ struct HomePaths {
     QString agentLog() const;     // agent.jsonl
     QString openedLog() const;    // opened.jsonl
     QString encryption() const;   // e2ee.json: the encryption state
-    QString portFile() const;     // port: the reserved port as decimal text
+    QString accounts() const;     // account.json: the account server's state
+    QString serverLog() const;    // server.jsonl
+    QString serverLock() const;   // server: locked by the account server while it runs
+    QString authority() const;    // authority.pem: the certificate that the account server's is signed by
+    QString authorityKey() const; // authority.key
+    QString portFile() const;     // port: the agent's reserved port as decimal text
+    QString serverPort() const;   // server-port: the same of the account server
     QString ownerLock() const;    // owner: locked by the process that holds the home, if one does
     QString turns() const;        // turns/: how often limited faults happened
     QString jobs() const;         // launchd/: one folder per job label

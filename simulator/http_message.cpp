@@ -13,6 +13,12 @@ QByteArray reasonOf(int status) {
     switch (status) {
     case 200:
         return "OK";
+    case 302:
+        return "Found";
+    case 307:
+        return "Temporary Redirect";
+    case 308:
+        return "Permanent Redirect";
     case 400:
         return "Bad Request";
     case 401:
@@ -32,10 +38,21 @@ QByteArray reasonOf(int status) {
 
 QByteArray HttpRequest::path() const { return target.split('?').first(); }
 
+QString HttpRequest::queryField(const QString &name) const { return formField(target.mid(path().size() + 1), name); }
+
 QByteArray HttpRequest::header(const QByteArray &name) const {
     for (const auto &[key, value] : headers)
         if (key == name)
             return value;
+    return {};
+}
+
+QString formField(const QByteArray &form, const QString &name) {
+    for (QByteArray field : form.split('&')) {
+        const qsizetype split = field.replace('+', ' ').indexOf('=');
+        if (split > 0 && QString::fromUtf8(QByteArray::fromPercentEncoding(field.first(split))) == name)
+            return QString::fromUtf8(QByteArray::fromPercentEncoding(field.sliced(split + 1)));
+    }
     return {};
 }
 
@@ -44,9 +61,12 @@ HttpAnswer HttpAnswer::json(const QJsonObject &object, int status) {
 }
 
 QByteArray headOf(const HttpAnswer &answer, qint64 length, bool keepAlive) {
+    QByteArray more;
+    for (const auto &[name, value] : answer.headers)
+        more += "\r\n" + name + ": " + value;
     return "HTTP/1.1 " + QByteArray::number(answer.status) + ' ' + reasonOf(answer.status) +
            "\r\nContent-Type: " + answer.type + "\r\nContent-Length: " + QByteArray::number(length) +
-           "\r\nCache-Control: no-store\r\nConnection: " + (keepAlive ? "keep-alive" : "close") + "\r\n\r\n";
+           "\r\nCache-Control: no-store\r\nConnection: " + (keepAlive ? "keep-alive" : "close") + more + "\r\n\r\n";
 }
 
 HttpRequestReader::Progress HttpRequestReader::feed(const QByteArray &bytes) {

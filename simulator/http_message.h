@@ -19,6 +19,8 @@ struct HttpRequest {
 
     // The target without its query.
     QByteArray path() const;
+    // A field of the query, decoded as a form's is: "+" is a blank. Empty when there is none.
+    QString queryField(const QString &name) const;
     // The first header of that lower-case name; a null array when there is none.
     QByteArray header(const QByteArray &name) const;
 };
@@ -28,9 +30,13 @@ struct HttpAnswer {
     int status = 200;
     QByteArray type = "application/json";
     QByteArray body;
+    QList<std::pair<QByteArray, QByteArray>> headers = {}; // besides those that every answer has
 
     static HttpAnswer json(const QJsonObject &object, int status = 200);
 };
+
+// A field of a submitted form or of a query (application/x-www-form-urlencoded); empty when there is none.
+QString formField(const QByteArray &form, const QString &name);
 
 // Gives the answer to one request; may be called later, and at most once.
 using Respond = std::function<void(const HttpAnswer &)>;

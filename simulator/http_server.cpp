@@ -89,6 +89,13 @@ bool HttpServer::listenOnLoopback(int port) {
     return false;
 }
 
+void HttpServer::stop() {
+    QTcpServer::close();
+    for (QObject *child : children())
+        if (auto *connection = dynamic_cast<HttpConnection *>(child))
+            connection->reset();
+}
+
 std::unique_ptr<QTcpSocket> HttpServer::plainSocket(qintptr descriptor) {
     auto socket = std::make_unique<QTcpSocket>();
     if (!socket->setSocketDescriptor(descriptor))

@@ -61,6 +61,9 @@ public:
     // Listens on 127.0.0.1. False when the port is taken by a listener, or cannot be bound.
     bool listenOnLoopback(int port);
 
+    // Listens no longer, and resets every connection.
+    void stop();
+
     // A socket without encryption.
     static std::unique_ptr<QTcpSocket> plainSocket(qintptr descriptor);
 

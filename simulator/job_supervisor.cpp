@@ -38,7 +38,7 @@ void redirect(QProcess &program, const QString &outputPath, const QString &error
 
 JobSupervisor::JobSupervisor(HomePaths paths, JobFile job)
     : paths(std::move(paths)), job(std::move(job)), place(this->paths, this->job.label),
-      owned(recordLockHolder(this->paths.ownerLock()) != 0) {
+      watch(this->paths, place.lockFile(), [this] { finish(); }) {
     configure();
     restart.setSingleShot(true);
     force.setSingleShot(true);
@@ -49,8 +49,6 @@ JobSupervisor::JobSupervisor(HomePaths paths, JobFile job)
     });
     QObject::connect(&restart, &QTimer::timeout, &program, [this] { launch(); });
     QObject::connect(&force, &QTimer::timeout, &program, [this] { program.kill(); });
-    QObject::connect(&watch, &QTimer::timeout, &program, [this] { endWhenHomeIsGone(); });
-    watch.start(1s);
 }
 
 void JobSupervisor::configure() {
@@ -114,12 +112,6 @@ void JobSupervisor::onEnded() {
         restart.start(0ms);
     else if (job.keepAlive)
         restart.start(milliseconds(Scenario::read(paths).section("launchd"_L1), "throttleMs"_L1, DEFAULT_THROTTLE_MS));
-}
-
-void JobSupervisor::endWhenHomeIsGone() {
-    const bool ownerIsGone = owned && recordLockHolder(paths.ownerLock()) == 0;
-    if (ownerIsGone || !QFile::exists(place.lockFile()))
-        finish();
 }
 
 void JobSupervisor::writeState() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "simulator/home_watch.h"
 #include "simulator/job_file.h"
 #include "simulator/launch_job.h"
 #include "simulator/program_call.h"
@@ -25,7 +26,6 @@ private:
     void launch();
     void onEnded();
     void endProgram();
-    void endWhenHomeIsGone();
     void configure();
     void writeState();
 
@@ -34,13 +34,12 @@ private:
     HomePaths paths;
     JobFile job;
     LaunchJob place;
-    bool owned; // a process holds the home, and its end is ours
     After after = After::KeepAlive;
     int starts = 0;
     QProcess program;
     QTimer restart;
     QTimer force;
-    QTimer watch;
+    HomeWatch watch;
 };
 
 // The program behind a loaded job, `launchd LABEL JOBFILE`. Ends with status 1 when the job is loaded already.

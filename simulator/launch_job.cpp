@@ -4,7 +4,6 @@
 #include "simulator/program_call.h"
 #include "simulator/record_lock.h"
 
-#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QProcess>
@@ -19,20 +18,6 @@ namespace korvel::sim {
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr int PATIENCE_MS = 10'000;
-
-// Looks again every few milliseconds until `done` says true; false after PATIENCE_MS.
-template <class Condition>
-bool waitUntil(Condition done) {
-    const QDeadlineTimer deadline(PATIENCE_MS);
-    while (!done()) {
-        if (deadline.hasExpired())
-            return false;
-        pauseFor(5);
-    }
-    return true;
-}
 
 bool isRunning(pid_t process) { return ::kill(process, 0) == 0 || errno != ESRCH; }
 

@@ -1,5 +1,6 @@
 // One program that plays every part of the simulated Mac, chosen by the name it is started under.
 
+#include "simulator/account_server_program.h"
 #include "simulator/agent_program.h"
 #include "simulator/control.h"
 #include "simulator/files.h"
@@ -50,11 +51,12 @@ struct Part {
 
 // Each name stands in the build file's list of stand-ins too.
 constexpr Part PARTS[] = {
-    {"korvel-simulator"_L1, control},     {"korvel-agent"_L1, agentProgram}, {"launchd"_L1, superviseJob},
-    {"launchctl"_L1, runTool<launchctl>}, {"pkill"_L1, runTool<pkill>},      {"open"_L1, runTool<open>},
+    {"korvel-simulator"_L1, control}, {"korvel-agent"_L1, agentProgram},    {"korvel-account-server"_L1, serveAccounts},
+    {"launchd"_L1, superviseJob},     {"launchctl"_L1, runTool<launchctl>}, {"pkill"_L1, runTool<pkill>},
+    {"open"_L1, runTool<open>},
 };
 
-// A supervisor outlives who started it: it must not keep open what that one left open in it.
+// A supervisor or server outlives who started it: it must not keep open what that one left open in it.
 void closeInheritedFiles() {
     for (const QString &name : QDir(u"/dev/fd"_s).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot))
         if (const int file = name.toInt(); file > STDERR_FILENO)
@@ -74,7 +76,8 @@ ProgramCall callOf(const QString &startedAs, const QStringList &arguments) {
 } // namespace
 
 int play(int argc, char **argv) {
-    if (QFileInfo(QString::fromLocal8Bit(argv[0])).fileName() == "launchd"_L1)
+    const QString name = QFileInfo(QString::fromLocal8Bit(argv[0])).fileName();
+    if (name == "launchd"_L1 || name == "korvel-account-server"_L1)
         closeInheritedFiles();
     // Qt's remark about a locale that is not UTF-8 is no part of what the tool says.
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});

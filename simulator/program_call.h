@@ -5,6 +5,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 namespace korvel::sim {
 
 // How one of the simulator's programs was started.
@@ -27,5 +29,8 @@ int runProgram(const QString &program, const QStringList &arguments);
 
 // Waits in this thread.
 void pauseFor(int milliseconds);
+
+// Looks every few milliseconds until `done` says true; false when it does not within 10 seconds.
+bool waitUntil(const std::function<bool()> &done);
 
 } // namespace korvel::sim

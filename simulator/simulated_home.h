@@ -8,8 +8,9 @@ namespace korvel::sim {
 // the scenario while it runs. All operations are those of Home.
 class SimulatedHome : public Home {
 public:
-    // Creates `directory` and its parents where missing, and reserves a loopback port for the agent until destruction:
-    // nobody else is given it meanwhile. A home that is there already is taken over with its scenario and logs.
+    // Creates `directory` and its parents where missing, and reserves two loopback ports until destruction, for the
+    // agent and the account server: nobody else is given them meanwhile. A home that is there already is taken over
+    // with its scenario and logs.
     explicit SimulatedHome(const QString &directory);
     // Calls shutDown(). The directory and its files stay. Should this process end without it, the jobs of the home end
     // by themselves within seconds.
@@ -18,7 +19,8 @@ public:
     SimulatedHome &operator=(const SimulatedHome &) = delete;
 
 private:
-    int reservation; // a socket bound to the port that never listens
+    int agentPort; // sockets bound to the ports that never listen
+    int serverPort;
     int ownerLock;
 };
 

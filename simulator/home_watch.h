@@ -1,0 +1,21 @@
+#pragma once
+
+#include "simulator/home_paths.h"
+
+#include <QTimer>
+
+#include <functional>
+
+namespace korvel::sim {
+
+// For a process that belongs to a home: tells it, within seconds, that it should end.
+class HomeWatch {
+public:
+    // Calls `onGone` once `file` is no longer there, or, if a process holds the home now, once none does.
+    HomeWatch(const HomePaths &paths, QString file, std::function<void()> onGone);
+
+private:
+    QTimer timer;
+};
+
+} // namespace korvel::sim
