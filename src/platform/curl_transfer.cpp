@@ -168,16 +168,22 @@ size_t CurlTransfer::headerReceived(char *, size_t size, size_t count, void *sel
     return static_cast<CurlTransfer *>(self)->accept(size * count) ? size * count : 0;
 }
 
+ErrorKind CurlTransfer::failure(CURLcode code, const Network &network) const {
+    long proxyStatus = 0;
+    curl_easy_getinfo(easy, CURLINFO_HTTP_CONNECTCODE, &proxyStatus);
+    const bool proxyRefuses = proxyStatus >= 300; // libcurl calls that a lost connection
+    const ErrorKind kind = proxyRefuses ? ErrorKind::Unreachable : kindOf(code);
+    const bool noWay = kind == ErrorKind::HostNotFound || (kind == ErrorKind::Unreachable && !proxyRefuses);
+    if (noWay && request.reach == Reach::Server && !namesThisMachine(addressOf(url).host) && network.isOffline())
+        return ErrorKind::Offline;
+    return kind;
+}
+
 Result<HttpReply> CurlTransfer::outcome(CURLcode code, const Network &network) {
     if (tooLarge)
         return Error{ErrorKind::TooLarge, QStringLiteral("answer over %1 bytes").arg(request.maxBytes)};
-    if (code != CURLE_OK) {
-        ErrorKind kind = kindOf(code);
-        const bool noWay = kind == ErrorKind::HostNotFound || kind == ErrorKind::Unreachable;
-        if (noWay && request.reach == Reach::Server && !namesThisMachine(addressOf(url).host) && network.isOffline())
-            kind = ErrorKind::Offline;
-        return Error{kind, QString::fromUtf8(*errorText ? errorText : curl_easy_strerror(code))};
-    }
+    if (code != CURLE_OK)
+        return Error{failure(code, network), QString::fromUtf8(*errorText ? errorText : curl_easy_strerror(code))};
     long status = 0;
     curl_easy_getinfo(easy, CURLINFO_RESPONSE_CODE, &status);
     reply.status = static_cast<int>(status);

@@ -26,6 +26,7 @@ public:
     Done<HttpReply> takeDone() { return std::move(done); }
 
 private:
+    ErrorKind failure(CURLcode code, const Network &network) const;
     void prepareLoopback();
     void prepareServer(const QString &proxy, const QString &authorities);
     void prepareBody();

@@ -56,8 +56,7 @@ void FlappingJourney::pollTimes(int times) {
 void FlappingJourney::flap(int polls, quint32 seed) {
     QRandomGenerator random(seed);
     installAndSignIn();
-    tray = std::make_unique<TrayApp>(
-        fixed, paths, TrayPorts{scheduler, counted, programs, services, desktop, item, notices, alerts, pairPanel});
+    tray = std::make_unique<TrayApp>(fixed, paths, ports(counted));
     tray->launch(trayProgram());
     Holdings warm;
     constexpr int WARM_UP = 10 * POLLS_A_DISTURBANCE;

@@ -66,20 +66,13 @@ void Journey::installAndSignIn() {
     ASSERT_TRUE(home.installJobFile());
 }
 
+TrayPorts Journey::ports(HttpClient &client) {
+    return {scheduler, client, programs,  services,   desktop, item,
+            notices,   alerts, pairPanel, loginPanel, {},      home.agentProgram()};
+}
+
 void Journey::launch() {
-    tray = std::make_unique<TrayApp>(fixed, paths,
-                                     TrayPorts{scheduler,
-                                               http,
-                                               programs,
-                                               services,
-                                               desktop,
-                                               item,
-                                               notices,
-                                               alerts,
-                                               pairPanel,
-                                               loginPanel,
-                                               {},
-                                               home.agentProgram()});
+    tray = std::make_unique<TrayApp>(fixed, paths, ports(http));
     tray->launch(trayProgram());
 }
 

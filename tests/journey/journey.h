@@ -56,6 +56,8 @@ struct Journey : ::testing::Test {
 
     /// A signed-in Mac with the agent installed but not loaded.
     void installAndSignIn();
+    /// Everything that a TrayApp runs on, with `client` for its requests.
+    TrayPorts ports(HttpClient &client);
     void launch();
     bool showsSoon(const QString &statusLine);
     /// Requests to a path that the agent has received.
