@@ -43,14 +43,11 @@ QString AgentConfig::ensureLocalToken() const {
     return made;
 }
 
-bool AgentConfig::signIn(const QString &account, const QString &server) const {
-    QJsonObject patch{{u"agentToken"_s, u"simulated-token-"_s + randomHex(8)},
-                      {u"agentId"_s, u"simulated-agent-"_s + randomHex(4)},
-                      {u"username"_s, account},
-                      {u"loginName"_s, account}};
-    if (!server.isEmpty())
-        patch.insert("server"_L1, server);
-    return change(patch);
+bool AgentConfig::signIn(const QString &account) const {
+    return change({{u"agentToken"_s, u"simulated-token-"_s + randomHex(8)},
+                   {u"agentId"_s, u"simulated-agent-"_s + randomHex(4)},
+                   {u"username"_s, account},
+                   {u"loginName"_s, account}});
 }
 
 bool AgentConfig::signOut() const {

@@ -23,9 +23,9 @@ public:
 
     // The local token, made and stored when there is none yet. When it cannot be stored it is still returned.
     QString ensureLocalToken() const;
-    // Stores a sign-in of `account`; `server` as host:port, empty to leave that key alone.
-    bool signIn(const QString &account, const QString &server = {}) const;
-    // Removes what signIn() stored, but for the server.
+    // Stores a sign-in of `account` that the account server does not know.
+    bool signIn(const QString &account) const;
+    // Removes what signIn() stored.
     bool signOut() const;
 
 private:

@@ -14,7 +14,9 @@ QString agentVersion() { return u"korvel-agent/1.4.2"_s; }
 QJsonObject healthReport(const AgentSituation &situation, const QJsonObject &scenario) {
     const bool signedIn = !situation.config.value("agentToken"_L1).toString().isEmpty();
     const bool offline = scenario.value("offline"_L1).toBool();
-    const bool online = signedIn && !offline && situation.uptimeMs >= milliseconds(scenario, "connectMs"_L1, 300);
+    const bool dead = signedIn && situation.signInIsDead;
+    const bool online =
+        signedIn && !dead && !offline && situation.uptimeMs >= milliseconds(scenario, "connectMs"_L1, 300);
 
     const QJsonObject report{
         {u"ok"_s, true},
@@ -22,7 +24,7 @@ QJsonObject healthReport(const AgentSituation &situation, const QJsonObject &sce
         {u"ver"_s, agentVersion()},
         {u"sessions"_s, 0},
         {u"account"_s, situation.config.value("username"_L1).toString()},
-        {u"authDead"_s, false},
+        {u"authDead"_s, dead},
         {u"accountGone"_s, false},
         {u"e2ee"_s, encryptionReport(situation.encryption, online)},
         {u"perms"_s, QJsonObject{{u"ok"_s, true}, {u"missing"_s, QJsonArray{}}}},

@@ -8,8 +8,9 @@ namespace korvel::sim {
 
 // What the health report of an agent depends on, besides the scenario.
 struct AgentSituation {
-    QJsonObject config;  // agent.json
-    qint64 uptimeMs = 0; // since the agent started
+    QJsonObject config;        // agent.json
+    bool signInIsDead = false; // its credential was released on the account server
+    qint64 uptimeMs = 0;       // since the agent started
     Encryption encryption;
 };
 

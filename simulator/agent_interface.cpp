@@ -1,6 +1,6 @@
 #include "simulator/agent_interface.h"
 
-#include "simulator/agent_health.h"
+#include "simulator/account_store.h"
 #include "simulator/fault.h"
 #include "simulator/files.h"
 
@@ -22,7 +22,7 @@ HttpAnswer refusal(int status, const QString &error) {
 
 AgentInterface::AgentInterface(HomePaths paths, AgentConfig config)
     : paths(std::move(paths)), config(std::move(config)), token(this->config.ensureLocalToken().toUtf8()),
-      encryption({this->paths, this->config}),
+      encryption({this->paths, this->config}), browserSignIn(this->paths, this->config),
       server([this](HttpConnection &connection, const HttpRequest &request) { receive(connection, request); }) {
     uptime.start();
     addRoutes();
@@ -32,13 +32,26 @@ bool AgentInterface::listen(int port) { return server.listenOnLoopback(port); }
 
 void AgentInterface::addRoutes() {
     routes[{"GET", "/health"}] = [this](const HttpRequest &, const Scenario &scenario, const Respond &respond) {
-        respond(
-            HttpAnswer::json(healthReport({config.read(), uptime.elapsed(), encryption.state()}, scenario.values())));
+        respond(HttpAnswer::json(healthReport(situation(), scenario.values())));
+    };
+    routes[{"POST", "/auth/start"}] = [this](const HttpRequest &request, const Scenario &scenario,
+                                             const Respond &respond) {
+        respond(browserSignIn.start(request, scenario));
+    };
+    routes[{"GET", "/auth/status"}] = [this](const HttpRequest &request, const Scenario &scenario,
+                                             const Respond &respond) {
+        respond(browserSignIn.status(request, scenario));
     };
     for (const QByteArray &path : AgentEncryption::paths())
         routes[{"POST", path}] = [this](const HttpRequest &request, const Scenario &scenario, const Respond &respond) {
             encryption.answer(request, scenario, respond);
         };
+}
+
+AgentSituation AgentInterface::situation() const {
+    const QJsonObject stored = config.read();
+    const auto credential = credentialOf(AccountStore(paths).read(), stored.value("agentToken"_L1).toString());
+    return {stored, credential && credential->released, uptime.elapsed(), encryption.state()};
 }
 
 void AgentInterface::receive(HttpConnection &connection, const HttpRequest &request) {

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "simulator/agent_browser_sign_in.h"
 #include "simulator/agent_config.h"
 #include "simulator/agent_encryption.h"
+#include "simulator/agent_health.h"
 #include "simulator/http_server.h"
 #include "simulator/scenario.h"
 
@@ -26,6 +28,7 @@ public:
 private:
     void receive(HttpConnection &connection, const HttpRequest &request);
     void log(const HttpConnection &connection, const HttpRequest &request) const;
+    AgentSituation situation() const;
     void addRoutes();
     void answer(const HttpRequest &request, const Scenario &scenario, const Respond &respond) const;
 
@@ -34,6 +37,7 @@ private:
     QByteArray token;
     QElapsedTimer uptime;
     AgentEncryption encryption;
+    AgentBrowserSignIn browserSignIn;
     std::map<std::pair<QByteArray, QByteArray>, Route> routes; // by method and path
     HttpServer server;
 };

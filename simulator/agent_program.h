@@ -11,7 +11,7 @@ int agentProgram(const ProgramCall &call);
 // Runs the agent until SIGTERM or SIGINT: the loopback interface, and what the scenario's "agent" says.
 int runAgent(const ProgramCall &call);
 
-// Answers one sign-in request, `input`, on standard output as the scenario's "login" says.
+// Carries out one sign-in request, `input`, and answers it on standard output, or does as the scenario's "login" says.
 int agentLogin(const ProgramCall &call, const QByteArray &input);
 
 } // namespace korvel::sim

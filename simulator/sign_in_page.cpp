@@ -23,7 +23,7 @@ p { margin: 0 0 1.2rem; color: var(--soft); overflow-wrap: anywhere; }
 p[role=alert] { margin: 0 0 1rem; color: var(--red); }
 label { display: block; margin: 0 0 .9rem; font-weight: 600; }
 input { display: block; width: 100%; margin-top: .3rem; padding: .55rem .7rem; border: 1px solid var(--line);
-        border-radius: 8px; font: inherit; }
+        border-radius: 8px; font: inherit; font-weight: 400; }
 .buttons { display: flex; flex-direction: row-reverse; gap: .6rem; margin-top: 1.4rem; }
 button { flex: 1; padding: .6rem; border: 1px solid var(--line); border-radius: 8px; background: none; font: inherit;
          cursor: pointer; }

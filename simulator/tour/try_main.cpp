@@ -50,7 +50,7 @@ int run(int argc, char **argv) {
 
     SimulatedHome home(parser.value(u"home"_s));
     const QString program = home.assembleBundle(QFileInfo(parser.value(u"tray"_s)).absoluteFilePath());
-    if (program.isEmpty() || !prepare(home, parser.value(u"account"_s))) {
+    if (program.isEmpty() || !prepare(home, parser.value(u"account"_s)) || !home.startAccountServer()) {
         std::fprintf(stderr, "The home directory %s could not be prepared.\n", qUtf8Printable(home.path()));
         return 1;
     }

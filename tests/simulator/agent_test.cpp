@@ -60,17 +60,6 @@ TEST_F(AgentTest, SecondAgentOnTheSamePortGivesUp) {
     EXPECT_TRUE(second.error.contains("cannot listen"));
 }
 
-TEST_F(AgentTest, LoginSignsInByDefaultAndLogsNoPassword) {
-    home.signOut();
-    const Run run = login(R"({"op":"login","username":"kim","password":"hunter2"})");
-    EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(run.output, "{\"ok\":true}\n");
-    EXPECT_EQ(config().value("username"_L1), QJsonValue(u"kim"_s));
-    EXPECT_FALSE(config().value("agentToken"_L1).toString().isEmpty());
-    const QJsonObject logged = home.agentCalls().last().value("input"_L1).toObject();
-    EXPECT_EQ(logged, (QJsonObject{{u"op"_s, u"login"_s}, {u"username"_s, u"kim"_s}, {u"password"_s, u"***"_s}}));
-}
-
 TEST_F(AgentTest, LoginPlaysTheEntryOfItsOperation) {
     setLogin(u"send-code"_s, {{u"reply"_s, QJsonObject{{u"ok"_s, false}, {u"error"_s, u"late"_s}}},
                               {u"noise"_s, QJsonArray{u"one"_s, u"{two"_s}},
@@ -79,10 +68,13 @@ TEST_F(AgentTest, LoginPlaysTheEntryOfItsOperation) {
     EXPECT_EQ(coded.status, 7);
     EXPECT_EQ(coded.output, "one\n{two\n{\"error\":\"late\",\"ok\":false}\n");
 
-    setLogin(u"*"_s, {{u"silent"_s, true}});
     home.signOut();
-    EXPECT_EQ(login(R"({"op":"login","username":"kim"})").output, "");
+    setLogin(u"*"_s, {{u"silent"_s, true}});
+    EXPECT_EQ(login(R"({"op":"login","username":"sam@example.com","password":"open sesame"})").output, "");
     EXPECT_FALSE(config().contains("agentToken"_L1));
+    setLogin(u"login"_s, {{u"reply"_s, QJsonObject{{u"ok"_s, true}, {u"user"_s, u"k*m"_s}}}});
+    EXPECT_EQ(login(R"({"op":"login","username":"kim"})").output, "{\"ok\":true,\"user\":\"k*m\"}\n");
+    EXPECT_EQ(config().value("username"_L1), QJsonValue(u"kim"_s)) << "a reply of the scenario binds as well";
     EXPECT_EQ(login("[1]").status, 1);
 }
 
