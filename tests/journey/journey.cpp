@@ -48,13 +48,13 @@ EnvironmentScope::~EnvironmentScope() { become(before); }
 QString trayProgram() { return QStringLiteral(KORVEL_TRAY_PROGRAM); }
 
 Journey::Journey(int speed)
-    : fixed(makeFixedConfig(testDeployment(), {.preferredLanguages = {},
-                                               .home = home.path(),
-                                               .hookPort = QString::number(home.port()),
-                                               .korvelHome = std::nullopt,
-                                               .automation = std::nullopt})),
-      paths(makePaths(fixed, home.path(), ::getuid())), programs(standInRoot()), scheduler(speed),
-      services(programs, paths.uid) {}
+    : launchEnvironment{.preferredLanguages = {},
+                        .home = home.path(),
+                        .hookPort = QString::number(home.port()),
+                        .korvelHome = std::nullopt,
+                        .automation = std::nullopt},
+      fixed(makeFixedConfig(testDeployment(), launchEnvironment)), paths(makePaths(fixed, home.path(), ::getuid())),
+      programs(standInRoot()), scheduler(speed), services(programs, paths.uid) {}
 
 Journey::~Journey() {
     tray.reset();

@@ -40,6 +40,7 @@ struct Journey : ::testing::Test {
     QTemporaryDir folder;
     sim::SimulatedHome home{folder.filePath(QStringLiteral("home"))};
     EnvironmentScope environment{home};
+    LaunchEnvironment launchEnvironment;
     FixedConfig fixed;
     Paths paths;
     QtPrograms programs;
@@ -54,6 +55,8 @@ struct Journey : ::testing::Test {
     RecordedLoginPanel loginPanel;
     std::unique_ptr<TrayApp> tray;
 
+    /// Makes the tray one of another edition, before it is launched.
+    void becomeEdition(const QString &edition) { fixed = makeFixedConfig(testDeployment(edition), launchEnvironment); }
     /// A signed-in Mac with the agent installed but not loaded.
     void installAndSignIn();
     /// Everything that a TrayApp runs on, with `client` for its requests.

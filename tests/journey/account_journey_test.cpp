@@ -1,0 +1,204 @@
+#include "journey/journey.h"
+#include "simulator/browser/web_browser.h"
+
+#include <QFile>
+#include <csignal>
+
+using namespace Qt::StringLiterals;
+
+namespace korvel::test {
+namespace {
+
+const QString ACCOUNT = u"sam@example.com"_s;
+const QString PASSWORD = u"open sesame"_s;
+
+/// A Mac on which nobody is signed in, with its account server.
+struct AccountJourney : Journey {
+    void SetUp() override {
+        ASSERT_TRUE(home.startAccountServer());
+        ASSERT_TRUE(home.installJobFile());
+    }
+    QJsonObject cfg() const {
+        QFile file(home.configPath());
+        return file.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(file.readAll()).object() : QJsonObject();
+    }
+    /// Changes one key of the agent's configuration.
+    void configure(const QString &key, const QString &value) {
+        QJsonObject changed = cfg();
+        changed[key] = value;
+        QDir().mkpath(QFileInfo(home.configPath()).path());
+        QFile file(home.configPath());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(QJsonDocument(changed).toJson());
+    }
+    bool tells(const QString &notice) {
+        const bool told = eventually([&] { return notices.last() == notice; });
+        EXPECT_EQ(notices.last(), notice);
+        return told;
+    }
+    void signOut() {
+        item.choose(Action::LogoutDialog);
+        ASSERT_TRUE(alerts.isOpen());
+        alerts.answer(0);
+        ASSERT_TRUE(tells(u"⏻ Signed out"_s));
+        ASSERT_TRUE(showsSoon(u"Not signed in"_s));
+        EXPECT_EQ(home.agentPid(), 0);
+        EXPECT_FALSE(cfg().contains(u"agentToken"));
+        EXPECT_EQ(cfg().value(u"server"), home.accountServer());
+    }
+    void expectPairing() {
+        ASSERT_TRUE(eventually([&] { return pairPanel.visible; }));
+        ASSERT_TRUE(home.phone().signIn());
+        ASSERT_TRUE(eventually([&] { return pairPanel.view.refreshVisible; }));
+        EXPECT_EQ(pairPanel.view.code, home.encryption().pairCode());
+        ASSERT_TRUE(home.phone().typeRight());
+        ASSERT_TRUE(eventually([&] { return !pairPanel.visible; }));
+    }
+    int unbindings() const {
+        int count = 0;
+        for (const QJsonObject &request : home.serverRequests())
+            count += request.value(u"path") == u"/v1/agents/unbind"_s;
+        return count;
+    }
+};
+
+TEST_F(AccountJourney, TheWholeRoadFromSignedOutToPairedAndBack) {
+    home.setScenario({{u"e2ee"_s, QJsonObject{{u"start"_s, u"waiting"_s}}}});
+    launch();
+    ASSERT_TRUE(showsSoon(u"Not signed in"_s));
+    item.choose(Action::BrowserLogin);
+    ASSERT_TRUE(loginPanel.visible);
+    loginPanel.does(LoginInput::Kind::Account, ACCOUNT);
+    loginPanel.does(LoginInput::Kind::Password, u"close sesame"_s);
+    loginPanel.does(LoginInput::Kind::Submit);
+    ASSERT_TRUE(eventually([&] { return !loginPanel.view.error.isEmpty(); }));
+    EXPECT_TRUE(loginPanel.visible);
+    loginPanel.does(LoginInput::Kind::Password, PASSWORD);
+    loginPanel.does(LoginInput::Kind::Submit);
+    ASSERT_TRUE(tells(u"● Signed in as "_s + ACCOUNT));
+    EXPECT_FALSE(loginPanel.visible);
+    expectPairing();
+    ASSERT_TRUE(showsSoon(u"● Connected · "_s + ACCOUNT + u" · 0 sessions"_s));
+    ASSERT_EQ(home.accounts().liveCredentials().size(), 1);
+    signOut();
+    EXPECT_TRUE(home.accounts().liveCredentials().isEmpty());
+    for (const QJsonObject &call : home.agentCalls())
+        EXPECT_FALSE(QJsonDocument(call).toJson().contains("sesame"));
+}
+
+TEST_F(AccountJourney, ThroughTheBrowserOfTheInternationalEdition) {
+    becomeEdition(u"intl"_s);
+    home.setScenario({{u"e2ee"_s, QJsonObject{{u"start"_s, u"waiting"_s}}}});
+    configure(u"server"_s, home.accountServer());
+    launch();
+    ASSERT_TRUE(showsSoon(u"Not signed in"_s));
+    item.choose(Action::BrowserLogin); // no agent runs yet: it is started first
+    ASSERT_TRUE(eventually([&] { return !desktop.opened.isEmpty(); }));
+    sim::WebBrowser browser;
+    ASSERT_TRUE(browser.open(desktop.opened.first())) << qPrintable(browser.error());
+    ASSERT_TRUE(browser.fill(u"#username"_s, ACCOUNT) && browser.fill(u"#password"_s, PASSWORD));
+    ASSERT_TRUE(browser.click(u"#sign-in"_s)) << qPrintable(browser.error());
+    ASSERT_TRUE(browser.text(u"#closing"_s)) << qPrintable(browser.error());
+    ASSERT_TRUE(tells(u"● Signed in as "_s + ACCOUNT));
+    expectPairing();
+    signOut();
+    EXPECT_TRUE(home.accounts().liveCredentials().isEmpty());
+}
+
+struct PasswordJourney : AccountJourney {
+    void SetUp() override {
+        AccountJourney::SetUp();
+        becomeEdition(u"intl"_s);
+        ASSERT_TRUE(home.accounts().add(u"kim"_s, {}, u"kim's"_s));
+    }
+    void signIn(const QString &account, const QString &password) {
+        desktop.option = true;
+        item.events.chosen(menuItem(u"x"_s, Action::LoginDialog));
+        desktop.option = false;
+        ASSERT_TRUE(alerts.isOpen());
+        alerts.answer(0, QStringList{account, password, home.accountServer()});
+    }
+};
+
+TEST_F(PasswordJourney, AtMostOneCredentialIsGoodWhateverHappensToTheOldOne) {
+    configure(u"other"_s, u"kept"_s);
+    launch();
+    signIn(ACCOUNT, u"wrong"_s);
+    ASSERT_TRUE(eventually([&] { return alerts.isOpen(); }));
+    EXPECT_EQ(alerts.view.text, u"Incorrect account or password."_s);
+    alerts.dismiss();
+    signIn(ACCOUNT, PASSWORD);
+    ASSERT_TRUE(tells(u"● Signed in as "_s + ACCOUNT));
+    ASSERT_TRUE(showsSoon(u"● Connected · "_s + ACCOUNT + u" · 0 sessions"_s));
+
+    signIn(u"kim"_s, u"kim's"_s);
+    ASSERT_TRUE(tells(u"● Signed in as kim"_s));
+    ASSERT_EQ(home.accounts().liveCredentials().size(), 1);
+    EXPECT_EQ(home.accounts().liveCredentials().first().token, cfg().value(u"agentToken").toString());
+    EXPECT_EQ(unbindings(), 1);
+
+    // A server that drops the release: the new sign-in is kept all the same, and nothing is sent twice.
+    home.changeScenario(
+        {{u"server"_s,
+          QJsonObject{{u"faults"_s, QJsonObject{{u"/v1/agents/unbind"_s, QJsonObject{{u"mode"_s, u"reset"_s}}}}}}}});
+    signIn(ACCOUNT, PASSWORD);
+    ASSERT_TRUE(tells(u"● Signed in as "_s + ACCOUNT));
+    EXPECT_EQ(unbindings(), 2);
+    EXPECT_EQ(cfg().value(u"username"), ACCOUNT);
+    EXPECT_EQ(cfg().value(u"other"), u"kept"_s);
+    ASSERT_TRUE(showsSoon(u"● Connected · "_s + ACCOUNT + u" · 0 sessions"_s));
+}
+
+TEST_F(PasswordJourney, ASignOutNeedsNeitherTheAgentNorTheServer) {
+    launch();
+    signIn(ACCOUNT, PASSWORD);
+    ASSERT_TRUE(showsSoon(u"● Connected · "_s + ACCOUNT + u" · 0 sessions"_s));
+    home.changeScenario(
+        {{u"launchd"_s, QJsonObject{{u"throttleMs"_s, 30000}}}, {u"server"_s, QJsonObject{{u"refuse"_s, true}}}});
+    ASSERT_TRUE(home.killAgent(SIGKILL));
+    signOut();
+    EXPECT_EQ(home.accounts().liveCredentials().size(), 1); // the server could not be told
+}
+
+/// The tray program's own sign-in from the command line.
+struct LoginSwitchJourney : AccountJourney {
+    QByteArray output, errors;
+
+    int login(const QStringList &arguments, const QByteArray &input) {
+        QProcess process;
+        QProcessEnvironment env = home.environment();
+        for (const QString &name : {u"DISPLAY"_s, u"WAYLAND_DISPLAY"_s, u"QT_QPA_PLATFORM"_s})
+            env.remove(name);
+        env.insert(u"KORVEL_TRAY_AUTOMATION"_s, u"1"_s);
+        env.insert(u"LANGUAGE"_s, u"en"_s);
+        process.setProcessEnvironment(env);
+        process.start(home.assembleBundle(trayProgram()), QStringList{u"--login"_s} + arguments);
+        process.write(input);
+        process.closeWriteChannel();
+        EXPECT_TRUE(process.waitForFinished(30000));
+        output = process.readAllStandardOutput();
+        errors = process.readAllStandardError();
+        return process.exitCode();
+    }
+};
+
+TEST_F(LoginSwitchJourney, SignsInOnceAndSaysHowItWent) {
+    EXPECT_EQ(login({ACCOUNT, home.accountServer()}, "close sesame\n"), 1);
+    EXPECT_EQ(output, "Incorrect account or password.\n");
+    EXPECT_EQ(login({ACCOUNT, u"https://"_s + home.accountServer() + u'/'}, "open sesame\nmore\n"), 0);
+    EXPECT_EQ(output, "● Signed in as sam@example.com\n"_ba);
+    EXPECT_FALSE(errors.contains("sesame"));
+    ASSERT_EQ(home.accounts().liveCredentials().size(), 1);
+    EXPECT_EQ(cfg().value(u"agentToken"), home.accounts().liveCredentials().first().token);
+    EXPECT_TRUE(eventually([&] { return home.agentPid() != 0; }));
+    // Without a fourth word: the server that is configured now.
+    EXPECT_EQ(login({ACCOUNT}, "open sesame"), 0);
+    EXPECT_EQ(login({ACCOUNT, u"no server"_s}, "open sesame"), 1);
+    EXPECT_EQ(output, "The server address isn't valid.\n");
+    home.changeScenario({{u"server"_s, QJsonObject{{u"certificate"_s, u"unknown-authority"_s}}}});
+    EXPECT_EQ(login({ACCOUNT}, "open sesame"), 1);
+    EXPECT_EQ(output, "Can't establish a secure connection. Try another network.\n");
+}
+
+} // namespace
+} // namespace korvel::test
