@@ -1,5 +1,6 @@
 #include "account/net_error.h"
 #include "account/server_api.h"
+#include "support/full_disk.h"
 #include "support/tray_fixture.h"
 
 #include <QFile>
@@ -203,6 +204,23 @@ TEST_F(AccountTest, SigningOutReleasesTheCredentialAndClearsOnlyWhatBindsThisMac
     EXPECT_TRUE(services.calls.contains(u"bootout com.korvel.agent"_s));
     EXPECT_EQ(notices.last(), u"⏻ Signed out"_s);
     EXPECT_EQ(item.statusLine(), u"Not signed in"_s);
+}
+
+TEST_F(AccountTest, OnAFullDiskTheOldConfigurationStaysAndIsWhatIsShown) {
+    installAndBind();
+    const QByteArray before = R"({"agentToken":"t","username":"ann","localToken":"secret","server":"own.example"})";
+    home.writeConfig(before);
+    launch();
+    {
+        const FullDisk full(10);
+        signOut();
+    }
+    EXPECT_EQ(file(), before);
+    EXPECT_EQ(notices.last(), u"Couldn't sign out. Try again later."_s);
+    agentIsSilent();
+    scheduler.advance(30s);
+    EXPECT_EQ(item.statusLine(), u"⏻ Sync paused · ann"_s);
+    EXPECT_EQ(item.entry(Action::LogoutDialog).title, u"Sign Out…"_s);
 }
 
 TEST_F(AccountTest, NothingThatFailsOrHangsKeepsASignOutFromEnding) {

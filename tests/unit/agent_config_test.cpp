@@ -1,30 +1,14 @@
 #include "service/agent_config.h"
 
 #include "support/fakes.h"
+#include "support/full_disk.h"
 
-#include <csignal>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 
 namespace korvel::test {
 namespace {
-
-/// Files may not grow past `bytes` while this lives, as on a full disk.
-class FullDisk {
-public:
-    explicit FullDisk(rlim_t bytes) {
-        ::getrlimit(RLIMIT_FSIZE, &before);
-        std::signal(SIGXFSZ, SIG_IGN);
-        const rlimit limit{bytes, before.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FullDisk() { ::setrlimit(RLIMIT_FSIZE, &before); }
-
-private:
-    rlimit before{};
-};
 
 mode_t modeOf(const QString &path) {
     struct stat info {};
