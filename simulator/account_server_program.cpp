@@ -36,13 +36,14 @@ int serveAccounts(const ProgramCall &call) {
     AccountServer server(call.paths);
     const auto end = [](int) { QCoreApplication::exit(0); };
     const UnixSignals signalHandling({SIGTERM, SIGINT}, end);
+    // From before the lock on, so that no change is missed. The file itself is replaced each time.
+    QFileSystemWatcher scenario({call.paths.state()});
+    QObject::connect(&scenario, &QFileSystemWatcher::directoryChanged, &scenario, [&] { server.listen(port); });
     // Only one holds the lock, and only one that serves: others may rely on it.
     if (!server.listen(port) || takeRecordLock(call.paths.serverLock()) < 0) {
         std::fprintf(stderr, "korvel-account-server: cannot serve at 127.0.0.1:%d\n", port);
         return 1;
     }
-    QFileSystemWatcher scenario({call.paths.state()}); // the file itself is replaced each time
-    QObject::connect(&scenario, &QFileSystemWatcher::directoryChanged, &scenario, [&] { server.listen(port); });
     const HomeWatch watch(call.paths, call.paths.serverLock(), [&] { end(0); });
     return QCoreApplication::exec();
 }
