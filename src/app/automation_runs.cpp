@@ -14,6 +14,7 @@
 #include "service/agent_command.h"
 #include "service/agent_control.h"
 #include "service/launchctl.h"
+#include "service/repair.h"
 #include "status/health.h"
 #include "ui/menu_view.h"
 
@@ -88,8 +89,11 @@ int runLogin(const FixedConfig &config, const Paths &paths) {
     DesktopQt desktop(programs, !standInRoot().isEmpty());
     CurlHttpClient http(scheduler);
     TrayState state;
+    const AgentCommand command(programs, scheduler, bundlePath(), std::nullopt);
+    Repair repair(state, config, paths, command, programs, scheduler,
+                  {.render = [] {}, .poll = [](const auto &then) { then(); }, .showHUD = [](const Notice &) {}});
     AgentControl agent(state, config, paths, agentConfig, services, programs, desktop, scheduler,
-                       {.showHUD = [](const Notice &) {}, .repairService = [] {}});
+                       {.showHUD = [](const Notice &) {}, .repairService = [&repair] { repair.repairService({}); }});
     Binding binding(state.health, config, agentConfig, http, desktop,
                     {.restartAgent = [&agent](auto then) { agent.restartAgent(std::move(then)); }});
     int status = 1;

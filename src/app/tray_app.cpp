@@ -20,8 +20,10 @@ TrayApp::TrayApp(const FixedConfig &f, const Paths &pa, const TrayPorts &p, Feat
     : fixed(f), paths(pa), ports(p), features(std::move(fh)), config(paths), api(p.http, fixed, config),
       notices(p.noticePanel, p.desktop, p.scheduler),
       health(state, fixed, config, api, p.services, p.scheduler, healthHooks()),
-      agent(state, fixed, paths, config, p.services, p.programs, p.desktop, p.scheduler, agentHooks()),
       command(p.programs, p.scheduler, p.bundlePath, p.agentBin),
+      repair(state, fixed, paths, command, p.programs, p.scheduler, repairHooks()),
+      agent(state, fixed, paths, config, p.services, p.programs, p.desktop, p.scheduler, agentHooks()),
+      permissions(state.permissions, state.health, api, p.desktop, p.scheduler, permissionHooks()),
       sync(state, fixed, paths, config, p.services, p.scheduler, syncHooks()),
       report(p.scheduler, {.poll = poll(), .situation = [this] { return situation(); }, .showHUD = showHUD()}),
       pairing(state.e2ee, state.pairing, api, p.pairPanel, p.scheduler, pairingHooks()),
@@ -51,12 +53,20 @@ std::function<void(std::function<void()> then)> TrayApp::restartAgent() {
 HealthPoll::Hooks TrayApp::healthHooks() {
     return {.render = [this] { render(); },
             .e2Prompt = [this] { prompts.e2Prompt(); },
-            .fetchPerms = features.fetchPerms,
+            .fetchPerms = [this] { permissions.fetchPerms(); },
             .showHUD = showHUD()};
 }
 
+Repair::Hooks TrayApp::repairHooks() {
+    return {.render = [this] { render(); }, .poll = poll(), .showHUD = showHUD()};
+}
+
+Permissions::Hooks TrayApp::permissionHooks() {
+    return {.render = [this] { render(); }, .showHUD = showHUD()};
+}
+
 AgentControl::Hooks TrayApp::agentHooks() {
-    return {.showHUD = showHUD(), .repairService = [this] { features.repairService({}); }};
+    return {.showHUD = showHUD(), .repairService = [this] { repair.repairService({}); }};
 }
 
 SyncToggle::Hooks TrayApp::syncHooks() {
@@ -65,7 +75,7 @@ SyncToggle::Hooks TrayApp::syncHooks() {
             .showHUD = showHUD(),
             .statusLine = [this] { return statusLine(situation()); },
             .showLogin = [this] { loginDialog.showLogin(); },
-            .repairService = [this] { features.repairService({}); }};
+            .repairService = [this] { repair.repairService({}); }};
 }
 
 Pairing::Hooks TrayApp::pairingHooks() {
@@ -152,7 +162,7 @@ void TrayApp::launch(const QString &executablePath) {
     if (atLaunch.plistExists)
         agent.ensureAgentLoaded(firstPoll);
     else
-        features.repairService(firstPoll);
+        repair.repairService(firstPoll);
     health.start();
     scheduleUpdateChecks();
 }
@@ -175,7 +185,7 @@ void TrayApp::menuOpening() {
     if (updateCheckDue(state.update, ports.scheduler.now()))
         features.checkUpdate(false);
     if (state.health.running)
-        features.fetchPerms();
+        permissions.fetchPerms();
     render();
 }
 
@@ -184,7 +194,7 @@ void TrayApp::reopen() {
     case ReopenAction::SignIn:
         return browserLogin.startBrowserLogin();
     case ReopenAction::Repair:
-        return features.repairService({});
+        return repair.repairService({});
     case ReopenAction::ShowPairingCode:
         return pairing.showPairWindow();
     case ReopenAction::ToggleAgent:
@@ -209,11 +219,11 @@ void TrayApp::perform(const MenuEntry &entry) {
     case Action::InstallUpdate:
         return features.installUpdate();
     case Action::Repair:
-        return features.repairClicked();
+        return repair.repairClicked();
     case Action::OpenPermPane:
-        return features.openPermPane(entry.payload);
+        return permissions.openPermPane(entry.payload);
     case Action::AskPerms:
-        return features.askPerms();
+        return permissions.askPerms();
     case Action::ShowPair:
         return pairing.showPairWindow();
     case Action::E2Pending:

@@ -13,9 +13,11 @@
 #include "e2ee/pairing.h"
 #include "e2ee/prompts.h"
 #include "e2ee/speech_install.h"
+#include "permissions/permissions.h"
 #include "platform/status_item.h"
 #include "service/agent_command.h"
 #include "service/agent_control.h"
+#include "service/repair.h"
 #include "service/sync_toggle.h"
 #include "status/health_poll.h"
 #include "status/icon_view.h"
@@ -66,6 +68,8 @@ private:
 
     // The callbacks that each feature gets.
     HealthPoll::Hooks healthHooks();
+    Repair::Hooks repairHooks();
+    Permissions::Hooks permissionHooks();
     AgentControl::Hooks agentHooks();
     SyncToggle::Hooks syncHooks();
     Pairing::Hooks pairingHooks();
@@ -89,8 +93,10 @@ private:
     AgentApi api;
     Notices notices;
     HealthPoll health;
-    AgentControl agent;
     AgentCommand command;
+    Repair repair;
+    AgentControl agent;
+    Permissions permissions;
     SyncToggle sync;
     StartupReport report;
     Pairing pairing;

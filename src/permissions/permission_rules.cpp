@@ -1,11 +1,32 @@
 #include "permissions/permission_rules.h"
 
 #include "app/wording.h"
+#include "platform/json_values.h"
 
 namespace korvel {
 
 bool permissionsMissing(const PermissionState &permissions) {
     return permissions.permsOk == false && !permissions.permsMissing.isEmpty();
+}
+
+bool holdsPermItems(const QJsonObject &reply) { return jsonObjects(reply.value(u"items")).has_value(); }
+
+void applyPermReply(PermissionState &permissions, const QJsonObject &reply) {
+    const auto items = jsonObjects(reply.value(u"items"));
+    if (!items)
+        return;
+    permissions.permItems = *items;
+    permissions.permsOk = jsonBool(reply.value(u"ok"));
+    permissions.permsMissing = jsonTexts(reply.value(u"missing")).value_or(QStringList());
+}
+
+PermVerdict permVerdict(const QJsonObject &item, const QStringList &missing) {
+    if (permUnknown(item))
+        return PermVerdict::Unknown;
+    const QString state = item.value(u"state").toString();
+    const bool lacks =
+        missing.contains(item.value(u"name").toString()) || state == u"denied" || state == u"undetermined";
+    return lacks ? PermVerdict::Missing : PermVerdict::Granted;
 }
 
 bool permUnknown(const QJsonObject &item) {

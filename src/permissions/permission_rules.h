@@ -10,11 +10,21 @@ namespace korvel {
 /// Whether the agent says that permissions are missing, and which.
 bool permissionsMissing(const PermissionState &permissions);
 
+/// Whether a reply of the agent lists its permissions. An older agent's reply may not.
+bool holdsPermItems(const QJsonObject &reply);
+
+/// Takes over what a reply lists; one without a list changes nothing, so that the last good list stays.
+void applyPermReply(PermissionState &permissions, const QJsonObject &reply);
+
 /// Whether the state of a permission item cannot be told.
 bool permUnknown(const QJsonObject &item);
 
 /// A permission's state word as the user reads it.
 QString permStateText(const QString &state);
+
+/// What is known of one permission.
+enum class PermVerdict { Granted, Missing, Unknown };
+PermVerdict permVerdict(const QJsonObject &item, const QStringList &missing);
 
 /// Heading of the menu's permission block with `count` missing permissions.
 QString permHeadTitle(qsizetype count);

@@ -22,6 +22,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTemporaryDir>
+#include <QUrl>
 #include <deque>
 #include <functional>
 #include <gtest/gtest.h>
@@ -92,6 +93,7 @@ public:
     void send(HttpRequest request, Done<HttpReply> done) override {
         ++count;
         last = request;
+        paths.append(QUrl(request.url).path());
         if (answer)
             return done(answer(request));
         open.push_back({std::move(request), std::move(done)});
@@ -106,6 +108,7 @@ public:
     std::deque<Sent> open;
     HttpRequest last;
     int count = 0;
+    QStringList paths;
 };
 
 inline Result<HttpReply> json(const QByteArray &body) { return HttpReply{200, body}; }
@@ -145,8 +148,9 @@ class RecordedPrograms final : public Programs {
 public:
     ProgramResult run(const ProgramRun &request) override {
         runs.push_back(request);
-        return result;
+        return answer ? answer(request) : result;
     }
+    std::function<ProgramResult(const ProgramRun &)> answer; ///< Where set, in place of `result`.
     std::vector<ProgramRun> runs;
     ProgramResult result{.status = 0, .launched = true, .output = {}, .launchError = {}};
 };

@@ -4,6 +4,7 @@
 #include "support/fakes.h"
 #include "support/manual_scheduler.h"
 
+#include <algorithm>
 #include <memory>
 
 namespace korvel::test {
@@ -24,6 +25,16 @@ struct TrayFixture : ::testing::Test {
     FeatureHooks features;
     std::unique_ptr<TrayApp> tray;
 
+    /// Puts an agent program into the tray's bundle.
+    void placeAgent() {
+        const QString agent = home.home() + QStringLiteral("/Contents/Resources/korvel-agent");
+        home.write(agent, "#!/bin/sh\n");
+        QFile::setPermissions(agent, QFile::permissions(agent) | QFile::ExeOwner);
+    }
+    /// Requests to one path of the agent's interface.
+    int requestsTo(const QString &path) const {
+        return static_cast<int>(std::count(http.paths.begin(), http.paths.end(), path));
+    }
     /// A Mac bound to an account with the agent's job loaded.
     void installAndBind() {
         home.bind();

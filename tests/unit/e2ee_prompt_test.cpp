@@ -103,7 +103,8 @@ struct E2eeOperations : TrayFixture {
                 return HttpReply{200,
                                  QJsonDocument(QJsonObject{{u"ok"_s, true}, {u"online"_s, true}, {u"e2ee"_s, report}})
                                      .toJson(QJsonDocument::Compact)};
-            posts.append(request);
+            if (request.method == "POST")
+                posts.append(request);
             return replies.contains(path) ? Result<HttpReply>(HttpReply{200, replies.value(path)}) : noAnswer();
         };
         set(R"({"state":"active"})");

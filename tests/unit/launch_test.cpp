@@ -13,12 +13,6 @@ struct LaunchTest : TrayFixture {
 
     LaunchTest() {
         features.checkUpdate = [this](bool manual) { done.append(manual ? u"check"_s : u"auto check"_s); };
-        features.fetchPerms = [this] { done.append(u"fetch perms"_s); };
-        features.repairService = [this](const std::function<void()> &then) {
-            done.append(u"repair"_s);
-            if (then)
-                then();
-        };
     }
 };
 
@@ -31,11 +25,17 @@ TEST_F(LaunchTest, MakingATrayHasNoEffect) {
 }
 
 TEST_F(LaunchTest, AFreshUserIsRepairedFirstAndThenPolled) {
+    placeAgent();
     agentIsSilent();
+    makeTray();
+    scheduler.holdBackground(true);
     launch();
-    EXPECT_EQ(done.value(0), u"repair"_s);
-    EXPECT_EQ(http.count, 1);
+    EXPECT_TRUE(tray->currentState().service.repairing);
+    EXPECT_EQ(http.count, 0);
     EXPECT_EQ(health().startingUntil, std::nullopt);
+    scheduler.holdBackground(false);
+    scheduler.settle();
+    EXPECT_EQ(http.count, 2);                      // the repair's own poll and the launch's
     EXPECT_EQ(notices.last(), u"Not signed in"_s); // no hint without a job file
     QString keys;
     for (const EditMenuItem &entry : desktop.editMenu)
@@ -64,7 +64,6 @@ TEST_F(LaunchTest, UpdatesAreLookedForOnScheduleAndWhenTheMenuOpens) {
     EXPECT_EQ(done.count(u"auto check"_s), 1);
     item.events.menuOpening();
     EXPECT_EQ(done.count(u"auto check"_s), 2);
-    EXPECT_EQ(done.last(), u"fetch perms"_s);
     scheduler.advance(6h);
     EXPECT_EQ(done.count(u"auto check"_s), 3);
 }
@@ -84,21 +83,21 @@ TEST_F(LaunchTest, TheOptionKeyAddsTheDiagnosticsAtTheOpening) {
 
 TEST_F(LaunchTest, EachMenuActionReachesItsFeature) {
     features.installUpdate = [this] { done.append(u"install"_s); };
-    features.repairClicked = [this] { done.append(u"repair clicked"_s); };
-    features.askPerms = [this] { done.append(u"ask"_s); };
-    features.openPermPane = [this](const QJsonValue &pane) { done.append(pane.toString()); };
     installAndBind();
     agentAnswers(ONLINE);
     launch();
     done.clear();
-    for (const Action action :
-         {Action::None, Action::CheckUpdate, Action::InstallUpdate, Action::Repair, Action::AskPerms}) {
+    for (const Action action : {Action::None, Action::CheckUpdate, Action::InstallUpdate, Action::Repair}) {
         item.events.chosen(menuItem(u"x"_s, action));
     }
     MenuEntry pane = menuItem(u"x"_s, Action::OpenPermPane);
     pane.payload = u"x:pane"_s;
     item.events.chosen(pane);
-    EXPECT_EQ(done, (QStringList{u"check"_s, u"install"_s, u"repair clicked"_s, u"ask"_s, u"x:pane"_s}));
+    EXPECT_EQ(done, (QStringList{u"check"_s, u"install"_s}));
+    EXPECT_TRUE(notices.last() == u"✓ Repaired") << notices.last().toStdString();
+    EXPECT_EQ(desktop.opened, QStringList{u"x:pane"_s});
+    item.events.chosen(menuItem(u"x"_s, Action::AskPerms));
+    EXPECT_EQ(requestsTo(u"/perms/request"_s), 1);
     for (const Action action : {Action::BrowserLogin, Action::LoginDialog}) {
         item.events.chosen(menuItem(u"x"_s, action));
         EXPECT_TRUE(std::exchange(loginPanel.visible, false));
@@ -133,7 +132,10 @@ TEST_F(LaunchTest, ReopeningDoesTheMostUsefulThing) {
     };
     EXPECT_EQ(reopened(), u"sign in"_s);
     home.bind();
-    EXPECT_EQ(reopened(), u"repair"_s);
+    placeAgent();
+    programs.runs.clear();
+    reopened();
+    EXPECT_EQ(programs.runs.size(), 2u);
     home.installJobFile();
     const auto afterAnswer = [&](const char *body) {
         agentAnswers(body);

@@ -83,7 +83,7 @@ TEST_F(StartupReportTest, ALostSignInIsToldOnce) {
 TEST_F(StartupReportTest, AMissingJobFileIsReportedAtOnceAndWithoutAHint) {
     home.bind();
     agentAnswers(R"({"ok":true,"online":false})");
-    EXPECT_EQ(reportWithin(0ms), u"Korvel isn't installed correctly. Choose Repair Korvel."_s);
+    EXPECT_EQ(reportWithin(0ms), u"Korvel isn't installed correctly. Reinstall Korvel."_s); // nothing to repair with
 }
 
 TEST_F(StartupReportTest, AnUnboundMacIsToldHowToSignIn) {

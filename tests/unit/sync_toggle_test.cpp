@@ -119,18 +119,14 @@ TEST_F(SyncToggleTest, AResumeThatFailsTwiceTellsWhereToAllowIt) {
 }
 
 TEST_F(SyncToggleTest, WithoutAccountOrJobFileTheMissingThingIsAskedFor) {
-    int repairs = 0;
-    features.repairService = [&](const auto &then) {
-        ++repairs;
-        if (then)
-            then();
-    };
+    placeAgent();
     agentIsSilent();
     launch();
-    repairs = 0;
+    programs.runs.clear();
     home.bind();
     tray->reopen();
-    EXPECT_EQ(repairs, 1);
+    scheduler.settle();
+    EXPECT_EQ(programs.runs.size(), 2u);
     home.writeConfig("{}");
     item.events.chosen(menuItem(u"x"_s, Action::MenuToggle));
     EXPECT_TRUE(loginPanel.visible);

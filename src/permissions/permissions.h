@@ -1,0 +1,44 @@
+#pragma once
+
+#include "app/tray_state.h"
+#include "platform/alive.h"
+#include "platform/desktop.h"
+#include "platform/scheduler.h"
+#include "service/agent_api.h"
+#include "ui/notices.h"
+
+#include <functional>
+
+namespace korvel {
+
+/// Follows which macOS permissions the agent holds, has it ask for the missing ones, and opens their settings.
+class Permissions {
+public:
+    struct Hooks {
+        std::function<void()> render;
+        std::function<void(const Notice &)> showHUD;
+    };
+    Permissions(PermissionState &permissions, const HealthState &health, AgentApi &api, Desktop &desktop,
+                const Scheduler &scheduler, Hooks hooks);
+
+    /// Asks the agent for its permissions, then calls `then`; at once while such a question is under way.
+    void fetchPerms(std::function<void()> then = {});
+    /// Has the agent bring up the system's prompts; it answers when the user is through with them.
+    void askPerms();
+    /// Opens the settings pane of a permission; an address that is none does nothing.
+    void openPermPane(const QJsonValue &pane) const;
+
+private:
+    void applyPerms(const QJsonObject &reply);
+    void asked(const Result<QJsonObject> &reply);
+
+    PermissionState &permissions;
+    const HealthState &health;
+    AgentApi &api;
+    Desktop &desktop;
+    const Scheduler &scheduler;
+    Hooks hooks;
+    Alive alive;
+};
+
+} // namespace korvel

@@ -1,0 +1,76 @@
+#include "service/repair.h"
+
+#include "app/wording.h"
+#include "platform/log.h"
+
+using namespace Qt::StringLiterals;
+
+namespace korvel {
+
+namespace {
+
+/// An installation that hangs must not keep the status at "repairing" for ever.
+constexpr milliseconds INSTALLED_WITHIN = 120s;
+
+/// Runs one of the agent's installation commands; a failure is logged.
+bool install(Programs &programs, const QString &agent, const QString &what) {
+    const ProgramResult result = programs.run({.executable = agent, .arguments = {what}, .timeout = INSTALLED_WITHIN});
+    if (result.status != 0)
+        log(u"[repair] %1 退出码 %2:%3"_s.arg(what)
+                .arg(result.status)
+                .arg(result.launched ? QString::fromUtf8(result.output) : result.launchError));
+    return result.status == 0;
+}
+
+} // namespace
+
+Repair::Repair(TrayState &st, const FixedConfig &f, const Paths &p, const AgentCommand &c, Programs &pr, Scheduler &s,
+               Hooks h)
+    : state(st), fixed(f), paths(p), command(c), programs(pr), scheduler(s), hooks(std::move(h)) {}
+
+void Repair::repairService(std::function<void()> then) {
+    const auto finish = [then = std::move(then)] {
+        if (then)
+            then();
+    };
+    if (state.service.repairing)
+        return finish();
+    const auto agent = command.bundledAgent();
+    if (!agent) {
+        state.service.repairFailed = true;
+        hooks.render();
+        return finish();
+    }
+    state.service.repairing = true;
+    state.service.repairFailed = false;
+    hooks.render();
+    auto installed = [&pr = programs, agent = *agent] {
+        // First, and not decisive: the job is what the tray needs.
+        install(pr, agent, u"install-hooks"_s);
+        return install(pr, agent, u"install-service"_s);
+    };
+    scheduler.background(installed, alive.guard([this, finish](bool good) { repaired(good, finish); }));
+}
+
+void Repair::repaired(bool good, std::function<void()> then) {
+    state.service.repairing = false;
+    state.service.repairFailed = !good;
+    if (good)
+        state.health.startingUntil = scheduler.now() + STARTING_GRACE;
+    hooks.poll(std::move(then));
+}
+
+void Repair::repairClicked() {
+    repairService([this] {
+        if (plistExists(paths))
+            hooks.showHUD({.text = L(u"✓ 已修复", u"✓ Repaired"), .secs = Seconds(2.5)});
+        else
+            hooks.showHUD({.text = L(u"修复失败，请从官网下载 Korvel 并重新安装",
+                                     u"Couldn't repair Korvel. Download it from the website and reinstall."),
+                           .secs = Seconds(8),
+                           .error = true,
+                           .link = fixed.SITE_URL});
+    });
+}
+
+} // namespace korvel

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "app/fixed_config.h"
+#include "app/paths.h"
+#include "app/tray_state.h"
+#include "platform/alive.h"
+#include "platform/programs.h"
+#include "platform/scheduler.h"
+#include "service/agent_command.h"
+#include "ui/notices.h"
+
+#include <functional>
+
+namespace korvel {
+
+/// Has the agent program of the tray's own bundle install its launchd job and its hooks anew.
+class Repair {
+public:
+    struct Hooks {
+        std::function<void()> render;
+        std::function<void(std::function<void()> then)> poll;
+        std::function<void(const Notice &)> showHUD;
+    };
+    Repair(TrayState &state, const FixedConfig &fixed, const Paths &paths, const AgentCommand &command,
+           Programs &programs, Scheduler &scheduler, Hooks hooks);
+
+    /// Repairs, polls the agent, then calls `then`; at once while a repair runs.
+    void repairService(std::function<void()> then);
+    /// Repairs at the user's wish and says whether the job file is there now.
+    void repairClicked();
+
+private:
+    void repaired(bool good, std::function<void()> then);
+
+    TrayState &state;
+    const FixedConfig &fixed;
+    const Paths &paths;
+    const AgentCommand &command;
+    Programs &programs;
+    Scheduler &scheduler;
+    Hooks hooks;
+    Alive alive;
+};
+
+} // namespace korvel

@@ -1,0 +1,208 @@
+#include "permissions/menu_block.h"
+#include "support/tray_fixture.h"
+
+using namespace Qt::StringLiterals;
+
+namespace korvel::test {
+namespace {
+
+const QByteArray ITEMS = R"([
+    {"name":"Screen","state":"granted","why":"showing the screen","breaks":"the phone sees nothing","pane":"x:screen"},
+    {"name":"Mic","state":"undetermined","why":"voice input","breaks":"dictation fails","pane":"x:mic"},
+    {"name":"Disk","state":"granted","pane":"x:disk"},
+    {"name":"Keys","state":"notrunning","why":"typing"},
+    {"name":"Odd","state":"denied","unknown":true}])";
+const QByteArray LACKING = R"({"ok":false,"missing":["Mic","Disk"],"items":)" + ITEMS + '}';
+const QByteArray GOOD = R"({"ok":true,"missing":[],"items":[{"name":"Screen","state":"granted"}]})";
+
+struct PermissionsTest : TrayFixture {
+    QByteArray perms = GOOD;
+    std::optional<QByteArray> requested; ///< The answer to a request; none: held open.
+
+    void launchWith(const QByteArray &first) {
+        perms = first;
+        installAndBind();
+        launch();
+        http.answer = nullptr;
+    }
+    void SetUp() override {
+        http.answer = [this](const HttpRequest &r) { return json(r.url.endsWith(u"/perms") ? perms : ONLINE); };
+    }
+    /// Answers the oldest open request to `path`; false when there is none.
+    bool reply(const QString &path, Result<HttpReply> result) {
+        for (size_t i = 0; i < http.open.size(); ++i)
+            if (http.open[i].request.url.endsWith(path)) {
+                http.reply(i, std::move(result));
+                return true;
+            }
+        return false;
+    }
+    const PermissionState &permissions() const { return tray->currentState().permissions; }
+    QStringList block() const {
+        QStringList titles;
+        for (const MenuEntry &entry : item.menu.entries)
+            if (entry.action == Action::OpenPermPane)
+                titles.append(entry.title);
+        return titles;
+    }
+};
+
+TEST_F(PermissionsTest, EachPermissionIsOneLineThatSaysItAll) {
+    launchWith(LACKING);
+    EXPECT_EQ(block(), (QStringList{u"✓ Screen · Allowed · Used for: showing the screen"_s,
+                                    u"⚠ Mic · Not requested · Used for: voice input · Without it: dictation fails"_s,
+                                    u"⚠ Disk · Not allowed"_s, // named as missing
+                                    u"? Keys · Not running, can't check · Used for: typing"_s, u"? Odd · Unknown"_s}));
+    EXPECT_EQ(item.entry(Action::OpenPermPane).toolTip,
+              u"Used for: showing the screen · Without it: the phone sees nothing"_s);
+    const LanguageScope chinese(true);
+    EXPECT_EQ(permMenuItems(tray->situation()).value(1).title, u"✓ Screen · 已授权 · 用于：showing the screen"_s);
+}
+
+TEST_F(PermissionsTest, OneFetchAtATimeAndAPartialReplyKeepsTheLastGoodList) {
+    launchWith(LACKING);
+    const int fetches = requestsTo(u"/perms"_s);
+    EXPECT_EQ(fetches, 1);
+    item.events.menuOpening();
+    item.events.menuOpening();
+    EXPECT_EQ(requestsTo(u"/perms"_s), fetches + 1);
+    ASSERT_TRUE(reply(u"/perms"_s, json(R"({"ok":true})")));
+    EXPECT_EQ(block().size(), 5);
+    EXPECT_EQ(permissions().permsOk, false);
+    EXPECT_EQ(permissions().permsFetchedAt, scheduler.now());
+    item.events.menuOpening();
+    ASSERT_TRUE(reply(u"/perms"_s, json(R"({"ok":"yes","missing":["a",1],"items":[{"name":"Screen"}]})")));
+    EXPECT_EQ(permissions().permsOk, std::nullopt);
+    EXPECT_TRUE(permissions().permsMissing.isEmpty());
+    EXPECT_EQ(block().size(), 1);
+    item.events.menuOpening();
+    ASSERT_TRUE(reply(u"/perms"_s, json(R"({"ok":true,"items":[1]})"))); // no list of objects
+    EXPECT_EQ(block().size(), 1);
+    EXPECT_FALSE(permissions().permsFetchFailed);
+    item.events.menuOpening();
+    ASSERT_TRUE(reply(u"/perms"_s, noAnswer()));
+    EXPECT_TRUE(permissions().permsFetchFailed);
+    EXPECT_FALSE(permissions().permsFetching);
+}
+
+TEST_F(PermissionsTest, ARequestMayBeOpenForLongWhileEverythingElseGoesOn) {
+    launchWith(GOOD);
+    item.choose(Action::AskPerms);
+    EXPECT_TRUE(notices.last().startsWith(u"macOS will ask several times."_s));
+    item.choose(Action::AskPerms);
+    EXPECT_EQ(requestsTo(u"/perms/request"_s), 1);
+    EXPECT_EQ(http.open.back().request.timeout, 150s);
+    EXPECT_TRUE(http.open.back().request.body.isEmpty());
+    const int polls = requestsTo(u"/health"_s);
+    for (int second = 0; second < 100; ++second) {
+        scheduler.advance(1s);
+        reply(u"/health"_s, json(ONLINE));
+    }
+    EXPECT_GE(requestsTo(u"/health"_s), polls + 33);
+    EXPECT_EQ(item.entry(Action::AskPerms).title, u"Requesting…"_s);
+    ASSERT_TRUE(reply(u"/perms/request"_s, json(LACKING)));
+    EXPECT_EQ(notices.last(),
+              u"Still missing: Mic, Disk. Turn on korvel-agent in System Settings › Privacy & Security."_s);
+    EXPECT_EQ(item.entry(Action::AskPerms).title, u"Request Permissions…"_s);
+}
+
+TEST_F(PermissionsTest, EachOutcomeOfARequestIsTold) {
+    const struct {
+        Result<HttpReply> reply;
+        QString notice;
+        bool error;
+    } cases[] = {
+        {json(GOOD), u"✓ All permissions granted"_s, false},
+        {json(R"({"ok":true})"), u"Permission request sent."_s, false},
+        {noAnswer(), u"Couldn't request permissions. Korvel isn't responding. Try again later."_s, true},
+        {json("nonsense"), u"Couldn't request permissions. Korvel isn't responding. Try again later."_s, true},
+    };
+    launchWith(GOOD);
+    for (const auto &c : cases) {
+        item.choose(Action::AskPerms);
+        notices.shown.clear();
+        ASSERT_TRUE(reply(u"/perms/request"_s, c.reply));
+        ASSERT_EQ(notices.shown.size(), 1u);
+        EXPECT_EQ(notices.last(), c.notice);
+        EXPECT_EQ(notices.shown.back().error, c.error);
+        EXPECT_FALSE(permissions().permsRequesting);
+    }
+}
+
+TEST_F(PermissionsTest, OnlyAPaneThatIsAnAddressIsOpened) {
+    launchWith(LACKING);
+    MenuEntry pane = item.entry(Action::OpenPermPane);
+    item.events.chosen(pane);
+    for (const QJsonValue &bad : {QJsonValue(u"no address"_s), QJsonValue(u"x y:z"_s), QJsonValue(u""_s), QJsonValue(7),
+                                  QJsonValue(QJsonValue::Undefined)}) {
+        pane.payload = bad;
+        item.events.chosen(pane);
+    }
+    EXPECT_EQ(desktop.opened, QStringList{u"x:screen"_s});
+}
+
+struct RepairTest : TrayFixture {
+    int hooksStatus = 0, serviceStatus = 0;
+    bool writesJobFile = true;
+
+    void SetUp() override {
+        home.bind();
+        placeAgent();
+        agentIsSilent();
+        programs.answer = [this](const ProgramRun &run) {
+            const bool service = run.arguments.last() == u"install-service";
+            if (service && writesJobFile)
+                home.installJobFile();
+            services.loaded = services.loaded || (service && serviceStatus == 0);
+            return ProgramResult{
+                .status = service ? serviceStatus : hooksStatus, .launched = true, .output = "why", .launchError = {}};
+        };
+    }
+    QStringList commands() const {
+        QStringList all;
+        for (const ProgramRun &run : programs.runs)
+            all += run.arguments;
+        return all;
+    }
+};
+
+TEST_F(RepairTest, ALaunchWithoutAJobFileInstallsHooksAndService) {
+    hooksStatus = 3; // not decisive
+    scheduler.holdBackground(true);
+    launch();
+    EXPECT_EQ(item.statusLine(), u"Repairing…"_s);
+    tray->reopen(); // a second one does not start
+    scheduler.holdBackground(false);
+    scheduler.settle();
+    EXPECT_EQ(commands(), (QStringList{u"install-hooks"_s, u"install-service"_s}));
+    EXPECT_EQ(item.statusLine(), u"○ Starting… · ann"_s);
+    EXPECT_FALSE(tray->currentState().service.repairFailed);
+    EXPECT_EQ(item.entry(Action::Repair), MenuEntry());
+}
+
+TEST_F(RepairTest, AFailedRepairSaysSoAndTheMenuOffersItAgain) {
+    serviceStatus = 1;
+    writesJobFile = false;
+    launch();
+    EXPECT_EQ(item.statusLine(), u"Korvel isn't installed correctly. Reinstall Korvel."_s);
+    item.choose(Action::Repair);
+    scheduler.settle();
+    EXPECT_EQ(notices.last(), u"Couldn't repair Korvel. Download it from the website and reinstall."_s);
+    notices.click();
+    EXPECT_EQ(desktop.opened, QStringList{home.fixed.SITE_URL});
+    serviceStatus = 0;
+    writesJobFile = true;
+    item.choose(Action::Repair);
+    scheduler.settle();
+    EXPECT_EQ(notices.last(), u"✓ Repaired"_s);
+}
+
+TEST_F(RepairTest, WithoutAnAgentInTheBundleNothingRuns) {
+    QFile::remove(home.home() + u"/Contents/Resources/korvel-agent"_s);
+    launch();
+    EXPECT_TRUE(programs.runs.empty());
+    EXPECT_EQ(item.statusLine(), u"Korvel isn't installed correctly. Reinstall Korvel."_s);
+}
+
+} // namespace
+} // namespace korvel::test
