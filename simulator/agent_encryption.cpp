@@ -1,5 +1,6 @@
 #include "simulator/agent_encryption.h"
 
+#include "simulator/agent_language.h"
 #include "simulator/encryption_events.h"
 #include "simulator/files.h"
 
@@ -83,12 +84,9 @@ QString codeOf(Verdict verdict) {
     return {};
 }
 
-// The sentence for a failure, in the language that the scenario says, else in that of KORVEL_LANG.
+// The sentence for a failure, in the agent's language.
 QString textOf(const QString &code, const Scenario &scenario) {
-    const bool zh = scenario.section("e2ee"_L1)
-                        .value("lang"_L1)
-                        .toString(qEnvironmentVariable("KORVEL_LANG"))
-                        .startsWith("zh"_L1, Qt::CaseInsensitive);
+    const bool zh = agentSpeaksChinese(scenario);
     for (const Failure &failure : FAILURES)
         if (failure.code == code)
             return (zh ? failure.zh : failure.en).toString();

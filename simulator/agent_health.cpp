@@ -3,8 +3,6 @@
 #include "simulator/encryption_json.h"
 #include "simulator/files.h"
 
-#include <QJsonArray>
-
 namespace korvel::sim {
 
 using namespace Qt::StringLiterals;
@@ -27,7 +25,7 @@ QJsonObject healthReport(const AgentSituation &situation, const QJsonObject &sce
         {u"authDead"_s, dead},
         {u"accountGone"_s, false},
         {u"e2ee"_s, encryptionReport(situation.encryption, online)},
-        {u"perms"_s, QJsonObject{{u"ok"_s, true}, {u"missing"_s, QJsonArray{}}}},
+        {u"perms"_s, situation.permissions},
     };
     return mergePatch(report, scenario.value("health"_L1).toObject());
 }

@@ -12,6 +12,7 @@ struct AgentSituation {
     bool signInIsDead = false; // its credential was released on the account server
     qint64 uptimeMs = 0;       // since the agent started
     Encryption encryption;
+    QJsonObject permissions; // "ok" and "missing"
 };
 
 // The agent's name and version as it reports them.

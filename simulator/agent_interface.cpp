@@ -22,7 +22,7 @@ HttpAnswer refusal(int status, const QString &error) {
 
 AgentInterface::AgentInterface(HomePaths paths, AgentConfig config)
     : paths(std::move(paths)), config(std::move(config)), token(this->config.ensureLocalToken().toUtf8()),
-      encryption({this->paths, this->config}), browserSignIn(this->paths, this->config),
+      encryption({this->paths, this->config}), browserSignIn(this->paths, this->config), permissions(this->paths),
       server([this](HttpConnection &connection, const HttpRequest &request) { receive(connection, request); }) {
     uptime.start();
     addRoutes();
@@ -32,7 +32,7 @@ bool AgentInterface::listen(int port) { return server.listenOnLoopback(port); }
 
 void AgentInterface::addRoutes() {
     routes[{"GET", "/health"}] = [this](const HttpRequest &, const Scenario &scenario, const Respond &respond) {
-        respond(HttpAnswer::json(healthReport(situation(), scenario.values())));
+        respond(HttpAnswer::json(healthReport(situation(scenario), scenario.values())));
     };
     routes[{"POST", "/auth/start"}] = [this](const HttpRequest &request, const Scenario &scenario,
                                              const Respond &respond) {
@@ -42,16 +42,23 @@ void AgentInterface::addRoutes() {
                                              const Respond &respond) {
         respond(browserSignIn.status(request, scenario));
     };
+    routes[{"GET", "/perms"}] = [this](const HttpRequest &, const Scenario &scenario, const Respond &respond) {
+        respond(permissions.list(scenario));
+    };
+    routes[{"POST", "/perms/request"}] = [this](const HttpRequest &, const Scenario &, const Respond &respond) {
+        permissions.request(respond);
+    };
     for (const QByteArray &path : AgentEncryption::paths())
         routes[{"POST", path}] = [this](const HttpRequest &request, const Scenario &scenario, const Respond &respond) {
             encryption.answer(request, scenario, respond);
         };
 }
 
-AgentSituation AgentInterface::situation() const {
+AgentSituation AgentInterface::situation(const Scenario &scenario) const {
     const QJsonObject stored = config.read();
     const auto credential = credentialOf(AccountStore(paths).read(), stored.value("agentToken"_L1).toString());
-    return {stored, credential && credential->released, uptime.elapsed(), encryption.state()};
+    return {stored, credential && credential->released, uptime.elapsed(), encryption.state(),
+            permissions.summary(scenario)};
 }
 
 void AgentInterface::receive(HttpConnection &connection, const HttpRequest &request) {

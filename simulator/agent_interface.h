@@ -4,6 +4,7 @@
 #include "simulator/agent_config.h"
 #include "simulator/agent_encryption.h"
 #include "simulator/agent_health.h"
+#include "simulator/agent_permissions.h"
 #include "simulator/http_server.h"
 #include "simulator/scenario.h"
 
@@ -28,7 +29,7 @@ public:
 private:
     void receive(HttpConnection &connection, const HttpRequest &request);
     void log(const HttpConnection &connection, const HttpRequest &request) const;
-    AgentSituation situation() const;
+    AgentSituation situation(const Scenario &scenario) const;
     void addRoutes();
     void answer(const HttpRequest &request, const Scenario &scenario, const Respond &respond) const;
 
@@ -38,6 +39,7 @@ private:
     QElapsedTimer uptime;
     AgentEncryption encryption;
     AgentBrowserSignIn browserSignIn;
+    AgentPermissions permissions;
     std::map<std::pair<QByteArray, QByteArray>, Route> routes; // by method and path
     HttpServer server;
 };

@@ -22,13 +22,16 @@ namespace {
 
 constexpr qint64 LARGEST_INPUT = 1 << 20;
 
+QJsonObject logLine(const ProgramCall &call) {
+    return {{u"time"_s, timeNow()},
+            {u"arguments"_s, QJsonArray::fromStringList(call.arguments)},
+            {u"lang"_s, qEnvironmentVariable("KORVEL_LANG")}};
+}
+
 void logCall(const ProgramCall &call, const QByteArray &input) {
-    appendLine(call.paths.agentLog(), {
-                                          {u"time"_s, timeNow()},
-                                          {u"arguments"_s, QJsonArray::fromStringList(call.arguments)},
-                                          {u"input"_s, withoutPasswords(QJsonDocument::fromJson(input).object())},
-                                          {u"lang"_s, qEnvironmentVariable("KORVEL_LANG")},
-                                      });
+    QJsonObject line = logLine(call);
+    line.insert("input"_L1, withoutPasswords(QJsonDocument::fromJson(input).object()));
+    appendLine(call.paths.agentLog(), line);
 }
 
 QByteArray readInput() {
@@ -63,33 +66,50 @@ bool loadAgentJob(const HomePaths &paths) {
            runProgram(launchctl, {u"kickstart"_s, u"-k"_s, target}) == 0;
 }
 
-int installService(const ProgramCall &call) {
-    const QJsonObject fault = Scenario::read(call.paths).section("installService"_L1);
-    pauseFor(milliseconds(fault, "delayMs"_L1));
-    const int status = fault.value("status"_L1).toInt();
-    if (fault.value("writes"_L1).toBool(status == 0) &&
-        !replaceFile(call.paths.jobFile(), jobFileText(agentJob(call)), 0644)) {
-        std::fputs("korvel-agent: cannot write the job file\n", stderr);
-        return 1;
-    }
-    if (status != 0) {
-        std::fputs("korvel-agent: install-service fails because the scenario says so\n", stderr);
-        return status;
-    }
-    return loadAgentJob(call.paths) ? 0 : 1;
+// A command of the installation as the scenario has it end; `asked` is its section.
+ProgramResult endingOf(const QJsonObject &asked) {
+    const int status = asked.value("status"_L1).toInt();
+    const QString error = status == 0 ? QString() : u"korvel-agent: fails because the scenario says so\n"_s;
+    return {status, {}, asked.value("stderr"_L1).toString(error)};
 }
 
-int installHooks(const ProgramCall &call) {
-    const QJsonObject fault = Scenario::read(call.paths).section("installHooks"_L1);
-    pauseFor(milliseconds(fault, "delayMs"_L1));
-    std::fputs(qUtf8Printable(fault.value("stderr"_L1).toString()), stderr);
-    return fault.value("status"_L1).toInt();
+ProgramResult installService(const ProgramCall &call, const QJsonObject &asked) {
+    const ProgramResult ending = endingOf(asked);
+    const bool writes = asked.value("writes"_L1).toBool(ending.status == 0);
+    if (writes && !replaceFile(call.paths.jobFile(), jobFileText(agentJob(call)), 0644))
+        return {1, {}, u"korvel-agent: cannot write the job file\n"_s};
+    if (ending.status != 0 || !writes || loadAgentJob(call.paths))
+        return ending;
+    return {1, {}, u"korvel-agent: cannot load the job\n"_s};
+}
+
+ProgramResult installHooks(const ProgramCall &, const QJsonObject &asked) { return endingOf(asked); }
+
+// Carries out a command of the installation as `section` of the scenario says, and logs it with how it ended.
+int runInstallation(const ProgramCall &call, QLatin1StringView section,
+                    ProgramResult (*command)(const ProgramCall &, const QJsonObject &asked)) {
+    QJsonObject line = logLine(call);
+    const Scenario scenario = Scenario::read(call.paths);
+    QJsonObject asked = scenario.section(section);
+    if (!scenario.takeTurn(section, asked))
+        asked = {};
+    pauseFor(milliseconds(asked, "delayMs"_L1));
+    const ProgramResult result = command(call, asked);
+    std::fputs(qUtf8Printable(result.error), stderr);
+    line.insert("status"_L1, result.status);
+    line.insert("error"_L1, result.error);
+    appendLine(call.paths.agentLog(), line);
+    return result.status;
 }
 
 } // namespace
 
 int agentProgram(const ProgramCall &call) {
     const QString command = call.arguments.join(u' ');
+    if (command == "install-service"_L1)
+        return runInstallation(call, "installService"_L1, installService);
+    if (command == "install-hooks"_L1)
+        return runInstallation(call, "installHooks"_L1, installHooks);
     const bool signsIn = command == "login --stdin-json"_L1;
     const QByteArray input = signsIn ? readInput() : QByteArray();
     logCall(call, input);
@@ -97,10 +117,6 @@ int agentProgram(const ProgramCall &call) {
         return agentLogin(call, input);
     if (command == "run"_L1)
         return runAgent(call);
-    if (command == "install-service"_L1)
-        return installService(call);
-    if (command == "install-hooks"_L1)
-        return installHooks(call);
     if (command == "--version"_L1) {
         std::puts(qUtf8Printable(agentVersion()));
         return 0;

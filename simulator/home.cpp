@@ -86,6 +86,8 @@ Phone Home::phone() const { return Phone({paths, configOf(paths)}); }
 
 AccountControl Home::encryption() const { return AccountControl({paths, configOf(paths)}); }
 
+PermissionControl Home::permissions() const { return PermissionControl(PermissionStore(paths)); }
+
 bool Home::startAccountServer() { return AccountServerProcess(paths).start(environment()); }
 
 bool Home::stopAccountServer() { return AccountServerProcess(paths).stop(); }

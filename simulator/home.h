@@ -2,6 +2,7 @@
 
 #include "simulator/account_control.h"
 #include "simulator/home_paths.h"
+#include "simulator/permission_control.h"
 #include "simulator/phone.h"
 #include "simulator/server_accounts.h"
 
@@ -57,6 +58,8 @@ public:
     Phone phone() const;
     // What happens to this Mac's encryption elsewhere: devices that ask, alarms, removal; and the codes on show.
     AccountControl encryption() const;
+    // The privacy permissions of this Mac's agent, as the user sets them.
+    PermissionControl permissions() const;
 
     // Starts the account server, and waits until it serves; it ends with the home. True when it runs.
     bool startAccountServer();

@@ -19,6 +19,7 @@ struct HomePaths {
     QString agentLog() const;     // agent.jsonl
     QString openedLog() const;    // opened.jsonl
     QString encryption() const;   // e2ee.json: the encryption state
+    QString permissions() const;  // permissions.json: the agent's privacy permissions
     QString accounts() const;     // account.json: the account server's state
     QString serverLog() const;    // server.jsonl
     QString serverLock() const;   // server: locked by the account server while it runs

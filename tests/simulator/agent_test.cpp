@@ -6,6 +6,8 @@
 #include <QFileInfo>
 #include <QJsonArray>
 
+#include <ranges>
+
 namespace korvel::sim {
 
 using namespace Qt::StringLiterals;
@@ -19,6 +21,14 @@ protected:
         home.setScenario({{u"login"_s, QJsonObject{{operation, entry}}}});
     }
     Run agent(const QString &command) { return run(home.agentProgram(), {command}); }
+    // The command that was logged last with an exit status, that status, and what it said.
+    QStringList lastInstallation() const {
+        for (const QList<QJsonObject> calls = home.agentCalls(); const QJsonObject &call : calls | std::views::reverse)
+            if (call.contains("status"_L1))
+                return {call.value("arguments"_L1)[0].toString(), QString::number(call.value("status"_L1).toInt()),
+                        call.value("error"_L1).toString()};
+        return {};
+    }
 };
 
 } // namespace
@@ -94,23 +104,43 @@ TEST_F(AgentTest, HangingLoginEndsWithItsHome) {
 TEST_F(AgentTest, InstallServiceWritesTheJobFileAndLoadsTheJob) {
     ASSERT_TRUE(QFile::remove(home.jobFilePath()));
     home.launchctl({u"disable"_s, target});
+    EXPECT_EQ(agent(u"install-hooks"_s).status, 0);
+    EXPECT_EQ(home.agentPid(), 0) << "the hooks alone load nothing";
     EXPECT_EQ(agent(u"install-service"_s).status, 0);
     EXPECT_TRUE(eventually([&] { return health().end == End::Answered; })) << "on the port of this home";
     EXPECT_EQ(agent(u"install-service"_s).status, 0) << "installing again is fine";
+    EXPECT_EQ(lastInstallation(), (QStringList{u"install-service"_s, u"0"_s, QString()}));
 }
 
 TEST_F(AgentTest, InstallationFailsAsTheScenarioSays) {
     ASSERT_TRUE(QFile::remove(home.jobFilePath()));
-    home.setScenario({{u"installService"_s, QJsonObject{{u"status"_s, 3}}},
+    home.setScenario({{u"installService"_s, QJsonObject{{u"status"_s, 3}, {u"stderr"_s, u"no room"_s}}},
                       {u"installHooks"_s, QJsonObject{{u"status"_s, 4}, {u"stderr"_s, u"no hooks"_s}}}});
-    EXPECT_EQ(agent(u"install-service"_s).status, 3);
+    const Run service = agent(u"install-service"_s);
+    EXPECT_EQ(service.status, 3);
+    EXPECT_EQ(service.error, "no room");
     EXPECT_FALSE(QFile::exists(home.jobFilePath()));
     const Run hooks = agent(u"install-hooks"_s);
     EXPECT_EQ(hooks.status, 4);
     EXPECT_EQ(hooks.error, "no hooks");
-    home.changeScenario({{u"installService"_s, QJsonObject{{u"writes"_s, true}}}});
+    EXPECT_EQ(lastInstallation(), (QStringList{u"install-hooks"_s, u"4"_s, u"no hooks"_s}));
+    home.changeScenario({{u"installService"_s, QJsonObject{{u"writes"_s, true}, {u"times"_s, 1}}}});
     EXPECT_EQ(agent(u"install-service"_s).status, 3);
     EXPECT_TRUE(QFile::exists(home.jobFilePath()));
+    EXPECT_EQ(home.agentPid(), 0) << "what fails loads nothing";
+    EXPECT_EQ(agent(u"install-service"_s).status, 0) << "the second time it works";
+    EXPECT_NE(home.agentPid(), 0);
+}
+
+TEST_F(AgentTest, InstallServiceFailsWhenTheJobIsNotLoadedAndMayOnlyClaimSuccess) {
+    const QJsonObject fails{{u"status"_s, 5}};
+    home.setScenario({{u"launchctl"_s, QJsonObject{{u"bootstrap"_s, fails}}}});
+    EXPECT_EQ(agent(u"install-service"_s).status, 1);
+    EXPECT_TRUE(lastInstallation().value(2).contains(u"cannot load"));
+    ASSERT_TRUE(QFile::remove(home.jobFilePath()));
+    home.setScenario({{u"installService"_s, QJsonObject{{u"writes"_s, false}}}});
+    EXPECT_EQ(agent(u"install-service"_s).status, 0);
+    EXPECT_FALSE(QFile::exists(home.jobFilePath()));
 }
 
 } // namespace korvel::sim
