@@ -68,7 +68,13 @@ void Journey::installAndSignIn() {
 
 TrayPorts Journey::ports(HttpClient &client) {
     return {scheduler, client, programs,  services,   desktop, item,
-            notices,   alerts, pairPanel, loginPanel, {},      home.agentProgram()};
+            notices,   alerts, pairPanel, loginPanel, bundle,  home.agentProgram()};
+}
+
+void Journey::assembleBundle() {
+    const QString program = home.assembleBundle(trayProgram());
+    ASSERT_FALSE(program.isEmpty());
+    bundle = QDir::cleanPath(QFileInfo(program).path() + u"/../.."_s);
 }
 
 void Journey::launch() {

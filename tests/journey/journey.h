@@ -53,10 +53,13 @@ struct Journey : ::testing::Test {
     ScriptedAlerts alerts;
     RecordedPairPanel pairPanel;
     RecordedLoginPanel loginPanel;
+    QString bundle; ///< The tray's own bundle; empty: none, and the agent's program is named by the environment.
     std::unique_ptr<TrayApp> tray;
 
     /// Makes the tray one of another edition, before it is launched.
     void becomeEdition(const QString &edition) { fixed = makeFixedConfig(testDeployment(edition), launchEnvironment); }
+    /// Puts the tray into a bundle of its own, with the agent in it.
+    void assembleBundle();
     /// A signed-in Mac with the agent installed but not loaded.
     void installAndSignIn();
     /// Everything that a TrayApp runs on, with `client` for its requests.
