@@ -24,6 +24,7 @@ QString netErrorText(const std::optional<Error> &error) {
     case ErrorKind::InvalidRequest:
     case ErrorKind::Unreachable:
     case ErrorKind::TooLarge:
+    case ErrorKind::NotSaved:
     case ErrorKind::UnreadableAnswer:
         break;
     }

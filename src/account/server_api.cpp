@@ -18,19 +18,26 @@ namespace {
 constexpr qsizetype LONGEST_NAME = 32;
 
 std::optional<HttpRequest> post(const QString &server, const QString &path, std::chrono::milliseconds timeout) {
+    auto request = buildServerRequest(server, path, timeout);
+    if (request)
+        request->method = "POST";
+    return request;
+}
+
+} // namespace
+
+std::optional<HttpRequest> buildServerRequest(const QString &server, const QString &path,
+                                              std::chrono::milliseconds timeout) {
     const QUrl url(u"https://"_s + server + path, QUrl::StrictMode);
     if (!url.isValid() || url.host().isEmpty())
         return std::nullopt;
     HttpRequest request;
-    request.method = "POST";
     request.url = url.toString(QUrl::FullyEncoded);
     request.timeout = timeout;
     request.maxBytes = 1 << 20;
     request.reach = Reach::Server;
     return request;
 }
-
-} // namespace
 
 std::optional<HttpRequest> buildLogin(const QString &server, const QString &user, const QString &pass,
                                       const QString &host) {

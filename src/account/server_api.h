@@ -15,6 +15,10 @@ struct Credential {
     bool operator==(const Credential &) const = default;
 };
 
+/// A GET of `path` at `server` (host:port) over HTTPS; none when that makes no web address.
+std::optional<HttpRequest> buildServerRequest(const QString &server, const QString &path,
+                                              std::chrono::milliseconds timeout);
+
 /// A password sign-in at `server` (host:port) for the Mac named `host`; none when that makes no web address.
 std::optional<HttpRequest> buildLogin(const QString &server, const QString &user, const QString &pass,
                                       const QString &host);

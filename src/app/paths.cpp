@@ -15,6 +15,7 @@ Paths makePaths(const FixedConfig &config, const QString &home, quint32 uid) {
             .cfgDir = config.KORVEL_HOME,
             .agentCfg = config.KORVEL_HOME + u"/agent.json"_s,
             .logFile = logs + u"korvel-agent.log"_s,
+            .updateDir = home + u"/Library/Caches/Korvel/update"_s,
             .trayLog = logs + u"korvel-tray.log"_s};
 }
 

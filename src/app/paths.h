@@ -12,9 +12,10 @@ struct Paths {
     QString agentPlist; ///< The agent's launchd job file; that it exists means that the agent is installed.
     QString trayPlist;  ///< The tray's own login item.
     QString cfgDir;
-    QString agentCfg; ///< The agent's configuration file.
-    QString logFile;  ///< The agent's log.
-    QString trayLog;  ///< The tray's standard error when launchd starts it.
+    QString agentCfg;  ///< The agent's configuration file.
+    QString logFile;   ///< The agent's log.
+    QString updateDir; ///< Private cache of downloaded packages.
+    QString trayLog;   ///< The tray's standard error when launchd starts it.
 };
 
 Paths makePaths(const FixedConfig &config, const QString &home, quint32 uid);

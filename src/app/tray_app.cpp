@@ -16,8 +16,8 @@ constexpr milliseconds FIRST_UPDATE_CHECK = 20s;
 constexpr milliseconds UPDATE_CHECK_PERIOD = 6h;
 } // namespace
 
-TrayApp::TrayApp(const FixedConfig &f, const Paths &pa, const TrayPorts &p, FeatureHooks fh)
-    : fixed(f), paths(pa), ports(p), features(std::move(fh)), config(paths), api(p.http, fixed, config),
+TrayApp::TrayApp(const FixedConfig &f, const Paths &pa, const TrayPorts &p)
+    : fixed(f), paths(pa), ports(p), config(paths), api(p.http, fixed, config),
       notices(p.noticePanel, p.desktop, p.scheduler),
       health(state, fixed, config, api, p.services, p.scheduler, healthHooks()),
       command(p.programs, p.scheduler, p.bundlePath, p.agentBin),
@@ -36,7 +36,9 @@ TrayApp::TrayApp(const FixedConfig &f, const Paths &pa, const TrayPorts &p, Feat
       cnLogin(state.health, fixed, config, p.loginPanel, p.desktop, p.scheduler, cnLoginHooks()),
       browserLogin(state.browserLogin, state.health, fixed, api, p.desktop, p.scheduler, browserLoginHooks()),
       loginDialog(fixed, config, p.desktop, p.alerts, loginDialogHooks()),
-      signOut(state.health, fixed, config, api, p.alerts, p.services, p.scheduler, signOutHooks()) {}
+      signOut(state.health, fixed, config, api, p.alerts, p.services, p.scheduler, signOutHooks()),
+      updateCheck(state.update, fixed, config, p.http, p.scheduler, checkHooks()),
+      updateInstall(state.update, fixed, paths, config, p.http, p.programs, p.desktop, p.scheduler, installHooks()) {}
 
 std::function<void(const Notice &)> TrayApp::showHUD() {
     return [this](const Notice &notice) { notices.showHUD(notice); };
@@ -132,6 +134,14 @@ SignOut::Hooks TrayApp::signOutHooks() {
             .showHUD = showHUD()};
 }
 
+UpdateCheck::Hooks TrayApp::checkHooks() {
+    return {.render = [this] { render(); }, .showHUD = showHUD()};
+}
+
+UpdateInstall::Hooks TrayApp::installHooks() {
+    return {.render = [this] { render(); }, .poll = [this] { health.poll(); }, .showHUD = showHUD()};
+}
+
 PairContext TrayApp::pairContext() const {
     return {
         .bound = bound(config.readCfg()), .authDead = state.health.authDead, .accountGone = state.health.accountGone};
@@ -168,8 +178,8 @@ void TrayApp::launch(const QString &executablePath) {
 }
 
 void TrayApp::scheduleUpdateChecks() {
-    firstUpdateCheck = ports.scheduler.after(FIRST_UPDATE_CHECK, [this] { features.checkUpdate(false); });
-    updateChecks = ports.scheduler.every(UPDATE_CHECK_PERIOD, [this] { features.checkUpdate(false); });
+    firstUpdateCheck = ports.scheduler.after(FIRST_UPDATE_CHECK, [this] { updateCheck.checkUpdate(false); });
+    updateChecks = ports.scheduler.every(UPDATE_CHECK_PERIOD, [this] { updateCheck.checkUpdate(false); });
 }
 
 void TrayApp::render() {
@@ -183,7 +193,7 @@ void TrayApp::render() {
 void TrayApp::menuOpening() {
     state.menu.optionKey = ports.desktop.optionKeyHeld();
     if (updateCheckDue(state.update, ports.scheduler.now()))
-        features.checkUpdate(false);
+        updateCheck.checkUpdate(false);
     if (state.health.running)
         permissions.fetchPerms();
     render();
@@ -215,9 +225,9 @@ void TrayApp::perform(const MenuEntry &entry) {
     case Action::MenuToggle:
         return sync.toggleAgent();
     case Action::CheckUpdate:
-        return features.checkUpdate(true);
+        return updateCheck.checkUpdate(true);
     case Action::InstallUpdate:
-        return features.installUpdate();
+        return updateInstall.installUpdate();
     case Action::Repair:
         return repair.repairClicked();
     case Action::OpenPermPane:

@@ -5,7 +5,6 @@
 #include "account/cn_login.h"
 #include "account/login_dialog.h"
 #include "account/sign_out.h"
-#include "app/feature_hooks.h"
 #include "app/paths.h"
 #include "app/situation.h"
 #include "e2ee/alarms.h"
@@ -24,6 +23,8 @@
 #include "status/startup_report.h"
 #include "ui/menu_entry.h"
 #include "ui/notices.h"
+#include "update/update_check.h"
+#include "update/update_install.h"
 
 #include <optional>
 
@@ -48,7 +49,7 @@ struct TrayPorts {
 /// The application: holds the state, composes the features and forwards what the user does. Making one has no effect.
 class TrayApp {
 public:
-    TrayApp(const FixedConfig &fixed, const Paths &paths, const TrayPorts &ports, FeatureHooks features = {});
+    TrayApp(const FixedConfig &fixed, const Paths &paths, const TrayPorts &ports);
 
     /// The launch sequence. `executablePath` is this program's own path, symbolic links resolved.
     void launch(const QString &executablePath);
@@ -79,6 +80,8 @@ private:
     BrowserLogin::Hooks browserLoginHooks();
     LoginDialog::Hooks loginDialogHooks();
     SignOut::Hooks signOutHooks();
+    UpdateCheck::Hooks checkHooks();
+    UpdateInstall::Hooks installHooks();
     std::function<void(const Notice &)> showHUD();
     std::function<void(std::function<void()> then)> poll();
     std::function<void(std::function<void()> then)> restartAgent();
@@ -86,7 +89,6 @@ private:
     const FixedConfig &fixed;
     const Paths &paths;
     const TrayPorts ports;
-    const FeatureHooks features;
 
     TrayState state;
     AgentConfig config;
@@ -109,6 +111,8 @@ private:
     BrowserLogin browserLogin;
     LoginDialog loginDialog;
     SignOut signOut;
+    UpdateCheck updateCheck;
+    UpdateInstall updateInstall;
 
     std::optional<IconView> shownIcon;
     std::optional<MenuView> shownMenu;

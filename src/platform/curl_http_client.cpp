@@ -1,5 +1,6 @@
 #include "platform/curl_http_client.h"
 
+#include "platform/curl_sink.h"
 #include "platform/curl_transfer.h"
 
 #include <QElapsedTimer>
@@ -120,6 +121,7 @@ private:
 /// A request that waits for its proxy. Who comes first, the answer or the deadline, takes it.
 struct CurlHttpClient::ProxyQuery {
     HttpRequest request;
+    std::unique_ptr<CurlSink> sink;
     Done<HttpReply> done;
     QElapsedTimer clock;
     bool taken = false;
@@ -130,37 +132,46 @@ CurlHttpClient::CurlHttpClient(Scheduler &s, Network n)
 CurlHttpClient::~CurlHttpClient() = default;
 
 void CurlHttpClient::send(HttpRequest request, Done<HttpReply> done) {
-    if (request.reach == Reach::Server)
-        lookUpProxy(std::move(request), std::move(done));
-    else
-        start(std::move(request), std::move(done), {});
+    auto sink = std::make_unique<MemorySink>(request.maxBytes);
+    dispatch(std::move(request), std::move(sink), std::move(done));
 }
 
-void CurlHttpClient::lookUpProxy(HttpRequest request, Done<HttpReply> done) {
-    const QString url = request.url;
-    const milliseconds limit = request.timeout;
-    auto query = std::make_shared<ProxyQuery>(ProxyQuery{std::move(request), std::move(done), {}});
+void CurlHttpClient::download(HttpRequest request, const QString &file,
+                              std::function<void(qint64 got, qint64 expected)> progress, Done<HttpReply> done) {
+    auto sink = std::make_unique<FileSink>(file, request.maxBytes, std::move(progress));
+    dispatch(std::move(request), std::move(sink), std::move(done));
+}
+
+void CurlHttpClient::dispatch(HttpRequest request, std::unique_ptr<CurlSink> sink, Done<HttpReply> done) {
+    if (request.reach == Reach::Server)
+        lookUpProxy(std::make_shared<ProxyQuery>(ProxyQuery{std::move(request), std::move(sink), std::move(done), {}}));
+    else
+        start(std::move(request), std::move(sink), std::move(done), {});
+}
+
+void CurlHttpClient::lookUpProxy(std::shared_ptr<ProxyQuery> query) {
     query->clock.start();
-    QTimer::singleShot(limit, Qt::PreciseTimer, context.get(), [query] {
+    QTimer::singleShot(query->request.timeout, Qt::PreciseTimer, context.get(), [query] {
         if (!std::exchange(query->taken, true))
             query->done(Error{ErrorKind::TimedOut, QStringLiteral("the proxy settings could not be read in time")});
     });
-    scheduler.background([look = network.proxyFor, url] { return look(url); },
+    scheduler.background([look = network.proxyFor, url = query->request.url] { return look(url); },
                          alive.guard([this, query](const QString &proxy) {
                              if (std::exchange(query->taken, true))
                                  return;
                              const milliseconds left = query->request.timeout - milliseconds(query->clock.elapsed());
                              query->request.timeout = std::max<milliseconds>(left, 1ms); // 0 would mean no limit
-                             start(std::move(query->request), std::move(query->done), proxy);
+                             start(std::move(query->request), std::move(query->sink), std::move(query->done), proxy);
                          }));
 }
 
-void CurlHttpClient::start(HttpRequest request, Done<HttpReply> done, const QString &proxy) {
+void CurlHttpClient::start(HttpRequest request, std::unique_ptr<CurlSink> sink, Done<HttpReply> done,
+                           const QString &proxy) {
     if (!multi) {
         curl_global_init(CURL_GLOBAL_DEFAULT);
         multi = std::make_unique<Multi>(network);
     }
-    auto transfer = std::make_unique<CurlTransfer>(std::move(request), std::move(done));
+    auto transfer = std::make_unique<CurlTransfer>(std::move(request), std::move(sink), std::move(done));
     if (transfer->prepare(proxy, network.authorities))
         return multi->add(std::move(transfer));
     // Never called back before this returns, so that callers see one order of events.

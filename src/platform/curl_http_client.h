@@ -10,6 +10,8 @@
 
 namespace korvel {
 
+class CurlSink;
+
 /// HttpClient through libcurl on the Qt event loop: exact deadlines, bounded answers, no hidden repeat of a POST.
 class CurlHttpClient final : public HttpClient {
 public:
@@ -17,12 +19,15 @@ public:
     explicit CurlHttpClient(Scheduler &scheduler, Network network = systemNetwork());
     ~CurlHttpClient() override;
     void send(HttpRequest request, Done<HttpReply> done) override;
+    void download(HttpRequest request, const QString &file, std::function<void(qint64 got, qint64 expected)> progress,
+                  Done<HttpReply> done) override;
 
 private:
     class Multi;
     struct ProxyQuery;
-    void lookUpProxy(HttpRequest request, Done<HttpReply> done);
-    void start(HttpRequest request, Done<HttpReply> done, const QString &proxy);
+    void dispatch(HttpRequest request, std::unique_ptr<CurlSink> sink, Done<HttpReply> done);
+    void lookUpProxy(std::shared_ptr<ProxyQuery> query);
+    void start(HttpRequest request, std::unique_ptr<CurlSink> sink, Done<HttpReply> done, const QString &proxy);
 
     Scheduler &scheduler;
     const Network network;

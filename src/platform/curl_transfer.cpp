@@ -74,8 +74,9 @@ ErrorKind kindOf(CURLcode code) {
 
 } // namespace
 
-CurlTransfer::CurlTransfer(HttpRequest r, Done<HttpReply> d)
-    : request(std::move(r)), done(std::move(d)), url(request.url.toUtf8()), easy(curl_easy_init()) {}
+CurlTransfer::CurlTransfer(HttpRequest r, std::unique_ptr<CurlSink> s, Done<HttpReply> d)
+    : request(std::move(r)), sink(std::move(s)), done(std::move(d)), url(request.url.toUtf8()), easy(curl_easy_init()) {
+}
 
 CurlTransfer::~CurlTransfer() {
     curl_easy_cleanup(easy);
@@ -97,7 +98,13 @@ bool CurlTransfer::prepare(const QString &proxy, const QString &authorities) {
     curl_easy_setopt(easy, CURLOPT_ERRORBUFFER, errorText);
     curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
     curl_easy_setopt(easy, CURLOPT_TIMEOUT_MS, static_cast<long>(request.timeout.count()));
-    curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, 0L);
+    curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, request.redirects > 0 && request.method == "GET" ? 1L : 0L);
+    curl_easy_setopt(easy, CURLOPT_MAXREDIRS, static_cast<long>(request.redirects));
+    curl_easy_setopt(easy, CURLOPT_REDIR_PROTOCOLS_STR, "https");
+    if (request.idleTimeout.count() > 0) {
+        curl_easy_setopt(easy, CURLOPT_LOW_SPEED_LIMIT, 1L);
+        curl_easy_setopt(easy, CURLOPT_LOW_SPEED_TIME, std::max(1L, static_cast<long>(request.idleTimeout.count() / 1000)));
+    }
     curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &received);
     curl_easy_setopt(easy, CURLOPT_WRITEDATA, this);
     curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, &headerReceived);
@@ -150,22 +157,20 @@ void CurlTransfer::prepareBody() {
         headers = curl_slist_append(headers, "Content-Type:"); // instead of libcurl's own guess
 }
 
-bool CurlTransfer::accept(size_t more) {
-    bytes += static_cast<qint64>(more);
-    tooLarge = bytes > request.maxBytes;
-    return !tooLarge;
-}
-
 size_t CurlTransfer::received(char *data, size_t size, size_t count, void *self) {
     auto &transfer = *static_cast<CurlTransfer *>(self);
-    if (!transfer.accept(size * count))
-        return 0;
-    transfer.reply.body.append(data, static_cast<qsizetype>(size * count));
-    return size * count;
+    long status = 0;
+    curl_off_t length = -1;
+    curl_easy_getinfo(transfer.easy, CURLINFO_RESPONSE_CODE, &status);
+    curl_easy_getinfo(transfer.easy, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
+    const qint64 expected = std::max<curl_off_t>(length, 0);
+    const QByteArrayView bytes(data, static_cast<qsizetype>(size * count));
+    return transfer.sink->body(bytes, static_cast<int>(status), expected) ? size * count : 0;
 }
 
 size_t CurlTransfer::headerReceived(char *, size_t size, size_t count, void *self) {
-    return static_cast<CurlTransfer *>(self)->accept(size * count) ? size * count : 0;
+    const auto bytes = static_cast<qint64>(size * count);
+    return static_cast<CurlTransfer *>(self)->sink->header(bytes) ? size * count : 0;
 }
 
 ErrorKind CurlTransfer::failure(CURLcode code, const Network &network) const {
@@ -180,14 +185,13 @@ ErrorKind CurlTransfer::failure(CURLcode code, const Network &network) const {
 }
 
 Result<HttpReply> CurlTransfer::outcome(CURLcode code, const Network &network) {
-    if (tooLarge)
-        return Error{ErrorKind::TooLarge, QStringLiteral("answer over %1 bytes").arg(request.maxBytes)};
-    if (code != CURLE_OK)
-        return Error{failure(code, network), QString::fromUtf8(*errorText ? errorText : curl_easy_strerror(code))};
     long status = 0;
     curl_easy_getinfo(easy, CURLINFO_RESPONSE_CODE, &status);
-    reply.status = static_cast<int>(status);
-    return std::move(reply);
+    if (auto refused = sink->end(static_cast<int>(status)))
+        return *refused;
+    if (code != CURLE_OK)
+        return Error{failure(code, network), QString::fromUtf8(*errorText ? errorText : curl_easy_strerror(code))};
+    return HttpReply{static_cast<int>(status), sink->takeBody()};
 }
 
 } // namespace korvel

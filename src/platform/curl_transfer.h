@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/curl_sink.h"
 #include "platform/http_client.h"
 #include "platform/network.h"
 
@@ -11,7 +12,7 @@ namespace korvel {
 /// One request under way in libcurl. Owns everything that libcurl points to while the transfer lasts.
 class CurlTransfer {
 public:
-    CurlTransfer(HttpRequest request, Done<HttpReply> done);
+    CurlTransfer(HttpRequest request, std::unique_ptr<CurlSink> sink, Done<HttpReply> done);
     CurlTransfer(const CurlTransfer &) = delete;
     CurlTransfer &operator=(const CurlTransfer &) = delete;
     ~CurlTransfer();
@@ -30,18 +31,15 @@ private:
     void prepareLoopback();
     void prepareServer(const QString &proxy, const QString &authorities);
     void prepareBody();
-    bool accept(size_t bytes);
     static size_t received(char *data, size_t size, size_t count, void *self);
     static size_t headerReceived(char *data, size_t size, size_t count, void *self);
 
     const HttpRequest request;
+    const std::unique_ptr<CurlSink> sink;
     Done<HttpReply> done;
     QByteArray url;
     CURL *easy = nullptr;
     curl_slist *headers = nullptr;
-    HttpReply reply;
-    qint64 bytes = 0;
-    bool tooLarge = false;
     char errorText[CURL_ERROR_SIZE] = {};
 };
 

@@ -62,6 +62,8 @@ bool makePrivateFolder(const QString &path) {
     return ::mkdir(QFile::encodeName(path).constData(), 0700) == 0 || QFileInfo(path).isDir();
 }
 
+bool closeFolder(const QString &path) { return ::chmod(QFile::encodeName(path).constData(), 0700) == 0; }
+
 bool replacePrivateFile(const QString &path, const QByteArray &content) {
     const QString target = linkTarget(path);
     QByteArray temporary = QFile::encodeName(target) + ".XXXXXX";

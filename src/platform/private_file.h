@@ -13,6 +13,9 @@ std::optional<QByteArray> readRegularFile(const QString &path, qint64 maxBytes);
 /// Makes a folder, mode 0700, with the folders above it; true when it exists afterwards.
 bool makePrivateFolder(const QString &path);
 
+/// Gives an existing folder mode 0700; false when it could not.
+bool closeFolder(const QString &path);
+
 /// Replaces a file by a new one of mode 0600, through a temporary file in the same folder and a rename: whoever reads
 /// sees the old content or the new, whole, also when the disk is full. False when it could not; the old file stays.
 bool replacePrivateFile(const QString &path, const QByteArray &content);

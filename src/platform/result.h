@@ -17,6 +17,7 @@ enum class ErrorKind {
     Interrupted,        ///< The connection ended before the answer was whole.
     TimedOut,           ///< The deadline passed.
     TooLarge,           ///< The answer is larger than its limit.
+    NotSaved,           ///< What arrived could not be written to its file.
     UnreadableAnswer,   ///< An answer came that is not what was asked for.
 };
 

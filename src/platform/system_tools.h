@@ -8,10 +8,13 @@ namespace korvel {
 inline const QString LAUNCHCTL = QStringLiteral("/bin/launchctl");
 inline const QString PKILL = QStringLiteral("/usr/bin/pkill");
 inline const QString OPEN = QStringLiteral("/usr/bin/open");
+inline const QString OSASCRIPT = QStringLiteral("/usr/bin/osascript");
+inline const QString XATTR = QStringLiteral("/usr/bin/xattr");
 
 /// Whether `executable` is one of them, so that a stand-in root takes its place.
 inline bool isSystemTool(const QString &executable) {
-    return executable == LAUNCHCTL || executable == PKILL || executable == OPEN;
+    return executable == LAUNCHCTL || executable == PKILL || executable == OPEN || executable == OSASCRIPT ||
+           executable == XATTR;
 }
 
 } // namespace korvel

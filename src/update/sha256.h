@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QString>
+#include <optional>
+
+namespace korvel {
+
+/// SHA-256 (FIPS 180-4) of a file in lower-case hexadecimal digits; none when it cannot be read. Streamed; blocks.
+std::optional<QString> sha256File(const QString &path);
+
+} // namespace korvel

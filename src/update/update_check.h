@@ -1,0 +1,47 @@
+#pragma once
+
+#include "app/fixed_config.h"
+#include "app/tray_state.h"
+#include "platform/alive.h"
+#include "platform/http_client.h"
+#include "platform/scheduler.h"
+#include "service/agent_config.h"
+#include "ui/notices.h"
+
+#include <functional>
+#include <optional>
+
+namespace korvel {
+
+/// The request for the manifest at `server` (host:port); none when that makes no web address.
+std::optional<HttpRequest> buildManifest(const QString &server);
+
+/// Looks for a newer package on the account server and announces one that the publisher signed.
+class UpdateCheck {
+public:
+    struct Hooks {
+        std::function<void()> render;
+        std::function<void(const Notice &)> showHUD;
+    };
+    UpdateCheck(UpdateState &update, const FixedConfig &fixed, const AgentConfig &config, HttpClient &http,
+                const Scheduler &scheduler, Hooks hooks);
+
+    /// One check; only one that the user asked for (`manual`) speaks of failures.
+    void checkUpdate(bool manual);
+
+private:
+    void answered(const Result<HttpReply> &reply, bool manual);
+    void found(const UpdateInfo &info, bool manual);
+    void announce(const UpdateInfo &info, bool manual);
+    void failed(const QString &text, bool manual);
+
+    UpdateState &update;
+    const FixedConfig &fixed;
+    const AgentConfig &config;
+    HttpClient &http;
+    const Scheduler &scheduler;
+    Hooks hooks;
+    Alive alive;
+};
+
+} // namespace korvel

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "app/fixed_config.h"
+#include "app/paths.h"
+#include "app/tray_state.h"
+#include "platform/alive.h"
+#include "platform/desktop.h"
+#include "platform/http_client.h"
+#include "platform/programs.h"
+#include "platform/scheduler.h"
+#include "service/agent_config.h"
+#include "ui/notices.h"
+
+#include <functional>
+#include <optional>
+
+namespace korvel {
+
+/// The request for a package at `server`; none when that makes no web address.
+std::optional<HttpRequest> buildDownload(const QString &server, const UpdateInfo &info);
+
+/// What is said when the server gives another answer than the package.
+QString refusalText(const HttpReply &reply);
+
+/// Downloads the announced package into the private cache, checks it, and has it installed with an administrator's
+/// rights. What was checked once is checked again at the next step, because the cache belongs to the user.
+class UpdateInstall {
+public:
+    struct Hooks {
+        std::function<void()> render;
+        std::function<void()> poll;
+        std::function<void(const Notice &)> showHUD;
+    };
+    UpdateInstall(UpdateState &update, const FixedConfig &fixed, const Paths &paths, const AgentConfig &config,
+                  HttpClient &http, Programs &programs, Desktop &desktop, Scheduler &scheduler, Hooks hooks);
+
+    void installUpdate();
+
+private:
+    void begin();
+    bool prepareCache() const;
+    QString cached(const UpdateInfo &info) const;
+    void startDownload(const UpdateInfo &info);
+    void progress(qint64 got, qint64 expected, const UpdateInfo &info);
+    void downloaded(const Result<HttpReply> &reply, const UpdateInfo &info);
+    void keep(const UpdateInfo &info);
+    void ifUnchanged(const UpdateInfo &info, std::function<void()> then);
+    void installPkg(const UpdateInfo &info);
+    void runInstaller(const UpdateInfo &info);
+    void installed(const ProgramResult &result, const UpdateInfo &info);
+    void refuseModified(const UpdateInfo &info);
+    void updateFailed(const QString &text, const QString &link = {});
+    void end(const Notice &notice);
+
+    UpdateState &update;
+    const FixedConfig &fixed;
+    const Paths &paths;
+    const AgentConfig &config;
+    HttpClient &http;
+    Programs &programs;
+    Desktop &desktop;
+    Scheduler &scheduler;
+    Hooks hooks;
+    Alive alive;
+};
+
+} // namespace korvel
