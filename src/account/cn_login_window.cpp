@@ -126,7 +126,9 @@ void CnLoginWindow::layOut() {
     column->addWidget(mainB);
     column->addWidget(busyBar);
     column->addLayout(links);
-    setTabOrder(privacyB, mainB); // as they stand, not as they were made
+    setTabOrder(codeF, sendB); // as they stand, not as they were made
+    setTabOrder(sendB, passF);
+    setTabOrder(privacyB, mainB);
     setTabOrder(mainB, linkA);
 }
 
@@ -193,6 +195,8 @@ void CnLoginWindow::apply(const CnLoginView &view) {
     codeGroup->setVisible(view.code.visible);
     passGroup->setVisible(view.password.visible);
     sendB->setText(view.sendText);
+    if (focusWidget() == sendB && !view.sendEnabled)
+        codeF->setFocus(); // where the code is typed, not wherever Qt moves on to
     sendB->setEnabled(view.sendEnabled);
     for (QWidget *part : std::initializer_list<QWidget *>{agreeB, termsB, andF, privacyB})
         part->setVisible(view.agreeVisible);

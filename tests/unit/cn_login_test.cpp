@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -274,6 +275,21 @@ TEST_F(CnLoginWindowTest, WhatIsTypedStaysWhileTheWindowChangesAroundIt) {
     EXPECT_EQ(window.height(), height); // an error makes nothing jump
 }
 
+TEST_F(CnLoginWindowTest, WhoAskedForACodeTypesItNext) {
+    form.codeMode = true;
+    CnLoginWindow &window = show();
+    const auto buttons = window.findChildren<QPushButton *>();
+    const auto get =
+        std::ranges::find_if(buttons, [](const QPushButton *button) { return button->text() == u"Get Code"; });
+    ASSERT_NE(get, buttons.end());
+    (*get)->setFocus();
+    form.sending = true;
+    panel.apply(cnLoginView(form));
+    const auto *field = qobject_cast<QLineEdit *>(window.focusWidget());
+    ASSERT_TRUE(field);
+    EXPECT_EQ(field->placeholderText(), u"6 digits");
+}
+
 TEST_F(CnLoginWindowTest, TabGoesThroughTheControlsInTheirOrderOnTheScreen) {
     // Fields, code button, box, two links, main button, way back; ways of signing in, fields, main button, two links.
     for (const auto &[page, controls] : {std::pair{Page::Register, 9}, std::pair{Page::Login, 6}}) {
@@ -286,7 +302,8 @@ TEST_F(CnLoginWindowTest, TabGoesThroughTheControlsInTheirOrderOnTheScreen) {
             QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
             QWidget *w = window.focusWidget();
             const QPoint here = w->mapTo(&window, QPoint(0, w->height() / 2));
-            if (here.y() <= before.y() + 4 && here.x() <= before.x())
+            const bool sameRow = std::abs(here.y() - before.y()) <= 4;
+            if (sameRow ? here.x() <= before.x() : here.y() < before.y())
                 break;
             before = here;
         }
