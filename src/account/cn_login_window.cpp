@@ -92,6 +92,7 @@ CnLoginWindow::CnLoginWindow(std::function<void(const LoginInput &)> in)
     QSizePolicy keepsItsRoom = busyBar->sizePolicy();
     keepsItsRoom.setRetainSizeWhenHidden(true);
     busyBar->setSizePolicy(keepsItsRoom);
+    setPalette(readableColours(palette()));
     layOut();
     connectControls();
 }
@@ -106,7 +107,7 @@ void CnLoginWindow::layOut() {
     lines->setMinimumHeight(MESSAGE_LINES * infoF->fontMetrics().lineSpacing());
 
     auto *links = new QHBoxLayout;
-    links->setContentsMargins(-2, 4, -2, 0); // their texts stand below the edges of the fields
+    links->setContentsMargins(0, 4, 0, 0);
     links->addWidget(linkA);
     links->addStretch();
     links->addWidget(linkB);
@@ -149,7 +150,7 @@ QWidget *CnLoginWindow::group(QLabel *label, const QList<QWidget *> &controls) {
 
 QLayout *CnLoginWindow::agreeRows() {
     auto *links = new QHBoxLayout;
-    links->setSpacing(2);
+    links->setSpacing(4);
     for (QWidget *part : std::initializer_list<QWidget *>{termsB, andF, privacyB})
         links->addWidget(part);
     links->addStretch();
@@ -242,6 +243,12 @@ void CnLoginWindow::keyPressEvent(QKeyEvent *event) {
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
         return mainB->click();
     EscWindow::keyPressEvent(event);
+}
+
+void CnLoginWindow::changeEvent(QEvent *event) {
+    EscWindow::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        setPalette(readableColours(palette())); // the same again changes nothing
 }
 
 void CnLoginWindow::closeEvent(QCloseEvent *event) {

@@ -7,7 +7,7 @@
 namespace korvel {
 
 namespace {
-constexpr int MARGIN = 2;
+constexpr int MARGIN = 2; // above and below; at its sides it ends where its text does
 }
 
 LinkButton::LinkButton(const QString &text, QWidget *parent) : QPushButton(text, parent) {
@@ -17,9 +17,7 @@ LinkButton::LinkButton(const QString &text, QWidget *parent) : QPushButton(text,
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 
-QSize LinkButton::sizeHint() const {
-    return fontMetrics().size(Qt::TextSingleLine, text()) + QSize(2 * MARGIN, 2 * MARGIN);
-}
+QSize LinkButton::sizeHint() const { return fontMetrics().size(Qt::TextSingleLine, text()) + QSize(0, 2 * MARGIN); }
 
 void LinkButton::paintEvent(QPaintEvent *) {
     QPainter painter(this);

@@ -13,7 +13,7 @@ constexpr QColor BLUE(0x25, 0x63, 0xeb), PRESSED(0x1d, 0x4f, 0xbf), HOVERED(0x2f
 
 QColor colourOf(const QPushButton &button) {
     if (!button.isEnabled())
-        return groundColour(Ground::Raised, button.palette());
+        return groundColour(Ground::Sunken, button.palette());
     if (button.isDown())
         return PRESSED;
     return button.underMouse() ? HOVERED : BLUE;
@@ -32,7 +32,7 @@ void MainButton::paintEvent(QPaintEvent *) {
     painter.setRenderHint(QPainter::Antialiasing);
     const QColor colour = colourOf(*this);
     const QRectF frame = QRectF(rect()).adjusted(1, 1, -1, -1);
-    painter.setPen(isEnabled() ? QPen(colour, 1) : QPen(toneColour(Tone::Tertiary, palette()), 1));
+    painter.setPen(QPen(colour, 1));
     painter.setBrush(colour);
     painter.drawRoundedRect(frame, RADIUS, RADIUS);
     if (hasFocus()) {

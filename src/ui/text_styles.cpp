@@ -44,6 +44,18 @@ QColor groundColour(Ground ground, const QPalette &palette) {
     return dark ? mixed(text, window, 0.22) : QColor(Qt::white);
 }
 
+QPalette readableColours(const QPalette &palette) {
+    QPalette colours;
+    for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        colours.setColor(QPalette::Disabled, role, toneColour(Tone::Tertiary, palette));
+    const QColor typed = palette.color(QPalette::Active, QPalette::Text);
+    const QColor field = palette.color(QPalette::Active, QPalette::Base);
+    for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive})
+        colours.setColor(group, QPalette::PlaceholderText, mixed(typed, field, 0.58));
+    colours.setColor(QPalette::Disabled, QPalette::PlaceholderText, toneColour(Tone::Tertiary, palette));
+    return colours;
+}
+
 QFont uiFont(int points, QFont::Weight weight) { return sized(QGuiApplication::font(), points, weight); }
 
 QFont codeFont(int points, QFont::Weight weight) {

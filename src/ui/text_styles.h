@@ -21,6 +21,10 @@ QColor toneColour(Tone tone, const QPalette &palette);
 enum class Ground { Sunken, Raised };
 QColor groundColour(Ground ground, const QPalette &palette);
 
+/// The colours of placeholders and of texts that cannot be used now, at least 4.5 to 1 against what they stand on: some
+/// systems leave them hardly visible. Sets nothing else.
+QPalette readableColours(const QPalette &palette);
+
 /// The ratio of contrast between two colours (WCAG 2.1), 1 to 21.
 double contrastRatio(const QColor &a, const QColor &b);
 

@@ -304,8 +304,13 @@ TEST(ToneColour, EveryToneCanBeReadOnLightAndDarkWindows) {
         QPalette palette;
         palette.setColor(QPalette::WindowText, text);
         palette.setColor(QPalette::Window, ground);
+        palette.setColor(QPalette::Text, text);
+        palette.setColor(QPalette::Base, ground.darker(120));
         for (const Tone tone : {Tone::Normal, Tone::Secondary, Tone::Tertiary, Tone::Link, Tone::Error})
             EXPECT_GE(contrast(toneColour(tone, palette), ground), 4.5) << static_cast<int>(tone);
+        const QPalette colours = readableColours(palette);
+        EXPECT_GE(contrast(colours.color(QPalette::Disabled, QPalette::ButtonText), ground), 4.5);
+        EXPECT_GE(contrast(colours.color(QPalette::Active, QPalette::PlaceholderText), ground.darker(120)), 4.5);
     }
 }
 
