@@ -19,7 +19,10 @@ constexpr int DEEPEST = 12; // windows here are flat; a program's mistake must n
 const auto ACCESSIBLE = u"org.a11y.atspi.Accessible"_s;
 
 // Numbers of AT-SPI's list of states, each a bit of the answer.
-enum State { Active = 1, Focusable = 11, Focused = 12, Sensitive = 24, Showing = 25 };
+enum State { Active = 1, Checked = 4, Focusable = 11, Focused = 12, Sensitive = 24, Showing = 25 };
+
+// Number of AT-SPI's list of roles.
+constexpr uint PASSWORD_TEXT = 40;
 
 bool has(quint64 states, State state) { return (states >> state & 1) != 0; }
 
@@ -46,6 +49,12 @@ int nextConnection = 0;
 
 std::optional<AccessibleElement> AccessibleWindow::find(const QString &wanted) const {
     const auto found = std::ranges::find(elements, wanted, &AccessibleElement::name);
+    return found == elements.end() ? std::nullopt : std::optional(*found);
+}
+
+std::optional<AccessibleElement> AccessibleWindow::find(const QString &role, const QString &wanted) const {
+    const auto found = std::ranges::find_if(
+        elements, [&](const AccessibleElement &each) { return each.role == role && each.name == wanted; });
     return found == elements.end() ? std::nullopt : std::optional(*found);
 }
 
@@ -152,9 +161,14 @@ AccessibleElement AccessibleReader::element(const Object &object, quint64 states
                               .area = area(object),
                               .enabled = has(states, Sensitive),
                               .focusable = has(states, Focusable),
-                              .focused = has(states, Focused)};
-    if (element.role == "text"_L1)
-        element.text = call(object, u"org.a11y.atspi.Text"_s, u"GetText"_s, {0, -1}).value(0).toString();
+                              .focused = has(states, Focused),
+                              .checked = has(states, Checked)};
+    if (element.role != "text"_L1)
+        return element;
+    // Qt 6.4 names both kinds of fields alike.
+    if (call(object, ACCESSIBLE, u"GetRole"_s).value(0).toUInt() == PASSWORD_TEXT)
+        element.role = u"password text"_s;
+    element.text = call(object, u"org.a11y.atspi.Text"_s, u"GetText"_s, {0, -1}).value(0).toString();
     return element;
 }
 

@@ -13,11 +13,12 @@ namespace korvel::sim {
 struct AccessibleElement {
     QString role; // AT-SPI's English name for it, such as "push button"
     QString name;
-    QString text; // what a field holds; empty for what is no field
+    QString text; // what a field tells of what it holds; empty for what is no field
     QRect area;   // on the screen
     bool enabled = false;
     bool focusable = false;
     bool focused = false;
+    bool checked = false; // a choice that is made
 };
 
 // A window on the screen.
@@ -31,6 +32,8 @@ struct AccessibleWindow {
 
     // The first element of that name; nothing without one.
     std::optional<AccessibleElement> find(const QString &name) const;
+    // The same among those of one role.
+    std::optional<AccessibleElement> find(const QString &role, const QString &name) const;
     // The element that has the focus; nothing without one.
     std::optional<AccessibleElement> focus() const;
 };

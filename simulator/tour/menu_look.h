@@ -11,4 +11,7 @@ QString lookAtMenu(Tour &tour, const QString &name);
 // The same with the panel's copy of the menu, after a right click.
 QString lookAtPanelMenu(Tour &tour, const QString &name);
 
+// The same with the left button, but chooses an entry with the arrow keys and Return; the screenshot shows it selected.
+QString chooseByKeyboard(Tour &tour, const QString &entry, const QString &name);
+
 } // namespace korvel::sim

@@ -32,6 +32,10 @@ QList<Step> speechSteps();
 QList<Step> outageSteps();
 // Sync is paused and resumed from the menu.
 QList<Step> syncSteps();
+// Nobody is signed in; somebody signs in, pairs the Mac and signs out again.
+QList<Step> signInSteps();
+// Somebody signs in again without the pointer.
+QList<Step> keyboardSteps();
 // It is quit from the menu.
 QList<Step> quitSteps();
 

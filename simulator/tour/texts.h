@@ -8,6 +8,24 @@ namespace korvel::sim {
 // Who is signed in during the tour.
 inline QString tourAccount() { return QStringLiteral("ann"); }
 
+// Who signs in during the tour: the account that every simulated account server has.
+inline QString serverAccount() { return QStringLiteral("sam@example.com"); }
+inline QString serverPhone() { return QStringLiteral("13800000000"); }
+inline QString serverPassword() { return QStringLiteral("open sesame"); }
+
+inline QString signInEntry(const Tour &tour) {
+    return tour.say(QStringLiteral("登录 / 注册…"), QStringLiteral("Sign In / Sign Up…"));
+}
+
+inline QString signedInNotice(const Tour &tour) {
+    return tour.say(QStringLiteral("● 已登录 "), QStringLiteral("● Signed in as ")) + serverAccount();
+}
+
+inline QString serverConnectedLine(const Tour &tour) {
+    return tour.say(QStringLiteral("● 已连接 · %1 · 1 个会话"), QStringLiteral("● Connected · %1 · 1 session"))
+        .arg(serverAccount());
+}
+
 inline QString startingLine(const Tour &tour) {
     return tour.say(QStringLiteral("○ 正在启动… · ann"), QStringLiteral("○ Starting… · ann"));
 }

@@ -72,9 +72,10 @@ bool take(const Step &step, Tour &tour) {
 
 QList<Step> stepsOf(bool windowsOnly) {
     const auto windows = pairingSteps() + deviceSteps() + alarmSteps();
-    return windowsOnly
-               ? launchSteps() + windows + quitSteps()
-               : launchSteps() + menuSteps() + windows + speechSteps() + outageSteps() + syncSteps() + quitSteps();
+    if (windowsOnly)
+        return launchSteps() + windows + signInSteps() + quitSteps();
+    return launchSteps() + menuSteps() + windows + speechSteps() + outageSteps() + syncSteps() + signInSteps() +
+           keyboardSteps() + quitSteps();
 }
 
 int run(int argc, char **argv) {

@@ -36,7 +36,7 @@ QString shownTexts(Tour &tour) {
 
 } // namespace
 
-QString expectWindow(Tour &tour, const QStringList &texts, const QString &name) {
+QString expectTexts(Tour &tour, const QStringList &texts, const QString &name) {
     const auto holds = [&] {
         const auto window = tour.window();
         return window && window->active &&
@@ -44,10 +44,15 @@ QString expectWindow(Tour &tour, const QStringList &texts, const QString &name) 
     };
     if (!tour.waitUntil(holds, NEXT_POLL))
         return shownTexts(tour);
-    if (const QRect area = tour.window().value_or(AccessibleWindow()).area; !isCentred(area))
-        return u"the window stands at %1, %2"_s.arg(area.left()).arg(area.top());
     tour.waitForRest({}); // told before it is painted
     return tour.screenshot(name) ? QString() : u"no screenshot"_s;
+}
+
+QString expectWindow(Tour &tour, const QStringList &texts, const QString &name) {
+    if (QString wrong = expectTexts(tour, texts, name); !wrong.isEmpty())
+        return wrong;
+    const QRect area = tour.window().value_or(AccessibleWindow()).area;
+    return isCentred(area) ? QString() : u"the window stands at %1, %2"_s.arg(area.left()).arg(area.top());
 }
 
 QString expectNoWindow(Tour &tour) {

@@ -10,8 +10,9 @@ namespace korvel::sim {
 // A poll, and what it starts.
 inline constexpr auto NEXT_POLL = std::chrono::milliseconds(4500);
 
-// Waits for a window that holds all these texts and the keyboard, stands in the middle of the screen, and takes a
-// screenshot of that name.
+// Waits for a window that holds all these texts and the keyboard, and takes a screenshot of that name.
+QString expectTexts(Tour &tour, const QStringList &texts, const QString &name);
+// The same of a window that has just opened, in the middle of the screen.
 QString expectWindow(Tour &tour, const QStringList &texts, const QString &name);
 // Waits until no window shows.
 QString expectNoWindow(Tour &tour);

@@ -30,6 +30,9 @@ struct AccessibilityTest : ::testing::Test {
     void start(const QString &encryption) {
         ASSERT_TRUE(home.setScenario({{u"e2ee"_s, QJsonObject{{u"start"_s, encryption}}}}));
         ASSERT_TRUE(home.signIn(u"ann"_s));
+        startTray();
+    }
+    void startTray() {
         ASSERT_TRUE(home.installJobFile());
         QProcessEnvironment env = home.environment();
         env.insert(u"LANGUAGE"_s, u"en"_s);
@@ -60,17 +63,24 @@ struct AccessibilityTest : ::testing::Test {
         const auto focused = [&] { return focus().name == name; };
         return panel.waitUntil(focused, SOON);
     }
-    /// Presses Tab and gives the name of what has the focus then; empty when it does not move.
+    static QString stop(const sim::AccessibleElement &each) { return each.name + u" ("_s + each.role + u')'; }
+    /// Presses Tab and gives the stop that has the focus then; empty when it does not move.
     QString tab() {
-        const QString before = focus().name;
+        const QString before = stop(focus());
         sim::pressKey(u"Tab"_s);
-        const auto moved = [&] { return !focus().name.isEmpty() && focus().name != before; };
-        return panel.waitUntil(moved, LOOK) ? focus().name : QString();
+        const auto moved = [&] { return !focus().name.isEmpty() && stop(focus()) != before; };
+        return panel.waitUntil(moved, LOOK) ? stop(focus()) : QString();
     }
-    /// The names that Tab leads to from where the focus is, until it comes round.
+    /// Presses Tab until a control has the focus.
+    bool tabTo(const QString &name) {
+        for (int stops = 0; stops < MOST_STOPS && focus().name != name; ++stops)
+            tab();
+        return focus().name == name;
+    }
+    /// The stops that Tab leads to from where the focus is, until it comes round.
     QStringList tabOrder() {
-        QStringList order{focus().name};
-        for (QString next = tab(); next != order.first() && order.size() < 8; next = tab())
+        QStringList order{stop(focus())};
+        for (QString next = tab(); next != order.first() && order.size() < MOST_STOPS; next = tab())
             order.append(next);
         return order;
     }
@@ -78,7 +88,7 @@ struct AccessibilityTest : ::testing::Test {
     QStringList visualOrder() {
         QList<sim::AccessibleElement> stops;
         for (const sim::AccessibleElement &each : window().elements)
-            if (each.focusable && each.enabled)
+            if (each.focusable && each.enabled && (each.role != u"radio button" || each.checked))
                 stops.append(each);
         std::ranges::sort(stops, [](const sim::AccessibleElement &one, const sim::AccessibleElement &other) {
             const bool sameRow = one.area.top() <= other.area.bottom() && other.area.top() <= one.area.bottom();
@@ -88,14 +98,14 @@ struct AccessibilityTest : ::testing::Test {
         std::rotate(stops.begin(), first, stops.end());
         QStringList names;
         for (const sim::AccessibleElement &each : stops)
-            names.append(each.name);
+            names.append(stop(each));
         return names;
     }
-    /// Every button and field says what it is.
+    /// Everything that can be used says what it is.
     void expectNames() {
         int controls = 0;
         for (const sim::AccessibleElement &each : window().elements) {
-            if (each.role != u"push button" && each.role != u"text")
+            if (!each.focusable)
                 continue;
             ++controls;
             EXPECT_FALSE(each.name.trimmed().isEmpty()) << "a " << each.role.toStdString() << " without a name";
@@ -118,6 +128,7 @@ struct AccessibilityTest : ::testing::Test {
 
     /// How long a key may take to move the focus.
     static constexpr auto LOOK = std::chrono::seconds(2);
+    static constexpr int MOST_STOPS = 12;
 };
 
 TEST_F(AccessibilityTest, ThePairingCodeIsReadDigitByDigitAndTheWindowUsedByKeyboard) {
@@ -130,8 +141,7 @@ TEST_F(AccessibilityTest, ThePairingCodeIsReadDigitByDigitAndTheWindowUsedByKeyb
     EXPECT_EQ(focus().name, u"Close");
     expectOrder();
 
-    for (int stops = 0; stops < 3 && focus().name != u"Refresh"; ++stops)
-        tab();
+    ASSERT_TRUE(tabTo(u"Refresh"_s));
     sim::pressKey(u"space"_s);
     ASSERT_TRUE(sends(u"/e2ee/pair/new"_s));
     ASSERT_TRUE(panel.waitUntil([&] { return home.encryption().pairCode() != code; }, SOON));
@@ -209,6 +219,35 @@ TEST_F(AccessibilityTest, AResetIsReadAndAcceptedByKeyboard) {
     sim::pressKey(u"Return"_s);
     EXPECT_TRUE(sends(u"/e2ee/reset/accept"_s));
     EXPECT_TRUE(opens(u"Enter this code on your phone"_s));
+}
+
+TEST_F(AccessibilityTest, TheSignInWindowSaysWhatItsControlsAreAndKeepsThePasswordToItself) {
+    startTray();
+    ASSERT_TRUE(panel.click(u"Sign In / Sign Up…"_s));
+    ASSERT_TRUE(opens(u"Sign In to Korvel"_s));
+    expectNames();
+    EXPECT_TRUE(window().find(u"radio button"_s, u"Password"_s).value_or(sim::AccessibleElement()).checked);
+    EXPECT_FALSE(window().find(u"radio button"_s, u"Code"_s).value_or(sim::AccessibleElement()).checked);
+    EXPECT_EQ(stop(focus()), u"Account (text)");
+    expectOrder();
+
+    sim::typeText(u"sam@example.com"_s);
+    tab();
+    ASSERT_EQ(stop(focus()), u"Password (password text)");
+    sim::typeText(u"not the one"_s);
+    sim::pressKey(u"Return"_s);
+    ASSERT_TRUE(opens(u"Incorrect account or password."_s)); // so it arrived, and the field still holds it
+    EXPECT_TRUE(isFocused(u"Password"_s));
+    for (const sim::AccessibleElement &each : window().elements)
+        EXPECT_FALSE((each.name + each.text).contains(u"not"_s)) << each.role.toStdString();
+
+    ASSERT_TRUE(tabTo(u"Sign up"_s));
+    sim::pressKey(u"space"_s);
+    ASSERT_TRUE(opens(u"Sign Up for Korvel"_s));
+    expectNames();
+    expectOrder();
+    sim::pressKey(u"Escape"_s);
+    EXPECT_TRUE(closes());
 }
 
 } // namespace
