@@ -3,6 +3,7 @@
 #include "app/wording.h"
 #include "ui/link_button.h"
 #include "ui/main_button.h"
+#include "ui/secret_field.h"
 #include "ui/segmented_control.h"
 #include "ui/window_place.h"
 
@@ -77,7 +78,7 @@ CnLoginWindow::CnLoginWindow(std::function<void(const LoginInput &)> in)
     onEsc = [this] { close(); };
     noticeF->setWordWrap(true);
     noticeF->setFixedWidth(CONTENT);
-    passF->setEchoMode(QLineEdit::Password);
+    makeSecret(*passF);
     codeF->setInputMethodHints(Qt::ImhPreferNumbers | Qt::ImhNoPredictiveText);
     agreeB->setFont(uiFont(12));
     andF->setText(L(u"和", u"and"));
