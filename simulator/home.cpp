@@ -4,6 +4,7 @@
 #include "simulator/agent_config.h"
 #include "simulator/files.h"
 #include "simulator/home_cleaning.h"
+#include "simulator/install_tools.h"
 #include "simulator/job_file.h"
 #include "simulator/launch_job.h"
 #include "simulator/scenario.h"
@@ -141,6 +142,8 @@ QStringList Home::opened() const {
         urls.append(line.value("url"_L1).toString());
     return urls;
 }
+
+QList<QJsonObject> Home::installedPackages() const { return sim::installedPackages(paths); }
 
 qint64 Home::agentPid() const { return LaunchJob(paths, agentLabel()).process(); }
 

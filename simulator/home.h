@@ -96,6 +96,8 @@ public:
     QList<QJsonObject> agentCalls() const;
     // What was opened through the stand-in of open.
     QStringList opened() const;
+    // Packages that the stand-in of installer installed, in that order: "time" (ms), "version", "sha256".
+    QList<QJsonObject> installedPackages() const;
 
     // Process id of the agent that launchd runs here; 0 when none runs.
     qint64 agentPid() const;

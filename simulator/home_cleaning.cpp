@@ -27,8 +27,16 @@ bool isServer(const ProcessInfo &process) { return process.commandLine.first().e
 
 bool isLasting(const ProcessInfo &process) { return isAgent(process) || isLaunchd(process) || isServer(process); }
 
+// One that runs a script for the stand-in of osascript.
+bool isShellOfTool(const ProcessInfo &process) {
+    const QStringList &words = process.commandLine;
+    return words.first() == "/bin/sh"_L1 && words.value(1) == "-c"_L1 &&
+           words.value(2).contains(QString(standInRoot() + u'/'));
+}
+
 bool isTool(const ProcessInfo &process) {
-    return process.commandLine.first().startsWith(standInRoot() + u'/') && !isLasting(process);
+    return (process.commandLine.first().startsWith(standInRoot() + u'/') && !isLasting(process)) ||
+           isShellOfTool(process);
 }
 
 // Signals what `belongs` picks; the number of processes that it picked.

@@ -16,6 +16,8 @@ QString HomePaths::agentLog() const { return state() + "/agent.jsonl"_L1; }
 QString HomePaths::openedLog() const { return state() + "/opened.jsonl"_L1; }
 QString HomePaths::encryption() const { return state() + "/e2ee.json"_L1; }
 QString HomePaths::permissions() const { return state() + "/permissions.json"_L1; }
+QString HomePaths::installed() const { return state() + "/installed.json"_L1; }
+QString HomePaths::privateTemp() const { return state() + PRIVATE_TEMP; }
 QString HomePaths::accounts() const { return state() + "/account.json"_L1; }
 QString HomePaths::serverLog() const { return state() + "/server.jsonl"_L1; }
 QString HomePaths::serverLock() const { return state() + "/server"_L1; }

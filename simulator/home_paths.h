@@ -20,6 +20,8 @@ struct HomePaths {
     QString openedLog() const;    // opened.jsonl
     QString encryption() const;   // e2ee.json: the encryption state
     QString permissions() const;  // permissions.json: the agent's privacy permissions
+    QString installed() const;    // installed.json: the packages that were installed
+    QString privateTemp() const;  // private/tmp/, which stands in for the folder of that name
     QString accounts() const;     // account.json: the account server's state
     QString serverLog() const;    // server.jsonl
     QString serverLock() const;   // server: locked by the account server while it runs
@@ -35,6 +37,9 @@ struct HomePaths {
     QString jobFile() const;      // ~/Library/LaunchAgents/com.korvel.agent.plist
     QString agentOutput() const;  // ~/Library/Logs/korvel-agent.log
 };
+
+// The Mac's folder for temporary files, which privateTemp() of a home stands in for.
+inline const QString PRIVATE_TEMP = QStringLiteral("/private/tmp");
 
 // The folder that stands in for "/" when system tools are run.
 QString standInRoot();

@@ -1,9 +1,8 @@
 #include "simulator/launchctl.h"
 
-#include "simulator/files.h"
 #include "simulator/job_file.h"
 #include "simulator/launch_job.h"
-#include "simulator/scenario.h"
+#include "simulator/tool_fault.h"
 
 #include <map>
 #include <optional>
@@ -83,19 +82,6 @@ ProgramResult bootstrap(const HomePaths &paths, const QString &domain, const QSt
     return {INPUT_OUTPUT_ERROR, {}, u"Bootstrap failed: 5: Input/output error\n"_s};
 }
 
-// What the scenario puts in place of the subcommand; nothing when the subcommand is to be carried out.
-std::optional<ProgramResult> fault(const HomePaths &paths, const QString &subcommand) {
-    const Scenario scenario = Scenario::read(paths);
-    const QJsonObject entry = scenario.section("launchctl"_L1).value(subcommand).toObject();
-    if (entry.isEmpty() || !scenario.takeTurn(u"launchctl "_s + subcommand, entry))
-        return std::nullopt;
-    pauseFor(milliseconds(entry, "delayMs"_L1));
-    const ProgramResult result{entry.value("status"_L1).toInt(), {}, entry.value("stderr"_L1).toString()};
-    if (result.status != 0 || entry.value("ignore"_L1).toBool())
-        return result;
-    return std::nullopt;
-}
-
 } // namespace
 
 ProgramResult launchctl(const ProgramCall &call) {
@@ -106,7 +92,7 @@ ProgramResult launchctl(const ProgramCall &call) {
     };
     const QStringList &arguments = call.arguments;
     if (!arguments.isEmpty())
-        if (const auto result = fault(call.paths, arguments.first()))
+        if (const auto result = toolFault(call.paths, "launchctl"_L1, arguments.first()))
             return *result;
     if (arguments.size() == 3 && arguments[0] == "bootstrap"_L1)
         return bootstrap(call.paths, arguments[1], arguments[2]);

@@ -4,8 +4,10 @@
 #include "simulator/agent_program.h"
 #include "simulator/control.h"
 #include "simulator/files.h"
+#include "simulator/install_tools.h"
 #include "simulator/job_supervisor.h"
 #include "simulator/launchctl.h"
+#include "simulator/osascript.h"
 #include "simulator/system_tools.h"
 
 #include <QCoreApplication>
@@ -53,7 +55,8 @@ struct Part {
 constexpr Part PARTS[] = {
     {"korvel-simulator"_L1, control}, {"korvel-agent"_L1, agentProgram},    {"korvel-account-server"_L1, serveAccounts},
     {"launchd"_L1, superviseJob},     {"launchctl"_L1, runTool<launchctl>}, {"pkill"_L1, runTool<pkill>},
-    {"open"_L1, runTool<open>},
+    {"open"_L1, runTool<open>},       {"osascript"_L1, runTool<osascript>}, {"xattr"_L1, runTool<xattr>},
+    {"cp"_L1, runTool<cp>},           {"shasum"_L1, runTool<shasum>},       {"installer"_L1, runTool<installer>},
 };
 
 // A supervisor or server outlives who started it: it must not keep open what that one left open in it.

@@ -26,20 +26,20 @@ const QString ACCESSIBILITY = u"Accessibility"_s;
 constexpr KnownPermission KNOWN[] = {
     {{u"屏幕录制", u"Screen Recording"},
      "x-apple.systempreferences:com.apple.preference.security?Privacy_ScreenCapture"_L1,
-     {u"手机上查看这台 Mac 的屏幕", u"Your phone shows this Mac's screen."},
-     {u"手机上看不到屏幕内容", u"Your phone can't see the screen."}},
+     {u"手机上查看这台 Mac 的屏幕", u"Your phone shows this Mac's screen"},
+     {u"手机上看不到屏幕内容", u"Your phone can't see the screen"}},
     {{u"辅助功能", u"Accessibility"},
      "x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility"_L1,
-     {u"手机上点按和输入，操作这台 Mac", u"Your phone clicks and types on this Mac."},
-     {u"手机上只能看，不能操作", u"Your phone can look, but not click or type."}},
+     {u"手机上点按和输入，操作这台 Mac", u"Your phone clicks and types on this Mac"},
+     {u"手机上只能看，不能操作", u"Your phone can look, but not click or type"}},
     {{u"麦克风", u"Microphone"},
      "x-apple.systempreferences:com.apple.preference.security?Privacy_Microphone"_L1,
-     {u"手机上听到这台 Mac 旁边的声音", u"Your phone hears what goes on at this Mac."},
-     {u"通话时对方听不到声音", u"Calls through this Mac are silent."}},
+     {u"手机上听到这台 Mac 旁边的声音", u"Your phone hears what goes on at this Mac"},
+     {u"通话时对方听不到声音", u"Calls through this Mac are silent"}},
     {{u"完全磁盘访问权限", u"Full Disk Access"},
      "x-apple.systempreferences:com.apple.preference.security?Privacy_AllFiles"_L1,
-     {u"同步受系统保护的文件夹", u"Folders that macOS protects are synced as well."},
-     {u"桌面、文稿等文件夹不会同步", u"Desktop, Documents and the like aren't synced."}},
+     {u"同步受系统保护的文件夹", u"Folders that macOS protects are synced as well"},
+     {u"桌面、文稿等文件夹不会同步", u"Desktop, Documents and the like aren't synced"}},
 };
 
 bool isUnknown(const QJsonObject &item) {

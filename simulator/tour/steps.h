@@ -36,6 +36,8 @@ QList<Step> syncSteps();
 QList<Step> signInSteps();
 // Somebody signs in again without the pointer.
 QList<Step> keyboardSteps();
+// Permissions are missing, asked for and granted by hand; a broken installation is repaired.
+QList<Step> permissionSteps();
 // It is quit from the menu.
 QList<Step> quitSteps();
 
