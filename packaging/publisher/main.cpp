@@ -18,15 +18,21 @@ namespace {
 constexpr int REFUSED = 1;
 constexpr int USAGE = 2;
 
-const char HELP[] = R"(Usage: korvel-publish COMMAND ... (COMMAND --help lists its options)
+const char HELP[] = R"(Usage: korvel-publish COMMAND ...
 
-  make-key FILE                              make the publisher's key, print its public half
+  make-key FILE     make an Ed25519 key. The private half goes to FILE, which must not exist and which only you can
+                    read; the public half is printed, for KORVEL_UPDATE_PUBKEY
+
   sign --key FILE --version V --manifest M PACKAGE...
-                                             sign packages and put them into a manifest
-  verify --public-key K --edition E M [PACKAGE]
-                                             say what a tray makes of a manifest
+                    sign packages of version V (one to four numbers with dots between them) and put each into the
+                    manifest, in place of the older one of its edition: cn for a name that ends in "-cn.pkg", intl for
+                    any other. All of them or none. The manifest is made if it does not exist
 
-Exit status: 0 done, or the tray would offer the package; 1 not; 2 the command line is wrong.
+  verify --public-key K --edition cn|intl [--installed V] M [PACKAGE]
+                    say which package of the manifest a tray of version V (0) with that public key takes, whether it
+                    offers it, and whether it would install PACKAGE if that is what it downloaded
+
+Exit status: 0 done, offered, installed; 1 not, for the reason printed; 2 the command line is wrong.
 )";
 
 void say(const QString &line) { std::puts(qUtf8Printable(line)); }
@@ -36,22 +42,31 @@ int complain(int status, const QString &text) {
     return status;
 }
 
-/// Reads the arguments of a command; positional ones have to number from `fewest` to `most`.
-bool parse(QCommandLineParser &parser, const QStringList &arguments, qsizetype fewest, qsizetype most) {
-    parser.addHelpOption();
-    parser.process(arguments);
-    const qsizetype count = parser.positionalArguments().size();
-    return count >= fewest && count <= most;
+/// The files that a command names, from `fewest` to `most`, once the options that it takes are read; none, after a
+/// complaint, when the command line is wrong.
+std::optional<QStringList> filesOf(QCommandLineParser &parser, const QStringList &arguments,
+                                   const QStringList &required, qsizetype fewest, qsizetype most) {
+    QString wrong = parser.parse(arguments) ? QString() : parser.errorText();
+    for (const QString &option : required)
+        if (wrong.isEmpty() && !parser.isSet(option))
+            wrong = u"--%1 is missing"_s.arg(option);
+    const QStringList files = parser.positionalArguments();
+    if (wrong.isEmpty() && (files.size() < fewest || files.size() > most))
+        wrong = u"too few or too many files"_s;
+    if (wrong.isEmpty())
+        return files;
+    complain(USAGE, wrong + u"; see korvel-publish --help"_s);
+    return std::nullopt;
 }
+
+QCommandLineOption option(const QString &name) { return {name, {}, name}; }
 
 int makeKey(const QStringList &arguments) {
     QCommandLineParser parser;
-    parser.setApplicationDescription(u"Makes an Ed25519 key. The private half goes to a new file that only you can "
-                                     "read; the public half is printed, for KORVEL_UPDATE_PUBKEY."_s);
-    parser.addPositionalArgument(u"FILE"_s, u"where the private key goes; must not exist"_s);
-    if (!parse(parser, arguments, 1, 1))
-        return complain(USAGE, u"make-key takes one FILE"_s);
-    const QString path = parser.positionalArguments().first();
+    const auto files = filesOf(parser, arguments, {}, 1, 1);
+    if (!files)
+        return USAGE;
+    const QString path = files->first();
     const auto key = SigningKey::generate();
     if (!key)
         return complain(REFUSED, u"no key could be made"_s);
@@ -87,21 +102,14 @@ int signPackages(const SigningKey &key, const QString &version, const QString &m
 
 int sign(const QStringList &arguments) {
     QCommandLineParser parser;
-    parser.setApplicationDescription(
-        u"Signs packages of one version and puts each into the manifest, in place of the older one of its edition: cn "
-        "for a name that ends in \"-cn.pkg\", intl for any other. All of them or none."_s);
-    parser.addOptions({{u"key"_s, u"the private key, as make-key wrote it"_s, u"FILE"_s},
-                       {u"version"_s, u"one to four numbers with dots between them"_s, u"V"_s},
-                       {u"manifest"_s, u"made if it does not exist"_s, u"M"_s}});
-    parser.addPositionalArgument(u"PACKAGE"_s, u"installer packages of this version"_s, u"PACKAGE..."_s);
-    const bool enough = parse(parser, arguments, 1, arguments.size());
-    if (!enough || !parser.isSet(u"key"_s) || !parser.isSet(u"version"_s) || !parser.isSet(u"manifest"_s))
-        return complain(USAGE, u"sign takes --key, --version, --manifest and at least one PACKAGE"_s);
+    parser.addOptions({option(u"key"_s), option(u"version"_s), option(u"manifest"_s)});
+    const auto packages = filesOf(parser, arguments, {u"key"_s, u"version"_s, u"manifest"_s}, 1, arguments.size());
+    if (!packages)
+        return USAGE;
     const Result<SigningKey> key = SigningKey::read(parser.value(u"key"_s));
     if (!key)
         return complain(REFUSED, parser.value(u"key"_s) + u": "_s + key.error().detail);
-    return signPackages(key.value(), parser.value(u"version"_s), parser.value(u"manifest"_s),
-                        parser.positionalArguments());
+    return signPackages(key.value(), parser.value(u"version"_s), parser.value(u"manifest"_s), *packages);
 }
 
 int verifyFor(const FixedConfig &tray, const QString &manifestPath, const QString &packagePath) {
@@ -122,35 +130,30 @@ int verifyFor(const FixedConfig &tray, const QString &manifestPath, const QStrin
 
 int verify(const QStringList &arguments) {
     QCommandLineParser parser;
-    parser.setApplicationDescription(u"Says which package of a manifest a tray would take, and whether it would offer "
-                                     "it and install PACKAGE."_s);
-    parser.addOptions({{u"public-key"_s, u"the tray's KORVEL_UPDATE_PUBKEY"_s, u"K"_s},
-                       {u"edition"_s, u"cn or intl"_s, u"E"_s},
-                       {u"installed"_s, u"the version that runs (0)"_s, u"V"_s, u"0"_s}});
-    parser.addPositionalArgument(u"M"_s, u"the manifest"_s);
-    parser.addPositionalArgument(u"PACKAGE"_s, u"the file that the tray would have downloaded"_s, u"[PACKAGE]"_s);
-    if (!parse(parser, arguments, 1, 2))
-        return complain(USAGE, u"verify takes the manifest, and at most one package"_s);
+    parser.addOptions({option(u"public-key"_s), option(u"edition"_s), option(u"installed"_s)});
+    const auto files = filesOf(parser, arguments, {u"public-key"_s, u"edition"_s}, 1, 2);
+    if (!files)
+        return USAGE;
     const QString edition = parser.value(u"edition"_s), key = parser.value(u"public-key"_s);
     if (edition != u"cn" && edition != u"intl")
         return complain(USAGE, u"--edition is cn or intl"_s);
     if (QByteArray::fromBase64(key.toLatin1()).size() != 32)
         return complain(USAGE, u"--public-key is no base64 text of 32 bytes"_s);
-    const QStringList files = parser.positionalArguments();
-    return verifyFor(trayWith(edition, key, parser.value(u"installed"_s)), files[0], files.value(1));
+    const QString installed = parser.isSet(u"installed"_s) ? parser.value(u"installed"_s) : u"0"_s;
+    return verifyFor(trayWith(edition, key, installed), files->first(), files->value(1));
 }
 
 int run(QStringList arguments) {
+    if (arguments.contains(u"--help"_s)) {
+        std::fputs(HELP, stdout);
+        return 0;
+    }
     const QString command = arguments.size() > 1 ? arguments.takeAt(1) : QString();
     if (command == u"make-key")
         return makeKey(arguments);
     if (command == u"sign")
         return sign(arguments);
-    if (command == u"verify")
-        return verify(arguments);
-    const bool asked = command == u"--help" || command == u"-h";
-    std::fputs(HELP, asked ? stdout : stderr);
-    return asked ? 0 : USAGE;
+    return command == u"verify" ? verify(arguments) : complain(USAGE, u"see korvel-publish --help"_s);
 }
 
 } // namespace
