@@ -47,6 +47,17 @@ int nextConnection = 0;
 
 } // namespace
 
+class AccessibleReader::Listener : public QObject {
+    Q_OBJECT
+public:
+    QString heard;
+public Q_SLOTS:
+    // What happened (insert or delete), where, how many characters, which ones.
+    void textChanged(const QDBusMessage &signal) {
+        heard += signal.arguments().value(3).value<QDBusVariant>().variant().toString();
+    }
+};
+
 std::optional<AccessibleElement> AccessibleWindow::find(const QString &wanted) const {
     const auto found = std::ranges::find(elements, wanted, &AccessibleElement::name);
     return found == elements.end() ? std::nullopt : std::optional(*found);
@@ -89,6 +100,18 @@ QList<AccessibleWindow> AccessibleReader::windows(qint64 pid) {
     }
     return windows;
 }
+
+bool AccessibleReader::listen() {
+    if (!connect())
+        return false;
+    listener = std::make_unique<Listener>();
+    const Object registry{u"org.a11y.atspi.Registry"_s, u"/org/a11y/atspi/registry"_s};
+    call(registry, registry.service, u"RegisterEvent"_s, {u"object:text-changed"_s}); // else programs keep quiet
+    return bus.connect({}, {}, u"org.a11y.atspi.Event.Object"_s, u"TextChanged"_s, listener.get(),
+                       SLOT(textChanged(QDBusMessage)));
+}
+
+QString AccessibleReader::heard() const { return listener ? listener->heard : QString(); }
 
 bool AccessibleReader::connect() {
     if (bus.isConnected())
@@ -182,3 +205,5 @@ void AccessibleReader::collect(const Object &object, int depth, QList<Accessible
 }
 
 } // namespace korvel::sim
+
+#include "accessible.moc"

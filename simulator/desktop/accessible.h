@@ -5,6 +5,7 @@
 #include <QRect>
 #include <QString>
 
+#include <memory>
 #include <optional>
 
 namespace korvel::sim {
@@ -50,6 +51,11 @@ public:
     // The windows that a process shows; empty when it shows none, or tells assistive technology nothing.
     QList<AccessibleWindow> windows(qint64 pid);
 
+    // From now on collects what is told of texts that are typed, removed or replaced. False when it cannot.
+    bool listen();
+    // The characters told of since then, one after the other.
+    QString heard() const;
+
 private:
     struct Object {
         QString service;
@@ -67,6 +73,8 @@ private:
     AccessibleElement element(const Object &object, quint64 states) const;
     void collect(const Object &object, int depth, QList<AccessibleElement> &elements) const;
 
+    class Listener;
+    std::unique_ptr<Listener> listener;
     QString connectionName;
     QDBusConnection bus;
 };

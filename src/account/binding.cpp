@@ -15,16 +15,21 @@ void Binding::performLogin(const QString &user, const QString &pass, const QStri
     auto request = buildLogin(server, user, pass, computerDisplayName(desktop.computerName()));
     if (!request)
         return done(false, L(u"服务器地址不正确", u"The server address isn't valid."));
-    auto answered = [this, user, server, done = std::move(done)](const Result<HttpReply> &reply) {
+    auto answered = [this, asked = ++generation, user, server, done = std::move(done)](const Result<HttpReply> &reply) {
         const auto answer = parseLogin(reply);
         if (const auto *refusal = std::get_if<QString>(&answer))
             return done(false, *refusal);
-        bind(std::get<Credential>(answer), user, server, [user, done](bool stored) {
+        const auto finished = [user, done](bool stored) {
             if (stored)
                 done(true, L(u"● 已登录 ", u"● Signed in as ") + user);
             else
                 done(false, L(u"登录失败，请稍后重试", u"Couldn't sign in. Try again later."));
-        });
+        };
+        const auto &credential = std::get<Credential>(answer);
+        if (asked == generation)
+            return bind(credential, user, server, finished);
+        // Overtaken by a sign-out or by another sign-in.
+        unbind(credential.agentToken, server, [finished] { finished(false); });
     };
     http.send(std::move(*request), Done<HttpReply>(alive.guard(std::move(answered))));
 }
@@ -37,7 +42,10 @@ void Binding::bind(const Credential &credential, const std::optional<QString> &u
         return store(credential, username, server, std::move(then));
     // The server that holds it, also when it is another edition's.
     const QString oldServer = normalizeServer(cfgText(cfg, u"server")).value_or(fixed.DEFAULT_SERVER);
-    unbind(oldToken, oldServer, alive.guard([this, credential, username, server, then = std::move(then)] {
+    unbind(oldToken, oldServer, alive.guard([this, oldToken, credential, username, server, then = std::move(then)] {
+        // Another sign-in may have ended meanwhile: its credential is the older one now.
+        if (cfgText(config.readCfg(), u"agentToken") != oldToken)
+            return bind(credential, username, server, then);
         store(credential, username, server, then);
     }));
 }
@@ -58,9 +66,17 @@ void Binding::store(const Credential &credential, const std::optional<QString> &
     // Nobody could ever release a credential that is kept nowhere.
     if (!stored)
         return unbind(credential.agentToken, server, [then = std::move(then)] { then(false); });
-    health.authDead = health.accountGone = health.authDeadNotified = false;
+    forgetLostSignIn();
     health.account = username.value_or(QString());
-    hooks.restartAgent([then = std::move(then)] { then(true); });
+    hooks.restartAgent(alive.guard([this, then = std::move(then)] {
+        forgetLostSignIn(); // the agent of before may have repeated it meanwhile
+        then(true);
+    }));
+}
+
+void Binding::forgetLostSignIn() {
+    hooks.disregardOpenPolls();
+    health.authDead = health.accountGone = health.authDeadNotified = false;
 }
 
 void Binding::unbind(const QString &token, const QString &server, std::function<void()> then) {
@@ -75,7 +91,12 @@ void Binding::unbindCurrent(std::function<void()> then) {
     const QString token = cfgText(cfg, u"agentToken");
     if (token.isEmpty())
         return then();
-    unbind(token, serverOf(fixed, cfg), std::move(then));
+    unbind(token, serverOf(fixed, cfg), alive.guard([this, token, then = std::move(then)] {
+        // A sign-in that ended meanwhile left another credential.
+        if (cfgText(config.readCfg(), u"agentToken") == token)
+            return then();
+        unbindCurrent(then);
+    }));
 }
 
 } // namespace korvel

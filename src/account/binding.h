@@ -18,6 +18,7 @@ class Binding {
 public:
     struct Hooks {
         std::function<void(std::function<void()> then)> restartAgent;
+        std::function<void()> disregardOpenPolls;
     };
     Binding(HealthState &health, const FixedConfig &fixed, const AgentConfig &config, HttpClient &http,
             const Desktop &desktop, Hooks hooks);
@@ -26,6 +27,8 @@ public:
     /// the user.
     void performLogin(const QString &user, const QString &pass, const QString &server,
                       std::function<void(bool ok, const QString &message)> done);
+    /// From now on no sign-in that is under way binds this Mac; the credential that it may get is given back.
+    void abandonLogins() { ++generation; }
     /// Releases an older, different credential where it is held, stores `credential` and restarts the agent with it.
     /// `then` is called once, with whether it could be stored.
     void bind(const Credential &credential, const std::optional<QString> &username, const QString &server,
@@ -36,6 +39,7 @@ public:
     void unbindCurrent(std::function<void()> then);
 
 private:
+    void forgetLostSignIn();
     void store(const Credential &credential, const std::optional<QString> &username, const QString &server,
                std::function<void(bool stored)> then);
 
@@ -45,6 +49,7 @@ private:
     HttpClient &http;
     const Desktop &desktop;
     Hooks hooks;
+    int generation = 0; ///< Of sign-ins: only the newest one binds this Mac.
     Alive alive;
 };
 

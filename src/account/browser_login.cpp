@@ -50,8 +50,9 @@ void BrowserLogin::startBrowserLogin(int attempt) {
     starting = true;
     if (!health.running || !api.hasToken())
         return waitForAgent(attempt);
-    auto answered = [this](const Result<QJsonObject> &reply) {
-        if (std::exchange(starting, false))
+    // After a stop and a new start, the answer to the first start is none to the second.
+    auto answered = [this, asked = ++starts](const Result<QJsonObject> &reply) {
+        if (asked == starts && std::exchange(starting, false))
             started(reply);
     };
     api.send(authStartRequest(computerDisplayName(desktop.computerName())),
@@ -114,10 +115,7 @@ void BrowserLogin::outcome(const QJsonObject &answer) {
     const QString status = answer.value(u"status").toString();
     if (status == u"done") {
         stopBrowserLogin();
-        hooks.showHUD(
-            {.text = L(u"● 已登录 ", u"● Signed in as ") + answer.value(u"user").toString(), .secs = Seconds(3)});
-        hooks.poll();
-        hooks.pairAfterLogin();
+        hooks.signedIn(answer.value(u"user").toString());
     } else if (status == u"failed") {
         stopBrowserLogin();
         hooks.showHUD(failure(jsonText(answer.value(u"error")).value_or(L(u"登录失败", u"Couldn't sign in.")), 5));

@@ -24,8 +24,7 @@ public:
         std::function<void()> showCnLogin;
         std::function<void(std::function<void()> then)> restartAgent;
         std::function<void(const Notice &)> showHUD;
-        std::function<void()> poll;
-        std::function<void()> pairAfterLogin;
+        std::function<void(const QString &user)> signedIn;
     };
     BrowserLogin(BrowserLoginState &login, const HealthState &health, const FixedConfig &fixed, AgentApi &api,
                  Desktop &desktop, Scheduler &scheduler, Hooks hooks);
@@ -52,6 +51,7 @@ private:
     Scheduler &scheduler;
     Hooks hooks;
     bool starting = false; ///< Waits for the agent, to come up or to answer.
+    int starts = 0;        ///< Counts the questions to the agent.
     Timer nextAttempt;
     Timer browserLoginTimer;
     Alive alive;

@@ -2,7 +2,6 @@
 
 #include "account/cn_login_view.h"
 #include "account/server_rules.h"
-#include "app/wording.h"
 
 namespace korvel {
 
@@ -62,13 +61,15 @@ void CnLogin::input(const LoginInput &i) {
 }
 
 void CnLogin::turnTo(Page page) {
+    if (form->busy)
+        return;
     setPage(*form, page);
     show();
     window.focus(LoginField::Account);
 }
 
 void CnLogin::chooseMode(bool codeMode) {
-    if (form->codeMode == codeMode)
+    if (form->busy || form->codeMode == codeMode)
         return;
     setCodeMode(*form, codeMode);
     show();
@@ -93,14 +94,16 @@ void CnLogin::submit() {
     if (!request)
         return;
     show();
-    hooks.runOp(*request,
-                alive.guard([this, sent = *form, asked = opening](const std::optional<QJsonObject> &answer) mutable {
-                    if (form && asked == opening)
-                        answered(answer);
-                    // Closing the window does not take a sign-in back: that it went through is told all the same.
-                    else if (const auto user = submitAnswered(sent, answer).user)
-                        cnLoggedIn(*user);
-                }));
+    CnLoginForm submitted = *form;
+    submitted.password.clear(); // one place is enough for it
+    hooks.runOp(*request, alive.guard([this, sent = std::move(submitted),
+                                       asked = opening](const std::optional<QJsonObject> &answer) mutable {
+        if (form && asked == opening)
+            answered(answer);
+        // Closing the window does not take a sign-in back: that it went through is told all the same.
+        else if (const auto user = submitAnswered(sent, answer).user)
+            cnLoggedIn(*user);
+    }));
 }
 
 void CnLogin::answered(const std::optional<QJsonObject> &answer) {
@@ -118,10 +121,7 @@ void CnLogin::answered(const std::optional<QJsonObject> &answer) {
 void CnLogin::cnLoggedIn(const QString &user) {
     window.close();
     forget();
-    hooks.stopBrowserLogin();
-    hooks.showHUD({.text = L(u"● 已登录 ", u"● Signed in as ") + user, .secs = Seconds(3)});
-    hooks.poll();
-    hooks.pairAfterLogin();
+    hooks.signedIn(user);
 }
 
 void CnLogin::runTick() {

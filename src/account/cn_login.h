@@ -8,7 +8,6 @@
 #include "platform/login_panel.h"
 #include "platform/scheduler.h"
 #include "service/agent_config.h"
-#include "ui/notices.h"
 
 #include <functional>
 #include <optional>
@@ -21,10 +20,7 @@ class CnLogin {
 public:
     struct Hooks {
         std::function<void(const QJsonObject &request, std::function<void(std::optional<QJsonObject>)> done)> runOp;
-        std::function<void()> stopBrowserLogin;
-        std::function<void(const Notice &)> showHUD;
-        std::function<void()> poll;
-        std::function<void()> pairAfterLogin;
+        std::function<void(const QString &user)> signedIn;
     };
     CnLogin(const HealthState &health, const FixedConfig &fixed, const AgentConfig &config, LoginPanel &window,
             Desktop &desktop, Scheduler &scheduler, Hooks hooks);

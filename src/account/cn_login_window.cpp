@@ -3,6 +3,7 @@
 #include "app/wording.h"
 #include "ui/link_button.h"
 #include "ui/main_button.h"
+#include "ui/secret_field.h"
 #include "ui/segmented_control.h"
 #include "ui/window_place.h"
 
@@ -77,7 +78,7 @@ CnLoginWindow::CnLoginWindow(std::function<void(const LoginInput &)> in)
     onEsc = [this] { close(); };
     noticeF->setWordWrap(true);
     noticeF->setFixedWidth(CONTENT);
-    passF->setEchoMode(QLineEdit::Password);
+    makeSecret(*passF);
     codeF->setInputMethodHints(Qt::ImhPreferNumbers | Qt::ImhNoPredictiveText);
     agreeB->setFont(uiFont(12));
     andF->setText(L(u"和", u"and"));
@@ -196,7 +197,7 @@ void CnLoginWindow::apply(const CnLoginView &view) {
     codeGroup->setVisible(view.code.visible);
     passGroup->setVisible(view.password.visible);
     sendB->setText(view.sendText);
-    if (sendB->hasFocus() && !view.sendEnabled)
+    if (focusWidget() == sendB && !view.sendEnabled)
         codeF->setFocus(); // where the code is typed, not wherever Qt moves on to
     sendB->setEnabled(view.sendEnabled);
     for (QWidget *part : std::initializer_list<QWidget *>{agreeB, termsB, andF, privacyB})

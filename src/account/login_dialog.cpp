@@ -2,17 +2,20 @@
 
 #include "account/server_rules.h"
 #include "app/wording.h"
+#include "platform/plain_text.h"
 
 namespace korvel {
 
 namespace {
+constexpr qsizetype LONGEST_ERROR = 300;
+
 enum Field { Account, Password, Server };
-}
+} // namespace
 
 AlertView loginAlert(const LoginAttempt &attempt, bool isBound, const QString &serverInUse) {
     AlertView view{.title = isBound ? L(u"重新登录 Korvel", u"Sign In to Korvel Again")
                                     : L(u"登录 Korvel", u"Sign In to Korvel"),
-                   .text = attempt.error.value_or(QString()),
+                   .text = singleLine(attempt.error.value_or(QString()), LONGEST_ERROR),
                    .warning = false,
                    .buttons = {L(u"登录", u"Sign In"), L(u"取消", u"Cancel")},
                    .escape = 1,
@@ -33,12 +36,16 @@ void LoginDialog::showLogin(LoginAttempt attempt) {
         return hooks.showCnLogin();
     if (!attempt.advanced)
         attempt.advanced = desktop.optionKeyHeld();
+    present(std::move(attempt));
+}
+
+bool LoginDialog::present(LoginAttempt attempt) {
     const QJsonObject cfg = config.readCfg();
-    alerts.open(loginAlert(attempt, bound(cfg), serverOf(fixed, cfg)),
-                alive.guard([this, attempt](const AlertAnswer &answer) {
-                    if (answer.button == 0)
-                        answered(attempt, answer.texts);
-                }));
+    return alerts.open(loginAlert(attempt, bound(cfg), serverOf(fixed, cfg)),
+                       alive.guard([this, attempt](const AlertAnswer &answer) {
+                           if (answer.button == 0)
+                               answered(attempt, answer.texts);
+                       }));
 }
 
 void LoginDialog::answered(LoginAttempt attempt, const QStringList &texts) {
@@ -66,12 +73,12 @@ void LoginDialog::finished(LoginAttempt attempt, bool ok, const QString &message
         // The dialog says it now; it must not lie below a notice that still says "signing in".
         hooks.hideHUD();
         attempt.error = message;
-        return showLogin(attempt);
+        // Another alert may have come up meanwhile.
+        if (!present(attempt))
+            hooks.showHUD({.text = message, .secs = Seconds(5), .error = true});
+        return;
     }
-    hooks.stopBrowserLogin();
-    hooks.showHUD({.text = message, .secs = Seconds(3)});
-    hooks.poll();
-    hooks.pairAfterLogin();
+    hooks.signedIn(attempt.user);
 }
 
 } // namespace korvel

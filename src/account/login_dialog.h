@@ -29,14 +29,12 @@ class LoginDialog {
 public:
     struct Hooks {
         std::function<void()> showCnLogin;
-        std::function<void()> stopBrowserLogin;
         std::function<void(const QString &user, const QString &pass, const QString &server,
                            std::function<void(bool ok, const QString &message)> done)>
             performLogin;
         std::function<void(const Notice &)> showHUD;
         std::function<void()> hideHUD;
-        std::function<void()> poll;
-        std::function<void()> pairAfterLogin;
+        std::function<void(const QString &user)> signedIn;
     };
     LoginDialog(const FixedConfig &fixed, const AgentConfig &config, const Desktop &desktop, Alerts &alerts,
                 Hooks hooks);
@@ -44,6 +42,8 @@ public:
     void showLogin(LoginAttempt attempt = {});
 
 private:
+    /// False when another alert is open: that one comes to the front instead.
+    bool present(LoginAttempt attempt);
     void answered(LoginAttempt attempt, const QStringList &texts);
     void finished(LoginAttempt attempt, bool ok, const QString &message);
 

@@ -58,7 +58,7 @@ std::variant<Credential, QString> parseLogin(const Result<HttpReply> &reply) {
     const QJsonObject answer = document.object();
     const auto token = jsonText(answer.value(u"agentToken"));
     const auto agentId = jsonText(answer.value(u"agentId"));
-    if (token && agentId)
+    if (token && agentId && !token->isEmpty())
         return Credential{*token, *agentId};
     return jsonText(answer.value(u"error")).value_or(L(u"登录失败，请稍后重试", u"Couldn't sign in. Try again later."));
 }

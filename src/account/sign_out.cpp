@@ -22,9 +22,9 @@ AlertView question() {
 
 } // namespace
 
-SignOut::SignOut(HealthState &st, const FixedConfig &f, const AgentConfig &c, AgentApi &a, Alerts &al,
-                 ServiceControl &sv, Scheduler &s, Hooks h)
-    : health(st), fixed(f), config(c), api(a), alerts(al), services(sv), scheduler(s), hooks(std::move(h)) {}
+SignOut::SignOut(TrayState &st, const FixedConfig &f, const AgentConfig &c, AgentApi &a, Alerts &al, ServiceControl &sv,
+                 Scheduler &s, Hooks h)
+    : state(st), fixed(f), config(c), api(a), alerts(al), services(sv), scheduler(s), hooks(std::move(h)) {}
 
 void SignOut::logoutDialog() {
     if (underWay)
@@ -37,12 +37,12 @@ void SignOut::logoutDialog() {
 
 void SignOut::tellAgent() {
     underWay = true;
+    hooks.abandonLogins();
     hooks.showHUD({.text = L(u"⏻ 正在退出…", u"⏻ Signing out…"), .secs = Seconds(30)});
     e2Post(api, e2LogoutRequest(), alive.guard([this](const std::optional<QJsonObject> &) { signOutRest(); }));
 }
 
 void SignOut::signOutRest() {
-    underWay = true;
     hooks.stopBrowserLogin();
     hooks.unbindCurrent(alive.guard([this] { clear(); }));
 }
@@ -61,8 +61,9 @@ void SignOut::finish(bool cleared) {
     if (!std::exchange(underWay, false))
         return;
     finishAnyway.cancel();
-    health.account.clear();
-    health.authDead = health.accountGone = false;
+    state.health.account.clear();
+    state.health.authDead = state.health.accountGone = false;
+    state.e2ee.e2 = {}; // it was about the account that is gone
     hooks.poll();
     if (cleared)
         hooks.showHUD({.text = L(u"⏻ 已退出账号", u"⏻ Signed out"), .secs = Seconds(2.5)});

@@ -19,24 +19,24 @@ class SignOut {
 public:
     struct Hooks {
         std::function<void(std::function<void()> then)> unbindCurrent;
+        std::function<void()> abandonLogins;
         std::function<void()> stopBrowserLogin;
         std::function<void()> poll;
         std::function<void(const Notice &)> showHUD;
     };
-    SignOut(HealthState &health, const FixedConfig &fixed, const AgentConfig &config, AgentApi &api, Alerts &alerts,
+    SignOut(TrayState &state, const FixedConfig &fixed, const AgentConfig &config, AgentApi &api, Alerts &alerts,
             ServiceControl &services, Scheduler &scheduler, Hooks hooks);
 
     /// Asks the user, then signs out.
     void logoutDialog();
-    /// Everything after the agent was told.
-    void signOutRest();
 
 private:
     void tellAgent();
+    void signOutRest();
     void clear();
     void finish(bool cleared);
 
-    HealthState &health;
+    TrayState &state;
     const FixedConfig &fixed;
     const AgentConfig &config;
     AgentApi &api;

@@ -83,9 +83,9 @@ int runLogin(const FixedConfig &config, const Paths &paths) {
     const AgentConfig agentConfig(paths);
     const QString server =
         args.size() > 3 ? normalizeServer(args.at(3)).value_or(args.at(3)) : serverOf(config, agentConfig.readCfg());
-    QtScheduler scheduler;
     QtPrograms programs(standInRoot());
     Launchctl services(programs, paths.uid);
+    QtScheduler scheduler; // its destructor waits for a repair that still uses both
     DesktopQt desktop(programs, !standInRoot().isEmpty());
     CurlHttpClient http(scheduler);
     TrayState state;
@@ -94,8 +94,9 @@ int runLogin(const FixedConfig &config, const Paths &paths) {
                   {.render = [] {}, .poll = [](const auto &then) { then(); }, .showHUD = [](const Notice &) {}});
     AgentControl agent(state, config, paths, agentConfig, services, programs, desktop, scheduler,
                        {.showHUD = [](const Notice &) {}, .repairService = [&repair] { repair.repairService({}); }});
-    Binding binding(state.health, config, agentConfig, http, desktop,
-                    {.restartAgent = [&agent](auto then) { agent.restartAgent(std::move(then)); }});
+    Binding binding(
+        state.health, config, agentConfig, http, desktop,
+        {.restartAgent = [&agent](auto then) { agent.restartAgent(std::move(then)); }, .disregardOpenPolls = [] {}});
     int status = 1;
     QTimer::singleShot(0, [&] {
         binding.performLogin(args.at(2), password, server, [&status](bool ok, const QString &message) {

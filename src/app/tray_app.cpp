@@ -32,11 +32,12 @@ TrayApp::TrayApp(const FixedConfig &f, const Paths &pa, const TrayPorts &p)
       alarms(state.e2ee, api, p.alerts,
              {.showHUD = showHUD(), .poll = poll(), .pairAfterLogin = [this] { pairing.pairAfterLogin(); }}),
       speech(api, {.showHUD = showHUD()}), prompts(state.e2ee, state.pairing, promptHooks()),
+      afterSignIn(state.health, p.scheduler, afterSignInHooks()),
       binding(state.health, fixed, config, p.http, p.desktop, bindingHooks()),
       cnLogin(state.health, fixed, config, p.loginPanel, p.desktop, p.scheduler, cnLoginHooks()),
       browserLogin(state.browserLogin, state.health, fixed, api, p.desktop, p.scheduler, browserLoginHooks()),
       loginDialog(fixed, config, p.desktop, p.alerts, loginDialogHooks()),
-      signOut(state.health, fixed, config, api, p.alerts, p.services, p.scheduler, signOutHooks()),
+      signOut(state, fixed, config, api, p.alerts, p.services, p.scheduler, signOutHooks()),
       updateCheck(state.update, fixed, config, p.http, p.scheduler, checkHooks()),
       updateInstall(state.update, fixed, paths, config, p.http, p.programs, p.desktop, p.scheduler, installHooks()) {}
 
@@ -50,6 +51,10 @@ std::function<void(std::function<void()> then)> TrayApp::poll() {
 
 std::function<void(std::function<void()> then)> TrayApp::restartAgent() {
     return [this](std::function<void()> then) { agent.restartAgent(std::move(then)); };
+}
+
+std::function<void(const QString &user)> TrayApp::signedIn() {
+    return [this](const QString &user) { afterSignIn.signedIn(user); };
 }
 
 HealthPoll::Hooks TrayApp::healthHooks() {
@@ -98,37 +103,42 @@ Prompts::Hooks TrayApp::promptHooks() {
             .showHUD = showHUD()};
 }
 
-Binding::Hooks TrayApp::bindingHooks() { return {.restartAgent = restartAgent()}; }
-
-CnLogin::Hooks TrayApp::cnLoginHooks() {
-    return {.runOp = [this](const QJsonObject &request, auto done) { command.runAgentJson(request, std::move(done)); },
+AfterSignIn::Hooks TrayApp::afterSignInHooks() {
+    return {.disregardOpenPolls = [this] { health.disregardOpenPolls(); },
             .stopBrowserLogin = [this] { browserLogin.stopBrowserLogin(); },
             .showHUD = showHUD(),
             .poll = [this] { health.poll(); },
             .pairAfterLogin = [this] { pairing.pairAfterLogin(); }};
+}
+
+Binding::Hooks TrayApp::bindingHooks() {
+    return {.restartAgent = restartAgent(), .disregardOpenPolls = [this] { health.disregardOpenPolls(); }};
+}
+
+CnLogin::Hooks TrayApp::cnLoginHooks() {
+    return {.runOp = [this](const QJsonObject &request, auto done) { command.runAgentJson(request, std::move(done)); },
+            .signedIn = signedIn()};
 }
 
 BrowserLogin::Hooks TrayApp::browserLoginHooks() {
     return {.showCnLogin = [this] { cnLogin.showCnLogin(); },
             .restartAgent = restartAgent(),
             .showHUD = showHUD(),
-            .poll = [this] { health.poll(); },
-            .pairAfterLogin = [this] { pairing.pairAfterLogin(); }};
+            .signedIn = signedIn()};
 }
 
 LoginDialog::Hooks TrayApp::loginDialogHooks() {
     return {.showCnLogin = [this] { cnLogin.showCnLogin(); },
-            .stopBrowserLogin = [this] { browserLogin.stopBrowserLogin(); },
             .performLogin = [this](const QString &user, const QString &pass, const QString &server,
                                    auto done) { binding.performLogin(user, pass, server, std::move(done)); },
             .showHUD = showHUD(),
             .hideHUD = [this] { notices.hideHUD(); },
-            .poll = [this] { health.poll(); },
-            .pairAfterLogin = [this] { pairing.pairAfterLogin(); }};
+            .signedIn = signedIn()};
 }
 
 SignOut::Hooks TrayApp::signOutHooks() {
     return {.unbindCurrent = [this](std::function<void()> then) { binding.unbindCurrent(std::move(then)); },
+            .abandonLogins = [this] { binding.abandonLogins(); },
             .stopBrowserLogin = [this] { browserLogin.stopBrowserLogin(); },
             .poll = [this] { health.poll(); },
             .showHUD = showHUD()};

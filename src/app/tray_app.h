@@ -1,5 +1,6 @@
 #pragma once
 
+#include "account/after_sign_in.h"
 #include "account/binding.h"
 #include "account/browser_login.h"
 #include "account/cn_login.h"
@@ -75,6 +76,7 @@ private:
     SyncToggle::Hooks syncHooks();
     Pairing::Hooks pairingHooks();
     Prompts::Hooks promptHooks();
+    AfterSignIn::Hooks afterSignInHooks();
     Binding::Hooks bindingHooks();
     CnLogin::Hooks cnLoginHooks();
     BrowserLogin::Hooks browserLoginHooks();
@@ -82,6 +84,7 @@ private:
     SignOut::Hooks signOutHooks();
     UpdateCheck::Hooks checkHooks();
     UpdateInstall::Hooks installHooks();
+    std::function<void(const QString &user)> signedIn();
     std::function<void(const Notice &)> showHUD();
     std::function<void(std::function<void()> then)> poll();
     std::function<void(std::function<void()> then)> restartAgent();
@@ -106,6 +109,7 @@ private:
     Alarms alarms;
     SpeechInstall speech;
     Prompts prompts;
+    AfterSignIn afterSignIn;
     Binding binding;
     CnLogin cnLogin;
     BrowserLogin browserLogin;

@@ -3,7 +3,14 @@
 #include "app/wording.h"
 #include "platform/json_values.h"
 
+#include <algorithm>
+
 namespace korvel {
+
+namespace {
+/// More than any macOS has; each is an entry of the menu.
+constexpr qsizetype MOST_PERMISSIONS = 64;
+} // namespace
 
 bool permissionsMissing(const PermissionState &permissions) {
     return permissions.permsOk == false && !permissions.permsMissing.isEmpty();
@@ -15,7 +22,7 @@ void applyPermReply(PermissionState &permissions, const QJsonObject &reply) {
     const auto items = jsonObjects(reply.value(u"items"));
     if (!items)
         return;
-    permissions.permItems = *items;
+    permissions.permItems = items->first(std::min(items->size(), MOST_PERMISSIONS));
     permissions.permsOk = jsonBool(reply.value(u"ok"));
     permissions.permsMissing = jsonTexts(reply.value(u"missing")).value_or(QStringList());
 }

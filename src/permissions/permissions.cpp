@@ -80,7 +80,8 @@ void Permissions::askPerms() {
 
 void Permissions::asked(const Result<QJsonObject> &reply) {
     if (!reply) {
-        log(u"[perms] 申请没成: "_s + reply.error().detail);
+        if (reply.error().kind != ErrorKind::UnreadableAnswer)
+            log(u"[perms] 申请没成: "_s + reply.error().detail);
         return hooks.showHUD({.text = L(u"无法申请权限：Korvel 未响应，请稍后重试",
                                         u"Couldn't request permissions. Korvel isn't responding. Try again later."),
                               .secs = Seconds(6),

@@ -103,7 +103,8 @@ bool CurlTransfer::prepare(const QString &proxy, const QString &authorities) {
     curl_easy_setopt(easy, CURLOPT_REDIR_PROTOCOLS_STR, "https");
     if (request.idleTimeout.count() > 0) {
         curl_easy_setopt(easy, CURLOPT_LOW_SPEED_LIMIT, 1L);
-        curl_easy_setopt(easy, CURLOPT_LOW_SPEED_TIME, std::max(1L, static_cast<long>(request.idleTimeout.count() / 1000)));
+        curl_easy_setopt(easy, CURLOPT_LOW_SPEED_TIME,
+                         std::max(1L, static_cast<long>(request.idleTimeout.count() / 1000)));
     }
     curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &received);
     curl_easy_setopt(easy, CURLOPT_WRITEDATA, this);

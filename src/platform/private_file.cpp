@@ -29,8 +29,11 @@ bool transferAll(qsizetype size, Step step) {
 
 /// The file that `path` names in the end: a user may keep the configuration elsewhere behind a link.
 QString linkTarget(const QString &path) {
-    const QString target = QFileInfo(path).canonicalFilePath();
-    return target.isEmpty() ? path : target;
+    const QFileInfo info(path);
+    const QString target = info.canonicalFilePath();
+    if (!target.isEmpty())
+        return target;
+    return info.isSymLink() ? info.symLinkTarget() : path; // a link to what is still to be made
 }
 
 } // namespace

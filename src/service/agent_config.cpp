@@ -18,8 +18,10 @@ QJsonObject AgentConfig::readCfg() const {
 
 bool AgentConfig::writeCfg(const QJsonObject &cfg) const {
     // QJsonObject keeps its keys sorted, so the indented form is stable.
-    return makePrivateFolder(paths.cfgDir) &&
-           replacePrivateFile(paths.agentCfg, QJsonDocument(cfg).toJson(QJsonDocument::Indented));
+    const QByteArray text = QJsonDocument(cfg).toJson(QJsonDocument::Indented);
+    // A file that could not be read again would never be replaced either.
+    return text.size() <= MAX_CONFIG_BYTES && makePrivateFolder(paths.cfgDir) &&
+           replacePrivateFile(paths.agentCfg, text);
 }
 
 bool AgentConfig::changeCfg(const std::function<void(QJsonObject &cfg)> &change) const {

@@ -61,6 +61,8 @@ void Repair::repaired(bool good, std::function<void()> then) {
 }
 
 void Repair::repairClicked() {
+    if (state.service.repairing) // the one under way is what was asked for
+        return;
     repairService([this] {
         if (plistExists(paths))
             hooks.showHUD({.text = L(u"✓ 已修复", u"✓ Repaired"), .secs = Seconds(2.5)});

@@ -28,6 +28,8 @@ public:
     void start();
     /// Polls once; `then` runs after the answer, or its absence, has been applied and shown.
     void poll(std::function<void()> then = {});
+    /// Answers to questions of before this moment are not applied any more.
+    void disregardOpenPolls() { applied = sent + 1; }
 
 private:
     void tick();

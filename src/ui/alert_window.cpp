@@ -3,6 +3,7 @@
 #include "status/icon_view.h"
 #include "ui/code_field.h"
 #include "ui/icon_image.h"
+#include "ui/secret_field.h"
 #include "ui/text_styles.h"
 #include "ui/window_place.h"
 
@@ -98,7 +99,7 @@ void AlertDialog::addField(const AlertField &field, QVBoxLayout &column) {
         line->setFont(field.kind == AlertField::Kind::Address ? codeFont(11) : uiFont(13));
         line->setAccessibleName(field.label);
         if (field.kind == AlertField::Kind::Secret)
-            line->setEchoMode(QLineEdit::Password);
+            makeSecret(*line);
         if (field.kind == AlertField::Kind::Address)
             column.addWidget(paragraph(field.label, uiFont(11), Tone::Secondary, this));
         else

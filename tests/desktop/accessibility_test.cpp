@@ -231,10 +231,15 @@ TEST_F(AccessibilityTest, TheSignInWindowSaysWhatItsControlsAreAndKeepsThePasswo
     EXPECT_EQ(stop(focus()), u"Account (text)");
     expectOrder();
 
+    ASSERT_TRUE(reader.listen());
     sim::typeText(u"sam@example.com"_s);
+    ASSERT_TRUE(panel.waitUntil([&] { return reader.heard().endsWith(u".com"); }, SOON));
+    const qsizetype before = reader.heard().size();
     tab();
     ASSERT_EQ(stop(focus()), u"Password (password text)");
     sim::typeText(u"not the one"_s);
+    ASSERT_TRUE(panel.waitUntil([&] { return reader.heard().size() >= before + 11; }, SOON));
+    EXPECT_EQ(reader.heard().mid(before), QString(11, QChar(0x2022)));
     sim::pressKey(u"Return"_s);
     ASSERT_TRUE(opens(u"Incorrect account or password."_s)); // so it arrived, and the field still holds it
     EXPECT_TRUE(isFocused(u"Password"_s));

@@ -98,6 +98,12 @@ public:
             return done(answer(request));
         open.push_back({std::move(request), std::move(done)});
     }
+    void download(HttpRequest request, const QString &file, std::function<void(qint64, qint64)> progress,
+                  Done<HttpReply> done) override {
+        downloadTo = file;
+        onProgress = std::move(progress);
+        send(std::move(request), std::move(done));
+    }
     /// Answers the request number `index` of those that are open.
     void reply(size_t index, Result<HttpReply> result) {
         Sent sent = std::move(open.at(index));
@@ -109,6 +115,8 @@ public:
     HttpRequest last;
     int count = 0;
     QStringList paths;
+    QString downloadTo; ///< The file of the last download, which the test writes.
+    std::function<void(qint64, qint64)> onProgress;
 };
 
 inline Result<HttpReply> json(const QByteArray &body) { return HttpReply{200, body}; }

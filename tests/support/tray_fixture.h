@@ -22,7 +22,6 @@ struct TrayFixture : ::testing::Test {
     ScriptedAlerts alerts;
     RecordedPairPanel pairPanel;
     RecordedLoginPanel loginPanel;
-    FeatureHooks features;
     std::unique_ptr<TrayApp> tray;
 
     /// Puts an agent program into the tray's bundle.
@@ -45,8 +44,7 @@ struct TrayFixture : ::testing::Test {
         tray = std::make_unique<TrayApp>(home.fixed, home.paths,
                                          TrayPorts{scheduler, http, programs, services, desktop, item, notices, alerts,
                                                    pairPanel, loginPanel, home.home(),
-                                                   QStringLiteral("/opt/korvel-agent")},
-                                         features);
+                                                   QStringLiteral("/opt/korvel-agent")});
     }
     void launch() {
         makeTray();

@@ -62,22 +62,25 @@ struct AccountTest : TrayFixture {
     QStringList sent; ///< Requests to servers: "host/path", with the credential of a release.
     QByteArray loginReply = R"({"agentToken":"new","agentId":"id"})";
     std::optional<Error> loginError, unbindError;
+    HttpRequest login;   ///< The last sign-in.
     QByteArray onUnbind; ///< The configuration at the moment of the last release.
 
     void SetUp() override {
         http.answer = [this](const HttpRequest &r) -> Result<HttpReply> {
             if (r.reach == Reach::Loopback)
                 return json(ONLINE);
-            const bool login = r.url.endsWith(u"/login");
+            const bool isLogin = r.url.endsWith(u"/login");
             QString line = r.url.mid(8);
             for (const auto &[name, value] : r.headers)
                 if (name == "Authorization")
                     line += u' ' + QString::fromUtf8(value);
             sent.append(line);
-            if (!login)
+            if (isLogin)
+                login = r;
+            else
                 onUnbind = file();
-            const auto &error = login ? loginError : unbindError;
-            return error ? Result<HttpReply>(*error) : json(login ? loginReply : "{}");
+            const auto &error = isLogin ? loginError : unbindError;
+            return error ? Result<HttpReply>(*error) : json(isLogin ? loginReply : "{}");
         };
     }
     QByteArray file() const {
@@ -99,6 +102,13 @@ struct AccountTest : TrayFixture {
         alerts.answer(0, texts);
         scheduler.settle();
     }
+    /// Answers the oldest open request whose address ends in `path`.
+    void answerOpen(const QString &path, Result<HttpReply> reply) {
+        for (size_t i = 0; i < http.open.size(); ++i)
+            if (http.open[i].request.url.endsWith(path))
+                return http.reply(i, std::move(reply));
+        ADD_FAILURE() << "no open request to " << path.toStdString();
+    }
     void signOut() {
         item.events.chosen(menuItem(u"x"_s, Action::LogoutDialog));
         ASSERT_TRUE(alerts.isOpen());
@@ -113,6 +123,9 @@ TEST_F(AccountTest, APasswordSignInBindsThisMacAndKeepsWhatElseIsConfigured) {
     launch();
     signIn();
     EXPECT_EQ(sent, QStringList{u"intl.example:443/v1/agents/login"_s});
+    EXPECT_EQ(login.timeout, 25s);
+    EXPECT_EQ(login.headers.first(), std::pair("Content-Type"_ba, "application/json"_ba));
+    EXPECT_EQ(login.body, R"({"host":"Studio","password":"pass","username":"ann@example.com"})");
     const QJsonObject bound = cfg();
     EXPECT_EQ(bound.value(u"agentToken"), u"new"_s);
     EXPECT_EQ(bound.value(u"server"), u"intl.example:443"_s);
@@ -232,12 +245,7 @@ TEST_F(AccountTest, NothingThatFailsOrHangsKeepsASignOutFromEnding) {
     EXPECT_EQ(notices.last(), u"⏻ Signing out…"_s);
     item.choose(Action::LogoutDialog); // once is enough
     EXPECT_FALSE(alerts.isOpen());
-    const auto timeOut = [this](const QString &path) {
-        for (size_t i = 0; i < http.open.size(); ++i)
-            if (http.open[i].request.url.endsWith(path))
-                return http.reply(i, Error{ErrorKind::TimedOut, {}});
-        ADD_FAILURE() << "no request to " << path.toStdString();
-    };
+    const auto timeOut = [this](const QString &path) { answerOpen(path, Error{ErrorKind::TimedOut, {}}); };
     EXPECT_EQ(http.last.timeout, 30s);
     timeOut(u"/e2ee/logout"_s);
     EXPECT_EQ(http.last.timeout, 15s);
@@ -250,6 +258,60 @@ TEST_F(AccountTest, NothingThatFailsOrHangsKeepsASignOutFromEnding) {
     notices.shown.clear();
     scheduler.settle();
     EXPECT_TRUE(notices.shown.empty());
+}
+
+TEST_F(AccountTest, ASignInForgetsThatTheLastOneWasLost) {
+    makeInternational();
+    home.writeConfig(R"({"agentToken":"old","username":"bob","localToken":"secret"})");
+    services.loaded = true;
+    const auto servers = http.answer;
+    http.answer = [&](const HttpRequest &r) { return r.reach == Reach::Loopback ? json(SIGNED_OUT) : servers(r); };
+    launch();
+    ASSERT_TRUE(health().authDead);
+    http.answer = nullptr; // a poll is asked before the sign-in and answered after it
+    scheduler.advance(3s);
+    item.events.chosen(menuItem(u"x"_s, Action::LoginDialog));
+    alerts.answer(0, QStringList{u"ann"_s, u"pass"_s});
+    answerOpen(u"/login"_s, json(loginReply));
+    answerOpen(u"/unbind"_s, json("{}"));
+    scheduler.settle();
+    EXPECT_EQ(health().account, u"ann"_s);
+    notices.shown.clear();
+    answerOpen(u"/health"_s, json(SIGNED_OUT));
+    EXPECT_FALSE(health().authDead || health().authDeadNotified);
+    EXPECT_TRUE(notices.shown.empty());
+}
+
+TEST_F(AccountTest, ACredentialThatIsOvertakenIsGivenBack) {
+    makeInternational();
+    installAndBind();
+    launch();
+    http.answer = nullptr;
+    item.events.chosen(menuItem(u"x"_s, Action::LoginDialog));
+    alerts.answer(0, QStringList{u"ann"_s, u"pass"_s});
+    item.events.chosen(menuItem(u"x"_s, Action::LogoutDialog));
+    alerts.answer(0);
+    answerOpen(u"/login"_s, json(loginReply)); // it must not bind the Mac that is being signed out
+    EXPECT_EQ(http.last.headers.last().second, "Bearer new");
+    answerOpen(u"/e2ee/logout"_s, json("{}"));
+    EXPECT_EQ(http.last.headers.last().second, "Bearer t");
+    answerOpen(u"/unbind"_s, json("{}"));
+    answerOpen(u"/unbind"_s, json("{}"));
+    scheduler.settle();
+    EXPECT_FALSE(cfg().contains(u"agentToken"));
+    EXPECT_EQ(health().account, u""_s);
+}
+
+TEST_F(AccountTest, ASignOutAsksNoServerOfAnotherEditionAndForgetsTheLostSignIn) {
+    home.writeConfig(R"({"agentToken":"t","server":"intl.example","localToken":"secret"})");
+    home.installJobFile();
+    const auto servers = http.answer;
+    http.answer = [&](const HttpRequest &r) { return r.reach == Reach::Loopback ? json(SIGNED_OUT) : servers(r); };
+    launch();
+    http.answer = [&](const HttpRequest &r) { return r.reach == Reach::Loopback ? noAnswer() : servers(r); };
+    signOut();
+    EXPECT_EQ(sent, QStringList{u"cn.example:443/v1/agents/unbind Bearer t"_s});
+    EXPECT_FALSE(health().authDead);
 }
 
 struct BrowserLoginTest : AccountTest {
@@ -336,6 +398,34 @@ TEST_F(BrowserLoginTest, APageThatIsNotSecureIsNotOpened) {
         notices.shown.clear();
     }
     EXPECT_TRUE(desktop.opened.isEmpty());
+}
+
+TEST_F(BrowserLoginTest, WhatAnotherSignInOvertookCountsNoMore) {
+    launch();
+    const auto answers = http.answer;
+    http.answer = nullptr;
+    choose();
+    const auto overtake = [this] {
+        item.events.chosen(menuItem(u"x"_s, Action::LoginDialog));
+        alerts.answer(0, QStringList{u"ann"_s, u"pass"_s});
+        answerOpen(u"/login"_s, json(loginReply));
+        scheduler.settle();
+    };
+    overtake();
+    answerOpen(u"/auth/start"_s, json(start));
+    EXPECT_TRUE(desktop.opened.isEmpty());
+    choose();
+    answerOpen(u"/auth/start"_s, json(start));
+    EXPECT_EQ(desktop.opened.size(), 1);
+    scheduler.advance(1s);
+    EXPECT_EQ(http.last.timeout, 3s);
+    loginReply = R"({"agentToken":"t2","agentId":"i"})";
+    item.events.chosen(menuItem(u"x"_s, Action::LogoutDialog));
+    alerts.answer(0);
+    answerOpen(u"/e2ee/logout"_s, json("{}"));
+    notices.shown.clear();
+    answerOpen(u"/auth/status?id=a%2B%2Fb"_s, json(R"({"status":"done","user":"Bob"})"));
+    EXPECT_TRUE(notices.shown.empty());
 }
 
 TEST_F(BrowserLoginTest, AnAgentThatNeverComesUpIsRestartedOnceAndGivenUp) {

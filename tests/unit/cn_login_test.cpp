@@ -178,6 +178,25 @@ TEST_F(CnLoginTest, TheCountdownRunsAcrossPagesAndOnlyWhileTheWindowIsOpen) {
     loginPanel.does(Kind::Close);
     scheduler.advance(10s);
     EXPECT_FALSE(loginPanel.visible);
+    item.choose(Action::BrowserLogin);
+    scheduler.advance(5s); // no second hand of the old window moves in the new one
+    EXPECT_EQ(loginPanel.view.sendText, u"获取验证码"_s);
+}
+
+TEST_F(CnLoginTest, NothingTurnsWhileARequestIsUnderWay) {
+    openWindow();
+    loginPanel.does(Kind::Tab, {}, 0);
+    loginPanel.does(Kind::Password, u"secret"_s);
+    loginPanel.does(Kind::Tab, {}, 1);
+    EXPECT_EQ(loginPanel.view.password.text, u""_s); // kept in no hidden field
+    scheduler.holdBackground(true);
+    loginPanel.does(Kind::Submit);
+    loginPanel.does(Kind::LinkA);
+    loginPanel.does(Kind::Tab, {}, 0);
+    EXPECT_EQ(loginPanel.view.title, u"Sign In to Korvel"_s);
+    EXPECT_EQ(loginPanel.view.tab, 1);
+    scheduler.holdBackground(false);
+    scheduler.settle();
 }
 
 TEST_F(CnLoginTest, AnAnswerForAClosedWindowIsToldOnlyWhenItSignedIn) {
@@ -187,12 +206,13 @@ TEST_F(CnLoginTest, AnAnswerForAClosedWindowIsToldOnlyWhenItSignedIn) {
         answer(signsIn ? R"({"ok":true})" : R"({"ok":false,"error":"No."})");
         scheduler.holdBackground(true);
         loginPanel.does(Kind::Account, u"ann"_s);
+        loginPanel.does(Kind::SendCode);
         loginPanel.does(Kind::Submit);
         loginPanel.does(Kind::Close);
         item.choose(Action::BrowserLogin);
         scheduler.holdBackground(false);
         scheduler.settle();
-        EXPECT_EQ(loginPanel.view.error, u""_s);
+        EXPECT_EQ(loginPanel.view.error + loginPanel.view.info, u""_s);
         EXPECT_EQ(loginPanel.visible, !signsIn);
         EXPECT_EQ(notices.last() == u"● Signed in as ann", signsIn);
     }

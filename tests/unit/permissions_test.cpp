@@ -116,6 +116,8 @@ TEST_F(PermissionsTest, EachOutcomeOfARequestIsTold) {
         {json(R"({"ok":true})"), u"Permission request sent."_s, false},
         {noAnswer(), u"Couldn't request permissions. Korvel isn't responding. Try again later."_s, true},
         {json("nonsense"), u"Couldn't request permissions. Korvel isn't responding. Try again later."_s, true},
+        {json(R"({"ok":"yes","missing":["A"],"items":[]})"),
+         u"Still missing: A. Turn on korvel-agent in System Settings › Privacy & Security."_s, true},
     };
     launchWith(GOOD);
     for (const auto &c : cases) {
@@ -127,6 +129,11 @@ TEST_F(PermissionsTest, EachOutcomeOfARequestIsTold) {
         EXPECT_EQ(notices.shown.back().error, c.error);
         EXPECT_FALSE(permissions().permsRequesting);
     }
+    agentIsSilent();
+    scheduler.advance(3s);
+    const int requests = requestsTo(u"/perms/request"_s);
+    item.events.chosen(menuItem(u"x"_s, Action::AskPerms));
+    EXPECT_EQ(requestsTo(u"/perms/request"_s), requests);
 }
 
 TEST_F(PermissionsTest, OnlyAPaneThatIsAnAddressIsOpened) {
@@ -185,7 +192,13 @@ TEST_F(RepairTest, AFailedRepairSaysSoAndTheMenuOffersItAgain) {
     writesJobFile = false;
     launch();
     EXPECT_EQ(item.statusLine(), u"Korvel isn't installed correctly. Reinstall Korvel."_s);
+    scheduler.holdBackground(true);
     item.choose(Action::Repair);
+    EXPECT_EQ(item.statusLine(), u"Repairing…"_s);
+    notices.shown.clear();
+    item.events.chosen(menuItem(u"x"_s, Action::Repair)); // of a menu that was opened before: no verdict yet
+    EXPECT_TRUE(notices.shown.empty());
+    scheduler.holdBackground(false);
     scheduler.settle();
     EXPECT_EQ(notices.last(), u"Couldn't repair Korvel. Download it from the website and reinstall."_s);
     notices.click();

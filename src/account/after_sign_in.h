@@ -1,0 +1,32 @@
+#pragma once
+
+#include "app/tray_state.h"
+#include "platform/scheduler.h"
+#include "ui/notices.h"
+
+#include <functional>
+
+namespace korvel {
+
+/// What follows on every sign-in, whichever way it was made.
+class AfterSignIn {
+public:
+    struct Hooks {
+        std::function<void()> disregardOpenPolls;
+        std::function<void()> stopBrowserLogin;
+        std::function<void(const Notice &)> showHUD;
+        std::function<void()> poll;
+        std::function<void()> pairAfterLogin;
+    };
+    AfterSignIn(HealthState &health, const Scheduler &scheduler, Hooks hooks);
+
+    /// This Mac is signed in as `user`: tells it, asks the agent and shows the pairing window.
+    void signedIn(const QString &user);
+
+private:
+    HealthState &health;
+    const Scheduler &scheduler;
+    Hooks hooks;
+};
+
+} // namespace korvel
