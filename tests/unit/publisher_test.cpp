@@ -19,13 +19,13 @@ using namespace Qt::StringLiterals;
 namespace korvel::test {
 namespace {
 
-struct Run {
+struct Ended {
     int status = -1;
     QByteArray output = {};
     QByteArray errors = {};
 };
 
-Run run(const QString &program, const QStringList &arguments) {
+Ended run(const QString &program, const QStringList &arguments) {
     QProcess process;
     process.start(program, arguments);
     if (!process.waitForFinished(30'000) || process.exitStatus() != QProcess::NormalExit)
@@ -99,13 +99,13 @@ TEST_F(PublisherTest, AgreesWithOpenSslOnHashesAndSignatures) {
     EXPECT_EQ(run(openssl, {u"dgst"_s, u"-sha256"_s, u"-r"_s, file}).output.left(64), info.sha.toLatin1());
 
     const QString message = write(u"message"_s, "korvel-update/1\nKorvel-2.0.pkg\n2.0\n" + info.sha.toLatin1());
-    const Run signing =
+    const Ended signing =
         run(openssl, {u"pkeyutl"_s, u"-sign"_s, u"-rawin"_s, u"-inkey"_s, path(u"key"_s), u"-in"_s, message});
     EXPECT_EQ(signing.output.toBase64(), info.sig.toLatin1()) << signing.errors.toStdString();
 
     ASSERT_EQ(run(openssl, {u"genpkey"_s, u"-algorithm"_s, u"ED25519"_s, u"-out"_s, path(u"theirs"_s)}).status, 0);
     QFile::setPermissions(path(u"theirs"_s), QFile::ReadOwner);
-    const Run theirs = run(openssl, {u"pkey"_s, u"-in"_s, path(u"theirs"_s), u"-pubout"_s, u"-outform"_s, u"DER"_s});
+    const Ended theirs = run(openssl, {u"pkey"_s, u"-in"_s, path(u"theirs"_s), u"-pubout"_s, u"-outform"_s, u"DER"_s});
     EXPECT_EQ(SigningKey::read(path(u"theirs"_s)).value().publicKey(),
               QString::fromLatin1(theirs.output.right(32).toBase64()));
 }
@@ -179,7 +179,7 @@ TEST_F(PublisherTest, ANewerPackageTakesThePlaceOfItsEditionsAndAllElseStays) {
 
 TEST_F(PublisherTest, TheProgramMakesSignsAndVerifiesAndLeavesTheManifestWhenItRefuses) {
     const QString program = QStringLiteral(KORVEL_PUBLISH_PROGRAM), manifest = path(u"manifest"_s);
-    const Run made = run(program, {u"make-key"_s, path(u"key"_s)});
+    const Ended made = run(program, {u"make-key"_s, path(u"key"_s)});
     const QString publicKey = QString::fromLatin1(made.output.trimmed());
     EXPECT_EQ(publicKey, SigningKey::read(path(u"key"_s)).value().publicKey());
     EXPECT_EQ(run(program, {u"make-key"_s, path(u"key"_s)}).status, 1);
