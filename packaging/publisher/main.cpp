@@ -55,7 +55,7 @@ std::optional<QStringList> filesOf(QCommandLineParser &parser, const QStringList
         wrong = u"too few or too many files"_s;
     if (wrong.isEmpty())
         return files;
-    complain(USAGE, wrong + u"; see korvel-publish --help"_s);
+    complain(USAGE, wrong + u" (see korvel-publish --help)"_s);
     return std::nullopt;
 }
 

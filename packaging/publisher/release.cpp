@@ -81,7 +81,7 @@ Result<QJsonObject> withPackage(const QJsonObject &manifest, const UpdateInfo &i
     const FixedConfig tray = trayWith(editionOf(info.file), publicKey, u"0"_s);
     QJsonArray packages = held.toArray();
     if (const auto before = packageIn(tray, QJsonDocument(manifest).toJson())) {
-        if (isNewer(before->ver, info.ver) || (!isNewer(info.ver, before->ver) && *before != info))
+        if (!isNewer(info.ver, before->ver) && *before != info)
             return refused(u"the manifest holds version %1 of %2 already"_s.arg(before->ver, platformOf(info.file)));
         *std::find_if(packages.begin(), packages.end(), [&tray](const QJsonValue &package) {
             return isOurPackage(tray, package.toObject());
