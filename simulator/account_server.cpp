@@ -3,6 +3,7 @@
 #include "simulator/fault.h"
 #include "simulator/files.h"
 #include "simulator/request_text.h"
+#include "simulator/server_updates.h"
 #include "simulator/sign_in_page.h"
 #include "simulator/wording.h"
 
@@ -53,7 +54,8 @@ AccountServer::AccountServer(HomePaths paths)
     : paths(paths), authority(paths), store(paths), routes{{{"POST", "/v1/agents/login"}, &AccountServer::logIn},
                                                            {{"POST", "/v1/agents/unbind"}, &AccountServer::unbind},
                                                            {{"GET", "/signin"}, &AccountServer::showSignIn},
-                                                           {{"POST", "/signin"}, &AccountServer::submitSignIn}},
+                                                           {{"POST", "/signin"}, &AccountServer::submitSignIn},
+                                                           {{"GET", "/v1/dl/manifest"}, &AccountServer::manifest}},
       server([this](HttpConnection &connection, const HttpRequest &request) { receive(connection, request); },
              [this](qintptr descriptor) { return secureSocket(descriptor); }) {}
 
@@ -107,6 +109,8 @@ void AccountServer::log(const HttpRequest &request) const {
 }
 
 HttpAnswer AccountServer::answer(const HttpRequest &request) const {
+    if (request.method == "GET" && request.path().startsWith("/dl/"))
+        return package(request);
     const auto route = routes.find({request.method, request.path()});
     return route == routes.end() ? refusal(404, u"There is no such address."_s) : (this->*route->second)(request);
 }
@@ -167,6 +171,18 @@ HttpAnswer AccountServer::submitSignIn(const HttpRequest &request) const {
         return closingPage(*end, page.chinese, page.device);
     page.error = WRONG_PASSWORD.in(page.chinese);
     return htmlOf(page);
+}
+
+HttpAnswer AccountServer::manifest(const HttpRequest &) const {
+    return {200, "application/json", ServerUpdates(paths).offer().manifest};
+}
+
+HttpAnswer AccountServer::package(const HttpRequest &request) const {
+    const UpdateOffer offer = ServerUpdates(paths).offer();
+    const QString name = QString::fromUtf8(QByteArray::fromPercentEncoding(request.path())).section(u'/', -1);
+    if (name != offer.info.file)
+        return refusal(404, u"There is no such package."_s);
+    return {200, "application/octet-stream", offer.package};
 }
 
 } // namespace korvel::sim

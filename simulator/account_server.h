@@ -31,6 +31,8 @@ private:
     HttpAnswer unbind(const HttpRequest &request) const;
     HttpAnswer showSignIn(const HttpRequest &request) const;
     HttpAnswer submitSignIn(const HttpRequest &request) const;
+    HttpAnswer manifest(const HttpRequest &request) const;
+    HttpAnswer package(const HttpRequest &request) const;
 
     HomePaths paths;
     TestAuthority authority;

@@ -3,6 +3,7 @@
 #include "simulator/control_account.h"
 #include "simulator/control_encryption.h"
 #include "simulator/control_permissions.h"
+#include "simulator/control_updates.h"
 
 #include <QJsonDocument>
 
@@ -131,11 +132,12 @@ int control(const ProgramCall &call) {
         std::fputs(ACCOUNT_HELP, stdout);
         std::fputs(ENCRYPTION_HELP, stdout);
         std::fputs(PERMISSION_HELP, stdout);
+        std::fputs(UPDATE_HELP, stdout);
         return 0;
     }
     Home home(directory);
-    for (const std::span<const CommandEntry> commands :
-         {std::span<const CommandEntry>(COMMANDS), accountCommands(), encryptionCommands(), permissionCommands()})
+    for (const std::span<const CommandEntry> commands : {std::span<const CommandEntry>(COMMANDS), accountCommands(),
+                                                         encryptionCommands(), permissionCommands(), updateCommands()})
         for (const CommandEntry &command : commands)
             if (command.name == name && arguments.size() >= command.fewest && arguments.size() <= command.most)
                 return command.run(home, arguments);

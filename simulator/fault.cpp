@@ -2,6 +2,7 @@
 
 #include "simulator/files.h"
 
+#include <QElapsedTimer>
 #include <QPointer>
 #include <QSslSocket>
 #include <QTimer>
@@ -29,7 +30,7 @@ constexpr ModeName MODE_NAMES[] = {
     {"not-utf8"_L1, FaultMode::NotUtf8}, {"array"_L1, FaultMode::Array},      {"wrong-types"_L1, FaultMode::WrongTypes},
     {"deep"_L1, FaultMode::Deep},        {"html"_L1, FaultMode::Html},        {"truncate"_L1, FaultMode::Truncate},
     {"huge"_L1, FaultMode::Huge},        {"drip"_L1, FaultMode::Drip},        {"redirect"_L1, FaultMode::Spelled},
-    {"answer"_L1, FaultMode::Spelled},
+    {"answer"_L1, FaultMode::Spelled},   {"slow"_L1, FaultMode::Slow},
 };
 
 FaultMode modeNamed(const QString &name) {
@@ -142,6 +143,27 @@ void sendDripping(HttpConnection &connection, const HttpAnswer &answer, int ever
     timer->start(everyMs);
 }
 
+// As many bytes as are due since the header went out; what a client that reads slowly leaves is not added to.
+void sendSlowly(HttpConnection &connection, const HttpAnswer &answer, qint64 bytesPerSecond) {
+    constexpr int TICK_MS = 20;
+    connection.socket().write(headOf(answer, answer.body.size(), connection.keepAlive()));
+    auto timer = new QTimer(&connection);
+    QElapsedTimer since;
+    since.start();
+    QObject::connect(timer, &QTimer::timeout, &connection,
+                     [&connection, timer, since, bytesPerSecond, body = answer.body, sent = qsizetype(0)]() mutable {
+                         const qint64 due = std::min(since.elapsed() * bytesPerSecond / 1000, qint64(body.size()));
+                         if (backlogOf(connection.socket()) == 0)
+                             sent += connection.socket().write(body.mid(sent, due - sent));
+                         if (sent < body.size())
+                             return;
+                         timer->stop();
+                         timer->deleteLater();
+                         connection.finishAnswer();
+                     });
+    timer->start(TICK_MS);
+}
+
 void playNow(HttpConnection &connection, const Fault &fault, const HttpAnswer &answer) {
     switch (fault.mode) {
     case FaultMode::None:
@@ -163,6 +185,8 @@ void playNow(HttpConnection &connection, const Fault &fault, const HttpAnswer &a
         return sendHuge(connection, fault.bytes);
     case FaultMode::Drip:
         return sendDripping(connection, answer, fault.everyMs);
+    case FaultMode::Slow:
+        return sendSlowly(connection, answer, fault.bytesPerSecond);
     case FaultMode::Spelled:
         return connection.answer(fault.spelled);
     default:
@@ -190,6 +214,7 @@ Fault faultFor(const Scenario &scenario, const QString &server, const QJsonObjec
     fault.delayMs = milliseconds(entry, "delayMs"_L1);
     fault.bytes = qint64(entry.value("bytes"_L1).toDouble(100e6));
     fault.everyMs = milliseconds(entry, "ms"_L1, 1000);
+    fault.bytesPerSecond = std::max(entry.value("bytesPerSecond"_L1).toInteger(100'000), qint64(1));
     fault.acts = entry.value("acts"_L1).toBool();
     if (fault.mode == FaultMode::Spelled)
         fault.spelled = spelledAnswer(entry);

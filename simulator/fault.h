@@ -22,20 +22,23 @@ enum class FaultMode {
     Truncate,
     Huge,
     Drip,
+    Slow,
     Spelled
 };
 
 // One fault as the scenario gives it.
 struct Fault {
     FaultMode mode = FaultMode::None;
-    int delayMs = 0;         // wait before answering
-    qint64 bytes = 0;        // Huge: length of the body
-    int everyMs = 0;         // Drip: between two bytes
-    bool acts = false;       // what was asked for is done nevertheless
-    HttpAnswer spelled = {}; // Spelled: the answer in place of the right one
-    bool needsAnswer() const // whether the right answer is a part of it
+    int delayMs = 0;           // wait before answering
+    qint64 bytes = 0;          // Huge: length of the body
+    int everyMs = 0;           // Drip: between two bytes
+    qint64 bytesPerSecond = 0; // Slow
+    bool acts = false;         // what was asked for is done nevertheless
+    HttpAnswer spelled = {};   // Spelled: the answer in place of the right one
+    bool needsAnswer() const   // whether the right answer is a part of it
     {
-        return acts || mode == FaultMode::None || mode == FaultMode::Truncate || mode == FaultMode::Drip;
+        return acts || mode == FaultMode::None || mode == FaultMode::Truncate || mode == FaultMode::Drip ||
+               mode == FaultMode::Slow;
     }
 };
 

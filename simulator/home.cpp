@@ -99,6 +99,8 @@ QString Home::authorityFile() const { return TestAuthority(paths).file(); }
 
 ServerAccounts Home::accounts() const { return ServerAccounts(AccountStore(paths)); }
 
+ServerUpdates Home::updates() const { return ServerUpdates(paths); }
+
 bool Home::placeAgent() const {
     return placeProgram(standInRoot() + "/usr/local/bin/korvel-agent"_L1, paths.agentProgram());
 }

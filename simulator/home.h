@@ -5,6 +5,7 @@
 #include "simulator/permission_control.h"
 #include "simulator/phone.h"
 #include "simulator/server_accounts.h"
+#include "simulator/server_updates.h"
 
 #include <QJsonObject>
 #include <QList>
@@ -72,6 +73,8 @@ public:
     QString authorityFile() const;
     // What the account server knows, and what the user does there.
     ServerAccounts accounts() const;
+    // The updates that it offers.
+    ServerUpdates updates() const;
 
     // Writes the agent's job file without loading the job, and puts the agent where the job expects it.
     bool installJobFile();

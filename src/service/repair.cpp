@@ -55,8 +55,11 @@ void Repair::repairService(std::function<void()> then) {
 void Repair::repaired(bool good, std::function<void()> then) {
     state.service.repairing = false;
     state.service.repairFailed = !good;
-    if (good)
+    if (good) {
         state.health.startingUntil = scheduler.now() + STARTING_GRACE;
+        state.health.jobLoaded.reset(); // what was seen before says nothing about the new job
+        state.health.jobCheckedAt = DISTANT_PAST;
+    }
     hooks.poll(std::move(then));
 }
 

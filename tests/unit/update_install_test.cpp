@@ -1,5 +1,6 @@
 #include "support/signing.h"
 #include "support/tray_fixture.h"
+#include "update/signature.h"
 
 #include <QCryptographicHash>
 #include <QJsonArray>

@@ -3,6 +3,7 @@
 #include "update/install_script.h"
 #include "update/manifest.h"
 #include "update/sha256.h"
+#include "update/signature.h"
 #include "update/update_install.h"
 
 using namespace Qt::StringLiterals;
