@@ -12,15 +12,15 @@ namespace {
 /// How long the service manager may take to stop the agent before the sign-out ends without it.
 constexpr milliseconds STOPPED_WITHIN = 10s;
 
-AlertView question() {
+} // namespace
+
+AlertView signOutAlert() {
     return {.title = L(u"退出账号?", u"Sign Out?"),
             .text = L(u"退出后，手机将无法看到这台电脑", u"Your phone won't see this Mac after you sign out."),
             .warning = false,
             .buttons = {L(u"退出账号", u"Sign Out"), L(u"取消", u"Cancel")},
             .escape = 1};
 }
-
-} // namespace
 
 SignOut::SignOut(TrayState &st, const FixedConfig &f, const AgentConfig &c, AgentApi &a, Alerts &al, ServiceControl &sv,
                  Scheduler &s, Hooks h)
@@ -29,7 +29,7 @@ SignOut::SignOut(TrayState &st, const FixedConfig &f, const AgentConfig &c, Agen
 void SignOut::logoutDialog() {
     if (underWay)
         return;
-    alerts.open(question(), alive.guard([this](const AlertAnswer &answer) {
+    alerts.open(signOutAlert(), alive.guard([this](const AlertAnswer &answer) {
         if (answer.button == 0)
             tellAgent();
     }));

@@ -13,6 +13,9 @@
 
 namespace korvel {
 
+/// The question that comes before it.
+AlertView signOutAlert();
+
 /// Signs this Mac out: tells the agent, releases the credential, clears the configuration, stops the agent. Nothing on
 /// the way that fails or hangs keeps it from ending.
 class SignOut {

@@ -1,24 +1,15 @@
 #include "app/automation_render.h"
 
 #include "account/cn_login_window.h"
-
-#include <QApplication>
-#include <QImage>
-#include <QPainter>
-#include <cstdio>
-
-using namespace Qt::StringLiterals;
+#include "app/automation_output.h"
+#include "e2ee/approval.h"
+#include "e2ee/pair_window.h"
+#include "ui/alert_window.h"
+#include "ui/picture.h"
 
 namespace korvel {
 
 namespace {
-
-constexpr int PIXELS_PER_POINT = 2;
-
-int refuse(const QString &why) {
-    std::fprintf(stderr, "%s\n", qUtf8Printable(why));
-    return 1;
-}
 
 std::optional<CnLoginForm> formFor(const QString &page) {
     CnLoginForm form;
@@ -33,12 +24,16 @@ std::optional<CnLoginForm> formFor(const QString &page) {
     return form;
 }
 
-bool savePicture(QWidget &window, const QString &file) {
-    QImage image(window.size() * PIXELS_PER_POINT, QImage::Format_RGB32);
-    image.setDevicePixelRatio(PIXELS_PER_POINT);
-    image.fill(window.palette().color(QPalette::Window));
-    window.render(&image);
-    return image.save(file, "PNG");
+/// Draws a window that is on the screen.
+int draw(QWidget &window, const QString &file, const char *mode) {
+    if (savePicture(pictureOf(window), file))
+        return 0;
+    return refuse(QByteArray(mode) + ": cannot write " + file.toUtf8());
+}
+
+PairView previewOf(const QJsonObject &report) {
+    PairState pairing{.pairSawCode = true, .pairPreview = true};
+    return pairView(report, pairing, {}).view;
 }
 
 } // namespace
@@ -46,14 +41,32 @@ bool savePicture(QWidget &window, const QString &file) {
 int renderLogin(const QString &page, const QString &file) {
     const auto form = formFor(page);
     if (!form)
-        return refuse(u"--login-render: the page is \"login\", \"code\", \"register\" or \"reset\""_s);
-    char program[] = "korvel-tray", platform[] = "-platform", offscreen[] = "offscreen";
-    char *arguments[] = {program, platform, offscreen, nullptr};
-    int count = 3;
-    const QApplication app(count, arguments);
+        return refuse("--login-render: the page is \"login\", \"code\", \"register\" or \"reset\"");
+    const PictureApplication app;
     CnLoginWindow window([](const LoginInput &) {});
     window.apply(cnLoginView(*form));
-    return savePicture(window, file) ? 0 : refuse(u"--login-render: cannot write "_s + file);
+    window.show();
+    window.activateWindow();
+    window.focus(firstEmptyField(*form));
+    return draw(window, file, "--login-render");
+}
+
+int renderE2ee(const QString &kind, const QString &file, const QByteArray &json) {
+    if (kind != u"pair" && kind != u"approve")
+        return refuse("--e2ee-render: the kind is \"pair\" or \"approve\"");
+    const auto given = parseObject(json);
+    if (!given)
+        return refuse("--e2ee-render: the last argument is not a JSON object");
+    const PictureApplication app;
+    if (kind == u"pair") {
+        PairWindow window;
+        window.present(previewOf(*given));
+        return draw(window, file, "--e2ee-render");
+    }
+    AlertDialog alert(approveAlert(*given, given->value(u"error").toString()), [](const AlertAnswer &) {});
+    alert.show();
+    alert.activateWindow();
+    return draw(alert, file, "--e2ee-render");
 }
 
 } // namespace korvel

@@ -2,6 +2,7 @@
 
 #include "account/binding.h"
 #include "account/server_rules.h"
+#include "app/automation_output.h"
 #include "app/automation_render.h"
 #include "app/bundle.h"
 #include "app/deployment.h"
@@ -19,7 +20,6 @@
 #include "ui/menu_view.h"
 
 #include <QCoreApplication>
-#include <QJsonDocument>
 #include <QTimer>
 #include <cstdio>
 #include <iostream>
@@ -39,16 +39,6 @@ QByteArray readLine() {
 void print(const QByteArray &text) {
     std::fwrite(text.constData(), 1, static_cast<size_t>(text.size()), stdout);
     std::fflush(stdout);
-}
-
-int refuse(const char *why) {
-    std::fprintf(stderr, "%s\n", why);
-    return 1;
-}
-
-std::optional<QJsonObject> parseObject(const QByteArray &text) {
-    const QJsonDocument document = QJsonDocument::fromJson(text);
-    return document.isObject() ? std::optional(document.object()) : std::nullopt;
 }
 
 int runMenuDump(const FixedConfig &config, const Paths &paths) {
@@ -141,6 +131,8 @@ std::optional<QByteArray> menuDump(const QByteArray &description, const FixedCon
 int runAutomation(AutomationMode mode, int &argc, char **argv, const FixedConfig &config, const Paths &paths) {
     if (mode == AutomationMode::LoginRender)
         return renderLogin(QString::fromLocal8Bit(argv[2]), QString::fromLocal8Bit(argv[3]));
+    if (mode == AutomationMode::E2eeRender)
+        return renderE2ee(QString::fromLocal8Bit(argv[2]), QString::fromLocal8Bit(argv[3]), argv[4]);
     const QCoreApplication app(argc, argv);
     switch (mode) {
     case AutomationMode::MenuDump:

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <functional>
+#include <memory>
+
+namespace korvel::gallery {
+
+/// One thing that the program can show, in one state.
+struct Case {
+    QString group; ///< Heading on the page.
+    QString name;  ///< Of its pictures: lower case and hyphens, unique in the group.
+    /// Puts it on the screen as the program does; it goes with the result. Texts come in the language of that moment.
+    std::function<std::shared_ptr<void>()> show;
+};
+
+/// Every case, grouped.
+QList<Case> allCases();
+
+QList<Case> pairCases();
+QList<Case> loginCases();
+QList<Case> alertCases();
+QList<Case> noticeCases();
+QList<Case> menuCases();
+QList<Case> iconCases();
+
+/// Names from outside as they can be at worst.
+QString longName();        ///< Many words.
+QString unbrokenName();    ///< 200 characters without a blank.
+QString rightToLeftName(); ///< Hebrew, with emoji.
+
+} // namespace korvel::gallery

@@ -1,0 +1,106 @@
+#include "simulator/gallery/layout_faults.h"
+
+#include <QAbstractButton>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QProgressBar>
+#include <QScreen>
+#include <QStyle>
+
+using namespace Qt::StringLiterals;
+
+namespace korvel::gallery {
+
+namespace {
+
+/// Whether a control is looked at for itself; others only hold some.
+bool isControl(const QWidget &widget) {
+    return qobject_cast<const QLabel *>(&widget) || qobject_cast<const QAbstractButton *>(&widget) ||
+           qobject_cast<const QLineEdit *>(&widget) || qobject_cast<const QProgressBar *>(&widget);
+}
+
+QList<const QWidget *> controlsOf(const QWidget &window) {
+    QList<const QWidget *> controls;
+    for (const QWidget *widget : window.findChildren<QWidget *>())
+        if (widget->isVisible() && isControl(*widget))
+            controls.append(widget);
+    return controls;
+}
+
+QString textOf(const QWidget &control) {
+    if (const auto *label = qobject_cast<const QLabel *>(&control))
+        return label->text();
+    if (const auto *button = qobject_cast<const QAbstractButton *>(&control))
+        return button->text();
+    const auto *field = qobject_cast<const QLineEdit *>(&control);
+    return field ? field->placeholderText() : QString();
+}
+
+QString named(const QWidget &control) {
+    const QString text = textOf(control);
+    return text.isEmpty() ? QString::fromLatin1(control.metaObject()->className()) : u'"' + text.left(40) + u'"';
+}
+
+/// The part of a control that can be seen: what a scroll area hides is reached by scrolling.
+QRect placeIn(const QWidget &window, const QWidget &control) {
+    return {control.mapTo(&window, QPoint()), control.size()};
+}
+
+/// The size that a control needs for all of its text; as wide as it is where its text wraps.
+QSize neededSize(const QWidget &control) {
+    if (const auto *label = qobject_cast<const QLabel *>(&control); label && label->wordWrap())
+        return {label->minimumSizeHint().width(), label->heightForWidth(label->width())};
+    if (const auto *field = qobject_cast<const QLineEdit *>(&control)) {
+        const QMargins margins = field->textMargins();
+        const int frame = 2 * (field->style()->pixelMetric(QStyle::PM_DefaultFrameWidth, nullptr, field) + 2);
+        return {field->fontMetrics().horizontalAdvance(field->placeholderText()) + margins.left() + margins.right() +
+                    frame,
+                field->fontMetrics().height()};
+    }
+    return qobject_cast<const QProgressBar *>(&control) ? QSize() : control.sizeHint();
+}
+
+QStringList menuFaults(const QMenu &menu) {
+    QStringList faults;
+    for (const QAction *action : menu.actions()) {
+        const QRect place = menu.actionGeometry(const_cast<QAction *>(action));
+        if (action->isSeparator())
+            continue;
+        if (!menu.rect().contains(place))
+            faults.append(u"entry \"%1\" leaves the menu"_s.arg(action->text().left(40)));
+        if (menu.fontMetrics().size(Qt::TextShowMnemonic, action->text()).width() > place.width())
+            faults.append(u"entry \"%1\" is cut off"_s.arg(action->text().left(40)));
+    }
+    return faults;
+}
+
+} // namespace
+
+QStringList layoutFaults(const QWidget &window) {
+    QStringList faults;
+    if (!window.screen()->availableGeometry().contains(window.geometry()))
+        faults.append(u"the window leaves the screen"_s);
+    if (const auto *menu = qobject_cast<const QMenu *>(&window))
+        return faults + menuFaults(*menu);
+    const QList<const QWidget *> controls = controlsOf(window);
+    for (qsizetype i = 0; i < controls.size(); ++i) {
+        const QWidget &control = *controls.at(i);
+        const QRect place = placeIn(window, control);
+        if (!window.rect().contains(place))
+            faults.append(named(control) + u" leaves the window"_s);
+        const QSize needed = neededSize(control);
+        if (needed.width() > place.width() || needed.height() > place.height())
+            faults.append(u"%1 is cut off: it needs %2 x %3 and has %4 x %5"_s.arg(named(control))
+                              .arg(needed.width())
+                              .arg(needed.height())
+                              .arg(place.width())
+                              .arg(place.height()));
+        for (const QWidget *other : controls.mid(i + 1))
+            if (place.intersects(placeIn(window, *other)))
+                faults.append(named(control) + u" overlaps "_s + named(*other));
+    }
+    return faults;
+}
+
+} // namespace korvel::gallery

@@ -1,0 +1,151 @@
+#include "app/deployment.h"
+#include "app/wording.h"
+#include "platform/json_values.h"
+#include "simulator/gallery/gallery_case.h"
+#include "status/health.h"
+#include "ui/menu_view.h"
+#include "ui/menu_widget.h"
+
+#include <QJsonDocument>
+
+using namespace Qt::StringLiterals;
+
+namespace korvel::gallery {
+
+namespace {
+
+struct Sample {
+    const char *name;
+    QByteArray health = {}; ///< The agent's answer; empty: it is silent.
+    std::function<void(TrayState &)> then = [](TrayState &) {};
+    bool bound = true;
+    bool plistExists = true;
+    const char *edition = "cn";
+};
+
+constexpr Instant NOW = Instant(1h);
+
+std::shared_ptr<void> show(const Sample &sample) {
+    Deployment deployment = builtDeployment();
+    deployment.edition = QLatin1StringView(sample.edition);
+    const FixedConfig config = makeFixedConfig(deployment, {});
+    TrayState state;
+    state.health.jobLoaded = true;
+    const auto answer = sample.health.isEmpty()
+                            ? std::nullopt
+                            : std::optional(QJsonDocument::fromJson(sample.health).object());
+    applyHealth(state, answer, {.now = NOW, .bound = sample.bound, .username = u"anna"_s});
+    if (answer)
+        state.permissions.permItems =
+            jsonObjects(answer->value(u"perms").toObject().value(u"items")).value_or(QList<QJsonObject>());
+    sample.then(state);
+    auto menu = std::make_shared<MenuWidget>(MenuHost::Program, [](const MenuEntry &) {});
+    menu->apply(menuView({.state = state,
+                          .config = config,
+                          .now = NOW,
+                          .bound = sample.bound,
+                          .plistExists = sample.plistExists,
+                          .server = config.DEFAULT_SERVER}));
+    menu->menu().setWindowFlags(Qt::ToolTip); // a popup would grab keyboard and mouse
+    menu->menu().show();
+    return menu;
+}
+
+QByteArray online(const QByteArray &more = {}) {
+    return R"({"ok":true,"online":true,"account":"anna","sessions":2)" + more + '}';
+}
+
+QByteArray encryption(const QByteArray &report, bool connected = false) {
+    return R"({"ok":true,"account":"anna","sessions":1,"online":)" + QByteArray(connected ? "true" : "false") +
+           R"(,"e2ee":)" + report + '}';
+}
+
+QByteArray permission(const char *name, const char *state) {
+    return QByteArray(R"({"name":")") + name + R"(","state":")" + state +
+           R"(","why":"Showing this Mac on your phone","breaks":"the phone sees a black screen"})";
+}
+
+QList<Sample> statusSamples() {
+    const UpdateInfo update{.ver = u"2.1.0"_s};
+    return {
+        {"connected", online()},
+        {"connected-option-key", online(), [](TrayState &s) { s.menu.optionKey = true; }},
+        {"not-signed-in", {}, {[](TrayState &) {}}, false},
+        {"not-signed-in-international", {}, {[](TrayState &) {}}, false, true, "intl"},
+        {"not-installed", {}, [](TrayState &) {}, true, false},
+        {"repair-failed", {}, [](TrayState &s) { s.service.repairFailed = true; }, true, false},
+        {"repairing", {}, [](TrayState &s) { s.service.repairing = true; }, true, false},
+        {"switching", online(), [](TrayState &s) { s.service.busy = true; }},
+        {"starting", {}, [](TrayState &s) { s.health.startingUntil = NOW + 10s; }},
+        {"not-responding"},
+        {"paused", {}, [](TrayState &s) { s.health.jobLoaded = false; }},
+        {"connecting", R"({"ok":true,"account":"anna"})"},
+        {"cannot-connect", R"({"ok":true,"account":"anna"})",
+         [](TrayState &s) { s.health.connectingSince = NOW - 61s; }},
+        {"signed-out", R"({"ok":true,"account":"anna","authDead":true})"},
+        {"account-deleted", R"({"ok":true,"account":"anna","authDead":true,"accountGone":true})",
+         [](TrayState &) {}, true, true, "intl"},
+        {"update-available", online(), [update](TrayState &s) { s.update.updateAvail = update; }},
+        {"downloading", online(),
+         [update](TrayState &s) { s.update = {.updateAvail = update, .updateBusy = true, .updatePct = 42}; }},
+        {"installing", online(),
+         [update](TrayState &s) { s.update = {.updateAvail = update, .updateBusy = true}; }},
+        {"long-account", R"({"ok":true,"online":true,"account":")" + longName().toUtf8() + "\"}"},
+        {"right-to-left-account", R"({"ok":true,"online":true,"account":")" + rightToLeftName().toUtf8() + "\"}"},
+    };
+}
+
+QList<Sample> encryptionSamples() {
+    const auto waiting = [](const QString &name) {
+        return encryption(R"({"state":"active","relay":"ok","asr":{"ready":true},"pending":[{"pendingId":"1","name":")" +
+                              name.toUtf8() + R"(","platform":"ios"}]})",
+                          true);
+    };
+    return {
+        {"encrypted", encryption(R"({"state":"active","relay":"ok"})", true)},
+        {"encrypted-connecting", encryption(R"({"state":"active","asr":{"installing":"failed"}})", true)},
+        {"installing-speech",
+         encryption(R"({"state":"active","relay":"ok","asr":{"installing":"download","pct":37}})", true)},
+        {"new-device", waiting(u"Anna & Ben’s_phone"_s)},
+        {"new-device-long-name", waiting(longName())},
+        {"new-device-right-to-left", waiting(rightToLeftName())},
+        {"alarm", encryption(R"({"state":"active","relay":"ok","asr":{"ready":true},)"
+                             R"("alarms":[{"id":"1","text":"Somebody tried."},{"id":"2","kind":"reset"}]})",
+                             true)},
+        {"waiting-for-phone", encryption(R"({"state":"waiting"})")},
+        {"code", encryption(R"({"state":"pending","pair":{"show":"482 913"}})")},
+        {"not-paired", encryption(R"({"state":"approved"})")},
+        {"denied", encryption(R"({"state":"rejected"})")},
+        {"too-many-codes", encryption(R"({"state":"pair-failed"})")},
+        {"removed", encryption(R"({"state":"revoked"})")},
+        {"turning-on", encryption(R"({"state":"starting","required":true})")},
+    };
+}
+
+QList<Sample> permissionSamples() {
+    const QByteArray items = permission("Screen Recording", "granted") + ',' + permission("Microphone", "denied") +
+                             ',' + permission("Accessibility", "undetermined") + ',' +
+                             permission("Full Disk Access", "notrunning");
+    const QByteArray perms =
+        online(R"(,"perms":{"ok":false,"missing":["Microphone","Accessibility"],"items":[)" + items + "]}");
+    return {
+        {"permissions-missing", perms},
+        {"permissions-requested", perms, [](TrayState &s) { s.permissions.permsRequesting = true; }},
+        {"permissions-granted",
+         online(R"(,"perms":{"ok":true,"missing":[],"items":[)" + permission("Microphone", "granted") + "]}")},
+    };
+}
+
+} // namespace
+
+QList<Case> menuCases() {
+    QList<Case> cases;
+    for (const auto &[group, samples] : {std::pair(u"Menu"_s, statusSamples()),
+                                         std::pair(u"Menu with encryption"_s, encryptionSamples()),
+                                         std::pair(u"Menu with permissions"_s, permissionSamples())})
+        for (const Sample &sample : samples)
+            cases.append({group, QLatin1StringView(sample.name), [sample] { return show(sample); }});
+    return cases;
+}
+
+} // namespace korvel::gallery

@@ -1,0 +1,74 @@
+#include "simulator/gallery/stage.h"
+
+#include "app/wording.h"
+
+#include <QApplication>
+#include <QPalette>
+#include <QWidget>
+
+using namespace Qt::StringLiterals;
+
+namespace korvel::gallery {
+
+namespace {
+
+QPalette coloursOf(Look look) {
+    struct Colours {
+        QColor window, text, base, button, highlight, link;
+    };
+    static const Colours LIGHT{{0xef, 0xef, 0xef}, Qt::black,          Qt::white,
+                               {0xef, 0xef, 0xef}, {0x30, 0x8c, 0xc6}, {0x00, 0x57, 0xae}};
+    static const Colours DARK{{0x2a, 0x2e, 0x32}, {0xfc, 0xfc, 0xfc}, {0x1b, 0x1e, 0x20},
+                              {0x31, 0x36, 0x3b}, {0x3d, 0xae, 0xe9}, {0x1d, 0x99, 0xf3}};
+    const Colours &c = look == Look::Dark ? DARK : LIGHT;
+    QPalette palette(c.text, c.button, c.button.lighter(150), c.button.darker(180), c.button.darker(130), c.text,
+                     Qt::white, c.base, c.window);
+    palette.setColor(QPalette::Highlight, c.highlight);
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    palette.setColor(QPalette::Link, c.link);
+    palette.setColor(QPalette::ToolTipBase, c.button);
+    palette.setColor(QPalette::ToolTipText, c.text);
+    return palette;
+}
+
+} // namespace
+
+QList<Setting> allSettings() {
+    return {{.chinese = false, .look = Look::Light},
+            {.chinese = true, .look = Look::Light},
+            {.chinese = false, .look = Look::Dark},
+            {.chinese = true, .look = Look::Dark}};
+}
+
+QString nameOf(const Setting &setting) {
+    return (setting.chinese ? u"zh"_s : u"en"_s) + (setting.look == Look::Dark ? u"-dark"_s : u"-light"_s);
+}
+
+void apply(const Setting &setting) {
+    ZH = setting.chinese;
+    QApplication::setPalette(coloursOf(setting.look));
+}
+
+Staged::Staged(const Case &c) : shown(c.show()) {
+    for (int turn = 0; turn < 3; ++turn) // layouts, then the focus of an activated window
+        QCoreApplication::processEvents();
+}
+
+Staged::~Staged() {
+    shown.reset();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+QWidget *Staged::window() const {
+    QWidget *found = nullptr;
+    for (QWidget *widget : QApplication::topLevelWidgets()) {
+        if (!widget->isVisible())
+            continue;
+        if (found)
+            return nullptr;
+        found = widget;
+    }
+    return found;
+}
+
+} // namespace korvel::gallery

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "simulator/gallery/gallery_case.h"
+
+class QWidget;
+
+namespace korvel::gallery {
+
+enum class Look { Light, Dark };
+
+/// How a case is looked at.
+struct Setting {
+    bool chinese = false;
+    Look look = Look::Light;
+};
+
+/// All four.
+QList<Setting> allSettings();
+/// Of the file names: "en-light" and the like.
+QString nameOf(const Setting &setting);
+
+/// Makes language and colours those of the setting for what is shown from now on.
+void apply(const Setting &setting);
+
+/// A case on the screen, until it is destroyed.
+class Staged {
+public:
+    explicit Staged(const Case &shown);
+    ~Staged();
+    /// Its window; null when it shows none, or more than one.
+    QWidget *window() const;
+
+private:
+    std::shared_ptr<void> shown;
+};
+
+} // namespace korvel::gallery

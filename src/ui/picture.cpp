@@ -1,0 +1,55 @@
+#include "ui/picture.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QStyleFactory>
+#include <QWidget>
+
+namespace korvel {
+
+namespace {
+
+char program[] = "korvel-tray", option[] = "-platform";
+
+/// Qt's name of a platform whose one screen has that size in pixels; that of its default screen when `file` cannot be
+/// written.
+QByteArray platformWith(QSize pixels, QTemporaryFile &file) {
+    const QJsonObject screen{{QStringLiteral("name"), QStringLiteral("picture")},
+                             {QStringLiteral("width"), pixels.width()},
+                             {QStringLiteral("height"), pixels.height()},
+                             {QStringLiteral("logicalDpi"), 96},
+                             {QStringLiteral("logicalBaseDpi"), 96}};
+    const QByteArray text =
+        QJsonDocument(QJsonObject{{QStringLiteral("screens"), QJsonArray{screen}}}).toJson(QJsonDocument::Compact);
+    const bool written = file.open() && file.write(text) == text.size() && file.flush();
+    return written ? "offscreen:configfile=" + file.fileName().toLocal8Bit() : QByteArray("offscreen");
+}
+
+QByteArray prepared(int scale, QSize screen, QTemporaryFile &file) {
+    for (const char *name : {"QT_SCREEN_SCALE_FACTORS", "QT_FONT_DPI", "QT_STYLE_OVERRIDE", "QT_QPA_PLATFORMTHEME"})
+        qunsetenv(name);
+    qputenv("QT_SCALE_FACTOR", QByteArray::number(scale));
+    return platformWith(screen * scale, file);
+}
+
+} // namespace
+
+PictureApplication::PictureApplication(int scale, QSize screen)
+    : platform(prepared(scale, screen, screens)), arguments{program, option, platform.data(), nullptr},
+      app(count, arguments) {
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setCursorFlashTime(0);
+    QApplication::setQuitOnLastWindowClosed(false);
+}
+
+QImage pictureOf(QWidget &window) {
+    // Layouts, then the focus of an activated window, come in turns of the event loop.
+    for (int turn = 0; turn < 3; ++turn)
+        QCoreApplication::processEvents();
+    return window.grab().toImage();
+}
+
+bool savePicture(const QImage &picture, const QString &file) { return picture.save(file, "PNG"); }
+
+} // namespace korvel
