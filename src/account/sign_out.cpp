@@ -1,5 +1,6 @@
 #include "account/sign_out.h"
 
+#include "account/account_notices.h"
 #include "app/wording.h"
 #include "e2ee/requests.h"
 
@@ -12,15 +13,15 @@ namespace {
 /// How long the service manager may take to stop the agent before the sign-out ends without it.
 constexpr milliseconds STOPPED_WITHIN = 10s;
 
-AlertView question() {
+} // namespace
+
+AlertView signOutAlert() {
     return {.title = L(u"退出账号?", u"Sign Out?"),
             .text = L(u"退出后，手机将无法看到这台电脑", u"Your phone won't see this Mac after you sign out."),
             .warning = false,
             .buttons = {L(u"退出账号", u"Sign Out"), L(u"取消", u"Cancel")},
             .escape = 1};
 }
-
-} // namespace
 
 SignOut::SignOut(TrayState &st, const FixedConfig &f, const AgentConfig &c, AgentApi &a, Alerts &al, ServiceControl &sv,
                  Scheduler &s, Hooks h)
@@ -29,7 +30,7 @@ SignOut::SignOut(TrayState &st, const FixedConfig &f, const AgentConfig &c, Agen
 void SignOut::logoutDialog() {
     if (underWay)
         return;
-    alerts.open(question(), alive.guard([this](const AlertAnswer &answer) {
+    alerts.open(signOutAlert(), alive.guard([this](const AlertAnswer &answer) {
         if (answer.button == 0)
             tellAgent();
     }));
@@ -38,7 +39,7 @@ void SignOut::logoutDialog() {
 void SignOut::tellAgent() {
     underWay = true;
     hooks.abandonLogins();
-    hooks.showHUD({.text = L(u"⏻ 正在退出…", u"⏻ Signing out…"), .secs = Seconds(30)});
+    hooks.showHUD(signingOutNotice());
     e2Post(api, e2LogoutRequest(), alive.guard([this](const std::optional<QJsonObject> &) { signOutRest(); }));
 }
 
@@ -65,12 +66,7 @@ void SignOut::finish(bool cleared) {
     state.health.authDead = state.health.accountGone = false;
     state.e2ee.e2 = {}; // it was about the account that is gone
     hooks.poll();
-    if (cleared)
-        hooks.showHUD({.text = L(u"⏻ 已退出账号", u"⏻ Signed out"), .secs = Seconds(2.5)});
-    else
-        hooks.showHUD({.text = L(u"退出失败，请稍后重试", u"Couldn't sign out. Try again later."),
-                       .secs = Seconds(4),
-                       .error = true});
+    hooks.showHUD(cleared ? signedOutNotice() : signOutFailedNotice());
 }
 
 } // namespace korvel

@@ -13,6 +13,8 @@
 
 namespace korvel {
 
+AlertView signOutAlert();
+
 /// Signs this Mac out: tells the agent, releases the credential, clears the configuration, stops the agent. Nothing on
 /// the way that fails or hangs keeps it from ending.
 class SignOut {
