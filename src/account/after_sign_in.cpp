@@ -1,6 +1,6 @@
 #include "account/after_sign_in.h"
 
-#include "app/wording.h"
+#include "account/account_notices.h"
 
 namespace korvel {
 
@@ -16,7 +16,7 @@ void AfterSignIn::signedIn(const QString &user) {
         health.startingUntil = scheduler.now() + STARTING_GRACE;
     }
     hooks.stopBrowserLogin();
-    hooks.showHUD({.text = L(u"● 已登录 ", u"● Signed in as ") + user, .secs = Seconds(3)});
+    hooks.showHUD(signedInNotice(user));
     hooks.poll();
     hooks.pairAfterLogin();
 }

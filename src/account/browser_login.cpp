@@ -1,7 +1,7 @@
 #include "account/browser_login.h"
 
+#include "account/account_notices.h"
 #include "account/server_api.h"
-#include "app/wording.h"
 #include "platform/json_values.h"
 
 #include <QUrl>
@@ -22,8 +22,6 @@ bool isSecurePage(const QString &address) {
     const QUrl url(address, QUrl::StrictMode);
     return url.isValid() && url.scheme() == u"https" && !url.host().isEmpty();
 }
-
-Notice failure(const QString &text, double secs) { return {.text = text, .secs = Seconds(secs), .error = true}; }
 
 } // namespace
 
@@ -69,11 +67,10 @@ bool BrowserLogin::reopenPage() {
 void BrowserLogin::waitForAgent(int attempt) {
     if (attempt >= MOST_ATTEMPTS) {
         starting = false;
-        return hooks.showHUD(
-            failure(L(u"Korvel 后台服务未能启动，请稍后重试", u"Korvel couldn't start. Try again later."), 4));
+        return hooks.showHUD(agentNotUpNotice());
     }
     if (attempt == 0) {
-        hooks.showHUD({.text = L(u"正在启动…", u"Starting…"), .secs = Seconds(15)});
+        hooks.showHUD(agentAwaitedNotice());
         hooks.restartAgent([] {});
     }
     nextAttempt = scheduler.after(NEXT_ATTEMPT, [this, attempt] { startBrowserLogin(attempt + 1); });
@@ -85,7 +82,7 @@ void BrowserLogin::started(const Result<QJsonObject> &reply) {
     const auto url = jsonText(answer.value(u"url"));
     if (id && url && isSecurePage(*url))
         return open(*id, *url);
-    hooks.showHUD(failure(L(u"无法开始登录，请稍后重试", u"Couldn't start signing in. Try again later."), 4));
+    hooks.showHUD(noSignInPageNotice());
 }
 
 void BrowserLogin::open(const QString &id, const QString &url) {
@@ -118,7 +115,7 @@ void BrowserLogin::outcome(const QJsonObject &answer) {
         hooks.signedIn(answer.value(u"user").toString());
     } else if (status == u"failed") {
         stopBrowserLogin();
-        hooks.showHUD(failure(jsonText(answer.value(u"error")).value_or(L(u"登录失败", u"Couldn't sign in.")), 5));
+        hooks.showHUD(signInFailedNotice(jsonText(answer.value(u"error"))));
     } else if (status == u"cancelled" || status == u"expired") {
         stopBrowserLogin();
     }

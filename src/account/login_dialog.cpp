@@ -1,5 +1,6 @@
 #include "account/login_dialog.h"
 
+#include "account/account_notices.h"
 #include "account/server_rules.h"
 #include "app/wording.h"
 #include "platform/plain_text.h"
@@ -62,7 +63,7 @@ void LoginDialog::answered(LoginAttempt attempt, const QStringList &texts) {
         attempt.error = L(u"服务器地址格式不正确", u"The server address isn't valid.");
         return showLogin(attempt);
     }
-    hooks.showHUD({.text = L(u"正在登录…", u"Signing in…"), .secs = Seconds(40)});
+    hooks.showHUD(signingInNotice());
     hooks.performLogin(attempt.user, pass, *server, alive.guard([this, attempt](bool ok, const QString &message) {
         finished(attempt, ok, message);
     }));
@@ -75,7 +76,7 @@ void LoginDialog::finished(LoginAttempt attempt, bool ok, const QString &message
         attempt.error = message;
         // Another alert may have come up meanwhile.
         if (!present(attempt))
-            hooks.showHUD({.text = message, .secs = Seconds(5), .error = true});
+            hooks.showHUD(signInFailedNotice(message));
         return;
     }
     hooks.signedIn(attempt.user);

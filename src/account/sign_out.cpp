@@ -1,5 +1,6 @@
 #include "account/sign_out.h"
 
+#include "account/account_notices.h"
 #include "app/wording.h"
 #include "e2ee/requests.h"
 
@@ -38,7 +39,7 @@ void SignOut::logoutDialog() {
 void SignOut::tellAgent() {
     underWay = true;
     hooks.abandonLogins();
-    hooks.showHUD({.text = L(u"⏻ 正在退出…", u"⏻ Signing out…"), .secs = Seconds(30)});
+    hooks.showHUD(signingOutNotice());
     e2Post(api, e2LogoutRequest(), alive.guard([this](const std::optional<QJsonObject> &) { signOutRest(); }));
 }
 
@@ -65,12 +66,7 @@ void SignOut::finish(bool cleared) {
     state.health.authDead = state.health.accountGone = false;
     state.e2ee.e2 = {}; // it was about the account that is gone
     hooks.poll();
-    if (cleared)
-        hooks.showHUD({.text = L(u"⏻ 已退出账号", u"⏻ Signed out"), .secs = Seconds(2.5)});
-    else
-        hooks.showHUD({.text = L(u"退出失败，请稍后重试", u"Couldn't sign out. Try again later."),
-                       .secs = Seconds(4),
-                       .error = true});
+    hooks.showHUD(cleared ? signedOutNotice() : signOutFailedNotice());
 }
 
 } // namespace korvel

@@ -13,7 +13,6 @@
 
 namespace korvel {
 
-/// The question that comes before it.
 AlertView signOutAlert();
 
 /// Signs this Mac out: tells the agent, releases the credential, clears the configuration, stops the agent. Nothing on

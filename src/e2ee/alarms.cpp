@@ -1,6 +1,7 @@
 #include "e2ee/alarms.h"
 
 #include "app/wording.h"
+#include "e2ee/e2ee_notices.h"
 #include "e2ee/requests.h"
 
 namespace korvel {
@@ -46,10 +47,7 @@ void Alarms::answered(const QJsonObject &alarm, const AlertAnswer &answer) {
         if (answer.button == ItWasMe)
             return rejoin();
         // Not dismissed at the agent: it stays until the user rejoins.
-        return hooks.showHUD({.text = L(u"请勿批准任何新设备，并立即修改密码",
-                                        u"Don't approve any new device, and change your password immediately."),
-                              .secs = Seconds(6),
-                              .error = true});
+        return hooks.showHUD(strangersResetNotice());
     }
     if (const QJsonValue id = alarm.value(u"id"); id.isString())
         e2Post(api, dismissAlarmRequest(id.toString()), [](const std::optional<QJsonObject> &) {});
@@ -59,8 +57,7 @@ void Alarms::rejoin() {
     e2Post(api, acceptResetRequest(), alive.guard([this](const std::optional<QJsonObject> &reply) {
         if (replyOk(reply)) // the window has to see the report after the reset
             return hooks.poll(hooks.pairAfterLogin);
-        hooks.showHUD(
-            {.text = L(u"无法重新加入：", u"Couldn't rejoin: ") + errText(reply), .secs = Seconds(6), .error = true});
+        hooks.showHUD(notRejoinedNotice(reply));
     }));
 }
 

@@ -1,6 +1,7 @@
 #include "e2ee/approval.h"
 
 #include "app/wording.h"
+#include "e2ee/e2ee_notices.h"
 #include "e2ee/pair_code.h"
 #include "e2ee/report.h"
 #include "e2ee/requests.h"
@@ -61,18 +62,14 @@ void Approval::answered(const QJsonObject &request, const AlertAnswer &answer) {
 void Approval::deny(const QJsonObject &request) {
     e2Post(api, rejectDeviceRequest(pendingIdOf(request)),
            alive.guard([this, name = nameOf(request)](const std::optional<QJsonObject> &) {
-               hooks.showHUD({.text = L(u"已拒绝「", u"Denied ") + name +
-                                      L(u"」。如果不是你本人在登录，请立即修改密码",
-                                        u". If that wasn't you, change your password immediately."),
-                              .secs = Seconds(6),
-                              .error = true});
+               hooks.showHUD(deniedNotice(name));
            }));
 }
 
 void Approval::allow(const QJsonObject &request, const QString &code) {
     if (code.size() != 6)
         return showApprove(request, L(u"配对码为 6 位数字", u"The pairing code must be 6 digits."));
-    hooks.showHUD({.text = L(u"正在验证…", u"Verifying…"), .secs = Seconds(50)});
+    hooks.showHUD(verifyingNotice());
     e2ee.e2Answering.insert(pendingIdOf(request));
     e2Post(api, pairDeviceRequest(pendingIdOf(request), code),
            alive.guard([this, request](const std::optional<QJsonObject> &reply) { verdict(request, reply); }));
@@ -83,11 +80,11 @@ void Approval::verdict(const QJsonObject &request, const std::optional<QJsonObje
     hooks.hideHUD();
     const QString code = reply ? reply->value(u"code").toString() : QString();
     if (replyOk(reply))
-        hooks.showHUD({.text = L(u"✓ 已允许「", u"✓ Allowed ") + nameOf(request) + L(u"」", u""), .secs = Seconds(4)});
+        hooks.showHUD(allowedNotice(nameOf(request)));
     else if (canBeRetried(code))
         askAgain(request, errText(reply));
     else
-        hooks.showHUD({.text = errText(reply), .secs = Seconds(code == u"mismatch" ? 10 : 6), .error = true});
+        hooks.showHUD(notAdmittedNotice(reply));
     hooks.poll();
 }
 

@@ -1,6 +1,7 @@
 #include "e2ee/pairing.h"
 
 #include "app/wording.h"
+#include "e2ee/e2ee_notices.h"
 #include "e2ee/requests.h"
 
 namespace korvel {
@@ -33,7 +34,7 @@ void Pairing::follow(const PairUpdate &update) {
             window.hide();
             pairing.pairClosing = pairing.pairSawCode = false;
         });
-        hooks.showHUD({.text = L(u"🔒 已加密，开始同步", u"🔒 Encrypted. Syncing now."), .secs = Seconds(3)});
+        hooks.showHUD(encryptedNotice());
         break;
     }
     shown = update.view;

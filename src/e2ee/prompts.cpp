@@ -1,6 +1,6 @@
 #include "e2ee/prompts.h"
 
-#include "app/wording.h"
+#include "e2ee/e2ee_notices.h"
 
 namespace korvel {
 
@@ -11,7 +11,7 @@ void Prompts::e2Prompt() {
         e2ee, pairing,
         {.bound = context.bound, .authDead = context.authDead, .pairWindowVisible = hooks.pairWindowVisible()});
     if (prompt.announceActive)
-        hooks.showHUD({.text = L(u"🔒 已加密，开始同步", u"🔒 Encrypted. Syncing now."), .secs = Seconds(3)});
+        hooks.showHUD(encryptedNotice());
     switch (prompt.kind) {
     case E2Prompt::Kind::None:
         return;

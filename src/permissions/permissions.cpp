@@ -1,6 +1,6 @@
 #include "permissions/permissions.h"
 
-#include "app/wording.h"
+#include "permissions/permission_notices.h"
 #include "permissions/permission_rules.h"
 #include "platform/log.h"
 
@@ -14,24 +14,6 @@ namespace {
 
 const AgentRequest STATUS{.path = u"/perms"_s, .timeout = 20s};
 const AgentRequest PROMPTS{.method = "POST", .path = u"/perms/request"_s, .timeout = 150s}; // a person answers
-
-Notice promptsComing() {
-    return {.text =
-                L(u"系统将多次弹出授权对话框，请都点击「允许」。辅助功能需在系统设置中打开 korvel-agent",
-                  u"macOS will ask several times. Click Allow each time. For Accessibility, turn on korvel-agent in "
-                  u"System Settings."),
-            .secs = Seconds(6)};
-}
-
-Notice verdict(const PermissionState &permissions) {
-    if (permissions.permsOk == true)
-        return {.text = L(u"✓ 已获得全部权限", u"✓ All permissions granted"), .secs = Seconds(3)};
-    return {.text = L(u"仍缺少：", u"Still missing: ") + permissions.permsMissing.join(L(u"、", u", ")) +
-                    L(u"。请在「系统设置 › 隐私与安全性」中打开 korvel-agent",
-                      u". Turn on korvel-agent in System Settings › Privacy & Security."),
-            .secs = Seconds(10),
-            .error = true};
-}
 
 } // namespace
 
@@ -70,7 +52,7 @@ void Permissions::askPerms() {
         return;
     permissions.permsRequesting = true;
     hooks.render();
-    hooks.showHUD(promptsComing());
+    hooks.showHUD(promptsComingNotice());
     api.send(PROMPTS, Done<QJsonObject>(alive.guard([this](const Result<QJsonObject> &reply) {
                  permissions.permsRequesting = false;
                  asked(reply);
@@ -82,16 +64,10 @@ void Permissions::asked(const Result<QJsonObject> &reply) {
     if (!reply) {
         if (reply.error().kind != ErrorKind::UnreadableAnswer)
             log(u"[perms] 申请没成: "_s + reply.error().detail);
-        return hooks.showHUD({.text = L(u"无法申请权限：Korvel 未响应，请稍后重试",
-                                        u"Couldn't request permissions. Korvel isn't responding. Try again later."),
-                              .secs = Seconds(6),
-                              .error = true});
+        return hooks.showHUD(permissionsNotRequestedNotice());
     }
     applyPerms(reply.value());
-    if (holdsPermItems(reply.value()))
-        hooks.showHUD(verdict(permissions));
-    else
-        hooks.showHUD({.text = L(u"已发出权限申请", u"Permission request sent."), .secs = Seconds(4)});
+    hooks.showHUD(holdsPermItems(reply.value()) ? permissionVerdictNotice(permissions) : permissionsRequestedNotice());
 }
 
 void Permissions::openPermPane(const QJsonValue &pane) const {

@@ -1,8 +1,8 @@
 #include "service/agent_control.h"
 
 #include "account/server_rules.h"
-#include "app/wording.h"
 #include "platform/system_tools.h"
+#include "service/service_notices.h"
 
 #include <QFileInfo>
 #include <QUrl>
@@ -53,7 +53,7 @@ void AgentControl::restartAgent(std::function<void()> then) {
 void AgentControl::quitAll() {
     if (std::exchange(quitting, true))
         return;
-    hooks.showHUD({.text = L(u"⏻ 正在退出…", u"⏻ Quitting…"), .secs = Seconds(3)});
+    hooks.showHUD(quittingNotice());
     // A service manager that hangs must not keep the user from quitting.
     quitAnyway = scheduler.after(QUIT_WITHIN, [this] { desktop.terminate(); });
     auto stopped = [&sv = services, &pr = programs, label = fixed.AGENT_LABEL] {
@@ -74,7 +74,7 @@ void AgentControl::openLog() {
     if (QFileInfo::exists(paths.logFile))
         desktop.openUrl(QUrl::fromLocalFile(paths.logFile).toString(QUrl::FullyEncoded));
     else
-        hooks.showHUD({.text = L(u"暂无日志", u"No log yet"), .secs = Seconds(2.5)});
+        hooks.showHUD(noLogNotice());
 }
 
 } // namespace korvel

@@ -1,7 +1,7 @@
 #include "service/repair.h"
 
-#include "app/wording.h"
 #include "platform/log.h"
+#include "service/service_notices.h"
 
 using namespace Qt::StringLiterals;
 
@@ -66,16 +66,8 @@ void Repair::repaired(bool good, std::function<void()> then) {
 void Repair::repairClicked() {
     if (state.service.repairing) // the one under way is what was asked for
         return;
-    repairService([this] {
-        if (plistExists(paths))
-            hooks.showHUD({.text = L(u"✓ 已修复", u"✓ Repaired"), .secs = Seconds(2.5)});
-        else
-            hooks.showHUD({.text = L(u"修复失败，请从官网下载 Korvel 并重新安装",
-                                     u"Couldn't repair Korvel. Download it from the website and reinstall."),
-                           .secs = Seconds(8),
-                           .error = true,
-                           .link = fixed.SITE_URL});
-    });
+    repairService(
+        [this] { hooks.showHUD(plistExists(paths) ? repairedNotice() : repairFailedNotice(fixed.SITE_URL)); });
 }
 
 } // namespace korvel

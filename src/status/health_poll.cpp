@@ -13,6 +13,8 @@ constexpr milliseconds PERIOD = 3s;
 constexpr milliseconds TIME_LIMIT = 2s;
 constexpr int MOST_OPEN_FOR_TICK = 3;
 
+} // namespace
+
 Notice lostSignInNotice(HealthEffects::Notice which) {
     return {.text = which == HealthEffects::Notice::AccountDeleted
                         ? L(u"账号已注销，请使用其他账号登录",
@@ -21,8 +23,6 @@ Notice lostSignInNotice(HealthEffects::Notice which) {
             .secs = Seconds(6),
             .error = true};
 }
-
-} // namespace
 
 HealthPoll::HealthPoll(TrayState &s, const FixedConfig &f, const AgentConfig &c, AgentApi &a, ServiceControl &sc,
                        Scheduler &sch, Hooks h)

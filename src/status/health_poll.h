@@ -12,6 +12,9 @@
 
 namespace korvel {
 
+/// Tells the user, once, that the sign-in or the account is gone.
+Notice lostSignInNotice(HealthEffects::Notice which);
+
 /// Asks the agent every 3 seconds how it is, and looks after its job when it does not answer.
 class HealthPoll {
 public:

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "ui/notices.h"
+
+namespace korvel {
+
+Notice quittingNotice();
+Notice noLogNotice();
+Notice repairedNotice();
+/// A click opens `website`, where the user can download the program anew.
+Notice repairFailedNotice(const QString &website);
+
+} // namespace korvel
