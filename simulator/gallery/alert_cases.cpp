@@ -40,7 +40,10 @@ QList<Case> alertCases() {
              return approveAlert(device(u"Büro"_s, u"windows"_s),
                                  L(u"配对码错误，请重试", u"The code is wrong. Try again."));
          }},
-        {"new-device-without-name", [] { return approveAlert({{u"pendingId"_s, u"1"_s}}, {}); }},
+        {"new-device-without-name",
+         [] {
+             return approveAlert({{u"pendingId"_s, u"1"_s}}, {});
+         }},
         {"new-device-long-name", [] { return approveAlert(device(longName()), {}); }},
         {"new-device-unbroken-name", [] { return approveAlert(device(unbrokenName()), unbrokenName()); }},
         {"new-device-right-to-left", [] { return approveAlert(device(rightToLeftName()), {}); }},
@@ -52,7 +55,10 @@ QList<Case> alertCases() {
         {"alarm-without-text", [] { return alarmAlert(alarm({})); }},
         {"alarm-at-length", [] { return alarmAlert(alarm((longName() + u".\n"_s).repeated(4))); }},
         {"alarm-beyond-measure", [] { return alarmAlert(alarm((longName() + u' ').repeated(80))); }},
-        {"reset", [] { return alarmAlert({{u"kind"_s, u"reset"_s}}); }},
+        {"reset",
+         [] {
+             return alarmAlert({{u"kind"_s, u"reset"_s}});
+         }},
         {"sign-out", [] { return signOutAlert(); }},
         {"sign-in", [] { return signIn({}); }},
         {"sign-in-again", [=] { return signIn({.user = email}, true); }},
@@ -63,9 +69,7 @@ QList<Case> alertCases() {
                   .error = L(u"邮箱或密码错误，请检查后重试", u"The email or the password is wrong. Check both.")});
          }},
         {"sign-in-with-server",
-         [=] {
-             return signIn({.user = email, .server = u"10.0.0.5:8443"_s, .advanced = true});
-         }},
+         [=] { return signIn({.user = email, .server = u"10.0.0.5:8443"_s, .advanced = true}); }},
         {"sign-in-bad-server",
          [=] {
              return signIn({.user = email,

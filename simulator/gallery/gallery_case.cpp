@@ -5,7 +5,7 @@ using namespace Qt::StringLiterals;
 namespace korvel::gallery {
 
 QList<Case> allCases() {
-    return pairCases() + loginCases() + alertCases() + noticeCases() + menuCases() + iconCases();
+    return pairCases() + loginCases() + alertCases() + noticeCases() + situationCases() + iconCases();
 }
 
 QString longName() {

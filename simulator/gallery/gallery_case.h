@@ -22,7 +22,7 @@ QList<Case> pairCases();
 QList<Case> loginCases();
 QList<Case> alertCases();
 QList<Case> noticeCases();
-QList<Case> menuCases();
+QList<Case> situationCases();
 QList<Case> iconCases();
 
 /// Names from outside as they can be at worst.

@@ -35,7 +35,7 @@ function toggle(box) { document.body.classList.toggle('no-' + box.value, !box.ch
 
 QString box(const QString &value, const QString &title) {
     return u"<label><input type=\"checkbox\" value=\"%1\" checked onchange=\"toggle(this)\"> %2</label>\n"_s.arg(value,
-                                                                                                              title);
+                                                                                                                 title);
 }
 
 QString anchor(const QString &group) { return group.toLower().replace(u' ', u'-'); }

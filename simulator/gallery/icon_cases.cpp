@@ -38,10 +38,9 @@ std::shared_ptr<void> show(const IconView &view) {
 
 QList<Case> iconCases() {
     QList<Case> cases;
-    for (const auto &[name, view] :
-         {std::pair(u"connected"_s, IconView{.on = true, .dimmed = false, .toolTip = {}}),
-          std::pair(u"not-connected"_s, IconView{.on = true, .dimmed = true, .toolTip = {}}),
-          std::pair(u"not-running"_s, IconView{.on = false, .dimmed = true, .toolTip = {}})})
+    for (const auto &[name, view] : {std::pair(u"connected"_s, IconView{.on = true, .dimmed = false, .toolTip = {}}),
+                                     std::pair(u"not-connected"_s, IconView{.on = true, .dimmed = true, .toolTip = {}}),
+                                     std::pair(u"not-running"_s, IconView{.on = false, .dimmed = true, .toolTip = {}})})
         cases.append({u"Icon"_s, name, [view = view] { return show(view); }});
     return cases;
 }

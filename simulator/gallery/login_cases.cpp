@@ -48,10 +48,7 @@ QList<Case> loginCases() {
          }},
         {"sending", [phone] { return CnLoginForm{.codeMode = true, .sending = true, .account = phone}; }},
         {"day-long-countdown", [phone] { return CnLoginForm{.codeMode = true, .countdown = 86400, .account = phone}; }},
-        {"refused",
-         [phone] {
-             return CnLoginForm{.account = phone, .error = refusal()};
-         }},
+        {"refused", [phone] { return CnLoginForm{.account = phone, .error = refusal()}; }},
         {"refused-at-length",
          [phone] {
              return CnLoginForm{.page = Page::Register,

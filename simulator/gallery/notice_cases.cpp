@@ -1,8 +1,17 @@
+#include "account/account_notices.h"
+#include "account/net_error.h"
 #include "app/wording.h"
+#include "e2ee/e2ee_notices.h"
+#include "permissions/permission_notices.h"
+#include "service/service_notices.h"
+#include "service/sync_toggle.h"
 #include "simulator/gallery/gallery_case.h"
+#include "status/health_poll.h"
 #include "ui/notice_view.h"
 #include "ui/notice_window.h"
-#include "ui/notices.h"
+#include "update/update_notices.h"
+
+#include <QJsonObject>
 
 using namespace Qt::StringLiterals;
 
@@ -15,20 +24,122 @@ struct Sample {
     std::function<Notice()> notice;
 };
 
+const QString ANNA = u"Anna’s phone"_s;
+const QString WEBSITE = u"https://korvel.example/"_s;
+const QString VERSION = u"2.1.0"_s;
+
+std::optional<QJsonObject> reply(const char *code, const QString &sentence) {
+    return QJsonObject{{u"ok"_s, false}, {u"code"_s, QLatin1StringView(code)}, {u"error"_s, sentence}};
+}
+
+QList<Sample> accountSamples() {
+    using Lost = HealthEffects::Notice;
+    return {
+        {"signing-in", signingInNotice},
+        {"signed-in", [] { return signedInNotice(u"anna"_s); }},
+        {"signed-in-long-name", [] { return signedInNotice(longName()); }},
+        {"signed-in-right-to-left", [] { return signedInNotice(rightToLeftName()); }},
+        {"sign-in-failed", [] { return signInFailedNotice({}); }},
+        {"sign-in-failed-unbroken", [] { return signInFailedNotice(unbrokenName()); }},
+        {"agent-awaited", agentAwaitedNotice},
+        {"agent-not-up", agentNotUpNotice},
+        {"no-sign-in-page", noSignInPageNotice},
+        {"signing-out", signingOutNotice},
+        {"signed-out", signedOutNotice},
+        {"sign-out-failed", signOutFailedNotice},
+        {"sign-in-lost", [] { return lostSignInNotice(Lost::SignedOut); }},
+        {"account-deleted", [] { return lostSignInNotice(Lost::AccountDeleted); }},
+    };
+}
+
+QList<Sample> encryptionSamples() {
+    return {
+        {"encrypted", encryptedNotice},
+        {"verifying", verifyingNotice},
+        {"allowed", [] { return allowedNotice(ANNA); }},
+        {"denied", [] { return deniedNotice(ANNA); }},
+        {"denied-long-name", [] { return deniedNotice(longName()); }},
+        {"denied-right-to-left", [] { return deniedNotice(rightToLeftName()); }},
+        {"not-admitted", [] { return notAdmittedNotice({}); }},
+        {"not-admitted-mismatch",
+         [] {
+             return notAdmittedNotice(reply("mismatch", L(u"两边的密钥不一致，请勿继续，并立即修改密码",
+                                                          u"The keys don't match. Stop, and change your password.")));
+         }},
+        {"reset-by-a-stranger", strangersResetNotice},
+        {"not-rejoined", [] { return notRejoinedNotice({}); }},
+        {"speech-download", speechDownloadNotice},
+        {"no-speech-download", [] { return noSpeechDownloadNotice({}); }},
+    };
+}
+
+QList<Sample> serviceSamples() {
+    const auto toggled = [](ToggleDirection direction, bool loaded, bool running) {
+        return [=] { return toggleNotice(direction, loaded, running, L(u"● 已连接", u"● Connected")); };
+    };
+    return {
+        {"quitting", quittingNotice},
+        {"no-log", noLogNotice},
+        {"repaired", repairedNotice},
+        {"repair-failed", [] { return repairFailedNotice(WEBSITE); }},
+        {"paused", toggled(ToggleDirection::Pause, false, false)},
+        {"not-paused", toggled(ToggleDirection::Pause, true, true)},
+        {"resumed", toggled(ToggleDirection::Resume, true, true)},
+        {"resuming", toggled(ToggleDirection::Resume, true, false)},
+        {"not-resumed", toggled(ToggleDirection::Resume, false, false)},
+        {"prompts-coming", promptsComingNotice},
+        {"permissions-requested", permissionsRequestedNotice},
+        {"permissions-not-requested", permissionsNotRequestedNotice},
+        {"permissions-granted", [] { return permissionVerdictNotice({.permsOk = true}); }},
+        {"permissions-missing",
+         [] {
+             return permissionVerdictNotice(
+                 {.permsOk = false, .permsMissing = {u"Screen Recording"_s, u"Microphone"_s}});
+         }},
+    };
+}
+
+QList<Sample> updateSamples() {
+    const UpdateInfo info{.ver = VERSION, .bytes = 48'300'000};
+    return {
+        {"up-to-date", [] { return upToDateNotice(u"2.0.3"_s); }},
+        {"not-checked", [] { return notCheckedNotice(); }},
+        {"not-checked-offline",
+         [] {
+             return notCheckedNotice(netErrorText(Error{ErrorKind::Offline, {}}));
+         }},
+        {"not-signed", [] { return unsignedNotice(VERSION, WEBSITE); }},
+        {"available", [] { return availableNotice(VERSION); }},
+        {"downloading", [info] { return downloadingNotice(info); }},
+        {"download-failed", [] { return downloadFailedNotice(); }},
+        {"server-busy", [] { return downloadRefusedNotice(503, {}, WEBSITE); }},
+        {"server-says", [] { return downloadRefusedNotice(404, "This version was withdrawn.", WEBSITE); }},
+        {"not-saved", notSavedNotice},
+        {"modified", modifiedNotice},
+        {"installing", [] { return installingNotice(VERSION); }},
+        {"installed", [] { return installedNotice(VERSION); }},
+        {"install-cancelled", [] { return installCancelledNotice(VERSION); }},
+        {"swapped", swappedNotice},
+        {"installer-opened", installerOpenedNotice},
+    };
+}
+
+std::shared_ptr<void> show(const Notice &notice) {
+    auto window = std::make_shared<NoticeWindow>();
+    window->show(NoticeView{.text = notice.text, .error = notice.error}, {});
+    return window;
+}
+
 } // namespace
 
 QList<Case> noticeCases() {
-    const QList<Sample> samples{
-        {"unbroken", [] { return Notice{.text = unbrokenName(), .error = true}; }},
-    };
     QList<Case> cases;
-    for (const Sample &sample : samples)
-        cases.append({u"Notices"_s, QLatin1StringView(sample.name), [sample] {
-                          const Notice notice = sample.notice();
-                          auto window = std::make_shared<NoticeWindow>();
-                          window->show(NoticeView{.text = notice.text, .error = notice.error}, {});
-                          return std::shared_ptr<void>(window);
-                      }});
+    for (const auto &[group, samples] :
+         {std::pair(u"Notices of the account"_s, accountSamples()),
+          std::pair(u"Notices of encryption"_s, encryptionSamples()),
+          std::pair(u"Notices of the agent"_s, serviceSamples()), std::pair(u"Notices of updates"_s, updateSamples())})
+        for (const Sample &sample : samples)
+            cases.append({group, QLatin1StringView(sample.name), [sample] { return show(sample.notice()); }});
     return cases;
 }
 

@@ -3,6 +3,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QLoggingCategory>
 #include <QStyleFactory>
 #include <QWidget>
 
@@ -30,6 +31,8 @@ QByteArray prepared(int scale, QSize screen, QTemporaryFile &file) {
     for (const char *name : {"QT_SCREEN_SCALE_FACTORS", "QT_FONT_DPI", "QT_STYLE_OVERRIDE", "QT_QPA_PLATFORMTHEME"})
         qunsetenv(name);
     qputenv("QT_SCALE_FACTOR", QByteArray::number(scale));
+    // A platform without a display complains of all that only a display can do.
+    QLoggingCategory::setFilterRules(QStringLiteral("default.warning=false\nqt.qpa.*=false"));
     return platformWith(screen * scale, file);
 }
 

@@ -33,7 +33,6 @@ private:
     void answered(const Result<HttpReply> &reply, bool manual);
     void found(const UpdateInfo &info, bool manual);
     void announce(const UpdateInfo &info, bool manual);
-    void failed(const QString &text, bool manual);
 
     UpdateState &update;
     const FixedConfig &fixed;

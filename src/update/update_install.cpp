@@ -3,7 +3,6 @@
 #include "account/net_error.h"
 #include "account/server_api.h"
 #include "account/server_rules.h"
-#include "app/wording.h"
 #include "platform/log.h"
 #include "platform/private_file.h"
 #include "platform/system_tools.h"
@@ -11,6 +10,7 @@
 #include "update/manifest.h"
 #include "update/sha256.h"
 #include "update/signature.h"
+#include "update/update_notices.h"
 
 #include <QDir>
 #include <QFile>
@@ -25,16 +25,7 @@ namespace {
 constexpr milliseconds DOWNLOADED_WITHIN = 6h;
 constexpr milliseconds SILENT_AT_MOST = 60s;
 constexpr qint64 LARGEST_PACKAGE = Q_INT64_C(4) << 30;
-constexpr qsizetype LONGEST_SENTENCE = 80;
 const QString UNFINISHED = u".part"_s; ///< Never the name of a package, so that no later try trusts it.
-
-QString megabytes(qint64 bytes) { return QString::number(static_cast<double>(bytes) / 1e6, 'f', 1); }
-
-QString downloadingText(const UpdateInfo &info) {
-    const QString size = info.bytes > 0 ? L(u"（", u" (") + megabytes(info.bytes) + L(u" MB）", u" MB)") : QString();
-    return L(u"↓ 正在下载 ", u"↓ Downloading ") + info.ver + size +
-           L(u"，进度显示在菜单中", u". Progress appears in the menu.");
-}
 
 } // namespace
 
@@ -46,16 +37,6 @@ std::optional<HttpRequest> buildDownload(const QString &server, const UpdateInfo
     request->redirects = MOST_REDIRECTS;
     request->maxBytes = info.bytes > 0 ? info.bytes : LARGEST_PACKAGE;
     return request;
-}
-
-QString refusalText(const HttpReply &reply) {
-    if (reply.status == 503 || reply.status == 429)
-        return L(u"服务器繁忙，请稍后重试或从官网下载",
-                 u"The server is busy. Try again later or download it from the website.");
-    const QString body = QString::fromUtf8(reply.body).trimmed();
-    const bool sentence =
-        !body.isEmpty() && body.size() <= LONGEST_SENTENCE && !body.startsWith(u'{') && !body.startsWith(u'<');
-    return sentence ? body : L(u"下载失败，请稍后重试", u"The download failed. Try again later.");
 }
 
 UpdateInstall::UpdateInstall(UpdateState &u, const FixedConfig &f, const Paths &p, const AgentConfig &c, HttpClient &h,
@@ -75,8 +56,7 @@ void UpdateInstall::installUpdate() {
 void UpdateInstall::begin() {
     const UpdateInfo info = *update.updateAvail;
     if (!prepareCache())
-        return updateFailed(
-            L(u"无法保存安装包，请检查磁盘空间", u"Couldn't save the installer. Check your disk space."));
+        return end(notSavedNotice());
     if (!QFile::exists(cached(info)))
         return startDownload(info);
     installPkg(info);
@@ -94,10 +74,10 @@ bool UpdateInstall::prepareCache() const {
 void UpdateInstall::startDownload(const UpdateInfo &info) {
     const auto request = buildDownload(serverOf(fixed, config.readCfg()), info);
     if (!request)
-        return updateFailed(L(u"下载失败，请稍后重试", u"The download failed. Try again later."));
+        return end(downloadFailedNotice());
     update.updatePct = 0;
     hooks.render();
-    hooks.showHUD({.text = downloadingText(info), .secs = Seconds(4)});
+    hooks.showHUD(downloadingNotice(info));
     http.download(*request, cached(info) + UNFINISHED,
                   alive.guard([this, info](qint64 got, qint64 expected) { progress(got, expected, info); }),
                   Done<HttpReply>(alive.guard([this, info](const Result<HttpReply> &r) { downloaded(r, info); })));
@@ -121,16 +101,15 @@ void UpdateInstall::downloaded(const Result<HttpReply> &reply, const UpdateInfo 
     QFile::remove(cached(info) + UNFINISHED);
     if (reply) {
         log(u"[update] 下载回 HTTP %1:%2"_s.arg(reply.value().status).arg(QString::fromUtf8(reply.value().body)));
-        return updateFailed(refusalText(reply.value()), fixed.SITE_URL);
+        return end(downloadRefusedNotice(reply.value().status, reply.value().body, fixed.SITE_URL));
     }
     if (reply.error().kind == ErrorKind::NotSaved) {
         log(u"[update] 存不下安装包:"_s + reply.error().detail);
-        return updateFailed(
-            L(u"无法保存安装包，请检查磁盘空间", u"Couldn't save the installer. Check your disk space."));
+        return end(notSavedNotice());
     }
     if (reply.error().kind == ErrorKind::TooLarge)
         return refuseModified(info);
-    updateFailed(netErrorText(reply.error()));
+    end(downloadFailedNotice(netErrorText(reply.error())));
 }
 
 void UpdateInstall::keep(const UpdateInfo &info) {
@@ -144,8 +123,7 @@ void UpdateInstall::keep(const UpdateInfo &info) {
     if (!file.rename(cached(info))) {
         log(u"[update] 存不下安装包:"_s + file.errorString());
         file.remove();
-        return updateFailed(
-            L(u"无法保存安装包，请检查磁盘空间", u"Couldn't save the installer. Check your disk space."));
+        return end(notSavedNotice());
     }
     installPkg(info);
 }
@@ -166,9 +144,7 @@ void UpdateInstall::ifUnchanged(const UpdateInfo &info, std::function<void()> th
 }
 
 void UpdateInstall::runInstaller(const UpdateInfo &info) {
-    hooks.showHUD({.text = L(u"正在安装 ", u"Installing ") + info.ver +
-                           L(u"，请在弹出的对话框中输入 Mac 登录密码", u". Enter your Mac password when prompted."),
-                   .secs = Seconds(30)});
+    hooks.showHUD(installingNotice(info.ver));
     auto run = [&pr = programs, path = cached(info), install = buildInstall(cached(info), info)] {
         pr.run({.executable = XATTR, .arguments = {u"-d"_s, u"com.apple.quarantine"_s, path}});
         return pr.run(install);
@@ -181,16 +157,12 @@ void UpdateInstall::installed(const ProgramResult &result, const UpdateInfo &inf
     case InstallOutcome::Installed:
         update.updateAvail.reset();
         QFile::remove(cached(info));
-        end({.text = L(u"✓ 已更新到 ", u"✓ Updated to ") + info.ver, .secs = Seconds(3)});
+        end(installedNotice(info.ver));
         return hooks.poll();
     case InstallOutcome::Cancelled:
-        return end(
-            {.text = L(u"已取消。如需安装，请在菜单中点击「更新到 ", u"Canceled. To install, choose Update to ") +
-                     info.ver + L(u"」", u" in the menu."),
-             .secs = Seconds(4)});
+        return end(installCancelledNotice(info.ver));
     case InstallOutcome::Modified:
-        return updateFailed(L(u"安装包在安装前被修改，已停止安装",
-                              u"The installer was modified before installation, so installation stopped."));
+        return end(swappedNotice());
     case InstallOutcome::Failed:
         break;
     }
@@ -199,19 +171,13 @@ void UpdateInstall::installed(const ProgramResult &result, const UpdateInfo &inf
     // Only what was signed is handed to the graphical installer too.
     ifUnchanged(info, [this, info] {
         desktop.openUrl(QUrl::fromLocalFile(cached(info)).toString(QUrl::FullyEncoded));
-        end({.text = L(u"已打开安装器，请按提示完成安装", u"The installer is open. Follow the steps to finish."),
-             .secs = Seconds(6)});
+        end(installerOpenedNotice());
     });
 }
 
 void UpdateInstall::refuseModified(const UpdateInfo &info) {
     QFile::remove(cached(info));
-    updateFailed(L(u"安装包不完整或已被修改，已删除，请稍后重试",
-                   u"The installer was incomplete or modified and has been deleted. Try again later."));
-}
-
-void UpdateInstall::updateFailed(const QString &text, const QString &link) {
-    end({.text = text, .secs = Seconds(6), .error = true, .link = link});
+    end(modifiedNotice());
 }
 
 void UpdateInstall::end(const Notice &notice) {

@@ -19,9 +19,6 @@ namespace korvel {
 /// The request for a package at `server`; none when that makes no web address.
 std::optional<HttpRequest> buildDownload(const QString &server, const UpdateInfo &info);
 
-/// What is said when the server gives another answer than the package.
-QString refusalText(const HttpReply &reply);
-
 /// Downloads the announced package into the private cache, checks it, and has it installed with an administrator's
 /// rights. What was checked once is checked again at the next step, because the cache belongs to the user.
 class UpdateInstall {
@@ -49,7 +46,6 @@ private:
     void runInstaller(const UpdateInfo &info);
     void installed(const ProgramResult &result, const UpdateInfo &info);
     void refuseModified(const UpdateInfo &info);
-    void updateFailed(const QString &text, const QString &link = {});
     void end(const Notice &notice);
 
     UpdateState &update;

@@ -5,6 +5,7 @@
 #include "update/sha256.h"
 #include "update/signature.h"
 #include "update/update_install.h"
+#include "update/update_notices.h"
 
 using namespace Qt::StringLiterals;
 
@@ -155,12 +156,12 @@ TEST(InstallScript, ItsOutcomeIsReadFromStatusAndErrorText) {
 TEST(Download, ARefusalIsWordedByItsStatusOrTheServersShortSentence) {
     const QString busy = u"The server is busy. Try again later or download it from the website."_s;
     const QString failed = u"The download failed. Try again later."_s;
-    EXPECT_EQ(refusalText({503, "anything"}), busy);
-    EXPECT_EQ(refusalText({429, ""}), busy);
-    EXPECT_EQ(refusalText({404, " No such package.\n"}), u"No such package."_s);
+    EXPECT_EQ(downloadRefusedNotice(503, "anything", {}).text, busy);
+    EXPECT_EQ(downloadRefusedNotice(429, "", {}).text, busy);
+    EXPECT_EQ(downloadRefusedNotice(404, " No such package.\n", {}).text, u"No such package."_s);
     for (const QByteArray &body :
          {QByteArray(), QByteArray("{\"error\":1}"), QByteArray("<html>"), QByteArray(81, 'x')})
-        EXPECT_EQ(refusalText({404, body}), failed) << body.constData();
+        EXPECT_EQ(downloadRefusedNotice(404, body, {}).text, failed) << body.constData();
 }
 
 } // namespace

@@ -3,8 +3,11 @@
 #include "platform/json_values.h"
 #include "simulator/gallery/gallery_case.h"
 #include "status/health.h"
+#include "status/startup_report.h"
 #include "ui/menu_view.h"
 #include "ui/menu_widget.h"
+#include "ui/notice_view.h"
+#include "ui/notice_window.h"
 
 #include <QJsonDocument>
 
@@ -25,30 +28,41 @@ struct Sample {
 
 constexpr Instant NOW = Instant(1h);
 
-std::shared_ptr<void> show(const Sample &sample) {
+/// Makes the situation of a sample and hands it over; it lives no longer.
+std::shared_ptr<void> in(const Sample &sample, std::shared_ptr<void> (*show)(const Situation &)) {
     Deployment deployment = builtDeployment();
     deployment.edition = QLatin1StringView(sample.edition);
     const FixedConfig config = makeFixedConfig(deployment, {});
     TrayState state;
     state.health.jobLoaded = true;
-    const auto answer = sample.health.isEmpty()
-                            ? std::nullopt
-                            : std::optional(QJsonDocument::fromJson(sample.health).object());
+    const auto answer =
+        sample.health.isEmpty() ? std::nullopt : std::optional(QJsonDocument::fromJson(sample.health).object());
     applyHealth(state, answer, {.now = NOW, .bound = sample.bound, .username = u"anna"_s});
     if (answer)
         state.permissions.permItems =
             jsonObjects(answer->value(u"perms").toObject().value(u"items")).value_or(QList<QJsonObject>());
     sample.then(state);
+    return show({.state = state,
+                 .config = config,
+                 .now = NOW,
+                 .bound = sample.bound,
+                 .plistExists = sample.plistExists,
+                 .server = config.DEFAULT_SERVER});
+}
+
+std::shared_ptr<void> showMenu(const Situation &situation) {
     auto menu = std::make_shared<MenuWidget>(MenuHost::Program, [](const MenuEntry &) {});
-    menu->apply(menuView({.state = state,
-                          .config = config,
-                          .now = NOW,
-                          .bound = sample.bound,
-                          .plistExists = sample.plistExists,
-                          .server = config.DEFAULT_SERVER}));
+    menu->apply(menuView(situation));
     menu->menu().setWindowFlags(Qt::ToolTip); // a popup would grab keyboard and mouse
     menu->menu().show();
     return menu;
+}
+
+std::shared_ptr<void> showStartupNotice(const Situation &situation) {
+    auto window = std::make_shared<NoticeWindow>();
+    if (const auto notice = startupNotice(situation))
+        window->show(NoticeView{.text = notice->text, .error = notice->error}, {});
+    return window;
 }
 
 QByteArray online(const QByteArray &more = {}) {
@@ -83,13 +97,12 @@ QList<Sample> statusSamples() {
         {"cannot-connect", R"({"ok":true,"account":"anna"})",
          [](TrayState &s) { s.health.connectingSince = NOW - 61s; }},
         {"signed-out", R"({"ok":true,"account":"anna","authDead":true})"},
-        {"account-deleted", R"({"ok":true,"account":"anna","authDead":true,"accountGone":true})",
-         [](TrayState &) {}, true, true, "intl"},
+        {"account-deleted", R"({"ok":true,"account":"anna","authDead":true,"accountGone":true})", [](TrayState &) {},
+         true, true, "intl"},
         {"update-available", online(), [update](TrayState &s) { s.update.updateAvail = update; }},
         {"downloading", online(),
          [update](TrayState &s) { s.update = {.updateAvail = update, .updateBusy = true, .updatePct = 42}; }},
-        {"installing", online(),
-         [update](TrayState &s) { s.update = {.updateAvail = update, .updateBusy = true}; }},
+        {"installing", online(), [update](TrayState &s) { s.update = {.updateAvail = update, .updateBusy = true}; }},
         {"long-account", R"({"ok":true,"online":true,"account":")" + longName().toUtf8() + "\"}"},
         {"right-to-left-account", R"({"ok":true,"online":true,"account":")" + rightToLeftName().toUtf8() + "\"}"},
     };
@@ -97,9 +110,10 @@ QList<Sample> statusSamples() {
 
 QList<Sample> encryptionSamples() {
     const auto waiting = [](const QString &name) {
-        return encryption(R"({"state":"active","relay":"ok","asr":{"ready":true},"pending":[{"pendingId":"1","name":")" +
-                              name.toUtf8() + R"(","platform":"ios"}]})",
-                          true);
+        return encryption(
+            R"({"state":"active","relay":"ok","asr":{"ready":true},"pending":[{"pendingId":"1","name":")" +
+                name.toUtf8() + R"(","platform":"ios"}]})",
+            true);
     };
     return {
         {"encrypted", encryption(R"({"state":"active","relay":"ok"})", true)},
@@ -138,13 +152,18 @@ QList<Sample> permissionSamples() {
 
 } // namespace
 
-QList<Case> menuCases() {
+QList<Case> situationCases() {
     QList<Case> cases;
-    for (const auto &[group, samples] : {std::pair(u"Menu"_s, statusSamples()),
-                                         std::pair(u"Menu with encryption"_s, encryptionSamples()),
-                                         std::pair(u"Menu with permissions"_s, permissionSamples())})
+    const auto append = [&cases](const QString &group, const QList<Sample> &samples, auto *show) {
         for (const Sample &sample : samples)
-            cases.append({group, QLatin1StringView(sample.name), [sample] { return show(sample); }});
+            cases.append({group, QLatin1StringView(sample.name), [sample, show] { return in(sample, show); }});
+    };
+    append(u"Menu"_s, statusSamples(), showMenu);
+    append(u"Menu with encryption"_s, encryptionSamples(), showMenu);
+    append(u"Menu with permissions"_s, permissionSamples(), showMenu);
+    QList<Sample> starts = statusSamples();
+    starts.removeIf([](const Sample &s) { return s.health.contains("authDead"); }); // another notice tells that
+    append(u"Notices at start"_s, starts, showStartupNotice);
     return cases;
 }
 
