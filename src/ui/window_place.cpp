@@ -8,16 +8,22 @@
 
 namespace korvel {
 
-void centreOnScreen(QWidget &window) {
+QRect roomForWindows() {
     const QScreen *screen = QGuiApplication::screenAt(QCursor::pos());
     if (!screen)
         screen = QGuiApplication::primaryScreen();
-    if (screen)
-        window.move(screen->availableGeometry().center() - window.rect().center());
+    return screen ? screen->availableGeometry() : QRect(0, 0, 800, 600);
+}
+
+void centreOnScreen(QWidget &window) {
+    window.move(roomForWindows().center() - window.rect().center());
 }
 
 void fitHeight(QWidget &window, int width) {
     QLayout &layout = *window.layout();
+    for (QWidget *part : window.findChildren<QWidget *>())
+        if (part->layout())
+            part->updateGeometry(); // by itself it would tell only later that a text in it has changed
     layout.activate();
     const int height = layout.hasHeightForWidth() ? layout.heightForWidth(width) : layout.sizeHint().height();
     window.setFixedSize(width, height);
