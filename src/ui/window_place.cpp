@@ -5,6 +5,7 @@
 #include <QLayout>
 #include <QScreen>
 #include <QWidget>
+#include <algorithm>
 
 namespace korvel {
 
@@ -16,7 +17,10 @@ QRect roomForWindows() {
 }
 
 void centreOnScreen(QWidget &window) {
-    window.move(roomForWindows().center() - window.rect().center());
+    const QRect room = roomForWindows();
+    QRect place(QPoint(), window.frameSize()); // without the frame where it was never shown
+    place.moveCenter(room.center());
+    window.move(std::max(place.left(), room.left()), std::max(place.top(), room.top()));
 }
 
 void fitHeight(QWidget &window, int width) {

@@ -45,6 +45,19 @@ TEST(LongText, AnAlertKeepsItsButtonsOnTheScreen) {
     EXPECT_EQ(button, usual);
 }
 
+TEST(WindowPlace, IsTheMiddleOfTheScreenAndNeverOverItsUpperLeftEdge) {
+    const QRect room = roomForWindows();
+    QWidget window;
+    window.resize(300, 200);
+    window.show(); // the second time the frame is known
+    window.hide();
+    centreOnScreen(window);
+    EXPECT_LE((window.frameGeometry().center() - room.center()).manhattanLength(), 2);
+    window.resize(room.size() * 2);
+    centreOnScreen(window);
+    EXPECT_EQ(window.pos(), room.topLeft());
+}
+
 TEST(LongText, ANameFromRightToLeftLeavesTheOrderOfItsSentence) {
     const struct {
         QString text, shown;
