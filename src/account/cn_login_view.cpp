@@ -7,8 +7,6 @@ namespace korvel {
 
 namespace {
 
-constexpr qsizetype LONGEST_LINE = 300;
-
 QString titleOf(const CnLoginForm &form) {
     switch (form.page) {
     case Page::Register:

@@ -8,15 +8,13 @@
 namespace korvel {
 
 namespace {
-constexpr qsizetype LONGEST_ERROR = 300;
-
 enum Field { Account, Password, Server };
 } // namespace
 
 AlertView loginAlert(const LoginAttempt &attempt, bool isBound, const QString &serverInUse) {
     AlertView view{.title = isBound ? L(u"重新登录 Korvel", u"Sign In to Korvel Again")
                                     : L(u"登录 Korvel", u"Sign In to Korvel"),
-                   .text = singleLine(attempt.error.value_or(QString()), LONGEST_ERROR),
+                   .text = singleLine(attempt.error.value_or(QString()), LONGEST_LINE),
                    .warning = false,
                    .buttons = {L(u"登录", u"Sign In"), L(u"取消", u"Cancel")},
                    .escape = 1,

@@ -3,6 +3,7 @@
 #include "app/wording.h"
 #include "e2ee/e2ee_notices.h"
 #include "e2ee/requests.h"
+#include "platform/plain_text.h"
 
 namespace korvel {
 
@@ -78,7 +79,7 @@ void Pairing::renewed(const std::optional<QJsonObject> &reply) {
     pairing.pairRenewing = false;
     updatePairWindow();
     if (!replyOk(reply) && window.isVisible()) {
-        shown.error = errText(reply);
+        shown.error = singleLine(errText(reply), LONGEST_LINE);
         window.apply(shown);
     }
     hooks.poll();

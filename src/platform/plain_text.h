@@ -8,4 +8,11 @@ namespace korvel {
 /// characters is cut and ends in "…".
 QString singleLine(const QString &text, qsizetype maxLength = 1000);
 
+/// How long a sentence from outside may be, in characters, where a window shows it.
+constexpr qsizetype LONGEST_LINE = 300;
+
+/// `text` for the screen: words in a script from right to left are isolated and marks that change the direction left
+/// out, so that the sentence around a name keeps its order.
+QString keepOrder(const QString &text);
+
 } // namespace korvel

@@ -11,6 +11,8 @@
 #include <QLineEdit>
 #include <QPainter>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 
 namespace korvel {
 
@@ -19,7 +21,8 @@ namespace {
 constexpr int TEXT_WIDTH = 368;
 constexpr int SYMBOL_SIZE = 40;
 constexpr QSize FIELD_SIZE(280, 24);
-constexpr int BUTTON_MARGINS = 32; // left and right together; some styles leave a long title hardly any
+constexpr int ROOM_BESIDES_TEXT = 290; // title bar, margins, as many fields as there are, buttons
+constexpr int BUTTON_MARGINS = 32;     // left and right together; some styles leave a long title hardly any
 
 ToneLabel *paragraph(const QString &text, const QFont &font, Tone tone, QWidget *parent) {
     auto *label = new ToneLabel(font, tone, parent);
@@ -28,6 +31,26 @@ ToneLabel *paragraph(const QString &text, const QFont &font, Tone tone, QWidget 
     label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     label->setFixedWidth(TEXT_WIDTH);
     return label;
+}
+
+/// What the alert says. It scrolls where it would push the buttons off the screen.
+QWidget *sentences(const AlertView &view, QWidget *parent) {
+    auto *all = new QWidget(parent);
+    auto *column = new QVBoxLayout(all);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(8);
+    column->addWidget(paragraph(view.title, uiFont(14, QFont::DemiBold), Tone::Normal, all));
+    if (!view.text.isEmpty())
+        column->addWidget(paragraph(view.text, uiFont(13), Tone::Normal, all));
+    fitHeight(*all, TEXT_WIDTH);
+    const int highest = roomForWindows().height() - ROOM_BESIDES_TEXT;
+    if (all->height() <= highest)
+        return all;
+    auto *scroller = new QScrollArea(parent);
+    scroller->setFrameShape(QFrame::NoFrame);
+    scroller->setWidget(all);
+    scroller->setFixedSize(TEXT_WIDTH + scroller->verticalScrollBar()->sizeHint().width(), highest);
+    return scroller;
 }
 
 /// A triangle with an exclamation mark, sharp at every scale and clear on light and dark.
@@ -67,9 +90,7 @@ AlertDialog::AlertDialog(const AlertView &v, std::function<void(const AlertAnswe
     setAccessibleDescription(view.title);
     auto *text = new QVBoxLayout;
     text->setSpacing(8);
-    text->addWidget(paragraph(view.title, uiFont(14, QFont::DemiBold), Tone::Normal, this));
-    if (!view.text.isEmpty())
-        text->addWidget(paragraph(view.text, uiFont(13), Tone::Normal, this));
+    text->addWidget(sentences(view, this));
     for (const AlertField &field : view.fields)
         addField(field, *text);
     text->addSpacing(10);

@@ -1,5 +1,6 @@
 #include "ui/menu_widget.h"
 
+#include "platform/plain_text.h"
 #include "ui/tool_tip.h"
 
 #include <QPalette>
@@ -30,7 +31,7 @@ QPalette readablePalette(QPalette palette) {
 } // namespace
 
 QString actionText(const QString &title, MenuHost host) {
-    QString text = title;
+    QString text = keepOrder(title);
     if (host == MenuHost::Program)
         return text.replace(u'&', QStringLiteral("&&"));
     // Qt turns the first "&" of an exported title into the mnemonic mark "_" and leaves the others alone.

@@ -1,10 +1,10 @@
 #include "ui/notice_window.h"
 
 #include "ui/notice_view.h"
+#include "ui/text_styles.h"
 
 #include <QAccessible>
 #include <QGuiApplication>
-#include <QLabel>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScreen>
@@ -18,11 +18,11 @@ QColor colour(double r, double g, double b, double a = 1) {
     return QColor::fromRgbF(static_cast<float>(r), static_cast<float>(g), static_cast<float>(b), static_cast<float>(a));
 }
 
-QFont noticeFont() {
-    QFont font = QGuiApplication::font();
-    font.setPixelSize(13);
-    font.setWeight(QFont::DemiBold);
-    return font;
+QPalette noticePalette() {
+    QPalette palette;
+    palette.setColor(QPalette::Window, colour(0.129, 0.145, 0.169, 0.96));
+    palette.setColor(QPalette::WindowText, colour(0.9, 0.91, 0.93));
+    return palette;
 }
 
 } // namespace
@@ -31,20 +31,17 @@ class NoticeWindow::HUDView final : public QWidget {
 public:
     HUDView()
         : QWidget(nullptr,
-                  Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus),
-          label(new QLabel(this)) {
+                  Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus) {
         setAttribute(Qt::WA_ShowWithoutActivating);
         setAttribute(Qt::WA_TranslucentBackground);
         setAttribute(Qt::WA_X11NetWmWindowTypeNotification);
         setAttribute(Qt::WA_MacAlwaysShowToolWindow); // also while another application is active
         setAttribute(Qt::WA_QuitOnClose, false);
         setFocusPolicy(Qt::NoFocus);
-        label->setTextFormat(Qt::PlainText);
+        setPalette(noticePalette());
+        label = new ToneLabel(uiFont(13, QFont::DemiBold), Tone::Normal, this);
         label->setWordWrap(true);
-        label->setFont(noticeFont());
-        QPalette palette = label->palette();
-        palette.setColor(QPalette::WindowText, colour(0.9, 0.91, 0.93));
-        label->setPalette(palette);
+        label->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     }
 
     void present(const NoticeView &view, std::function<void()> clicked) {
@@ -54,8 +51,8 @@ public:
         setAccessibleName(view.text);
         setWindowTitle(view.text); // never seen, but window lists and screen readers know it
         const QScreen *screen = QGuiApplication::primaryScreen();
-        const NoticeLayout layout =
-            noticeLayout(textSize(), screen ? screen->availableGeometry() : QRect(0, 0, 800, 600));
+        const NoticeLayout layout = noticeLayout(label->wrappedSize(NoticeLayout::MAX_TEXT_WIDTH),
+                                                 screen ? screen->availableGeometry() : QRect(0, 0, 800, 600));
         label->setGeometry(layout.label);
         setGeometry(layout.panel);
         update();
@@ -75,21 +72,13 @@ protected:
     void paintEvent(QPaintEvent *) override {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
-        painter.setBrush(colour(0.129, 0.145, 0.169, 0.96));
+        painter.setBrush(palette().color(QPalette::Window));
         painter.setPen(QPen(error ? colour(0.88, 0.32, 0.30) : colour(0.23, 0.25, 0.28), 1));
         painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 8, 8);
     }
 
 private:
-    QSize textSize() const {
-        const QRect box(0, 0, NoticeLayout::MAX_TEXT_WIDTH, NoticeLayout::MAX_TEXT_HEIGHT);
-        const QSize size = label->fontMetrics().boundingRect(box, Qt::TextWordWrap, label->text()).size();
-        // One point more: a label wraps text that fits to the pixel.
-        const int width = std::min(size.width() + 1, NoticeLayout::MAX_TEXT_WIDTH);
-        return {width, std::max(size.height(), label->heightForWidth(width))};
-    }
-
-    QLabel *label;
+    ToneLabel *label = nullptr;
     std::function<void()> onClick;
     bool error = false;
 };

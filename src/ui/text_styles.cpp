@@ -1,8 +1,12 @@
 #include "ui/text_styles.h"
 
+#include "platform/plain_text.h"
+
 #include <QEvent>
 #include <QFontDatabase>
 #include <QGuiApplication>
+#include <QPainter>
+#include <QTextLayout>
 #include <algorithm>
 #include <cmath>
 
@@ -27,6 +31,9 @@ double luminance(const QColor &colour) {
 }
 
 constexpr double READABLE = 4.5;
+
+/// As a text layout takes it: it knows one line break only.
+QString lines(const QString &text) { return keepOrder(text).replace(u'\n', QChar::LineSeparator); }
 
 } // namespace
 
@@ -101,6 +108,42 @@ void ToneLabel::setTone(Tone t) {
 void ToneLabel::setTextOrHide(const QString &text) {
     setText(text);
     setVisible(!text.isEmpty());
+}
+
+QRectF ToneLabel::layOut(QTextLayout &layout, int width) const {
+    QTextOption option(alignment());
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    option.setTextDirection(Qt::LeftToRight); // that of both languages, whatever script a text begins with
+    layout.setTextOption(option);
+    QRectF used;
+    layout.beginLayout();
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+        line.setLineWidth(width);
+        line.setPosition({0, used.height()});
+        used |= line.naturalTextRect();
+    }
+    layout.endLayout();
+    return used;
+}
+
+QSize ToneLabel::wrappedSize(int width) const {
+    QTextLayout layout(lines(text()), font(), this);
+    const QRectF used = layOut(layout, width);
+    return {qCeil(used.width()), qCeil(used.height())};
+}
+
+int ToneLabel::heightForWidth(int width) const {
+    return wordWrap() ? wrappedSize(width).height() : QLabel::heightForWidth(width);
+}
+
+void ToneLabel::paintEvent(QPaintEvent *event) {
+    if (!wordWrap())
+        return QLabel::paintEvent(event);
+    QTextLayout layout(lines(text()), font(), this);
+    const double spare = height() - layOut(layout, width()).height();
+    QPainter painter(this);
+    painter.setPen(palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled, QPalette::WindowText));
+    layout.draw(&painter, {0, alignment() & Qt::AlignVCenter ? std::max(0.0, spare / 2) : 0});
 }
 
 void ToneLabel::changeEvent(QEvent *event) {

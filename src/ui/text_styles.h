@@ -4,6 +4,8 @@
 #include <QLabel>
 #include <QPalette>
 
+class QTextLayout;
+
 namespace korvel {
 
 /// The system's font at a size in points (device-independent pixels).
@@ -28,19 +30,26 @@ QPalette readableColours(const QPalette &palette);
 /// The ratio of contrast between two colours (WCAG 2.1), 1 to 21.
 double contrastRatio(const QColor &a, const QColor &b);
 
-/// A centred label of plain text whose colour follows its tone in light and dark appearance.
+/// A centred label of plain text whose colour follows its tone in light and dark appearance. With word wrap it breaks
+/// inside a word where there is no other way, and a name in a script from right to left does not turn its sentence
+/// round.
 class ToneLabel : public QLabel {
 public:
     ToneLabel(QFont font, Tone tone, QWidget *parent = nullptr);
     void setTone(Tone tone);
     /// Shows `text`, and nothing at all when it is empty.
     void setTextOrHide(const QString &text);
+    /// What the text needs when its lines are at most `width` wide.
+    QSize wrappedSize(int width) const;
+    int heightForWidth(int width) const override;
 
 protected:
+    void paintEvent(QPaintEvent *event) override;
     void changeEvent(QEvent *event) override;
 
 private:
     void paintTone();
+    QRectF layOut(QTextLayout &layout, int width) const;
     Tone tone;
     bool painting = false;
 };

@@ -1,10 +1,15 @@
 #pragma once
 
+#include <QRect>
+
 class QWidget;
 
 namespace korvel {
 
-/// Puts a window that is not yet shown in the middle of the screen that the pointer is on.
+/// The room for windows on the screen that the pointer is on.
+QRect roomForWindows();
+
+/// Puts a window that is not yet shown in the middle of that room, and never over its upper or left edge.
 void centreOnScreen(QWidget &window);
 
 /// Fixes the window's size: `width` points wide, as high as what it shows needs.

@@ -293,6 +293,15 @@ TEST_F(CnLoginWindowTest, WhatIsTypedStaysWhileTheWindowChangesAroundIt) {
     panel.apply(cnLoginView(form));
     EXPECT_EQ(fields.first()->cursorPosition(), 2);
     EXPECT_EQ(window.height(), height); // an error makes nothing jump
+    for (const auto &[length, isHigher] : {std::pair{90, true}, std::pair{190, true}, std::pair{9, false}}) {
+        form.error = QString(length, u'W');
+        panel.apply(cnLoginView(form));
+        const auto labels = window.findChildren<ToneLabel *>();
+        const auto error = std::ranges::find(labels, form.error, &QLabel::text);
+        ASSERT_NE(error, labels.end());
+        EXPECT_EQ(window.height() > height, isHigher);
+        EXPECT_EQ((*error)->wrappedSize((*error)->width()).height(), (*error)->height());
+    }
 }
 
 TEST_F(CnLoginWindowTest, WhoAskedForACodeTypesItNext) {

@@ -1,0 +1,76 @@
+#include "platform/plain_text.h"
+#include "ui/alert_window.h"
+#include "ui/text_styles.h"
+#include "ui/window_place.h"
+
+#include <QPushButton>
+
+using namespace Qt::StringLiterals;
+
+namespace korvel::test {
+namespace {
+
+TEST(LongText, ANameWithoutABlankIsBrokenAndNothingOfItLost) {
+    ToneLabel label(uiFont(13), Tone::Normal);
+    label.setWordWrap(true);
+    const int line = label.wrappedSize(300).height();
+    for (const QString &name : {QString(200, u'W'), u"محمد"_s.repeated(50), u"👩‍💻"_s.repeated(60)}) {
+        label.setText(u"Denied "_s + name + u" for good"_s);
+        const QSize size = label.wrappedSize(300);
+        EXPECT_LE(size.width(), 300);
+        EXPECT_GE(size.height(), 3 * line);
+        EXPECT_EQ(label.heightForWidth(300), size.height());
+    }
+}
+
+TEST(LongText, AnAlertKeepsItsButtonsOnTheScreen) {
+    AlertWindow alerts;
+    const auto sizeWith = [&](const QString &name, QSize &button) {
+        AlertDialog dialog({.title = name,
+                            .text = name,
+                            .buttons = {u"Allow"_s, u"Deny"_s, u"Later"_s},
+                            .fields = {{}, {}, {.kind = AlertField::Kind::Address}}},
+                           [](const AlertAnswer &) {});
+        dialog.adjustSize();
+        const QPushButton &last = *dialog.buttons().last();
+        EXPECT_TRUE(dialog.rect().contains({last.mapTo(&dialog, QPoint()), last.size()}));
+        button = last.size();
+        return dialog.size();
+    };
+    QSize usual, button;
+    const QSize small = sizeWith(u"Anna's phone"_s, usual);
+    const QSize large = sizeWith(QString(1000, u'W'), button);
+    EXPECT_LE(large.height(), roomForWindows().height());
+    EXPECT_LE(large.width(), small.width() + 30); // a scroll bar
+    EXPECT_EQ(button, usual);
+}
+
+TEST(WindowPlace, IsTheMiddleOfTheScreenAndNeverOverItsUpperLeftEdge) {
+    const QRect room = roomForWindows();
+    QWidget window;
+    window.resize(300, 200);
+    window.show(); // the second time the frame is known
+    window.hide();
+    centreOnScreen(window);
+    EXPECT_LE((window.frameGeometry().center() - room.center()).manhattanLength(), 2);
+    window.resize(room.size() * 2);
+    centreOnScreen(window);
+    EXPECT_EQ(window.pos(), room.topLeft());
+}
+
+TEST(LongText, ANameFromRightToLeftLeavesTheOrderOfItsSentence) {
+    const struct {
+        QString text, shown;
+    } cases[] = {
+        {u"Denied Anna. 2 · 3"_s, u"Denied Anna. 2 · 3"_s},
+        {u"● של אנה 2 · 1 session"_s, u"● \u2068של אנה 2\u2069 · 1 session"_s},
+        {u"A של, אנה\n"_s, u"A \u2068של\u2069, \u2068אנה\u2069\n"_s},
+        {u"Denied \u202egnp. If"_s, u"Denied gnp. If"_s}, // would turn the rest of the sentence round
+        {u"𞤀𞤣 😀"_s, u"\u2068𞤀𞤣\u2069 😀"_s},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(keepOrder(c.text), c.shown) << c.text.toStdString();
+}
+
+} // namespace
+} // namespace korvel::test
