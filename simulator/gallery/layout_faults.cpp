@@ -1,6 +1,9 @@
 #include "simulator/gallery/layout_faults.h"
 
+#include "ui/text_styles.h"
+
 #include <QAbstractButton>
+#include <QAbstractScrollArea>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -44,13 +47,17 @@ QString named(const QWidget &control) {
 
 /// The part of a control that can be seen: what a scroll area hides is reached by scrolling.
 QRect placeIn(const QWidget &window, const QWidget &control) {
-    return {control.mapTo(&window, QPoint()), control.size()};
+    QRect place(control.mapTo(&window, QPoint()), control.size());
+    for (const QWidget *holder = control.parentWidget(); holder && holder != &window; holder = holder->parentWidget())
+        if (qobject_cast<const QAbstractScrollArea *>(holder))
+            place &= QRect(holder->mapTo(&window, QPoint()), holder->size());
+    return place;
 }
 
 /// The size that a control needs for all of its text; as wide as it is where its text wraps.
 QSize neededSize(const QWidget &control) {
-    if (const auto *label = qobject_cast<const QLabel *>(&control); label && label->wordWrap())
-        return {label->minimumSizeHint().width(), label->heightForWidth(label->width())};
+    if (const auto *label = dynamic_cast<const ToneLabel *>(&control); label && label->wordWrap())
+        return label->wrappedSize(label->width());
     if (const auto *field = qobject_cast<const QLineEdit *>(&control)) {
         const QMargins margins = field->textMargins();
         const int frame = 2 * (field->style()->pixelMetric(QStyle::PM_DefaultFrameWidth, nullptr, field) + 2);
@@ -90,12 +97,12 @@ QStringList layoutFaults(const QWidget &window) {
         if (!window.rect().contains(place))
             faults.append(named(control) + u" leaves the window"_s);
         const QSize needed = neededSize(control);
-        if (needed.width() > place.width() || needed.height() > place.height())
+        if (needed.width() > control.width() || needed.height() > control.height())
             faults.append(u"%1 is cut off: it needs %2 x %3 and has %4 x %5"_s.arg(named(control))
                               .arg(needed.width())
                               .arg(needed.height())
-                              .arg(place.width())
-                              .arg(place.height()));
+                              .arg(control.width())
+                              .arg(control.height()));
         for (const QWidget *other : controls.mid(i + 1))
             if (place.intersects(placeIn(window, *other)))
                 faults.append(named(control) + u" overlaps "_s + named(*other));
