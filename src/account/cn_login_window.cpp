@@ -5,12 +5,12 @@
 #include "ui/main_button.h"
 #include "ui/secret_field.h"
 #include "ui/segmented_control.h"
+#include "ui/text_field.h"
 #include "ui/window_place.h"
 
 #include <QBoxLayout>
 #include <QCheckBox>
 #include <QKeyEvent>
-#include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
 
@@ -44,7 +44,7 @@ ToneLabel *message(Tone tone, QWidget *parent) {
 }
 
 QLineEdit *lineEdit(QLabel *label, QWidget *parent) {
-    auto *field = new QLineEdit(parent);
+    auto *field = new TextField(parent);
     field->setFont(uiFont(13));
     field->setFixedHeight(FIELD_HEIGHT);
     field->setTextMargins(5, 0, 5, 0);
@@ -93,7 +93,7 @@ CnLoginWindow::CnLoginWindow(std::function<void(const LoginInput &)> in)
     QSizePolicy keepsItsRoom = busyBar->sizePolicy();
     keepsItsRoom.setRetainSizeWhenHidden(true);
     busyBar->setSizePolicy(keepsItsRoom);
-    setPalette(readableColours(palette()));
+    keepReadable(*this);
     layOut();
     connectControls();
 }
@@ -222,7 +222,7 @@ void CnLoginWindow::applyField(QLabel *label, QLineEdit *field, const LoginField
 }
 
 void CnLoginWindow::setBusy(bool busy) {
-    for (QWidget *control : std::initializer_list<QWidget *>{tabs, agreeB, linkA, linkB, mainB})
+    for (QWidget *control : std::initializer_list<QWidget *>{tabs, agreeB, termsB, privacyB, linkA, linkB, mainB})
         control->setEnabled(!busy);
     busyBar->setVisible(busy);
 }
@@ -244,12 +244,6 @@ void CnLoginWindow::keyPressEvent(QKeyEvent *event) {
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
         return mainB->click();
     EscWindow::keyPressEvent(event);
-}
-
-void CnLoginWindow::changeEvent(QEvent *event) {
-    EscWindow::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange)
-        setPalette(readableColours(palette())); // the same again changes nothing
 }
 
 void CnLoginWindow::closeEvent(QCloseEvent *event) {

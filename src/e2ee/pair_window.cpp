@@ -32,6 +32,7 @@ PairWindow::PairWindow()
       pairBtn(new QPushButton(this)) {
     setWindowTitle(QStringLiteral("Korvel"));
     setAttribute(Qt::WA_QuitOnClose, false);
+    keepReadable(*this);
     pairCodeF->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     auto *buttons = new QHBoxLayout;
     buttons->setSpacing(10);

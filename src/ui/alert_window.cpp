@@ -4,11 +4,11 @@
 #include "ui/code_field.h"
 #include "ui/icon_image.h"
 #include "ui/secret_field.h"
+#include "ui/text_field.h"
 #include "ui/text_styles.h"
 #include "ui/window_place.h"
 
 #include <QBoxLayout>
-#include <QLineEdit>
 #include <QPainter>
 #include <QPushButton>
 #include <QScrollArea>
@@ -88,6 +88,7 @@ AlertDialog::AlertDialog(const AlertView &v, std::function<void(const AlertAnswe
     setAttribute(Qt::WA_QuitOnClose, false);
     setWindowTitle(QStringLiteral("Korvel"));
     setAccessibleDescription(view.title);
+    keepReadable(*this);
     auto *text = new QVBoxLayout;
     text->setSpacing(8);
     text->addWidget(sentences(view, this));
@@ -115,7 +116,8 @@ void AlertDialog::addField(const AlertField &field, QVBoxLayout &column) {
         inputs.append(new PairCodeField(this));
         inputs.last()->setAccessibleName(view.title);
     } else {
-        auto *line = new QLineEdit(field.text, this);
+        auto *line = new TextField(this);
+        line->setText(field.text);
         line->setFixedSize(FIELD_SIZE);
         line->setFont(field.kind == AlertField::Kind::Address ? codeFont(11) : uiFont(13));
         line->setAccessibleName(field.label);

@@ -9,7 +9,7 @@
 
 namespace korvel {
 
-PairCodeField::PairCodeField(QWidget *parent) : QLineEdit(parent) {
+PairCodeField::PairCodeField(QWidget *parent) : TextField(parent) {
     setFont(codeFont(24, QFont::DemiBold));
     setAlignment(Qt::AlignCenter);
     setPlaceholderText(QStringLiteral("000 000"));

@@ -1,13 +1,14 @@
 #pragma once
 
-#include <QLineEdit>
+#include "ui/text_field.h"
+
 #include <functional>
 
 namespace korvel {
 
 /// A field for a six-digit code: takes digits of any script, typed, pasted or from an input method, shows them in two
 /// groups and leaves the caret where the person has it.
-class PairCodeField : public QLineEdit {
+class PairCodeField : public TextField {
 public:
     explicit PairCodeField(QWidget *parent = nullptr);
     /// Whether it holds a whole code.

@@ -63,6 +63,25 @@ QPalette readableColours(const QPalette &palette) {
     return colours;
 }
 
+void keepReadable(QWidget &window) {
+    struct Keeper final : QObject {
+        using QObject::QObject;
+        bool eventFilter(QObject *watched, QEvent *event) override {
+            if (event->type() == QEvent::PaletteChange)
+                apply(static_cast<QWidget &>(*watched));
+            return false;
+        }
+        static void apply(QWidget &w) { w.setPalette(readableColours(w.palette())); } // the same again changes nothing
+    };
+    Keeper::apply(window);
+    window.installEventFilter(new Keeper(&window));
+}
+
+QColor edgeColour(const QPalette &palette) {
+    return mixed(palette.color(QPalette::Active, QPalette::WindowText),
+                 palette.color(QPalette::Active, QPalette::Window), 0.48);
+}
+
 QFont uiFont(int points, QFont::Weight weight) { return sized(QGuiApplication::font(), points, weight); }
 
 QFont codeFont(int points, QFont::Weight weight) {

@@ -26,6 +26,11 @@ QColor groundColour(Ground ground, const QPalette &palette);
 /// The colours of placeholders and of texts that cannot be used now, at least 4.5 to 1 against what they stand on: some
 /// systems leave them hardly visible. Sets nothing else.
 QPalette readableColours(const QPalette &palette);
+/// Gives a window these colours, now and after each change of its palette.
+void keepReadable(QWidget &window);
+
+/// The colour of a control's edge on the windows of `palette`; at least 3 to 1 against them (WCAG 2.1, 1.4.11).
+QColor edgeColour(const QPalette &palette);
 
 /// The ratio of contrast between two colours (WCAG 2.1), 1 to 21.
 double contrastRatio(const QColor &a, const QColor &b);
