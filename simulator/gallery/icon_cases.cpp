@@ -17,7 +17,7 @@ QWidget *strip(const QIcon &icon, const QColor &panel) {
     all->setAutoFillBackground(true);
     all->setPalette(QPalette(panel));
     auto *row = new QHBoxLayout(all);
-    for (const int size : {16, 22, 32, 48}) {
+    for (const int size : {16, 18, 22, 32}) {
         auto *label = new QLabel(all);
         label->setPixmap(icon.pixmap(QSize(size, size), all->devicePixelRatioF()));
         row->addWidget(label);

@@ -35,8 +35,7 @@ QPainterPath panelShape(const IconView &view) {
 QPixmap panelPixmap(const QPainterPath &shape, int size) {
     QPixmap pixmap(size, size);
     pixmap.fill(Qt::transparent);
-    QPainter painter(&pixmap);
-    painter.setRenderHint(QPainter::Antialiasing);
+    QPainter painter(&pixmap); // without antialiasing: every edge is straight, and falls on whole pixels then
     painter.scale(size / CANVAS, size / CANVAS);
     painter.fillPath(shape, ON_ANY_PANEL);
     return pixmap;
@@ -54,7 +53,7 @@ QPainterPath iconShape(bool on) {
 QIcon panelIcon(const IconView &view) {
     QIcon icon;
     const QPainterPath shape = panelShape(view);
-    for (const int size : {16, 18, 22, 24, 32, 36, 48, 54, 64})
+    for (const int size : {16, 18, 22, 24, 32, 36, 44, 48, 54, 64})
         icon.addPixmap(panelPixmap(shape, size));
     return icon;
 }
