@@ -49,7 +49,8 @@ void UpdateCheck::failed(const QString &text, bool manual) {
 }
 
 void UpdateCheck::found(const UpdateInfo &info, bool manual) {
-    if (!isNewer(info.ver, fixed.VERSION)) {
+    // Until what was installed takes over, nothing older than that may come after it either.
+    if (!isNewer(info.ver, fixed.VERSION) || !isNewer(info.ver, update.updatedTo)) {
         if (manual)
             hooks.showHUD(
                 {.text = L(u"✓ 已是最新版本（", u"✓ Korvel is up to date (") + fixed.VERSION + L(u"）", u")."),

@@ -180,6 +180,7 @@ void UpdateInstall::installed(const ProgramResult &result, const UpdateInfo &inf
     switch (installOutcome(result)) {
     case InstallOutcome::Installed:
         update.updateAvail.reset();
+        update.updatedTo = info.ver;
         QFile::remove(cached(info));
         end({.text = L(u"✓ 已更新到 ", u"✓ Updated to ") + info.ver, .secs = Seconds(3)});
         return hooks.poll();

@@ -161,6 +161,12 @@ TEST_F(UpdateTest, ADownloadShowsItsPercentAndIsInstalled) {
     EXPECT_EQ(notices.last(), u"✓ Updated to 2.0"_s);
     EXPECT_FALSE(update().updateAvail || update().updateBusy || update().updatePct);
     EXPECT_TRUE(http.last.url.endsWith(u"/health")); // a fresh poll
+    http.answer = [this](const HttpRequest &) { return json(manifest); };
+    for (const QString &noNewer : {u"1.9"_s, u"2.0"_s}) { // than what is installed by now, though than this program
+        offer(noNewer);
+        check();
+        EXPECT_FALSE(update().updateAvail) << noNewer.toStdString();
+    }
 }
 
 TEST_F(UpdateTest, ADownloadThatFailsLeavesNothingToTrustAndCanBeTriedAgain) {
