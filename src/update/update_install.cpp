@@ -74,7 +74,7 @@ void UpdateInstall::installUpdate() {
 
 void UpdateInstall::begin() {
     const UpdateInfo info = *update.updateAvail;
-    if (!prepareCache())
+    if (!prepareCache(info))
         return updateFailed(
             L(u"无法保存安装包，请检查磁盘空间", u"Couldn't save the installer. Check your disk space."));
     if (!QFile::exists(cached(info)))
@@ -82,12 +82,13 @@ void UpdateInstall::begin() {
     installPkg(info);
 }
 
-bool UpdateInstall::prepareCache() const {
+bool UpdateInstall::prepareCache(const UpdateInfo &info) const {
     if (!makePrivateFolder(paths.updateDir) || !closeFolder(paths.updateDir))
         return false;
-    // What an interrupted download left; it is never gone on with.
-    for (const QString &left : QDir(paths.updateDir).entryList({u'*' + UNFINISHED}, QDir::Files))
-        QFile::remove(paths.updateDir + u'/' + left);
+    // What an interrupted download left, which is never gone on with, and packages that another one has replaced.
+    for (const QString &left : QDir(paths.updateDir).entryList(QDir::Files | QDir::Hidden | QDir::System))
+        if (left != info.file)
+            QFile::remove(paths.updateDir + u'/' + left);
     return true;
 }
 

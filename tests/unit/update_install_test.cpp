@@ -105,7 +105,8 @@ TEST_F(UpdateTest, OnlyACheckThatTheUserAskedForSpeaksOfFailures) {
         EXPECT_TRUE(notices.shown.back().error);
         EXPECT_EQ(update().updateCheckedAt, scheduler.now());
         notices.shown.clear();
-        scheduler.advance(6h); // the automatic check
+        scheduler.advance(61min);
+        item.events.menuOpening(); // the automatic check
         EXPECT_TRUE(notices.shown.empty());
     }
     EXPECT_FALSE(update().updateAvail);
@@ -204,6 +205,7 @@ TEST_F(UpdateTest, ACachedPackageIsUsedWhenItIsTheRightOneOnly) {
     check();
     home.write(cache, QByteArray(PACKAGE).replace("2.0", "6.6"));
     home.write(cache + u".part"_s, "left by a crash");
+    home.write(home.paths.updateDir + u"/Korvel-1.9-cn.pkg"_s, "never installed");
     item.choose(Action::InstallUpdate);
     expectRefused(u"The installer was incomplete or modified and has been deleted. Try again later."_s);
     EXPECT_TRUE(QDir(home.paths.updateDir).isEmpty());
