@@ -66,6 +66,20 @@ void Journey::installAndSignIn() {
     ASSERT_TRUE(home.installJobFile());
 }
 
+QJsonObject Journey::cfg() const {
+    QFile file(home.configPath());
+    return file.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(file.readAll()).object() : QJsonObject();
+}
+
+void Journey::configure(const QString &key, const QString &value) {
+    QJsonObject changed = cfg();
+    changed[key] = value;
+    QDir().mkpath(QFileInfo(home.configPath()).path());
+    QFile file(home.configPath());
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(QJsonDocument(changed).toJson());
+}
+
 TrayPorts Journey::ports(HttpClient &client) {
     return {scheduler, client, programs,  services,   desktop, item,
             notices,   alerts, pairPanel, loginPanel, bundle,  home.agentProgram()};

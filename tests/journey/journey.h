@@ -62,6 +62,10 @@ struct Journey : ::testing::Test {
     void assembleBundle();
     /// A signed-in Mac with the agent installed but not loaded.
     void installAndSignIn();
+    /// The agent's configuration.
+    QJsonObject cfg() const;
+    /// Changes one key of it.
+    void configure(const QString &key, const QString &value);
     /// Everything that a TrayApp runs on, with `client` for its requests.
     TrayPorts ports(HttpClient &client);
     void launch();

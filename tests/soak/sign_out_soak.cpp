@@ -1,7 +1,6 @@
 #include "journey/journey.h"
 
 #include <QElapsedTimer>
-#include <QFile>
 
 using namespace Qt::StringLiterals;
 
@@ -16,13 +15,7 @@ struct SignOutSoak : Journey {
 TEST_F(SignOutSoak, EndsWithinItsLimitsWhenTheAgentTheServerAndTheServiceManagerHang) {
     ASSERT_TRUE(home.startAccountServer());
     installAndSignIn();
-    QFile config(home.configPath());
-    ASSERT_TRUE(config.open(QIODevice::ReadWrite));
-    QJsonObject cfg = QJsonDocument::fromJson(config.readAll()).object();
-    cfg[u"server"_s] = home.accountServer();
-    config.resize(0);
-    config.write(QJsonDocument(cfg).toJson());
-    config.close();
+    configure(u"server"_s, home.accountServer());
     launch();
     ASSERT_TRUE(showsSoon(u"● Connected · ann · 0 sessions"_s));
     const QJsonObject silent{{u"mode"_s, u"silent"_s}};
