@@ -41,12 +41,7 @@ struct AccountJourney : Journey {
         ASSERT_TRUE(home.phone().typeRight());
         ASSERT_TRUE(eventually([&] { return !pairPanel.visible; }));
     }
-    int unbindings() const {
-        int count = 0;
-        for (const QJsonObject &request : home.serverRequests())
-            count += request.value(u"path") == u"/v1/agents/unbind"_s;
-        return count;
-    }
+    int unbindings() const { return serverRequestsTo(u"/v1/agents/unbind"_s); }
 };
 
 TEST_F(AccountJourney, TheWholeRoadFromSignedOutToPairedAndBack) {

@@ -72,6 +72,8 @@ struct Journey : ::testing::Test {
     bool showsSoon(const QString &statusLine);
     /// Requests to a path that the agent has received.
     int requestsTo(const QString &path) const;
+    /// Requests to a path that the account server has received.
+    int serverRequestsTo(const QString &path) const;
     /// Calls of launchctl with this subcommand.
     int launchctlCalls(const QString &subcommand) const;
 };

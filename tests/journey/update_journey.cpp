@@ -14,6 +14,8 @@ void UpdateJourney::SetUp() {
     configure(u"server"_s, home.accountServer());
     launch();
     ASSERT_TRUE(showsSoon(u"● Connected · ann · 0 sessions"_s));
+    // The start's own report comes by itself; after it, each notice is the answer to a choice.
+    ASSERT_TRUE(eventually([&] { return notices.last().startsWith(u"● Connected"_s); }));
 }
 
 void UpdateJourney::offer(const QString &version, const QJsonObject &patch) {

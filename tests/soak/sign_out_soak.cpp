@@ -30,7 +30,7 @@ TEST_F(SignOutSoak, EndsWithinItsLimitsWhenTheAgentTheServerAndTheServiceManager
     // The agent has 30 s, the server 15 s, the service manager 10 s.
     EXPECT_NEAR(static_cast<double>(clock.elapsed()) / 1000, 55, 3);
     EXPECT_EQ(item.statusLine(), u"Not signed in"_s);
-    EXPECT_EQ(home.serverRequests().size(), 1);
+    EXPECT_EQ(serverRequestsTo(u"/v1/agents/unbind"_s), 1);
 }
 
 } // namespace
