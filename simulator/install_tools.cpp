@@ -66,6 +66,8 @@ ProgramResult xattr(const ProgramCall &call) {
 ProgramResult cp(const ProgramCall &call) {
     if (call.arguments.size() != 2)
         return {64, {}, u"usage: cp SOURCE TARGET\n"_s};
+    if (const auto fault = toolFault(call.paths, "install"_L1, u"cp"_s))
+        return *fault;
     const QString moment = Scenario::read(call.paths).section("install"_L1).value("swapBefore"_L1).toString();
     if (moment == "copy"_L1)
         replaceFile(call.arguments[0], SWAPPED_PACKAGE);

@@ -30,15 +30,6 @@ QString expectLine(Tour &tour, const QString &line, std::chrono::milliseconds wi
     return tour.waitForLine(line, within) ? QString() : u"the line reads "_s + tour.statusLine();
 }
 
-// The title of an entry that begins so; empty while there is none.
-QString entryThatBegins(Tour &tour, const QString &beginning) {
-    for (const PanelMenuEntry &entry : tour.panel().menu()) {
-        if (entry.title.startsWith(beginning))
-            return entry.title;
-    }
-    return {};
-}
-
 // Waits until the menu has so many permissions with that mark, and no others.
 QString expectMarks(Tour &tour, const QString &mark, int count) {
     const QStringList marks{u"✓ "_s, u"⚠ "_s, u"? "_s};

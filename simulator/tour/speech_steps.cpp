@@ -15,15 +15,6 @@ namespace {
 
 constexpr int DOWNLOAD_TAKES_MS = 10000;
 
-// The title of the entry that begins so; empty while there is none.
-QString entryThatBegins(Tour &tour, const QString &beginning) {
-    for (const PanelMenuEntry &entry : tour.panel().menu()) {
-        if (entry.title.startsWith(beginning))
-            return entry.title;
-    }
-    return {};
-}
-
 QString install(Tour &tour) {
     tour.home().changeScenario({{u"e2ee"_s, QJsonObject{{u"asrMs"_s, DOWNLOAD_TAKES_MS}}}});
     const QString entry = tour.say(u"安装语音识别（约 180 MB）…"_s, u"Install Speech Recognition (180 MB)…"_s);

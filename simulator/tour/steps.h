@@ -38,6 +38,8 @@ QList<Step> signInSteps();
 QList<Step> keyboardSteps();
 // Permissions are missing, asked for and granted by hand; a broken installation is repaired.
 QList<Step> permissionSteps();
+// An update is announced, downloaded and installed.
+QList<Step> updateSteps();
 // It is quit from the menu.
 QList<Step> quitSteps();
 

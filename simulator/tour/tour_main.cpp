@@ -75,7 +75,7 @@ QList<Step> stepsOf(bool windowsOnly) {
     if (windowsOnly)
         return launchSteps() + windows + signInSteps() + quitSteps();
     return launchSteps() + menuSteps() + windows + speechSteps() + outageSteps() + syncSteps() + signInSteps() +
-           keyboardSteps() + permissionSteps() + quitSteps();
+           keyboardSteps() + permissionSteps() + updateSteps() + quitSteps();
 }
 
 int run(int argc, char **argv) {

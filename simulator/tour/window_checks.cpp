@@ -77,6 +77,14 @@ QString expectEntry(Tour &tour, const QString &title, bool there) {
                : (there ? u"the menu does not offer "_s : u"the menu still offers "_s) + title;
 }
 
+QString entryThatBegins(Tour &tour, const QString &beginning) {
+    for (const PanelMenuEntry &entry : tour.panel().menu()) {
+        if (entry.title.startsWith(beginning))
+            return entry.title;
+    }
+    return {};
+}
+
 int requestsTo(Tour &tour, const QString &path) {
     const auto requests = tour.home().requests();
     return int(std::ranges::count_if(

@@ -20,6 +20,8 @@ QString expectNoWindow(Tour &tour);
 QString expectNotice(Tour &tour, const QString &text);
 // Waits until the menu has, or has not, an entry of that title that can be chosen.
 QString expectEntry(Tour &tour, const QString &title, bool there);
+// The title of the menu's first entry that begins so; empty while there is none.
+QString entryThatBegins(Tour &tour, const QString &beginning);
 
 // Requests to a path that the agent received so far.
 int requestsTo(Tour &tour, const QString &path);

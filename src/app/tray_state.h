@@ -62,6 +62,7 @@ struct UpdateState {
     bool updateBusy = false;
     std::optional<int> updatePct = {}; ///< Percent, only while downloading.
     bool updateNotified = false;
+    QString updatedTo = {}; ///< What was installed in this run; it takes over when the tray starts anew.
 };
 
 /// The agent's encryption report as received, and which of its prompts were shown.

@@ -151,7 +151,10 @@ void CurlHttpClient::dispatch(HttpRequest request, std::unique_ptr<CurlSink> sin
 
 void CurlHttpClient::lookUpProxy(std::shared_ptr<ProxyQuery> query) {
     query->clock.start();
-    QTimer::singleShot(query->request.timeout, Qt::PreciseTimer, context.get(), [query] {
+    // A download has hours, which its proxy's settings must not take.
+    const milliseconds silence = query->request.idleTimeout;
+    const milliseconds limit = silence > 0ms ? std::min(silence, query->request.timeout) : query->request.timeout;
+    QTimer::singleShot(limit, Qt::PreciseTimer, context.get(), [query] {
         if (!std::exchange(query->taken, true))
             query->done(Error{ErrorKind::TimedOut, QStringLiteral("the proxy settings could not be read in time")});
     });

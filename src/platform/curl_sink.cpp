@@ -41,8 +41,12 @@ bool FileSink::body(QByteArrayView bytes, int status, qint64 expected) {
     }
     if ((!file.isOpen() && !open()) || !accept(bytes.size()))
         return false;
-    if (file.write(bytes.data(), bytes.size()) != bytes.size())
-        return fail();
+    while (!bytes.isEmpty()) { // only a write that writes nothing knows why
+        const qint64 written = file.write(bytes.data(), bytes.size());
+        if (written <= 0)
+            return fail();
+        bytes = bytes.sliced(written);
+    }
     progress(total, expected);
     return true;
 }

@@ -38,14 +38,23 @@ QString linkTarget(const QString &path) {
 
 } // namespace
 
-std::optional<QByteArray> readRegularFile(const QString &path, qint64 maxBytes) {
+int openRegularFile(const QString &path) {
     // O_NONBLOCK: opening a pipe that nobody writes would wait for ever.
     const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    struct stat info {};
+    if (fd < 0 || (::fstat(fd, &info) == 0 && S_ISREG(info.st_mode)))
+        return fd;
+    ::close(fd);
+    return -1;
+}
+
+std::optional<QByteArray> readRegularFile(const QString &path, qint64 maxBytes) {
+    const int fd = openRegularFile(path);
     if (fd < 0)
         return std::nullopt;
     std::optional<QByteArray> content;
     struct stat info {};
-    if (::fstat(fd, &info) == 0 && S_ISREG(info.st_mode) && info.st_size <= maxBytes) {
+    if (::fstat(fd, &info) == 0 && info.st_size <= maxBytes) {
         QByteArray bytes(static_cast<qsizetype>(info.st_size), Qt::Uninitialized);
         const bool whole =
             transferAll(bytes.size(), [&](qsizetype at, size_t n) { return ::read(fd, bytes.data() + at, n); });

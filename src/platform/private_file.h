@@ -6,6 +6,10 @@
 
 namespace korvel {
 
+/// A regular file, open for reading; -1 when it is anything else or cannot be opened. Never blocks on a pipe or a
+/// device.
+int openRegularFile(const QString &path);
+
 /// The content of a regular file of at most `maxBytes`; none when it is anything else or cannot be read. Never blocks
 /// on a pipe or a device.
 std::optional<QByteArray> readRegularFile(const QString &path, qint64 maxBytes);

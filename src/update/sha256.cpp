@@ -1,5 +1,7 @@
 #include "update/sha256.h"
 
+#include "platform/private_file.h"
+
 #include <QFile>
 #include <memory>
 #include <openssl/evp.h>
@@ -11,8 +13,9 @@ constexpr qint64 CHUNK = 1 << 18;
 }
 
 std::optional<QString> sha256File(const QString &path) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+    const int fd = openRegularFile(path);
+    QFile file;
+    if (fd < 0 || !file.open(fd, QIODevice::ReadOnly | QIODevice::Unbuffered, QFileDevice::AutoCloseHandle))
         return std::nullopt;
     const std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> context(EVP_MD_CTX_new(), &EVP_MD_CTX_free);
     if (!context || EVP_DigestInit_ex(context.get(), EVP_sha256(), nullptr) != 1)

@@ -44,7 +44,8 @@ void UpdateCheck::answered(const Result<HttpReply> &reply, bool manual) {
 }
 
 void UpdateCheck::found(const UpdateInfo &info, bool manual) {
-    if (!isNewer(info.ver, fixed.VERSION)) {
+    // Until what was installed takes over, nothing older than that may come after it either.
+    if (!isNewer(info.ver, fixed.VERSION) || !isNewer(info.ver, update.updatedTo)) {
         if (manual)
             hooks.showHUD(upToDateNotice(fixed.VERSION));
         return;

@@ -55,19 +55,20 @@ void UpdateInstall::installUpdate() {
 
 void UpdateInstall::begin() {
     const UpdateInfo info = *update.updateAvail;
-    if (!prepareCache())
+    if (!prepareCache(info))
         return end(notSavedNotice());
     if (!QFile::exists(cached(info)))
         return startDownload(info);
     installPkg(info);
 }
 
-bool UpdateInstall::prepareCache() const {
+bool UpdateInstall::prepareCache(const UpdateInfo &info) const {
     if (!makePrivateFolder(paths.updateDir) || !closeFolder(paths.updateDir))
         return false;
-    // What an interrupted download left; it is never gone on with.
-    for (const QString &left : QDir(paths.updateDir).entryList({u'*' + UNFINISHED}, QDir::Files))
-        QFile::remove(paths.updateDir + u'/' + left);
+    // What an interrupted download left, which is never gone on with, and packages that another one has replaced.
+    for (const QString &left : QDir(paths.updateDir).entryList(QDir::Files | QDir::Hidden | QDir::System))
+        if (left != info.file)
+            QFile::remove(paths.updateDir + u'/' + left);
     return true;
 }
 
@@ -156,6 +157,7 @@ void UpdateInstall::installed(const ProgramResult &result, const UpdateInfo &inf
     switch (installOutcome(result)) {
     case InstallOutcome::Installed:
         update.updateAvail.reset();
+        update.updatedTo = info.ver;
         QFile::remove(cached(info));
         end(installedNotice(info.ver));
         return hooks.poll();

@@ -35,7 +35,7 @@ public:
 
 private:
     void begin();
-    bool prepareCache() const;
+    bool prepareCache(const UpdateInfo &info) const;
     QString cached(const UpdateInfo &info) const;
     void startDownload(const UpdateInfo &info);
     void progress(qint64 got, qint64 expected, const UpdateInfo &info);

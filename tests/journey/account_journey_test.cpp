@@ -18,19 +18,6 @@ struct AccountJourney : Journey {
         ASSERT_TRUE(home.startAccountServer());
         ASSERT_TRUE(home.installJobFile());
     }
-    QJsonObject cfg() const {
-        QFile file(home.configPath());
-        return file.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(file.readAll()).object() : QJsonObject();
-    }
-    /// Changes one key of the agent's configuration.
-    void configure(const QString &key, const QString &value) {
-        QJsonObject changed = cfg();
-        changed[key] = value;
-        QDir().mkpath(QFileInfo(home.configPath()).path());
-        QFile file(home.configPath());
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(QJsonDocument(changed).toJson());
-    }
     bool tells(const QString &notice) {
         const bool told = eventually([&] { return notices.last() == notice; });
         EXPECT_EQ(notices.last(), notice);
@@ -54,12 +41,7 @@ struct AccountJourney : Journey {
         ASSERT_TRUE(home.phone().typeRight());
         ASSERT_TRUE(eventually([&] { return !pairPanel.visible; }));
     }
-    int unbindings() const {
-        int count = 0;
-        for (const QJsonObject &request : home.serverRequests())
-            count += request.value(u"path") == u"/v1/agents/unbind"_s;
-        return count;
-    }
+    int unbindings() const { return serverRequestsTo(u"/v1/agents/unbind"_s); }
 };
 
 TEST_F(AccountJourney, TheWholeRoadFromSignedOutToPairedAndBack) {

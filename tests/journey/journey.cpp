@@ -7,6 +7,7 @@
 #include <QEventLoop>
 #include <QJsonArray>
 #include <QTimer>
+#include <algorithm>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -23,6 +24,12 @@ void become(const QProcessEnvironment &wanted) {
     for (const QString &name : wanted.keys())
         if (now.value(name) != wanted.value(name))
             qputenv(name.toLocal8Bit().constData(), wanted.value(name).toLocal8Bit());
+}
+
+int countOf(const QList<QJsonObject> &requests, const QString &path) {
+    return static_cast<int>(std::count_if(requests.begin(), requests.end(), [&](const QJsonObject &request) {
+        return request.value(u"path").toString() == path;
+    }));
 }
 
 } // namespace
@@ -66,6 +73,20 @@ void Journey::installAndSignIn() {
     ASSERT_TRUE(home.installJobFile());
 }
 
+QJsonObject Journey::cfg() const {
+    QFile file(home.configPath());
+    return file.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(file.readAll()).object() : QJsonObject();
+}
+
+void Journey::configure(const QString &key, const QString &value) {
+    QJsonObject changed = cfg();
+    changed[key] = value;
+    QDir().mkpath(QFileInfo(home.configPath()).path());
+    QFile file(home.configPath());
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(QJsonDocument(changed).toJson());
+}
+
 TrayPorts Journey::ports(HttpClient &client) {
     return {scheduler, client, programs,  services,   desktop, item,
             notices,   alerts, pairPanel, loginPanel, bundle,  home.agentProgram()};
@@ -88,12 +109,9 @@ bool Journey::showsSoon(const QString &statusLine) {
     return shown;
 }
 
-int Journey::requestsTo(const QString &path) const {
-    int count = 0;
-    for (const QJsonObject &request : home.requests())
-        count += request.value(u"path").toString() == path;
-    return count;
-}
+int Journey::requestsTo(const QString &path) const { return countOf(home.requests(), path); }
+
+int Journey::serverRequestsTo(const QString &path) const { return countOf(home.serverRequests(), path); }
 
 int Journey::launchctlCalls(const QString &subcommand) const {
     int count = 0;

@@ -62,12 +62,18 @@ struct Journey : ::testing::Test {
     void assembleBundle();
     /// A signed-in Mac with the agent installed but not loaded.
     void installAndSignIn();
+    /// The agent's configuration.
+    QJsonObject cfg() const;
+    /// Changes one key of it.
+    void configure(const QString &key, const QString &value);
     /// Everything that a TrayApp runs on, with `client` for its requests.
     TrayPorts ports(HttpClient &client);
     void launch();
     bool showsSoon(const QString &statusLine);
     /// Requests to a path that the agent has received.
     int requestsTo(const QString &path) const;
+    /// Requests to a path that the account server has received.
+    int serverRequestsTo(const QString &path) const;
     /// Calls of launchctl with this subcommand.
     int launchctlCalls(const QString &subcommand) const;
 };

@@ -26,13 +26,14 @@ struct ServerJourney : Journey {
         ASSERT_TRUE(home.startAccountServer());
         server = home.accountServer();
     }
-    QString signIn(std::chrono::milliseconds limit = std::chrono::seconds(10)) {
+    QString signIn(std::chrono::milliseconds limit = std::chrono::seconds(10), std::chrono::milliseconds idle = {}) {
         CurlHttpClient client(scheduler, network);
         auto request = buildLogin(server, u"sam@example.com"_s, u"open sesame"_s, u"Mini"_s);
         EXPECT_TRUE(request);
         if (!otherUrl.isEmpty())
             request->url = otherUrl;
         request->timeout = limit;
+        request->idleTimeout = idle;
         std::optional<QString> sentence;
         client.send(*request, Done<HttpReply>([&](const Result<HttpReply> &reply) {
             const auto answer = parseLogin(reply);
@@ -149,7 +150,9 @@ TEST_F(ServerJourney, ProxySettingsThatNeverAnswerEndAtTheDeadline) {
             QThread::msleep(1);
         return QString();
     };
-    EXPECT_EQ(signIn(std::chrono::milliseconds(200)), u"The server timed out. Try again later."_s);
+    const auto soon = std::chrono::milliseconds(200);
+    EXPECT_EQ(signIn(soon), u"The server timed out. Try again later."_s);
+    EXPECT_EQ(signIn(std::chrono::hours(6), soon), u"The server timed out. Try again later."_s);
     *go = true;
 }
 

@@ -1,7 +1,6 @@
 #include "journey/journey.h"
 
 #include <QElapsedTimer>
-#include <QFile>
 
 using namespace Qt::StringLiterals;
 
@@ -16,13 +15,7 @@ struct SignOutSoak : Journey {
 TEST_F(SignOutSoak, EndsWithinItsLimitsWhenTheAgentTheServerAndTheServiceManagerHang) {
     ASSERT_TRUE(home.startAccountServer());
     installAndSignIn();
-    QFile config(home.configPath());
-    ASSERT_TRUE(config.open(QIODevice::ReadWrite));
-    QJsonObject cfg = QJsonDocument::fromJson(config.readAll()).object();
-    cfg[u"server"_s] = home.accountServer();
-    config.resize(0);
-    config.write(QJsonDocument(cfg).toJson());
-    config.close();
+    configure(u"server"_s, home.accountServer());
     launch();
     ASSERT_TRUE(showsSoon(u"● Connected · ann · 0 sessions"_s));
     const QJsonObject silent{{u"mode"_s, u"silent"_s}};
@@ -37,7 +30,7 @@ TEST_F(SignOutSoak, EndsWithinItsLimitsWhenTheAgentTheServerAndTheServiceManager
     // The agent has 30 s, the server 15 s, the service manager 10 s.
     EXPECT_NEAR(static_cast<double>(clock.elapsed()) / 1000, 55, 3);
     EXPECT_EQ(item.statusLine(), u"Not signed in"_s);
-    EXPECT_EQ(home.serverRequests().size(), 1);
+    EXPECT_EQ(serverRequestsTo(u"/v1/agents/unbind"_s), 1);
 }
 
 } // namespace

@@ -105,7 +105,8 @@ TEST_F(UpdateTest, OnlyACheckThatTheUserAskedForSpeaksOfFailures) {
         EXPECT_TRUE(notices.shown.back().error);
         EXPECT_EQ(update().updateCheckedAt, scheduler.now());
         notices.shown.clear();
-        scheduler.advance(6h); // the automatic check
+        scheduler.advance(61min);
+        item.events.menuOpening(); // the automatic check
         EXPECT_TRUE(notices.shown.empty());
     }
     EXPECT_FALSE(update().updateAvail);
@@ -161,6 +162,12 @@ TEST_F(UpdateTest, ADownloadShowsItsPercentAndIsInstalled) {
     EXPECT_EQ(notices.last(), u"✓ Updated to 2.0"_s);
     EXPECT_FALSE(update().updateAvail || update().updateBusy || update().updatePct);
     EXPECT_TRUE(http.last.url.endsWith(u"/health")); // a fresh poll
+    http.answer = [this](const HttpRequest &) { return json(manifest); };
+    for (const QString &noNewer : {u"1.9"_s, u"2.0"_s}) { // than what is installed by now, though than this program
+        offer(noNewer);
+        check();
+        EXPECT_FALSE(update().updateAvail) << noNewer.toStdString();
+    }
 }
 
 TEST_F(UpdateTest, ADownloadThatFailsLeavesNothingToTrustAndCanBeTriedAgain) {
@@ -198,6 +205,7 @@ TEST_F(UpdateTest, ACachedPackageIsUsedWhenItIsTheRightOneOnly) {
     check();
     home.write(cache, QByteArray(PACKAGE).replace("2.0", "6.6"));
     home.write(cache + u".part"_s, "left by a crash");
+    home.write(home.paths.updateDir + u"/Korvel-1.9-cn.pkg"_s, "never installed");
     item.choose(Action::InstallUpdate);
     expectRefused(u"The installer was incomplete or modified and has been deleted. Try again later."_s);
     EXPECT_TRUE(QDir(home.paths.updateDir).isEmpty());

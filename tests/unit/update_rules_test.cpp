@@ -7,6 +7,8 @@
 #include "update/update_install.h"
 #include "update/update_notices.h"
 
+#include <sys/stat.h>
+
 using namespace Qt::StringLiterals;
 
 namespace korvel::test {
@@ -123,6 +125,9 @@ TEST(Sha256, AgreesWithThePublishedVectors) {
     }
     EXPECT_EQ(sha256File(home.home() + u"/none"_s), std::nullopt);
     EXPECT_EQ(sha256File(home.home()), std::nullopt);
+    const QString pipe = home.home() + u"/pipe"_s;
+    ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    EXPECT_EQ(sha256File(pipe), std::nullopt); // and does not wait for a writer
 }
 
 TEST(InstallScript, IsOneLineThatKeepsAnyPathWhole) {
