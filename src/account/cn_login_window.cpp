@@ -5,6 +5,7 @@
 #include "ui/main_button.h"
 #include "ui/secret_field.h"
 #include "ui/segmented_control.h"
+#include "ui/window_front.h"
 #include "ui/window_place.h"
 
 #include <QBoxLayout>
@@ -272,9 +273,7 @@ bool CnLoginPanel::present(const CnLoginView &view) {
     const bool appears = !window->isVisible();
     if (appears)
         centreOnScreen(*window);
-    window->show();
-    window->raise();
-    window->activateWindow();
+    bringToFront(*window);
     return appears;
 }
 

@@ -1,6 +1,7 @@
 #include "ui/notice_window.h"
 
 #include "ui/notice_view.h"
+#include "ui/window_front.h"
 
 #include <QAccessible>
 #include <QGuiApplication>
@@ -59,8 +60,7 @@ public:
         label->setGeometry(layout.label);
         setGeometry(layout.panel);
         update();
-        show();
-        raise();
+        showNotice(*this);
         QAccessibleEvent announcement(this, QAccessible::Alert);
         QAccessible::updateAccessibility(&announcement);
     }
