@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string>
 
@@ -28,6 +29,10 @@ public:
 
     /// `nsMenu` is an NSMenu that lives on elsewhere.
     void setMenu(void *nsMenu);
+    /// How many entries the menu has at this moment.
+    std::size_t menuLength() const;
+    /// `at` is less than menuLength().
+    void setMenuToolTip(std::size_t at, const std::string &text);
     void setPicture(const TemplatePicture &picture);
     void setDimmed(bool dimmed);
     void setToolTip(const std::string &text);

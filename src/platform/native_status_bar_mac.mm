@@ -43,6 +43,12 @@ StatusBarItem::~StatusBarItem() { [[NSStatusBar systemStatusBar] removeStatusIte
 
 void StatusBarItem::setMenu(void *nsMenu) { native->item.menu = (__bridge NSMenu *)nsMenu; }
 
+std::size_t StatusBarItem::menuLength() const { return static_cast<std::size_t>(native->item.menu.numberOfItems); }
+
+void StatusBarItem::setMenuToolTip(std::size_t at, const std::string &text) {
+    [native->item.menu itemAtIndex:static_cast<NSInteger>(at)].toolTip = systemText(text);
+}
+
 void StatusBarItem::setPicture(const TemplatePicture &picture) { native->item.button.image = picture.native->image; }
 
 void StatusBarItem::setDimmed(bool dimmed) { native->item.button.appearsDisabled = dimmed; }

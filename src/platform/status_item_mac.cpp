@@ -33,6 +33,14 @@ void StatusItemMac::apply(const IconView &view) {
         item->setToolTip(view.toolTip.toStdString());
 }
 
-void StatusItemMac::apply(const MenuView &view) { menu->apply(view); }
+void StatusItemMac::apply(const MenuView &view) {
+    menu->apply(view);
+    // Qt hands titles and the like on to a native menu, but no tool tips.
+    const auto count = static_cast<std::size_t>(view.entries.size());
+    if (item->menuLength() != count)
+        return;
+    for (std::size_t i = 0; i < count; ++i)
+        item->setMenuToolTip(i, view.entries.at(static_cast<qsizetype>(i)).toolTip.toStdString());
+}
 
 } // namespace korvel

@@ -67,7 +67,14 @@ TEST_F(MacParts, TheNativeMenuIsTheOneThatFollowsTheState) {
     item->show({.menuOpening = [&] { ++opened; }, .chosen = [&](const MenuEntry &e) { chosen.append(e.action); }});
     auto *menu = static_cast<QMenu *>(mac.menu);
     ASSERT_NE(menu, nullptr);
-    item->apply(MenuView{.entries = {{.title = u"A & B"_s, .action = Action::QuitAll, .enabled = true}}});
+    mac.takeCalls();
+    const MenuView view{
+        .entries = {{.title = u"A & B"_s, .action = Action::QuitAll, .enabled = true, .toolTip = u"Ends it"_s}}};
+    item->apply(view); // before Qt has filled the native menu
+    EXPECT_EQ(mac.takeCalls(), Calls());
+    mac.menuLength = 1;
+    item->apply(view);
+    EXPECT_EQ(mac.takeCalls(), Calls{"tip of entry Ends it 0"});
     Q_EMIT menu->aboutToShow();
     EXPECT_EQ(opened, 1);
     EXPECT_EQ(menu->actions().value(0)->text(), u"A && B"_s) << "Qt takes a single one for a mnemonic";

@@ -35,6 +35,8 @@ struct StatusBarItem::Native {};
 StatusBarItem::StatusBarItem() : native(std::make_unique<Native>()) { note("item"); }
 StatusBarItem::~StatusBarItem() { note("item gone"); }
 void StatusBarItem::setMenu(void *nsMenu) { fake().menu = nsMenu; }
+std::size_t StatusBarItem::menuLength() const { return fake().menuLength; }
+void StatusBarItem::setMenuToolTip(std::size_t at, const std::string &text) { noteAt("tip of entry " + text, at); }
 void StatusBarItem::setPicture(const TemplatePicture &picture) { note(picture.native->name); }
 void StatusBarItem::setDimmed(bool dimmed) { note(dimmed ? "dimmed" : "plain"); }
 void StatusBarItem::setToolTip(const std::string &text) { note("tip " + text); }

@@ -13,6 +13,7 @@ struct Fake {
     std::vector<std::string> calls;
     std::vector<std::string> pictures; ///< PNG of the pictures made: at one pixel a point, then at two.
     void *menu = nullptr;
+    std::size_t menuLength = 0;
     unsigned long long modifiers = 0;
     std::string name;
     std::string languages;
