@@ -42,17 +42,17 @@ void runLoopFor(milliseconds duration) {
 } // namespace
 
 int runTray(char **argv, const FixedConfig &config, const Paths &paths) {
+    std::function<void()> reopen;
+    const auto reopenListener = listenForReopen([&reopen] {
+        if (reopen)
+            reopen();
+    });
     std::vector<char *> arguments = qtArguments(argv);
     int count = static_cast<int>(arguments.size()) - 1;
     QApplication app(count, arguments.data());
     QApplication::setApplicationName(QStringLiteral("Korvel"));
     QApplication::setQuitOnLastWindowClosed(false);
     settleApplication();
-    std::function<void()> reopen;
-    const auto reopenListener = listenForReopen([&reopen] {
-        if (reopen)
-            reopen();
-    });
     bool quit = false;
     const QuitSignals signals([&quit] {
         quit = true;

@@ -18,7 +18,8 @@ QList<const char *> toolkitArguments();
 /// What the application object, just made, is on this system.
 void settleApplication();
 
-/// Calls `reopened` whenever the user opens the application again while it runs, as long as what it gives lives.
+/// Calls `reopened` whenever the user opens the application again while it runs, as long as what it gives lives. Asked
+/// for before there is an application object.
 std::shared_ptr<void> listenForReopen(std::function<void()> reopened);
 
 std::unique_ptr<RunningCopies> makeRunningCopies();

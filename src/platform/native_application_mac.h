@@ -12,7 +12,7 @@ void becomeAccessory();
 void activateApplication();
 
 /// Hears that the user opened the application again while it runs (the Apple event "reopen application"). It takes over
-/// from NSApplication, whose own answer would be to show a window. Made before the event loop first runs.
+/// from NSApplication, whose own answer would be to show a window. Made before the application object.
 class ReopenListener {
 public:
     explicit ReopenListener(std::function<void()> reopened);

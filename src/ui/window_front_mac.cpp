@@ -22,8 +22,8 @@ void bringToFront(QWidget &window, WindowLevel level) {
 }
 
 void showNotice(QWidget &notice) {
+    native::makeNotice(nativeView(notice)); // first: a window that was shown once may keep activating
     notice.show();
-    native::makeNotice(nativeView(notice));
     // Not QWidget::raise(): on macOS it activates the application.
     native::orderFrontRegardless(nativeView(notice));
 }
