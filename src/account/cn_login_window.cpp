@@ -6,6 +6,7 @@
 #include "ui/secret_field.h"
 #include "ui/segmented_control.h"
 #include "ui/text_field.h"
+#include "ui/window_front.h"
 #include "ui/window_place.h"
 
 #include <QBoxLayout>
@@ -266,9 +267,7 @@ bool CnLoginPanel::present(const CnLoginView &view) {
     const bool appears = !window->isVisible();
     if (appears)
         centreOnScreen(*window);
-    window->show();
-    window->raise();
-    window->activateWindow();
+    bringToFront(*window);
     return appears;
 }
 

@@ -1,7 +1,8 @@
 #include "app/fixed_config.h"
 
+#include "platform/preferred_languages.h"
+
 #include <QDir>
-#include <QLocale>
 
 using namespace Qt::StringLiterals;
 
@@ -40,7 +41,7 @@ FixedConfig makeFixedConfig(const Deployment &deployment, const LaunchEnvironmen
 }
 
 LaunchEnvironment readLaunchEnvironment() {
-    return {.preferredLanguages = QLocale::system().uiLanguages(),
+    return {.preferredLanguages = preferredLanguages(),
             .home = QDir::homePath(),
             .hookPort = environmentValue("KORVEL_HOOK_PORT"),
             .korvelHome = environmentValue("KORVEL_HOME"),

@@ -1,5 +1,6 @@
 #include "e2ee/pair_code.h"
 
+#include <QList>
 #include <algorithm>
 
 namespace korvel {

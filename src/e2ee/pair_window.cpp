@@ -1,6 +1,7 @@
 #include "e2ee/pair_window.h"
 
 #include "app/wording.h"
+#include "ui/window_front.h"
 #include "ui/window_place.h"
 
 #include <QBoxLayout>
@@ -76,9 +77,7 @@ void PairWindow::present(const PairView &view) {
         centreOnScreen(*this);
         pairBtn->setFocus();
     }
-    show();
-    raise();
-    activateWindow();
+    bringToFront(*this, WindowLevel::Floating);
 }
 
 void PairWindow::keyPressEvent(QKeyEvent *event) {

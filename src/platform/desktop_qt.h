@@ -13,7 +13,7 @@ public:
     void openUrl(const QString &url) override;
     bool optionKeyHeld() const override;
     QString computerName() const override;
-    /// Nothing: Qt's text fields know the editing keys by themselves.
+    /// Nothing: without a native main menu, Qt's text fields know the editing keys by themselves.
     void installEditMenu(const QList<EditMenuItem> &items) override;
     void terminate() override;
 

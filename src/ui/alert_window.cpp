@@ -6,6 +6,7 @@
 #include "ui/secret_field.h"
 #include "ui/text_field.h"
 #include "ui/text_styles.h"
+#include "ui/window_front.h"
 #include "ui/window_place.h"
 
 #include <QBoxLayout>
@@ -183,8 +184,7 @@ bool AlertWindow::open(const AlertView &view, std::function<void(const AlertAnsw
         centreOnScreen(*current);
         current->open();
     }
-    current->raise();
-    current->activateWindow();
+    bringToFront(*current);
     return isFirst;
 }
 

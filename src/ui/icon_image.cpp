@@ -2,6 +2,8 @@
 
 #include "status/icon_view.h"
 
+#include <QBuffer>
+#include <QImage>
 #include <QPainter>
 #include <QPixmap>
 
@@ -9,7 +11,6 @@ namespace korvel {
 
 namespace {
 
-constexpr double CANVAS = 18;
 const QColor ON_ANY_PANEL(0x3b, 0x82, 0xf6); // at least 3 to 1 on white and on near-black (WCAG 2.1, 1.4.11)
 
 QPainterPath frame(double inset, double thickness) {
@@ -32,13 +33,14 @@ QPainterPath panelShape(const IconView &view) {
     return view.on && view.dimmed ? frame(0, 2.75) : iconShape(view.on);
 }
 
-QPixmap panelPixmap(const QPainterPath &shape, int size) {
-    QPixmap pixmap(size, size);
-    pixmap.fill(Qt::transparent);
-    QPainter painter(&pixmap); // without antialiasing: every edge is straight, and falls on whole pixels then
-    painter.scale(size / CANVAS, size / CANVAS);
-    painter.fillPath(shape, ON_ANY_PANEL);
-    return pixmap;
+QImage picture(const QPainterPath &shape, int size, const QColor &colour, QPainter::RenderHints hints) {
+    QImage image(size, size, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setRenderHints(hints);
+    painter.scale(size / TEMPLATE_POINTS, size / TEMPLATE_POINTS);
+    painter.fillPath(shape, colour);
+    return image;
 }
 
 } // namespace
@@ -50,11 +52,21 @@ QPainterPath iconShape(bool on) {
     return shape;
 }
 
+QByteArray templatePng(bool on, int scale) {
+    QByteArray png;
+    QBuffer buffer(&png);
+    buffer.open(QIODevice::WriteOnly);
+    picture(iconShape(on), static_cast<int>(TEMPLATE_POINTS) * scale, Qt::black, QPainter::Antialiasing)
+        .save(&buffer, "PNG");
+    return png;
+}
+
 QIcon panelIcon(const IconView &view) {
     QIcon icon;
     const QPainterPath shape = panelShape(view);
+    // Without antialiasing: every edge is straight, and falls on whole pixels then.
     for (const int size : {16, 18, 22, 24, 32, 36, 44, 48, 54, 64})
-        icon.addPixmap(panelPixmap(shape, size));
+        icon.addPixmap(QPixmap::fromImage(picture(shape, size, ON_ANY_PANEL, {})));
     return icon;
 }
 

@@ -2,6 +2,7 @@
 
 #include "ui/notice_view.h"
 #include "ui/text_styles.h"
+#include "ui/window_front.h"
 
 #include <QAccessible>
 #include <QGuiApplication>
@@ -56,8 +57,7 @@ public:
         label->setGeometry(layout.label);
         setGeometry(layout.panel);
         update();
-        show();
-        raise();
+        showNotice(*this);
         QAccessibleEvent announcement(this, QAccessible::Alert);
         QAccessible::updateAccessibility(&announcement);
     }

@@ -1,0 +1,10 @@
+# Read by cpack before it packs.
+if(NOT CPACK_KORVEL_AGENT_PROGRAM)
+    message(FATAL_ERROR "A package needs the agent: configure with -DKORVEL_AGENT_PROGRAM=FILE")
+endif()
+if(CPACK_KORVEL_STAND_IN_ROOT)
+    message(FATAL_ERROR "A package is made of the preset release: this build runs stand-ins of macOS's tools")
+endif()
+if(DEFINED ENV{KORVEL_INSTALLER_IDENTITY})
+    set(CPACK_PRODUCTBUILD_IDENTITY_NAME "$ENV{KORVEL_INSTALLER_IDENTITY}")
+endif()

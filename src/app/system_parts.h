@@ -1,0 +1,29 @@
+#pragma once
+
+#include "platform/desktop.h"
+#include "platform/programs.h"
+#include "platform/running_copies.h"
+#include "platform/status_item.h"
+
+#include <functional>
+#include <memory>
+
+namespace korvel {
+
+/// What differs between the systems that the tray runs on; one implementation each, chosen by CMake.
+
+/// Qt's own arguments for a start around which this system provides what the toolkit needs; static text.
+QList<const char *> toolkitArguments();
+
+/// What the application object, just made, is on this system.
+void settleApplication();
+
+/// Calls `reopened` whenever the user opens the application again while it runs, as long as what it gives lives. Asked
+/// for before there is an application object.
+std::shared_ptr<void> listenForReopen(std::function<void()> reopened);
+
+std::unique_ptr<RunningCopies> makeRunningCopies();
+std::unique_ptr<StatusItem> makeStatusItem();
+std::unique_ptr<Desktop> makeDesktop(Programs &programs, bool hasStandIns);
+
+} // namespace korvel

@@ -1,0 +1,41 @@
+#include "app/system_parts.h"
+
+#include "platform/desktop_qt.h"
+#include "platform/running_copies_linux.h"
+#include "platform/status_item_linux.h"
+#include "status/icon_view.h"
+#include "ui/icon_image.h"
+
+#include <QApplication>
+
+namespace korvel {
+
+namespace {
+
+bool hasDisplay() {
+    return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+}
+
+} // namespace
+
+// Off screen is chosen here and not through the environment, which the agent's programs inherit.
+QList<const char *> toolkitArguments() {
+    return hasDisplay() ? QList<const char *>() : QList<const char *>{"-platform", "offscreen"};
+}
+
+void settleApplication() { QApplication::setWindowIcon(panelIcon({.on = true, .dimmed = false, .toolTip = {}})); }
+
+std::shared_ptr<void> listenForReopen(std::function<void()>) {
+    return nullptr; // a second start is a new copy here, which replaces this one
+}
+
+std::unique_ptr<RunningCopies> makeRunningCopies() { return std::make_unique<RunningCopiesLinux>(); }
+
+std::unique_ptr<StatusItem> makeStatusItem() { return std::make_unique<StatusItemLinux>(); }
+
+std::unique_ptr<Desktop> makeDesktop(Programs &programs, bool hasStandIns) {
+    return std::make_unique<DesktopQt>(programs, hasStandIns);
+}
+
+} // namespace korvel

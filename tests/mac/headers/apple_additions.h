@@ -1,0 +1,53 @@
+// What the .mm files use and GNUstep's headers lack or declare otherwise, for the syntax check on Linux only. Each
+// declaration names the page of Apple's documentation (developer.apple.com/documentation/...) that it follows.
+#pragma once
+
+#import <AppKit/AppKit.h>
+#import <AppKit/NSRunningApplication.h>
+#import <AppKit/NSStatusBarButton.h>
+
+// appkit/nsapplication/setactivationpolicy(_:)
+@interface NSApplication (Additions)
+- (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)activationPolicy;
+@end
+
+// appkit/nsstatusitem/button
+@interface NSStatusItem (Additions)
+@property(readonly, strong) NSStatusBarButton *button;
+@end
+
+// appkit/nsimage/istemplate, appkit/nsimage/accessibilitydescription
+@interface NSImage (Additions)
+- (void)setTemplate:(BOOL)isTemplate;
+@property(copy) NSString *accessibilityDescription;
+@end
+
+// appkit/nswindow/stylemask-swift.property
+@interface NSWindow (Additions)
+- (void)setStyleMask:(NSWindowStyleMask)styleMask;
+@end
+
+// foundation/nsappleeventmanager
+typedef unsigned int AEEventClass;
+typedef unsigned int AEEventID;
+@interface NSAppleEventManager (Additions)
++ (NSAppleEventManager *)sharedAppleEventManager;
+- (void)setEventHandler:(id)handler
+            andSelector:(SEL)handleEventSelector
+          forEventClass:(AEEventClass)eventClass
+             andEventID:(AEEventID)eventID;
+- (void)removeEventHandlerForEventClass:(AEEventClass)eventClass andEventID:(AEEventID)eventID;
+@end
+// coreservices/kcoreeventclass, coreservices/kaereopenapplication
+enum : AEEventClass { kCoreEventClass = 'aevt' };
+enum : AEEventID { kAEReopenApplication = 'rapp' };
+
+// os/os_log_default, os/os_log
+#define OS_LOG_DEFAULT static_cast<void *>(nullptr)
+void os_log(void *log, const char *format, ...);
+
+// Not Apple's: what doc.qt.io/qt-6/qmenu.html says of toNSMenu on macOS.
+class QMenu {
+public:
+    NSMenu *toNSMenu();
+};

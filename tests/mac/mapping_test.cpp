@@ -1,0 +1,149 @@
+#include "app/system_parts.h"
+#include "mac/native_fake.h"
+#include "platform/log.h"
+#include "platform/preferred_languages.h"
+#include "status/icon_view.h"
+#include "ui/edit_menu.h"
+#include "ui/icon_image.h"
+#include "ui/menu_view.h"
+#include "ui/notice_view.h"
+#include "ui/notice_window.h"
+#include "ui/window_front.h"
+
+#include <QApplication>
+#include <QImage>
+#include <QMenu>
+#include <QSysInfo>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace korvel::test {
+namespace {
+
+using Calls = std::vector<std::string>;
+
+/// The parts of the Mac program that are not macOS itself, on a fake of it.
+struct MacParts : ::testing::Test {
+    MacParts() { native::fake() = {}; }
+    struct NoPrograms final : Programs {
+        ProgramResult run(const ProgramRun &) override { return {}; }
+    } programs;
+    native::Fake &mac = native::fake();
+};
+
+TEST_F(MacParts, TheItemIsToldOnlyWhatChanges) {
+    const auto item = makeStatusItem();
+    item->show({});
+    mac.takeCalls();
+    item->apply(IconView{.on = true, .dimmed = false, .toolTip = u"Korvel"_s});
+    EXPECT_EQ(mac.takeCalls(), (Calls{"Korvel 0", "plain", "tip Korvel"}));
+    item->apply(IconView{.on = true, .dimmed = true, .toolTip = u"Korvel"_s});
+    EXPECT_EQ(mac.takeCalls(), Calls{"dimmed"});
+    item->apply(IconView{.on = false, .dimmed = true, .toolTip = u"Korvel · Signed out"_s});
+    EXPECT_EQ(mac.takeCalls(), (Calls{"Korvel 1", "tip Korvel · Signed out"}));
+}
+
+TEST_F(MacParts, ThePicturesAreBlackShapesAtBothDensities) {
+    const auto item = makeStatusItem();
+    EXPECT_EQ(mac.calls, (Calls{"picture of Korvel at 18", "picture of Korvel at 18"}));
+    ASSERT_EQ(mac.pictures.size(), 4u);
+    for (std::size_t i = 0; i < 4; ++i) {
+        const int scale = i % 2 == 0 ? 1 : 2;
+        const QImage image = QImage::fromData(QByteArray::fromStdString(mac.pictures[i]));
+        ASSERT_EQ(image.size(), QSize(18, 18) * scale);
+        EXPECT_EQ(image.pixel(9 * scale, 9 * scale), 0xff000000u) << "the centre square";
+        EXPECT_EQ(qAlpha(image.pixel(0, 0)), 0) << "the ground";
+        // 4 points from the edge lies in the thick frame and inside the thin one.
+        EXPECT_EQ(qAlpha(image.pixel(4 * scale, 9 * scale)) > 128, i < 2);
+    }
+}
+
+TEST_F(MacParts, TheNativeMenuIsTheOneThatFollowsTheState) {
+    int opened = 0;
+    QList<Action> chosen;
+    auto item = makeStatusItem();
+    item->show({.menuOpening = [&] { ++opened; }, .chosen = [&](const MenuEntry &e) { chosen.append(e.action); }});
+    auto *menu = static_cast<QMenu *>(mac.menu);
+    ASSERT_NE(menu, nullptr);
+    mac.takeCalls();
+    const MenuView view{
+        .entries = {{.title = u"A & B"_s, .action = Action::QuitAll, .enabled = true, .toolTip = u"Ends it"_s}}};
+    item->apply(view); // before Qt has filled the native menu
+    EXPECT_EQ(mac.takeCalls(), Calls());
+    mac.menuLength = 1;
+    item->apply(view);
+    EXPECT_EQ(mac.takeCalls(), Calls{"tip of entry Ends it 0"});
+    Q_EMIT menu->aboutToShow();
+    EXPECT_EQ(opened, 1);
+    EXPECT_EQ(menu->actions().value(0)->text(), u"A && B"_s) << "Qt takes a single one for a mnemonic";
+    menu->actions().value(0)->trigger();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(chosen, QList<Action>{Action::QuitAll});
+    item.reset();
+    EXPECT_EQ(mac.calls.back(), "item gone");
+}
+
+TEST_F(MacParts, OtherCopiesLeaveOutThisOneAndThoseThatHaveEnded) {
+    mac.processes = {71, ::getpid(), -1, 72};
+    const auto copies = makeRunningCopies();
+    EXPECT_EQ(mac.takeCalls(), Calls{"dev.korvel.tray"});
+    EXPECT_EQ(copies->others(), (QList<qint64>{71, 72}));
+    copies->terminate(72);
+    mac.terminated[3] = true;
+    EXPECT_FALSE(copies->isTerminated(71));
+    EXPECT_TRUE(copies->isTerminated(72));
+    copies->forceTerminate(71);
+    EXPECT_EQ(mac.takeCalls(), (Calls{"terminate 3", "force 0"}));
+}
+
+TEST_F(MacParts, TheDesktopTellsOptionFromOtherKeysAndNamesTheComputer) {
+    const auto desktop = makeDesktop(programs, false);
+    mac.modifiers = (1ULL << 17) | (1ULL << 18) | (1ULL << 20); // Shift, Control, Command
+    EXPECT_FALSE(desktop->optionKeyHeld());
+    mac.modifiers = 1ULL << 19;
+    EXPECT_TRUE(desktop->optionKeyHeld());
+    EXPECT_EQ(desktop->computerName(), QSysInfo::machineHostName());
+    mac.name = "安的 Mac";
+    EXPECT_EQ(desktop->computerName(), u"安的 Mac"_s);
+    desktop->installEditMenu(editMenu());
+    EXPECT_EQ(mac.takeCalls(), (Calls{"Korvel", "Edit", "Undo undo: z", "Redo redo: Z", "---", "Cut cut: x",
+                                      "Copy copy: c", "Paste paste: v", "Select All selectAll: a", "install"}));
+}
+
+TEST_F(MacParts, LanguagesKeepTheirOrder) {
+    EXPECT_EQ(preferredLanguages(), QStringList());
+    mac.languages = "zh-Hans-CN\nen-US";
+    EXPECT_EQ(preferredLanguages(), (QStringList{u"zh-Hans-CN"_s, u"en-US"_s}));
+}
+
+TEST_F(MacParts, ANoticeNeverActivatesTheTrayAndAWindowDoes) {
+    NoticeWindow notice;
+    notice.show({.text = u"Signed out"_s}, {});
+    notice.show({.text = u"Paused"_s}, {});
+    EXPECT_EQ(mac.takeCalls(), (Calls{"notice", "front", "notice", "front"}));
+    QWidget window;
+    bringToFront(window);
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_EQ(mac.takeCalls(), (Calls{"activate", "key and front"}));
+    bringToFront(window, WindowLevel::Floating);
+    EXPECT_EQ(mac.takeCalls(), (Calls{"floating", "activate", "key and front"}));
+}
+
+TEST_F(MacParts, TheApplicationIsAnAccessoryLogsToTheSystemAndHearsThatItIsOpenedAgain) {
+    settleApplication();
+    EXPECT_EQ(mac.takeCalls(), Calls{"accessory"});
+    log(u"[tray] a line"_s);
+    EXPECT_EQ(mac.takeCalls(), Calls{"log [tray] a line"});
+    setLogSink({});
+    int reopened = 0;
+    auto listener = listenForReopen([&] { ++reopened; });
+    mac.reopen();
+    EXPECT_EQ(reopened, 1);
+    listener.reset();
+    EXPECT_FALSE(mac.reopen);
+}
+
+} // namespace
+} // namespace korvel::test

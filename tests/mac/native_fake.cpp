@@ -1,0 +1,83 @@
+#include "mac/native_fake.h"
+
+#include "platform/native_application_mac.h"
+#include "platform/native_copies_mac.h"
+#include "platform/native_edit_menu_mac.h"
+#include "platform/native_log_mac.h"
+#include "platform/native_menu_mac.h"
+#include "platform/native_session_mac.h"
+#include "platform/native_status_bar_mac.h"
+#include "platform/native_windows_mac.h"
+
+namespace korvel::native {
+
+namespace {
+void note(const std::string &call) { fake().calls.push_back(call); }
+void noteAt(const std::string &call, std::size_t at) { note(call + ' ' + std::to_string(at)); }
+} // namespace
+
+Fake &fake() {
+    static Fake instance;
+    return instance;
+}
+
+struct TemplatePicture::Native {
+    std::string name;
+};
+TemplatePicture::TemplatePicture(const std::string &png, const std::string &doublePng, double points,
+                                 const std::string &description)
+    : native(std::make_shared<Native>(Native{description + ' ' + std::to_string(fake().pictures.size() / 2)})) {
+    fake().pictures.insert(fake().pictures.end(), {png, doublePng});
+    noteAt("picture of " + description + " at", static_cast<std::size_t>(points));
+}
+
+struct StatusBarItem::Native {};
+StatusBarItem::StatusBarItem() : native(std::make_unique<Native>()) { note("item"); }
+StatusBarItem::~StatusBarItem() { note("item gone"); }
+void StatusBarItem::setMenu(void *nsMenu) { fake().menu = nsMenu; }
+std::size_t StatusBarItem::menuLength() const { return fake().menuLength; }
+void StatusBarItem::setMenuToolTip(std::size_t at, const std::string &text) { noteAt("tip of entry " + text, at); }
+void StatusBarItem::setPicture(const TemplatePicture &picture) { note(picture.native->name); }
+void StatusBarItem::setDimmed(bool dimmed) { note(dimmed ? "dimmed" : "plain"); }
+void StatusBarItem::setToolTip(const std::string &text) { note("tip " + text); }
+void *menuHandle(QMenu &menu) { return &menu; }
+
+void becomeAccessory() { note("accessory"); }
+void activateApplication() { note("activate"); }
+struct ReopenListener::Native {};
+ReopenListener::ReopenListener(std::function<void()> reopened) { fake().reopen = std::move(reopened); }
+ReopenListener::~ReopenListener() { fake().reopen = nullptr; }
+
+struct RunningApplications::Native {};
+RunningApplications::RunningApplications(const std::string &bundleIdentifier) { note(bundleIdentifier); }
+RunningApplications::~RunningApplications() = default;
+std::size_t RunningApplications::count() const { return fake().processes.size(); }
+long long RunningApplications::processIdentifier(std::size_t at) const { return fake().processes.at(at); }
+bool RunningApplications::isTerminated(std::size_t at) const { return fake().terminated[at]; }
+void RunningApplications::terminate(std::size_t at) { noteAt("terminate", at); }
+void RunningApplications::forceTerminate(std::size_t at) { noteAt("force", at); }
+
+unsigned long long heldModifiers() { return fake().modifiers; }
+std::string computerName() { return fake().name; }
+std::string preferredLanguageLines() { return fake().languages; }
+
+void makeNotice(void *) { note("notice"); }
+void makeFloating(void *) { note("floating"); }
+void makeKeyAndOrderFront(void *) { note("key and front"); }
+void orderFrontRegardless(void *) { note("front"); }
+
+struct HiddenMainMenu::Native {};
+HiddenMainMenu::HiddenMainMenu(const std::string &applicationTitle, const std::string &editTitle) {
+    note(applicationTitle);
+    note(editTitle);
+}
+HiddenMainMenu::~HiddenMainMenu() = default;
+void HiddenMainMenu::addSeparator() { note("---"); }
+void HiddenMainMenu::add(const std::string &title, const std::string &selector, const std::string &key) {
+    note(title + ' ' + selector + ' ' + key);
+}
+void HiddenMainMenu::install() { note("install"); }
+
+void writeSystemLog(const std::string &line) { note("log " + line); }
+
+} // namespace korvel::native

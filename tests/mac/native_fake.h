@@ -1,0 +1,30 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace korvel::native {
+
+/// What the fake of macOS was told, and what it answers.
+struct Fake {
+    std::vector<std::string> calls;
+    std::vector<std::string> pictures; ///< PNG of the pictures made: at one pixel a point, then at two.
+    void *menu = nullptr;
+    std::size_t menuLength = 0;
+    unsigned long long modifiers = 0;
+    std::string name;
+    std::string languages;
+    std::vector<long long> processes;
+    std::map<std::size_t, bool> terminated;
+    std::function<void()> reopen;
+
+    /// The calls since the last time.
+    std::vector<std::string> takeCalls() { return std::exchange(calls, {}); }
+};
+
+Fake &fake();
+
+} // namespace korvel::native
