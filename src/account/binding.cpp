@@ -1,5 +1,6 @@
 #include "account/binding.h"
 
+#include "account/account_notices.h"
 #include "account/server_rules.h"
 #include "app/wording.h"
 
@@ -21,7 +22,7 @@ void Binding::performLogin(const QString &user, const QString &pass, const QStri
             return done(false, *refusal);
         const auto finished = [user, done](bool stored) {
             if (stored)
-                done(true, L(u"● 已登录 ", u"● Signed in as ") + user);
+                done(true, signedInNotice(user).text);
             else
                 done(false, L(u"登录失败，请稍后重试", u"Couldn't sign in. Try again later."));
         };
