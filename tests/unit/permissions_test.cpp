@@ -28,15 +28,6 @@ struct PermissionsTest : TrayFixture {
     void SetUp() override {
         http.answer = [this](const HttpRequest &r) { return json(r.url.endsWith(u"/perms") ? perms : ONLINE); };
     }
-    /// Answers the oldest open request to `path`; false when there is none.
-    bool reply(const QString &path, Result<HttpReply> result) {
-        for (size_t i = 0; i < http.open.size(); ++i)
-            if (http.open[i].request.url.endsWith(path)) {
-                http.reply(i, std::move(result));
-                return true;
-            }
-        return false;
-    }
     const PermissionState &permissions() const { return tray->currentState().permissions; }
     QStringList block() const {
         QStringList titles;
@@ -66,21 +57,21 @@ TEST_F(PermissionsTest, OneFetchAtATimeAndAPartialReplyKeepsTheLastGoodList) {
     item.events.menuOpening();
     item.events.menuOpening();
     EXPECT_EQ(requestsTo(u"/perms"_s), fetches + 1);
-    ASSERT_TRUE(reply(u"/perms"_s, json(R"({"ok":true})")));
+    answerOpen(u"/perms"_s, json(R"({"ok":true})"));
     EXPECT_EQ(block().size(), 5);
     EXPECT_EQ(permissions().permsOk, false);
     EXPECT_EQ(permissions().permsFetchedAt, scheduler.now());
     item.events.menuOpening();
-    ASSERT_TRUE(reply(u"/perms"_s, json(R"({"ok":"yes","missing":["a",1],"items":[{"name":"Screen"}]})")));
+    answerOpen(u"/perms"_s, json(R"({"ok":"yes","missing":["a",1],"items":[{"name":"Screen"}]})"));
     EXPECT_EQ(permissions().permsOk, std::nullopt);
     EXPECT_TRUE(permissions().permsMissing.isEmpty());
     EXPECT_EQ(block().size(), 1);
     item.events.menuOpening();
-    ASSERT_TRUE(reply(u"/perms"_s, json(R"({"ok":true,"items":[1]})"))); // no list of objects
+    answerOpen(u"/perms"_s, json(R"({"ok":true,"items":[1]})")); // no list of objects
     EXPECT_EQ(block().size(), 1);
     EXPECT_FALSE(permissions().permsFetchFailed);
     item.events.menuOpening();
-    ASSERT_TRUE(reply(u"/perms"_s, noAnswer()));
+    answerOpen(u"/perms"_s, noAnswer());
     EXPECT_TRUE(permissions().permsFetchFailed);
     EXPECT_FALSE(permissions().permsFetching);
 }
@@ -94,13 +85,13 @@ TEST_F(PermissionsTest, ARequestMayBeOpenForLongWhileEverythingElseGoesOn) {
     EXPECT_EQ(http.open.back().request.timeout, 150s);
     EXPECT_TRUE(http.open.back().request.body.isEmpty());
     const int polls = requestsTo(u"/health"_s);
-    for (int second = 0; second < 100; ++second) {
-        scheduler.advance(1s);
-        reply(u"/health"_s, json(ONLINE));
+    for (int poll = 0; poll < 33; ++poll) {
+        scheduler.advance(3s);
+        answerOpen(u"/health"_s, json(ONLINE));
     }
     EXPECT_GE(requestsTo(u"/health"_s), polls + 33);
     EXPECT_EQ(item.entry(Action::AskPerms).title, u"Requesting…"_s);
-    ASSERT_TRUE(reply(u"/perms/request"_s, json(LACKING)));
+    answerOpen(u"/perms/request"_s, json(LACKING));
     EXPECT_EQ(notices.last(),
               u"Still missing: Mic, Disk. Turn on korvel-agent in System Settings › Privacy & Security."_s);
     EXPECT_EQ(item.entry(Action::AskPerms).title, u"Request Permissions…"_s);
@@ -123,7 +114,7 @@ TEST_F(PermissionsTest, EachOutcomeOfARequestIsTold) {
     for (const auto &c : cases) {
         item.choose(Action::AskPerms);
         notices.shown.clear();
-        ASSERT_TRUE(reply(u"/perms/request"_s, c.reply));
+        answerOpen(u"/perms/request"_s, c.reply);
         ASSERT_EQ(notices.shown.size(), 1u);
         EXPECT_EQ(notices.last(), c.notice);
         EXPECT_EQ(notices.shown.back().error, c.error);
