@@ -8,9 +8,9 @@ using namespace Qt::StringLiterals;
 namespace korvel::test {
 namespace {
 
-/// A state in which all is well, to be spoilt step by step; evaluated at `NOW`.
 constexpr Instant NOW(1h);
 
+/// A state in which all is well, to be spoilt step by step.
 struct Scene : TrayState {
     bool bound = true;
     bool plistExists = true;
