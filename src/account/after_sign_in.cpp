@@ -1,6 +1,7 @@
 #include "account/after_sign_in.h"
 
 #include "account/account_notices.h"
+#include "app/situation.h"
 
 namespace korvel {
 
@@ -10,11 +11,8 @@ AfterSignIn::AfterSignIn(HealthState &st, const Scheduler &s, Hooks h)
 void AfterSignIn::signedIn(const QString &user) {
     // What was asked, or seen of the job, before this sign-in says nothing about it.
     hooks.disregardOpenPolls();
-    if (!health.running) {
-        health.jobLoaded.reset();
-        health.jobCheckedAt = DISTANT_PAST;
-        health.startingUntil = scheduler.now() + STARTING_GRACE;
-    }
+    if (!health.running)
+        expectNewJob(health, scheduler.now());
     hooks.stopBrowserLogin();
     hooks.showHUD(signedInNotice(user));
     hooks.poll();

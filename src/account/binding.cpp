@@ -1,5 +1,6 @@
 #include "account/binding.h"
 
+#include "account/account_notices.h"
 #include "account/server_rules.h"
 #include "app/wording.h"
 
@@ -21,7 +22,7 @@ void Binding::performLogin(const QString &user, const QString &pass, const QStri
             return done(false, *refusal);
         const auto finished = [user, done](bool stored) {
             if (stored)
-                done(true, L(u"● 已登录 ", u"● Signed in as ") + user);
+                done(true, signedInNotice(user).text);
             else
                 done(false, L(u"登录失败，请稍后重试", u"Couldn't sign in. Try again later."));
         };
@@ -34,7 +35,7 @@ void Binding::performLogin(const QString &user, const QString &pass, const QStri
     http.send(std::move(*request), Done<HttpReply>(alive.guard(std::move(answered))));
 }
 
-void Binding::bind(const Credential &credential, const std::optional<QString> &username, const QString &server,
+void Binding::bind(const Credential &credential, const QString &username, const QString &server,
                    std::function<void(bool stored)> then) {
     const QJsonObject cfg = config.readCfg();
     const QString oldToken = cfgText(cfg, u"agentToken");
@@ -50,7 +51,7 @@ void Binding::bind(const Credential &credential, const std::optional<QString> &u
     }));
 }
 
-void Binding::store(const Credential &credential, const std::optional<QString> &username, const QString &server,
+void Binding::store(const Credential &credential, const QString &username, const QString &server,
                     std::function<void(bool stored)> then) {
     const bool stored = config.changeCfg([&](QJsonObject &cfg) {
         cfg[u"server"_s] = server;
@@ -58,16 +59,13 @@ void Binding::store(const Credential &credential, const std::optional<QString> &
         cfg[u"agentToken"_s] = credential.agentToken;
         cfg[u"host"_s] = computerDisplayName(desktop.computerName());
         for (const QString &key : {u"username"_s, u"loginName"_s})
-            if (username)
-                cfg[key] = *username;
-            else
-                cfg.remove(key);
+            cfg[key] = username;
     });
     // Nobody could ever release a credential that is kept nowhere.
     if (!stored)
         return unbind(credential.agentToken, server, [then = std::move(then)] { then(false); });
     forgetLostSignIn();
-    health.account = username.value_or(QString());
+    health.account = username;
     hooks.restartAgent(alive.guard([this, then = std::move(then)] {
         forgetLostSignIn(); // the agent of before may have repeated it meanwhile
         then(true);

@@ -8,7 +8,6 @@
 #include "service/agent_config.h"
 
 #include <functional>
-#include <optional>
 
 namespace korvel {
 
@@ -31,7 +30,7 @@ public:
     void abandonLogins() { ++generation; }
     /// Releases an older, different credential where it is held, stores `credential` and restarts the agent with it.
     /// `then` is called once, with whether it could be stored.
-    void bind(const Credential &credential, const std::optional<QString> &username, const QString &server,
+    void bind(const Credential &credential, const QString &username, const QString &server,
               std::function<void(bool stored)> then);
     /// Releases `token` at `server`, then calls `then` once, whatever came of it.
     void unbind(const QString &token, const QString &server, std::function<void()> then);
@@ -40,7 +39,7 @@ public:
 
 private:
     void forgetLostSignIn();
-    void store(const Credential &credential, const std::optional<QString> &username, const QString &server,
+    void store(const Credential &credential, const QString &username, const QString &server,
                std::function<void(bool stored)> then);
 
     HealthState &health;

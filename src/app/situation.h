@@ -15,6 +15,16 @@ struct Situation {
     QString server;           ///< The account server in use.
 };
 
+/// The agent's job was just started: for a while its silence means that it comes up.
+inline void countAsStarting(HealthState &health, Instant now) { health.startingUntil = now + 25s; }
+
+/// As `countAsStarting`, of a job or a sign-in that is another one now: what was seen before says nothing about it.
+inline void expectNewJob(HealthState &health, Instant now) {
+    countAsStarting(health, now);
+    health.jobLoaded.reset();
+    health.jobCheckedAt = DISTANT_PAST;
+}
+
 /// Whether a silent agent counts as starting.
 inline bool isStarting(const HealthState &health, Instant now) {
     return health.startingUntil && now < *health.startingUntil;

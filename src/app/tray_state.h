@@ -11,9 +11,6 @@
 
 namespace korvel {
 
-/// For how long a job that was just started counts as starting.
-constexpr auto STARTING_GRACE = 25s;
-
 /// What the agent's last answer, or its silence, says; and what is known of its launchd job.
 struct HealthState {
     bool running = false;               ///< The agent answered the last poll.

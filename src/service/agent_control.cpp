@@ -1,6 +1,7 @@
 #include "service/agent_control.h"
 
 #include "account/server_rules.h"
+#include "app/situation.h"
 #include "platform/system_tools.h"
 #include "service/service_notices.h"
 
@@ -20,8 +21,6 @@ AgentControl::AgentControl(TrayState &st, const FixedConfig &f, const Paths &p, 
     : state(st), fixed(f), paths(p), config(c), services(sv), programs(pr), desktop(d), scheduler(s),
       hooks(std::move(h)) {}
 
-void AgentControl::countAsStarting() { state.health.startingUntil = scheduler.now() + STARTING_GRACE; }
-
 void AgentControl::ensureAgentLoaded(std::function<void()> then) {
     if (!bound(config.readCfg()) || !plistExists(paths))
         return then();
@@ -30,7 +29,7 @@ void AgentControl::ensureAgentLoaded(std::function<void()> then) {
     };
     scheduler.background(bootstrapped, alive.guard([this, then = std::move(then)](bool started) {
         if (started)
-            countAsStarting();
+            countAsStarting(state.health, scheduler.now());
         then();
     }));
 }
@@ -45,7 +44,7 @@ void AgentControl::restartAgent(std::function<void()> then) {
         return sv.bootstrap(plist) || sv.kickstart(label);
     };
     scheduler.background(restarted, alive.guard([this, then = std::move(then)](bool) {
-        countAsStarting();
+        countAsStarting(state.health, scheduler.now());
         then();
     }));
 }

@@ -32,8 +32,6 @@ public:
     void openLog();
 
 private:
-    void countAsStarting();
-
     TrayState &state;
     const FixedConfig &fixed;
     const Paths &paths;

@@ -1,5 +1,6 @@
 #include "service/repair.h"
 
+#include "app/situation.h"
 #include "platform/log.h"
 #include "service/service_notices.h"
 
@@ -55,11 +56,8 @@ void Repair::repairService(std::function<void()> then) {
 void Repair::repaired(bool good, std::function<void()> then) {
     state.service.repairing = false;
     state.service.repairFailed = !good;
-    if (good) {
-        state.health.startingUntil = scheduler.now() + STARTING_GRACE;
-        state.health.jobLoaded.reset(); // what was seen before says nothing about the new job
-        state.health.jobCheckedAt = DISTANT_PAST;
-    }
+    if (good)
+        expectNewJob(state.health, scheduler.now());
     hooks.poll(std::move(then));
 }
 

@@ -1,6 +1,7 @@
 #include "service/sync_toggle.h"
 
 #include "account/server_rules.h"
+#include "app/situation.h"
 #include "app/wording.h"
 
 namespace korvel {
@@ -98,7 +99,7 @@ void SyncToggle::settle(bool loaded) {
         state.health.jobLoaded = loaded;
         state.health.jobCheckedAt = scheduler.now();
         if (direction == ToggleDirection::Resume && loaded)
-            state.health.startingUntil = scheduler.now() + STARTING_GRACE;
+            countAsStarting(state.health, scheduler.now());
         hooks.poll([this, loaded] { report(loaded); });
     });
 }

@@ -22,12 +22,13 @@ namespace {
 constexpr int TEXT_WIDTH = 368;
 constexpr int SYMBOL_SIZE = 40;
 constexpr QSize FIELD_SIZE(280, 24);
-constexpr int ROOM_BESIDES_TEXT = 290; // title bar, margins, as many fields as there are, buttons
-constexpr int BUTTON_MARGINS = 32;     // left and right together; some styles leave a long title hardly any
+constexpr int ROOM_BESIDES_TEXT = 290;   // title bar, margins, as many fields as there are, buttons
+constexpr qsizetype MOST_SHOWN = 10'000; // characters; to lay out a megabyte takes seconds
+constexpr int BUTTON_MARGINS = 32;       // left and right together; some styles leave a long title hardly any
 
 ToneLabel *paragraph(const QString &text, const QFont &font, Tone tone, QWidget *parent) {
     auto *label = new ToneLabel(font, tone, parent);
-    label->setText(text);
+    label->setText(text.left(MOST_SHOWN));
     label->setWordWrap(true);
     label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     label->setFixedWidth(TEXT_WIDTH);

@@ -161,7 +161,7 @@ void ToneLabel::paintEvent(QPaintEvent *event) {
     QTextLayout layout(lines(text()), font(), this);
     const double spare = height() - layOut(layout, width()).height();
     QPainter painter(this);
-    painter.setPen(palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled, QPalette::WindowText));
+    painter.setPen(palette().color(QPalette::WindowText));
     layout.draw(&painter, {0, alignment() & Qt::AlignVCenter ? std::max(0.0, spare / 2) : 0});
 }
 

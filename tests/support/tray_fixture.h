@@ -51,6 +51,22 @@ struct TrayFixture : ::testing::Test {
         tray->launch(QStringLiteral("/opt/Korvel.app/Contents/MacOS/korvel-tray"));
         scheduler.settle();
     }
+    /// The edition that signs in through the browser or with a small dialog, installed and not signed in.
+    void makeInternational() {
+        home.fixed = makeFixedConfig(testDeployment(QStringLiteral("intl")), {.preferredLanguages = {},
+                                                                              .home = home.home(),
+                                                                              .hookPort = std::nullopt,
+                                                                              .korvelHome = std::nullopt,
+                                                                              .automation = std::nullopt});
+        home.installJobFile();
+    }
+    /// Answers the oldest open request whose address ends in `path`.
+    void answerOpen(const QString &path, Result<HttpReply> reply) {
+        for (size_t i = 0; i < http.open.size(); ++i)
+            if (http.open[i].request.url.endsWith(path))
+                return http.reply(i, std::move(reply));
+        ADD_FAILURE() << "no open request to " << path.toStdString();
+    }
     void agentAnswers(const QByteArray &body) {
         http.answer = [body](const HttpRequest &) { return json(body); };
     }

@@ -39,17 +39,6 @@ TEST_F(LaunchTest, AFreshUserIsRepairedFirstAndThenPolled) {
     EXPECT_EQ(keys, u"zZ-xcva"_s);
 }
 
-TEST_F(LaunchTest, ABoundMacCountsAsStartingAndItsJobIsLoaded) {
-    home.bind();
-    home.installJobFile();
-    agentIsSilent();
-    launch();
-    EXPECT_EQ(services.calls.mid(0, 2),
-              (QStringList{u"print com.korvel.agent"_s, u"bootstrap com.korvel.agent.plist"_s}));
-    EXPECT_EQ(item.statusLine(), u"○ Starting… · ann"_s);
-    EXPECT_FALSE(item.icon.on);
-}
-
 TEST_F(LaunchTest, UpdatesAreLookedForOnScheduleAndWhenTheMenuOpens) {
     installAndBind();
     agentAnswers(ONLINE);
@@ -67,48 +56,17 @@ TEST_F(LaunchTest, UpdatesAreLookedForOnScheduleAndWhenTheMenuOpens) {
     EXPECT_EQ(checks(), 3);
 }
 
-TEST_F(LaunchTest, TheOptionKeyAddsTheDiagnosticsAtTheOpening) {
-    installAndBind();
-    agentAnswers(ONLINE);
-    launch();
-    desktop.option = true;
-    EXPECT_EQ(item.entry(Action::OpenLog), MenuEntry());
-    item.events.menuOpening();
-    EXPECT_EQ(item.entry(Action::OpenLog).title, u"Show Log…"_s);
-    desktop.option = false;
-    item.events.menuOpening();
-    EXPECT_EQ(item.entry(Action::OpenLog), MenuEntry());
-}
-
-TEST_F(LaunchTest, EachMenuActionReachesItsFeature) {
-    installAndBind();
-    agentAnswers(ONLINE);
-    launch();
-    for (const Action action : {Action::None, Action::CheckUpdate, Action::InstallUpdate, Action::Repair})
-        item.events.chosen(menuItem(u"x"_s, action));
-    MenuEntry pane = menuItem(u"x"_s, Action::OpenPermPane);
-    pane.payload = u"x:pane"_s;
-    item.events.chosen(pane);
-    EXPECT_EQ(checks(), 1);
-    EXPECT_TRUE(notices.last() == u"✓ Repaired") << notices.last().toStdString();
-    EXPECT_EQ(desktop.opened, QStringList{u"x:pane"_s});
-    item.events.chosen(menuItem(u"x"_s, Action::AskPerms));
-    EXPECT_EQ(requestsTo(u"/perms/request"_s), 1);
-    for (const Action action : {Action::BrowserLogin, Action::LoginDialog}) {
-        item.events.chosen(menuItem(u"x"_s, action));
-        EXPECT_TRUE(std::exchange(loginPanel.visible, false));
-    }
-    item.events.chosen(menuItem(u"x"_s, Action::LogoutDialog));
-    EXPECT_EQ(alerts.view.title, u"Sign Out?"_s);
-}
-
-TEST_F(LaunchTest, OpeningTheMenuAsksTheAgentOnlyWhileItRuns) {
+TEST_F(LaunchTest, OpeningTheMenuLooksAtTheOptionKeyAndAsksTheAgentOnlyWhileItRuns) {
     agentIsSilent();
     launch();
     const int fetches = requestsTo(u"/perms"_s);
     item.events.menuOpening();
     EXPECT_EQ(checks(), 1);
     EXPECT_EQ(requestsTo(u"/perms"_s), fetches);
+    desktop.option = true;
+    EXPECT_EQ(item.entry(Action::OpenLog), MenuEntry());
+    item.events.menuOpening(); // the key counts at this moment
+    EXPECT_EQ(item.entry(Action::OpenLog).title, u"Show Log…"_s);
     UpdateState checked{.updateCheckedAt = Instant(1h)};
     EXPECT_FALSE(updateCheckDue(checked, Instant(1h) + 3600s));
     EXPECT_TRUE(updateCheckDue(checked, Instant(1h) + 3601s));

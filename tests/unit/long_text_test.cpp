@@ -24,7 +24,6 @@ TEST(LongText, ANameWithoutABlankIsBrokenAndNothingOfItLost) {
 }
 
 TEST(LongText, AnAlertKeepsItsButtonsOnTheScreen) {
-    AlertWindow alerts;
     const auto sizeWith = [&](const QString &name, QSize &button) {
         AlertDialog dialog({.title = name,
                             .text = name,

@@ -54,14 +54,6 @@ TEST_F(StartupReportTest, ASilentServiceManagerDoesNotHoldTheReportOfAnAgentThat
     EXPECT_EQ(item.statusLine(), u"● Connected · ann · 1 session"_s);
 }
 
-TEST_F(StartupReportTest, APausedAgentIsReportedAtOnce) {
-    installAndBind();
-    agentIsSilent();
-    services.loaded = false;
-    services.failBootstraps = 1000; // disabled
-    EXPECT_EQ(reportWithin(0ms), u"⏻ Sync paused · ann · Double-click Korvel to pause or resume sync"_s);
-}
-
 TEST_F(StartupReportTest, AMissingPairingIsReportedAtOnceUnlessEncryptionIsStillStarting) {
     installAndBind();
     agentAnswers(R"({"ok":true,"e2ee":{"state":"starting","required":true}})");
@@ -73,23 +65,33 @@ TEST_F(StartupReportTest, AMissingPairingIsReportedAtOnceUnlessEncryptionIsStill
               "pairing code"_s);
 }
 
-TEST_F(StartupReportTest, ALostSignInIsToldOnce) {
-    installAndBind();
-    agentAnswers(SIGNED_OUT);
-    EXPECT_EQ(reportWithin(10s), u"You've been signed out. Sign in again."_s);
-    EXPECT_EQ(notices.shown.size(), 1u);
-}
-
-TEST_F(StartupReportTest, AMissingJobFileIsReportedAtOnceAndWithoutAHint) {
-    home.bind();
-    agentAnswers(R"({"ok":true,"online":false})");
-    EXPECT_EQ(reportWithin(0ms), u"Korvel isn't installed correctly. Reinstall Korvel."_s); // nothing to repair with
-}
-
-TEST_F(StartupReportTest, AnUnboundMacIsToldHowToSignIn) {
-    home.installJobFile();
-    agentIsSilent();
-    EXPECT_EQ(reportWithin(0ms), u"Not signed in · Double-click Korvel to sign in"_s);
+TEST_F(StartupReportTest, WhatWaitingWouldNotChangeIsReportedAtOnceAndOnce) {
+    const QByteArray silence;
+    const struct {
+        bool bound, installed;
+        QByteArray answer;
+        QString notice;
+    } cases[] = {
+        {true, true, silence, u"⏻ Sync paused · ann · Double-click Korvel to pause or resume sync"_s},
+        {true, true, SIGNED_OUT, u"You've been signed out. Sign in again."_s},
+        {true, false, OFFLINE, u"Korvel isn't installed correctly. Reinstall Korvel."_s}, // nothing to repair with
+        {false, true, silence, u"Not signed in · Double-click Korvel to sign in"_s},
+    };
+    services.failBootstraps = 1000; // disabled
+    for (const auto &c : cases) {
+        QFile::remove(home.paths.agentPlist);
+        home.writeConfig("{}");
+        if (c.bound)
+            home.bind();
+        if (c.installed)
+            home.installJobFile();
+        http.answer = [&c](const HttpRequest &) { return c.answer.isEmpty() ? noAnswer() : json(c.answer); };
+        notices.shown.clear();
+        EXPECT_EQ(reportWithin(0ms), c.notice);
+        scheduler.advance(10s);
+        EXPECT_EQ(notices.shown.size(), 1u) << c.notice.toStdString();
+        tray.reset();
+    }
 }
 
 } // namespace

@@ -87,19 +87,6 @@ TEST_F(SyncToggleTest, AResumeBringsTheJobBackAndTellsWhetherTheAgentAnswers) {
     EXPECT_EQ(item.statusLine(), u"● Connected · ann · 1 session"_s);
 }
 
-TEST_F(SyncToggleTest, AResumeMayNeedItsSecondAttempt) {
-    launchPaused();
-    services.failBootstraps = 1;
-    agentAnswers(ONLINE);
-    toggle();
-    EXPECT_EQ(services.calls.value(2), u"kickstart com.korvel.agent"_s);
-    EXPECT_FALSE(services.loaded);
-    scheduler.advance(1500ms);
-    EXPECT_TRUE(services.loaded);
-    scheduler.advance(1s);
-    EXPECT_EQ(notices.last(), u"● Connected · ann · 1 session"_s);
-}
-
 TEST_F(SyncToggleTest, AResumeThatFailsTwiceTellsWhereToAllowIt) {
     launchPaused();
     services.failBootstraps = 10;
