@@ -38,7 +38,8 @@ QSet<QString> sourcesOf(const QString &target) {
     const QRegularExpression block(u"(?:add_library|target_sources)\\(%1 (?:STATIC|PRIVATE)([^)]*)\\)"_s.arg(target));
     for (auto it = block.globalMatch(lists); it.hasNext();)
         for (const QString &name : it.next().captured(1).simplified().split(u' '))
-            sources.insert(name.section(u'.', 0, 0));
+            for (const QString &system : {u"linux"_s, u"mac"_s})
+                sources.insert(QString(name).replace(u"${KORVEL_SYSTEM}"_s, system).section(u'.', 0, 0));
     return sources;
 }
 
