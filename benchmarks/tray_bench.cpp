@@ -1,0 +1,153 @@
+// Starts the tray and the floor in turns against the same agent and prints what each costs.
+
+#include "benchmarks/item_watcher.h"
+#include "benchmarks/process_cost.h"
+#include "simulator/simulated_home.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+using namespace korvel::bench;
+using namespace std::chrono_literals;
+using std::chrono::milliseconds;
+
+namespace {
+
+struct Program {
+    const char *name;
+    QString path;
+    QStringList arguments;
+    QProcessEnvironment environment;
+    QList<double> startMs, pss, privateDirty, cpuMs, wakeUps;
+};
+
+void pass(milliseconds time) {
+    QEventLoop loop;
+    QTimer::singleShot(time, Qt::PreciseTimer, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+double median(QList<double> values) {
+    std::sort(values.begin(), values.end());
+    return values.isEmpty() ? 0 : values.at(values.size() / 2);
+}
+
+/// A run of a program, from its start on.
+class Run {
+public:
+    Run(Program &program, ItemWatcher &watcher) {
+        process.setProcessEnvironment(program.environment);
+        process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        QEventLoop loop;
+        bool came = false;
+        watcher.registered = [&] {
+            came = true;
+            loop.quit();
+        };
+        QTimer::singleShot(20s, &loop, &QEventLoop::quit);
+        QElapsedTimer clock;
+        clock.start();
+        process.start(program.path, program.arguments);
+        loop.exec();
+        if (came)
+            program.startMs.append(static_cast<double>(clock.nsecsElapsed()) / 1e6);
+        else
+            std::fprintf(stderr, "%s showed no icon\n", program.name);
+        watcher.registered = nullptr;
+    }
+    ~Run() {
+        process.terminate();
+        if (!process.waitForFinished(10000))
+            process.kill();
+        process.waitForFinished(1000);
+    }
+    qint64 pid() const { return process.processId(); }
+
+private:
+    QProcess process;
+};
+
+void measureIdle(Program &program, ItemWatcher &watcher, milliseconds settle, milliseconds idle) {
+    const Run run(program, watcher);
+    pass(settle);
+    const Held held = heldBy(run.pid());
+    program.pss.append(static_cast<double>(held.pss) / 1024);
+    program.privateDirty.append(static_cast<double>(held.privateDirty) / 1024);
+    const Used before = usedBy(run.pid());
+    pass(idle);
+    const Used after = usedBy(run.pid());
+    const double minutes = static_cast<double>(idle.count()) / 60000;
+    program.cpuMs.append((after.cpuMs - before.cpuMs) / minutes);
+    program.wakeUps.append(static_cast<double>(after.wakeUps - before.wakeUps) / minutes);
+}
+
+void print(const char *figure, const QList<double> &tray, const QList<double> &floor, double limit) {
+    const double a = median(tray), b = median(floor);
+    std::printf("%-34s %9.1f %9.1f %7.2f   %s\n", figure, a, b, b > 0 ? a / b : 0,
+                limit > 0 ? qPrintable(u"at most %1: %2"_s.arg(limit).arg(a <= limit * b ? u"kept"_s : u"MISSED"_s))
+                          : "");
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    QCoreApplication app(argc, argv);
+    QCommandLineParser parser;
+    parser.addHelpOption();
+    parser.addOptions({{u"tray"_s, u"The tray's program."_s, u"program"_s},
+                       {u"floor"_s, u"The floor's program."_s, u"program"_s},
+                       {u"starts"_s, u"Starts of each."_s, u"number"_s, u"15"_s},
+                       {u"runs"_s, u"Idle runs of each."_s, u"number"_s, u"3"_s},
+                       {u"idle"_s, u"Seconds of an idle run, after 20 s."_s, u"number"_s, u"60"_s}});
+    parser.process(app);
+
+    const QTemporaryDir folder;
+    korvel::sim::SimulatedHome home(folder.path());
+    const QString tray = home.assembleBundle(QFileInfo(parser.value(u"tray"_s)).absoluteFilePath());
+    if (tray.isEmpty() || !home.signIn(u"ann"_s) || !home.installJobFile() ||
+        home.launchctl({u"bootstrap"_s, home.domain(), home.jobFilePath()}) != 0) {
+        std::fprintf(stderr, "the simulated home could not be prepared\n");
+        return 1;
+    }
+    ItemWatcher watcher;
+    if (!watcher.start()) {
+        std::fprintf(stderr, "no session bus of its own\n");
+        return 1;
+    }
+    pass(2s);
+    QFile config(home.configPath());
+    const QByteArray text = config.open(QIODevice::ReadOnly) ? config.readAll() : QByteArray();
+    const QString token = QJsonDocument::fromJson(text).object().value(u"localToken"_s).toString();
+    Program trayProgram{.name = "tray", .path = tray, .environment = home.environment()};
+    Program floorProgram{.name = "floor",
+                         .path = parser.value(u"floor"_s),
+                         .arguments = {QString::number(home.port()), token},
+                         .environment = home.environment()};
+    for (int i = 0; i < parser.value(u"starts"_s).toInt(); ++i)
+        for (Program *program : {&floorProgram, &trayProgram})
+            const Run run(*program, watcher);
+    const milliseconds idle = std::chrono::seconds(parser.value(u"idle"_s).toInt());
+    for (int i = 0; i < parser.value(u"runs"_s).toInt(); ++i)
+        for (Program *program : {&floorProgram, &trayProgram})
+            measureIdle(*program, watcher, 20s, idle);
+
+    std::printf("%-34s %9s %9s %7s\n", "", "tray", "floor", "ratio");
+    print("start to icon, ms", trayProgram.startMs, floorProgram.startMs, 1.4);
+    print("PSS after 20 s, MiB", trayProgram.pss, floorProgram.pss, 1.4);
+    print("private memory after 20 s, MiB", trayProgram.privateDirty, floorProgram.privateDirty, 0);
+    print("CPU per idle minute, ms", trayProgram.cpuMs, floorProgram.cpuMs, 2);
+    print("wake-ups per idle minute", trayProgram.wakeUps, floorProgram.wakeUps, 1.2);
+    return 0;
+}
