@@ -28,9 +28,9 @@ namespace {
 struct Program {
     const char *name;
     QString path;
-    QStringList arguments;
-    QProcessEnvironment environment;
-    QList<double> startMs, pss, privateDirty, cpuMs, wakeUps;
+    QStringList arguments = {};
+    QProcessEnvironment environment = {};
+    QList<double> startMs = {}, pss = {}, privateDirty = {}, cpuMs = {}, wakeUps = {};
 };
 
 void pass(milliseconds time) {
@@ -56,7 +56,7 @@ public:
             came = true;
             loop.quit();
         };
-        QTimer::singleShot(20s, &loop, &QEventLoop::quit);
+        QTimer::singleShot(5s, &loop, &QEventLoop::quit);
         QElapsedTimer clock;
         clock.start();
         process.start(program.path, program.arguments);
