@@ -99,9 +99,9 @@ TEST(PanelIcon, TellsItsThreeStatesByShapeAtEverySize) {
             const QColor c = i.pixelColor(static_cast<int>(x * size / 18), static_cast<int>(y * size / 18));
             return c.alpha() > 200;
         };
-        EXPECT_TRUE(filled(active, 9, 9) && filled(active, 3.9, 9)) << size;
-        EXPECT_TRUE(!filled(offline, 9, 9) && filled(offline, 3.9, 9)) << size;
-        EXPECT_TRUE(filled(silent, 9, 9) && !filled(silent, 3.9, 9)) << size;
+        EXPECT_TRUE(filled(active, 9, 9) && filled(active, 4.2, 9)) << size;
+        EXPECT_TRUE(!filled(offline, 9, 9) && filled(offline, 4.2, 9)) << size;
+        EXPECT_TRUE(filled(silent, 9, 9) && !filled(silent, 4.2, 9)) << size;
     }
 }
 

@@ -1,0 +1,13 @@
+// Hashes a file as the update does before it installs one: korvel-hash FILE prints the digest.
+
+#include "update/sha256.h"
+
+#include <cstdio>
+
+int main(int argc, char **argv) {
+    const auto digest = argc == 2 ? korvel::sha256File(QString::fromLocal8Bit(argv[1])) : std::nullopt;
+    if (!digest)
+        return 1;
+    std::printf("%s\n", qPrintable(*digest));
+    return 0;
+}

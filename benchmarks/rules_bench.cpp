@@ -1,0 +1,86 @@
+// What the rules cost that run at every poll, by the number of devices and alarms in the report.
+
+#include "app/deployment.h"
+#include "app/situation.h"
+#include "benchmarks/report.h"
+#include "e2ee/pair_view.h"
+#include "status/health.h"
+#include "status/status_line.h"
+#include "ui/menu_view.h"
+
+#include <benchmark/benchmark.h>
+
+using namespace Qt::StringLiterals;
+
+namespace korvel::bench {
+namespace {
+
+constexpr Instant NOW = Instant(1h);
+
+/// A tray's state after an answer of that length.
+struct Bench {
+    explicit Bench(int devices) : answer(health(devices)) {
+        applyHealth(state, answer, {.now = NOW, .bound = true, .username = u"ann"_s});
+    }
+    Situation situation() const {
+        return {.state = state, .config = config, .now = NOW, .bound = true, .plistExists = true, .server = {}};
+    }
+    const FixedConfig config = makeFixedConfig(builtDeployment(), {});
+    const QJsonObject answer;
+    TrayState state;
+};
+
+void ApplyHealth(benchmark::State &run) {
+    Bench bench(static_cast<int>(run.range()));
+    for ([[maybe_unused]] const auto &turn : run)
+        applyHealth(bench.state, bench.answer, {.now = NOW, .bound = true, .username = u"ann"_s});
+    run.SetComplexityN(run.range());
+}
+
+void StatusLine(benchmark::State &run) {
+    const Bench bench(static_cast<int>(run.range()));
+    for ([[maybe_unused]] const auto &turn : run)
+        benchmark::DoNotOptimize(statusLine(bench.situation()));
+    run.SetComplexityN(run.range());
+}
+
+void WholeMenu(benchmark::State &run) {
+    const Bench bench(static_cast<int>(run.range()));
+    for ([[maybe_unused]] const auto &turn : run)
+        benchmark::DoNotOptimize(menuView(bench.situation()));
+    run.SetComplexityN(run.range());
+}
+
+void AnswerToMenu(benchmark::State &run) {
+    Bench bench(static_cast<int>(run.range()));
+    for ([[maybe_unused]] const auto &turn : run) {
+        applyHealth(bench.state, bench.answer, {.now = NOW, .bound = true, .username = u"ann"_s});
+        benchmark::DoNotOptimize(statusLine(bench.situation()));
+        benchmark::DoNotOptimize(menuView(bench.situation()));
+    }
+    run.SetComplexityN(run.range());
+}
+
+void PairingView(benchmark::State &run) {
+    const QJsonObject report{{u"state"_s, u"pending"_s}, {u"pair"_s, QJsonObject{{u"show"_s, u"482 913"_s}}}};
+    PairState pairing;
+    for ([[maybe_unused]] const auto &turn : run)
+        benchmark::DoNotOptimize(pairView(report, pairing, {.bound = true}));
+}
+
+void lengths(benchmark::internal::Benchmark *b) {
+    for (const int devices : {0, 1, 10, 100, 1000, 10000})
+        b->Arg(devices);
+    b->Unit(benchmark::kMicrosecond)->Complexity(benchmark::oN);
+}
+
+BENCHMARK(ApplyHealth)->Apply(lengths);
+BENCHMARK(StatusLine)->Apply(lengths);
+BENCHMARK(WholeMenu)->Apply(lengths);
+BENCHMARK(AnswerToMenu)->Apply(lengths);
+BENCHMARK(PairingView)->Unit(benchmark::kMicrosecond);
+
+} // namespace
+} // namespace korvel::bench
+
+BENCHMARK_MAIN();

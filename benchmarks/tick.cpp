@@ -1,0 +1,45 @@
+// The work of one health tick, from the agent's text to icon and menu, over and over, to be counted by callgrind:
+// tick COUNT.
+
+#include "app/deployment.h"
+#include "app/situation.h"
+#include "benchmarks/report.h"
+#include "status/health.h"
+#include "status/icon_view.h"
+#include "ui/menu_view.h"
+#include "ui/menu_widget.h"
+#include "ui/picture.h"
+
+#include <QJsonDocument>
+
+using namespace Qt::StringLiterals;
+
+namespace korvel::bench {
+
+/// One tick. Not inlined, so that callgrind knows it by its name.
+[[gnu::noinline]] void tick(const QByteArray &text, TrayState &state, const FixedConfig &config, MenuWidget &menu) {
+    const Instant now = Instant(1h);
+    const QJsonObject answer = QJsonDocument::fromJson(text).object();
+    applyHealth(state, answer, {.now = now, .bound = true, .username = u"ann"_s});
+    const Situation situation{
+        .state = state, .config = config, .now = now, .bound = true, .plistExists = true, .server = {}};
+    const IconView icon = iconView(situation);
+    menu.apply(menuView(situation));
+    static_cast<void>(icon);
+}
+
+} // namespace korvel::bench
+
+int main(int argc, char **argv) {
+    using namespace korvel;
+    const int count = argc == 2 ? QByteArray(argv[1]).toInt() : 0;
+    const PictureApplication app;
+    const FixedConfig config = makeFixedConfig(builtDeployment(), {});
+    const QByteArray text = bench::healthText(1);
+    TrayState state;
+    MenuWidget menu(MenuHost::Program, [](const MenuEntry &) {});
+    bench::tick(text, state, config, menu); // what happens once
+    for (int i = 0; i < count; ++i)
+        bench::tick(text, state, config, menu);
+    return 0;
+}
