@@ -1,5 +1,6 @@
 // Starts a tray program with a simulated home in the user's own desktop session, until it is quit or interrupted.
 
+#include "simulator/agent_config.h"
 #include "simulator/simulated_home.h"
 #include "simulator/unix_signals.h"
 
@@ -19,10 +20,11 @@ namespace {
 
 constexpr int END_WITHIN_MS = 5000;
 
-// Makes the home one in which a user is signed in and all goes well, unless it was used before.
+// Makes the home one in which a user is signed in at its account server and all goes well, unless it was used before.
 bool prepare(Home &home, const QString &account) {
     const bool used = QFileInfo::exists(home.jobFilePath());
     return used || (home.setScenario({{u"health"_s, QJsonObject{{u"sessions"_s, 1}}}}) && home.signIn(account) &&
+                    AgentConfig(QFileInfo(home.configPath()).path()).change({{u"server"_s, home.accountServer()}}) &&
                     home.installJobFile());
 }
 
