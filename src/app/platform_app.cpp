@@ -72,7 +72,7 @@ int runTray(char **argv, const FixedConfig &config, const Paths &paths) {
         const auto item = makeStatusItem();
         NoticeWindow notice;
         AlertWindow alerts;
-        PairWindow pairing;
+        PairWindowPanel pairing;
         CnLoginPanel login;
         TrayApp tray(config, paths,
                      {scheduler, http, programs, services, *desktop, *item, notice, alerts, pairing, login,
