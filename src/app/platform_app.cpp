@@ -8,6 +8,8 @@
 #include "app/tray_app.h"
 #include "e2ee/pair_window.h"
 #include "platform/curl_http_client.h"
+#include "platform/http_by_reach.h"
+#include "platform/loopback_http_client.h"
 #include "platform/qt_programs.h"
 #include "platform/qt_scheduler.h"
 #include "platform/quit_signals.h"
@@ -66,7 +68,9 @@ int runTray(char **argv, const FixedConfig &config, const Paths &paths) {
     QtScheduler scheduler;
     int status = 0;
     {
-        CurlHttpClient http(scheduler);
+        LoopbackHttpClient agentHttp;
+        CurlHttpClient serverHttp(scheduler);
+        HttpByReach http(agentHttp, serverHttp);
         Launchctl services(programs, paths.uid);
         const auto desktop = makeDesktop(programs, !standInRoot().isEmpty());
         const auto item = makeStatusItem();
