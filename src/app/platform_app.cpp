@@ -7,8 +7,8 @@
 #include "app/system_parts.h"
 #include "app/tray_app.h"
 #include "e2ee/pair_window.h"
-#include "platform/curl_http_client.h"
 #include "platform/http_by_reach.h"
+#include "platform/internet.h"
 #include "platform/loopback_http_client.h"
 #include "platform/qt_programs.h"
 #include "platform/qt_scheduler.h"
@@ -69,8 +69,8 @@ int runTray(char **argv, const FixedConfig &config, const Paths &paths) {
     int status = 0;
     {
         LoopbackHttpClient agentHttp;
-        CurlHttpClient serverHttp(scheduler);
-        HttpByReach http(agentHttp, serverHttp);
+        const auto serverHttp = makeServerClient(scheduler);
+        HttpByReach http(agentHttp, *serverHttp);
         Launchctl services(programs, paths.uid);
         const auto desktop = makeDesktop(programs, !standInRoot().isEmpty());
         const auto item = makeStatusItem();
