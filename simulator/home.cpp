@@ -113,7 +113,11 @@ bool Home::installJobFile() {
 
 QString Home::assembleBundle(const QString &trayProgram) {
     const QString tray = paths.bundle() + "/Contents/MacOS/korvel-tray"_L1;
-    return placeProgram(trayProgram, tray) && placeAgent() ? tray : QString();
+    // What the program loads from beside it, if it has such a thing.
+    const QString module = u"/PlugIns/korvel-internet.so"_s;
+    const QString given = QFileInfo(QFileInfo(trayProgram).canonicalFilePath()).path() + u"/.."_s + module;
+    const bool whole = !QFileInfo::exists(given) || placeProgram(given, paths.bundle() + "/Contents"_L1 + module);
+    return whole && placeProgram(trayProgram, tray) && placeAgent() ? tray : QString();
 }
 
 int Home::launchctl(const QStringList &arguments) {

@@ -23,8 +23,7 @@ std::shared_ptr<void> show(const Sample &sample) {
     PairView view = pairView(QJsonDocument::fromJson(sample.report).object(), pairing, sample.context).view;
     if (!sample.error.isEmpty())
         view.error = sample.error;
-    auto window = std::make_shared<PairWindow>();
-    window->connect({.buttonClicked = [] {}, .renewClicked = [] {}});
+    auto window = std::make_shared<PairWindow>(PairPanel::Events{.buttonClicked = [] {}, .renewClicked = [] {}});
     window->present(view);
     return window;
 }

@@ -59,7 +59,7 @@ int renderE2ee(const QString &kind, const QString &file, const QByteArray &json)
         return refuse("--e2ee-render: the last argument is not a JSON object");
     const PictureApplication app;
     if (kind == u"pair") {
-        PairWindow window;
+        PairWindow window({});
         window.present(previewOf(*given));
         return draw(window, file, "--e2ee-render");
     }

@@ -7,7 +7,9 @@
 #include "app/system_parts.h"
 #include "app/tray_app.h"
 #include "e2ee/pair_window.h"
-#include "platform/curl_http_client.h"
+#include "platform/http_by_reach.h"
+#include "platform/internet.h"
+#include "platform/loopback_http_client.h"
 #include "platform/qt_programs.h"
 #include "platform/qt_scheduler.h"
 #include "platform/quit_signals.h"
@@ -66,13 +68,15 @@ int runTray(char **argv, const FixedConfig &config, const Paths &paths) {
     QtScheduler scheduler;
     int status = 0;
     {
-        CurlHttpClient http(scheduler);
+        LoopbackHttpClient agentHttp;
+        const auto serverHttp = makeServerClient(scheduler);
+        HttpByReach http(agentHttp, *serverHttp);
         Launchctl services(programs, paths.uid);
         const auto desktop = makeDesktop(programs, !standInRoot().isEmpty());
         const auto item = makeStatusItem();
         NoticeWindow notice;
         AlertWindow alerts;
-        PairWindow pairing;
+        PairWindowPanel pairing;
         CnLoginPanel login;
         TrayApp tray(config, paths,
                      {scheduler, http, programs, services, *desktop, *item, notice, alerts, pairing, login,

@@ -23,7 +23,7 @@ ToneLabel *wrapping(int points, Tone tone, QWidget *parent) {
 
 } // namespace
 
-PairWindow::PairWindow()
+PairWindow::PairWindow(const PairPanel::Events &events)
     : QWidget(nullptr, Qt::Window | Qt::WindowTitleHint | Qt::WindowCloseButtonHint | Qt::CustomizeWindowHint |
                            Qt::WindowStaysOnTopHint),
       pairTitleF(new ToneLabel(uiFont(15, QFont::DemiBold), Tone::Normal, this)),
@@ -49,11 +49,9 @@ PairWindow::PairWindow()
         column->addWidget(label, 0, Qt::AlignHCenter);
     column->addSpacing(14);
     column->addLayout(buttons);
-    QObject::connect(pairBtn, &QPushButton::clicked, this, [this] { events.buttonClicked(); });
-    QObject::connect(pairNewBtn, &QPushButton::clicked, this, [this] { events.renewClicked(); });
+    connect(pairBtn, &QPushButton::clicked, this, events.buttonClicked);
+    connect(pairNewBtn, &QPushButton::clicked, this, events.renewClicked);
 }
-
-void PairWindow::connect(Events e) { events = std::move(e); }
 
 void PairWindow::apply(const PairView &view) {
     pairTitleF->setText(view.title);
@@ -84,6 +82,24 @@ void PairWindow::keyPressEvent(QKeyEvent *event) {
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
         return pairBtn->click();
     QWidget::keyPressEvent(event);
+}
+
+void PairWindowPanel::connect(Events e) { events = std::move(e); }
+
+void PairWindowPanel::present(const PairView &view) {
+    if (!window)
+        window = std::make_unique<PairWindow>(events);
+    window->present(view);
+}
+
+void PairWindowPanel::apply(const PairView &view) {
+    if (window)
+        window->apply(view);
+}
+
+void PairWindowPanel::hide() {
+    if (window)
+        window->hide();
 }
 
 } // namespace korvel

@@ -6,25 +6,22 @@
 
 #include <QPushButton>
 #include <QWidget>
+#include <memory>
 
 namespace korvel {
 
 /// The pairing window: maps a PairView. Escape does nothing here; Return presses the main button.
-class PairWindow final : public QWidget, public PairPanel {
+class PairWindow final : public QWidget {
 public:
-    PairWindow();
+    explicit PairWindow(const PairPanel::Events &events);
 
-    void connect(Events events) override;
-    bool isVisible() const override { return QWidget::isVisible(); }
-    void present(const PairView &view) override;
-    void apply(const PairView &view) override;
-    void hide() override { QWidget::hide(); }
+    void present(const PairView &view);
+    void apply(const PairView &view);
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
-    Events events;
     ToneLabel *pairTitleF;
     ToneLabel *pairCodeF;
     ToneLabel *pairLineF;
@@ -32,6 +29,20 @@ private:
     ToneLabel *pairErrF;
     QPushButton *pairNewBtn;
     QPushButton *pairBtn;
+};
+
+/// The window as a port: made when it is first shown.
+class PairWindowPanel final : public PairPanel {
+public:
+    void connect(Events events) override;
+    bool isVisible() const override { return window && window->isVisible(); }
+    void present(const PairView &view) override;
+    void apply(const PairView &view) override;
+    void hide() override;
+
+private:
+    Events events;
+    std::unique_ptr<PairWindow> window;
 };
 
 } // namespace korvel

@@ -2,7 +2,9 @@
 #include "simulator/browser/web_browser.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <csignal>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -145,6 +147,11 @@ TEST_F(PasswordJourney, ASignOutNeedsNeitherTheAgentNorTheServer) {
 /// The tray program's own sign-in from the command line.
 struct LoginSwitchJourney : AccountJourney {
     QByteArray output, errors;
+    std::optional<QByteArray> module; ///< Lies in place of the bundle's module for servers; empty: no file does.
+
+    static QString modulePath(const QString &program) {
+        return QFileInfo(program).path() + u"/../PlugIns/korvel-internet.so"_s;
+    }
 
     int login(const QStringList &arguments, const QByteArray &input) {
         QProcess process;
@@ -154,7 +161,12 @@ struct LoginSwitchJourney : AccountJourney {
         env.insert(u"KORVEL_TRAY_AUTOMATION"_s, u"1"_s);
         env.insert(u"LANGUAGE"_s, u"en"_s);
         process.setProcessEnvironment(env);
-        process.start(home.assembleBundle(trayProgram()), QStringList{u"--login"_s} + arguments);
+        const QString program = home.assembleBundle(trayProgram());
+        if (module)
+            QFile::remove(modulePath(program));
+        if (QFile file(modulePath(program)); module && !module->isEmpty() && file.open(QIODevice::WriteOnly))
+            file.write(*module);
+        process.start(program, QStringList{u"--login"_s} + arguments);
         process.write(input);
         process.closeWriteChannel();
         EXPECT_TRUE(process.waitForFinished(30000));
@@ -180,6 +192,16 @@ TEST_F(LoginSwitchJourney, SignsInOnceAndSaysHowItWent) {
     home.changeScenario({{u"server"_s, QJsonObject{{u"certificate"_s, u"unknown-authority"_s}}}});
     EXPECT_EQ(login({ACCOUNT}, "open sesame"), 1);
     EXPECT_EQ(output, "Can't establish a secure connection. Try another network.\n");
+}
+
+TEST_F(LoginSwitchJourney, WithoutTheModuleForServersItSaysThatItCannotConnect) {
+    for (const QByteArray &content : {""_ba, "no library"_ba}) {
+        module = content;
+        EXPECT_EQ(login({ACCOUNT, home.accountServer()}, "open sesame\n"), 1);
+        EXPECT_EQ(output, "Can't connect to the server. Try again later.\n");
+        EXPECT_EQ(errors.count("[internet]"), 1) << errors.toStdString();
+        EXPECT_FALSE(errors.contains("sesame"));
+    }
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTimer>
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -33,14 +34,20 @@ struct Listener {
     qsizetype requests(const QByteArray &method) const { return read.count(method + " /"); }
 };
 
-struct HttpJourney : ::testing::Test {
+using MakeClient = std::unique_ptr<HttpClient> (*)(Scheduler &);
+
+std::unique_ptr<HttpClient> agentClient(Scheduler &) { return std::make_unique<LoopbackHttpClient>(); }
+std::unique_ptr<HttpClient> serverClient(Scheduler &scheduler) { return std::make_unique<CurlHttpClient>(scheduler); }
+
+/// What both clients do alike. The tray itself sends to the agent through the one and to servers through the other.
+struct HttpJourney : ::testing::TestWithParam<MakeClient> {
     QtScheduler scheduler;
-    CurlHttpClient client{scheduler};
+    std::unique_ptr<HttpClient> client = GetParam()(scheduler);
     Listener agent;
 
     std::optional<Result<HttpReply>> send(const HttpRequest &request) {
         std::optional<Result<HttpReply>> result;
-        client.send(request, Done<HttpReply>([&](Result<HttpReply> r) { result.emplace(std::move(r)); }));
+        client->send(request, Done<HttpReply>([&](Result<HttpReply> r) { result.emplace(std::move(r)); }));
         EXPECT_FALSE(result.has_value()); // never before send() returned
         eventually([&] { return result.has_value(); });
         return result;
@@ -57,7 +64,9 @@ struct HttpJourney : ::testing::Test {
     }
 };
 
-TEST_F(HttpJourney, APostLeavesOnceWhenTheAgentReadsItAndDies) {
+struct AgentHttpJourney : HttpJourney {};
+
+TEST_P(HttpJourney, APostLeavesOnceWhenTheAgentReadsItAndDies) {
     // A connection kept open from a poll is where clients repeat a request by themselves.
     for (int i = 0; i < 20; ++i) {
         agent.read.clear();
@@ -69,14 +78,14 @@ TEST_F(HttpJourney, APostLeavesOnceWhenTheAgentReadsItAndDies) {
     }
 }
 
-TEST_F(HttpJourney, PollsShareOneConnection) {
+TEST_P(HttpJourney, PollsShareOneConnection) {
     agent.onRequest = [](QTcpSocket &s) { s.write("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\n{}"); };
     for (int i = 0; i < 5; ++i)
         ASSERT_TRUE(send(get(agent.url()))->ok());
     EXPECT_EQ(agent.connections, 1);
 }
 
-TEST_F(HttpJourney, ARedirectIsAnAnswerAndIsNotFollowed) {
+TEST_P(HttpJourney, ARedirectIsAnAnswerAndIsNotFollowed) {
     Listener elsewhere;
     elsewhere.onRequest = [](QTcpSocket &) {};
     agent.onRequest = [&](QTcpSocket &s) {
@@ -86,7 +95,7 @@ TEST_F(HttpJourney, ARedirectIsAnAnswerAndIsNotFollowed) {
     EXPECT_EQ(elsewhere.connections, 0);
 }
 
-TEST_F(HttpJourney, AProxyOfTheEnvironmentIsNotUsedForTheAgent) {
+TEST_P(HttpJourney, AProxyOfTheEnvironmentIsNotUsedForTheAgent) {
     Listener proxy;
     proxy.onRequest = [](QTcpSocket &s) { s.abort(); };
     qputenv("http_proxy", proxy.url(u""_s).toUtf8());
@@ -98,7 +107,7 @@ TEST_F(HttpJourney, AProxyOfTheEnvironmentIsNotUsedForTheAgent) {
     qunsetenv("all_proxy");
 }
 
-TEST_F(HttpJourney, TheTokenLeavesForNoOtherPlaceThanTheLoopbackAddress) {
+TEST_P(HttpJourney, TheTokenLeavesForNoOtherPlaceThanTheLoopbackAddress) {
     Listener other;
     other.onRequest = [](QTcpSocket &s) { s.abort(); };
     const QString port = QString::number(other.server.serverPort());
@@ -117,7 +126,7 @@ TEST_F(HttpJourney, TheTokenLeavesForNoOtherPlaceThanTheLoopbackAddress) {
     EXPECT_EQ(send(request)->error().kind, ErrorKind::InvalidRequest);
 }
 
-TEST_F(HttpJourney, TheDeadlineHoldsAgainstADripAndTheSizeAgainstAFlood) {
+TEST_P(HttpJourney, TheDeadlineHoldsAgainstADripAndTheSizeAgainstAFlood) {
     agent.onRequest = [](QTcpSocket &s) {
         s.write("HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\n");
         auto *drip = new QTimer(&s);
@@ -139,14 +148,88 @@ TEST_F(HttpJourney, TheDeadlineHoldsAgainstADripAndTheSizeAgainstAFlood) {
     EXPECT_EQ(send(get(url))->error().kind, ErrorKind::Unreachable);
 }
 
-TEST_F(HttpJourney, RequestsUnderWayAreToldWhenTheClientGoes) {
+TEST_P(HttpJourney, RequestsUnderWayAreToldWhenTheClientGoes) {
     agent.onRequest = [](QTcpSocket &) {};
-    auto shortLived = std::make_unique<CurlHttpClient>(scheduler);
     std::optional<ErrorKind> kind;
-    shortLived->send(get(agent.url()), Done<HttpReply>([&](Result<HttpReply> r) { kind = r.error().kind; }));
-    shortLived.reset();
+    client->send(get(agent.url()), Done<HttpReply>([&](Result<HttpReply> r) { kind = r.error().kind; }));
+    client.reset();
     EXPECT_EQ(kind, ErrorKind::Dropped);
 }
+
+TEST_P(HttpJourney, APollThatFindsItsConnectionClosedIsAskedOnceMoreAndOnlyOnce) {
+    agent.onRequest = [](QTcpSocket &s) { s.write("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\n{}"); };
+    ASSERT_TRUE(send(get(agent.url()))->ok());
+    agent.onRequest = [&](QTcpSocket &s) {
+        if (agent.connections == 1)
+            return s.abort();
+        s.write("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\n{}");
+    };
+    EXPECT_TRUE(send(get(agent.url()))->ok());
+    EXPECT_EQ(agent.connections, 2);
+    agent.read.clear();
+    agent.onRequest = [](QTcpSocket &s) { s.abort(); };
+    EXPECT_EQ(send(get(agent.url()))->error().kind, ErrorKind::Interrupted);
+    EXPECT_EQ(agent.requests("GET"), 2);
+    // An answer that has begun is not asked for again.
+    agent.read.clear();
+    agent.onRequest = [](QTcpSocket &s) {
+        s.write("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\n{}");
+        s.disconnectFromHost();
+    };
+    EXPECT_EQ(send(get(agent.url()))->error().kind, ErrorKind::Interrupted);
+    EXPECT_EQ(agent.requests("GET"), 1);
+}
+
+TEST_P(HttpJourney, RequestsSideBySideGetTheirOwnAnswers) {
+    QList<QTcpSocket *> asking;
+    agent.onRequest = [&](QTcpSocket &s) {
+        asking.append(&s);
+        if (asking.size() == 3) // the last one first
+            for (int i = 3; i-- > 0;)
+                asking[i]->write("HTTP/1.1 20" + QByteArray::number(i) + " OK\r\nContent-Length: 0\r\n\r\n");
+    };
+    QList<int> statuses;
+    for (int i = 0; i < 3; ++i) {
+        client->send(i == 1 ? post() : get(agent.url()),
+                     Done<HttpReply>([&](Result<HttpReply> r) { statuses.append(r.value().status); }));
+        eventually([&] { return asking.size() == i + 1; });
+    }
+    eventually([&] { return statuses.size() == 3; });
+    std::sort(statuses.begin(), statuses.end());
+    EXPECT_EQ(statuses, (QList<int>{200, 201, 202}));
+}
+
+TEST_P(AgentHttpJourney, AnAnswerMaySendAgainAndEndTheClient) {
+    agent.onRequest = [](QTcpSocket &s) { s.write("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\n{}"); };
+    std::optional<ErrorKind> other;
+    int answers = 0;
+    const auto last = [&](const Result<HttpReply> &) {
+        ++answers;
+        client->send(get(agent.url()), Done<HttpReply>([&](const Result<HttpReply> &r) { other = r.error().kind; }));
+        client.reset();
+    };
+    client->send(get(agent.url()), Done<HttpReply>([&](const Result<HttpReply> &) {
+                     ++answers;
+                     client->send(get(agent.url()), Done<HttpReply>(last));
+                 }));
+    EXPECT_TRUE(eventually([&] { return answers == 2 && !client; }));
+    EXPECT_EQ(other, ErrorKind::Dropped);
+    QCoreApplication::processEvents();
+}
+
+TEST_P(HttpJourney, ALongRequestArrivesWhole) {
+    HttpRequest request = post();
+    request.body = QByteArray(4 << 20, 'x'); // more than the system takes at once
+    agent.onRequest = [&](QTcpSocket &s) {
+        if (agent.read.endsWith("x") && agent.read.size() >= request.body.size() && agent.read.count('x') > (4 << 20))
+            s.write("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\n{}");
+    };
+    EXPECT_TRUE(send(request)->ok());
+}
+
+INSTANTIATE_TEST_SUITE_P(Agent, HttpJourney, ::testing::Values(&agentClient));
+INSTANTIATE_TEST_SUITE_P(Agent, AgentHttpJourney, ::testing::Values(&agentClient));
+INSTANTIATE_TEST_SUITE_P(Server, HttpJourney, ::testing::Values(&serverClient));
 
 } // namespace
 } // namespace korvel::test

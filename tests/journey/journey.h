@@ -2,6 +2,8 @@
 
 #include "app/tray_app.h"
 #include "platform/curl_http_client.h"
+#include "platform/http_by_reach.h"
+#include "platform/loopback_http_client.h"
 #include "platform/qt_programs.h"
 #include "platform/qt_scheduler.h"
 #include "service/launchctl.h"
@@ -45,7 +47,9 @@ struct Journey : ::testing::Test {
     Paths paths;
     QtPrograms programs;
     QtScheduler scheduler;
-    CurlHttpClient http{scheduler};
+    LoopbackHttpClient agentHttp;
+    CurlHttpClient serverHttp{scheduler};
+    HttpByReach http{agentHttp, serverHttp};
     Launchctl services;
     ScriptedDesktop desktop;
     RecordedItem item;

@@ -34,7 +34,8 @@ class Bundle(InFolder):
         build = self.folder / 'build'
         output = self.ok(os.environ['CMAKE'], '-S', SOURCE, '-B', build, '-G', 'Ninja', '-DCMAKE_BUILD_TYPE=Release',
                          '-DKORVEL_DEVELOPMENT=OFF', '-DKORVEL_VERSION=3.4.5', *settings)
-        for made in ['Contents/MacOS/korvel-tray', 'Contents/Resources/Korvel.icns']:
+        for made in ['Contents/MacOS/korvel-tray', 'Contents/PlugIns/korvel-internet.so',
+                     'Contents/Resources/Korvel.icns']:
             (build / 'Korvel.app' / made).parent.mkdir(parents=True, exist_ok=True)
             shutil.copy(Path(os.environ['APP']) / made, build / 'Korvel.app' / made)
         return build, output
@@ -46,7 +47,8 @@ class Bundle(InFolder):
         self.ok(os.environ['CMAKE'], '--install', build, '--prefix', self.folder / 'to')
         app = self.folder / 'to' / 'Korvel.app' / 'Contents'
         files = {str(p.relative_to(app)) for p in app.rglob('*') if p.is_file()}
-        self.assertEqual(files, {'Info.plist', 'MacOS/korvel-tray', 'Resources/Korvel.icns', 'Resources/korvel-agent',
+        self.assertEqual(files, {'Info.plist', 'MacOS/korvel-tray', 'PlugIns/korvel-internet.so',
+                                 'Resources/Korvel.icns', 'Resources/korvel-agent',
                                  'Resources/en.lproj/InfoPlist.strings', 'Resources/zh-Hans.lproj/InfoPlist.strings'})
         self.assertEqual([p.name for p in (self.folder / 'to').iterdir()], ['Korvel.app'])
         for program in ['MacOS/korvel-tray', 'Resources/korvel-agent']:

@@ -35,7 +35,8 @@ QStringList includesOf(const QString &path) {
 QSet<QString> sourcesOf(const QString &target) {
     const QString lists = content(SOURCES + u"/CMakeLists.txt"_s);
     QSet<QString> sources;
-    const QRegularExpression block(u"(?:add_library|target_sources)\\(%1 (?:STATIC|PRIVATE)([^)]*)\\)"_s.arg(target));
+    const QRegularExpression block(
+        u"(?:add_library|target_sources)\\(%1 (?:STATIC|OBJECT|PRIVATE)([^)]*)\\)"_s.arg(target));
     for (auto it = block.globalMatch(lists); it.hasNext();)
         for (const QString &name : it.next().captured(1).simplified().split(u' '))
             for (const QString &system : {u"linux"_s, u"mac"_s})
@@ -68,7 +69,7 @@ TEST(Arrows, RulesAndFeaturesKnowNoWidgetNoSocketAndNoBus) {
     const QSet<QString> above = sourcesOf(u"korvel_ui"_s) + sourcesOf(u"korvel_platform"_s);
     ASSERT_GT(above.size(), 10);
     static const QRegularExpression TOOLKIT(
-        u"^(curl/|openssl/ssl|sys/"
+        u"^(curl/|openssl/|sys/"
         u"socket|Q(Widget|Application|GuiApplication|Menu|Action|Label|Icon|Pixmap|Painter|Font|DBus|"
         "Network|Tcp|Process|Timer|SocketNotifier|SystemTray))"_s);
     for (const QString &source : core)
@@ -78,6 +79,18 @@ TEST(Arrows, RulesAndFeaturesKnowNoWidgetNoSocketAndNoBus) {
             for (const QString &name : includes)
                 EXPECT_FALSE(above.contains(name.section(u'.', 0, 0))) << (file + u" includes "_s + name).toStdString();
         }
+}
+
+TEST(Arrows, LibrariesForServersAreKnownWhereTheyAreLoadedLateAlone) {
+    const QSet<QString> late = sourcesOf(u"korvel_proof"_s) + sourcesOf(u"korvel_internet"_s);
+    ASSERT_GT(late.size(), 4);
+    static const QRegularExpression LIBRARY(u"^(curl/|openssl/|Q(Network|Tcp|Ssl))"_s);
+    for (QDirIterator it(SOURCES, {u"*.h"_s, u"*.cpp"_s}, QDir::Files, QDirIterator::Subdirectories); it.hasNext();) {
+        const QString path = it.next();
+        const QString file = QDir(SOURCES).relativeFilePath(path);
+        if (!late.contains(file.section(u'.', 0, 0)))
+            EXPECT_EQ(violation(file, includesOf(path), LIBRARY).toStdString(), "");
+    }
 }
 
 TEST(Arrows, WidgetsKnowNoPlatformImplementationAndNoFeature) {

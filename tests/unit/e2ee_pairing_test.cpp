@@ -276,9 +276,8 @@ TEST(ToneColour, EveryToneCanBeReadOnLightAndDarkWindows) {
 }
 
 TEST(PairWindowTest, ItsHeightFollowsItsTextAndReturnPressesTheMainButton) {
-    PairWindow window;
     int pressed = 0;
-    window.connect({.buttonClicked = [&] { ++pressed; }, .renewClicked = [] {}});
+    PairWindow window({.buttonClicked = [&] { ++pressed; }, .renewClicked = [] {}});
     PairView view = viewOf(R"({"state":"pending","pair":{"show":"123456"}})");
     window.present(view);
     const int height = window.height();
