@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFile>
 #include <QString>
+#include <ctime>
 
 using namespace Qt::StringLiterals;
 
@@ -27,15 +28,14 @@ qint64 valueOf(const QByteArray &text, const QByteArray &name) {
 
 Used usedBy(qint64 pid) {
     Used used;
+    clockid_t clock{};
+    timespec time{};
+    // The process's own clock: it also holds what threads used that have ended.
+    if (::clock_getcpuclockid(static_cast<pid_t>(pid), &clock) == 0 && ::clock_gettime(clock, &time) == 0)
+        used.cpuMs = static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
     const QDir threads(u"/proc/%1/task"_s.arg(pid));
-    for (const QString &thread : threads.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-        // Nanoseconds on a processor, nanoseconds of waiting for one, times put on one (proc(5)).
-        const QList<QByteArray> schedule = content(threads.filePath(thread) + u"/schedstat"_s).simplified().split(' ');
-        if (schedule.size() < 3)
-            continue;
-        used.cpuMs += schedule.at(0).toDouble() / 1e6;
+    for (const QString &thread : threads.entryList(QDir::Dirs | QDir::NoDotAndDotDot))
         used.wakeUps += valueOf(content(threads.filePath(thread) + u"/status"_s), "voluntary_ctxt_switches:");
-    }
     return used;
 }
 
