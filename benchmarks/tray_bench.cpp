@@ -80,7 +80,7 @@ private:
 };
 
 /// The tray's first check for updates, 20 s after its start, loads what only servers need: once, and to stay.
-constexpr milliseconds BEFORE_CHECK = 15s, PAST_CHECK = 15s;
+constexpr milliseconds BEFORE_CHECK = 19s, PAST_CHECK = 11s;
 
 void measureIdle(Program &program, ItemWatcher &watcher, milliseconds idle) {
     const Run run(program, watcher);
@@ -150,8 +150,8 @@ int main(int argc, char **argv) {
 
     std::printf("%-34s %9s %9s %7s\n", "", "tray", "floor", "ratio");
     print("start to icon, ms", trayProgram.startMs, floorProgram.startMs, 1.4);
-    print("PSS after 15 s, MiB", trayProgram.pss, floorProgram.pss, 1.4);
-    print("private memory after 15 s, MiB", trayProgram.privateDirty, floorProgram.privateDirty, 0);
+    print("PSS after 19 s, MiB", trayProgram.pss, floorProgram.pss, 1.4);
+    print("private memory after 19 s, MiB", trayProgram.privateDirty, floorProgram.privateDirty, 0);
     print("PSS after a check for updates, MiB", trayProgram.pssLater, floorProgram.pssLater, 0);
     print("CPU per idle minute, ms", trayProgram.cpuMs, floorProgram.cpuMs, 2);
     print("wake-ups per idle minute", trayProgram.wakeUps, floorProgram.wakeUps, 1.2);
