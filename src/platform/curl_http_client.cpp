@@ -2,6 +2,7 @@
 
 #include "platform/curl_sink.h"
 #include "platform/curl_transfer.h"
+#include "platform/retire_notifier.h"
 
 #include <QElapsedTimer>
 #include <QSocketNotifier>
@@ -17,14 +18,6 @@ struct Watch {
     std::unique_ptr<QSocketNotifier> read;
     std::unique_ptr<QSocketNotifier> write;
 };
-
-/// Notifiers may be told to go by the activity that they report, so they are deleted later.
-void retire(std::unique_ptr<QSocketNotifier> &notifier) {
-    if (!notifier)
-        return;
-    notifier->setEnabled(false);
-    notifier.release()->deleteLater();
-}
 
 } // namespace
 

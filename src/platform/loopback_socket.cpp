@@ -1,5 +1,7 @@
 #include "platform/loopback_socket.h"
 
+#include "platform/retire_notifier.h"
+
 #include <arpa/inet.h>
 #include <array>
 #include <cerrno>
@@ -38,14 +40,6 @@ int openSocket() {
     ::setsockopt(fd, SOL_SOCKET, SO_NOSIGPIPE, &on, sizeof on);
 #endif
     return fd;
-}
-
-/// Notifiers may be told to go by the activity that they report, so they are deleted later.
-void retire(std::unique_ptr<QSocketNotifier> &notifier) {
-    if (!notifier)
-        return;
-    notifier->setEnabled(false);
-    notifier.release()->deleteLater();
 }
 
 } // namespace
