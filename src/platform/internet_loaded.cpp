@@ -1,5 +1,6 @@
 #include "platform/internet.h"
 #include "platform/log.h"
+#include "platform/refuse_later.h"
 #include "update/ed25519.h"
 #include "update/sha256.h"
 
@@ -54,14 +55,8 @@ private:
     }
 
     void refuse(Done<HttpReply> done) {
-        // Never called back before this returns, so that callers see one order of events.
-        auto refused = std::make_shared<Done<HttpReply>>(std::move(done));
-        QMetaObject::invokeMethod(
-            &context,
-            [refused] {
-                (*refused)(Error{ErrorKind::Unreachable, u"the module for servers could not be loaded"_s});
-            },
-            Qt::QueuedConnection);
+        refuseLater(context, std::move(done),
+                    {ErrorKind::Unreachable, u"the module for servers could not be loaded"_s});
     }
 
     Scheduler &scheduler;

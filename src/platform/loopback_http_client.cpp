@@ -2,6 +2,7 @@
 
 #include "platform/http_answer.h"
 #include "platform/loopback_socket.h"
+#include "platform/refuse_later.h"
 
 #include <QTimer>
 #include <algorithm>
@@ -182,25 +183,14 @@ void LoopbackHttpClient::send(HttpRequest request, Done<HttpReply> done) {
         return; // the completion reports that itself
     auto message = messageOf(request);
     if (!message)
-        return refuse(std::move(done));
+        return refuseLater(*context, std::move(done), {ErrorKind::InvalidRequest, {}});
     auto exchange = std::make_unique<Exchange>(*this, std::move(*message), request, std::move(done));
     exchanges.emplace(exchange.get(), std::move(exchange));
 }
 
 void LoopbackHttpClient::download(HttpRequest, const QString &, std::function<void(qint64 got, qint64 expected)>,
                                   Done<HttpReply> done) {
-    refuse(std::move(done));
-}
-
-void LoopbackHttpClient::refuse(Done<HttpReply> done) {
-    // Never called back before this returns, so that callers see one order of events.
-    auto refused = std::make_shared<Done<HttpReply>>(std::move(done));
-    QMetaObject::invokeMethod(
-        context.get(),
-        [refused] {
-            (*refused)(Error{ErrorKind::InvalidRequest, {}});
-        },
-        Qt::QueuedConnection);
+    refuseLater(*context, std::move(done), {ErrorKind::InvalidRequest, {}});
 }
 
 void LoopbackHttpClient::finish(Exchange &exchange, Result<HttpReply> result) {

@@ -24,7 +24,6 @@ public:
 private:
     class Exchange;
     class Idle;
-    void refuse(Done<HttpReply> done);
     void finish(Exchange &exchange, Result<HttpReply> result);
 
     bool closing = false;
