@@ -1,6 +1,7 @@
 #include "simulator/gallery/stage.h"
 
 #include "app/wording.h"
+#include "ui/picture.h"
 
 #include <QApplication>
 #include <QPalette>
@@ -53,10 +54,7 @@ void apply(const Setting &setting) {
     QApplication::setPalette(coloursOf(setting.look));
 }
 
-Staged::Staged(const Case &c) : shown(c.show()) {
-    for (int turn = 0; turn < 3; ++turn) // layouts, then the focus of an activated window
-        QCoreApplication::processEvents();
-}
+Staged::Staged(const Case &c) : shown(c.show()) { settleWindows(); }
 
 Staged::~Staged() {
     shown.reset();

@@ -46,10 +46,13 @@ PictureApplication::PictureApplication(int scale, QSize screen)
     QApplication::setQuitOnLastWindowClosed(false);
 }
 
-QImage pictureOf(QWidget &window) {
-    // Layouts, then the focus of an activated window, come in turns of the event loop.
+void settleWindows() {
     for (int turn = 0; turn < 3; ++turn)
         QCoreApplication::processEvents();
+}
+
+QImage pictureOf(QWidget &window) {
+    settleWindows();
     return window.grab().toImage();
 }
 

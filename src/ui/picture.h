@@ -24,6 +24,10 @@ private:
     QApplication app;
 };
 
+/// Lets windows that were just shown come to rest: layouts, then the focus of an activated one, take turns of the event
+/// loop.
+void settleWindows();
+
 /// The window as it looks on the screen, which it has to be on.
 QImage pictureOf(QWidget &window);
 
