@@ -2,7 +2,7 @@
 
 #include "service/agent_config.h"
 
-#include <QRegularExpression>
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -10,9 +10,27 @@ namespace korvel {
 
 namespace {
 
+// Not regular expressions: the address is read at every refresh, and their library would be loaded for this alone.
+
+constexpr qsizetype LONGEST_HOST = 253;
+
+bool isDigit(QChar c) { return c >= u'0' && c <= u'9'; }
+bool isLetterOrDigit(QChar c) { return isDigit(c) || (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z'); }
+bool isOfHost(QChar c) { return isLetterOrDigit(c) || c == u'.' || c == u'-'; }
+
+bool isHost(QStringView text) {
+    return !text.isEmpty() && text.size() <= LONGEST_HOST && isLetterOrDigit(text.front()) &&
+           std::all_of(text.begin(), text.end(), isOfHost);
+}
+
+/// Digits alone, perhaps behind one sign.
+bool isDecimal(QStringView text) {
+    const QStringView digits = text.startsWith(u'+') || text.startsWith(u'-') ? text.sliced(1) : text;
+    return !digits.isEmpty() && std::all_of(digits.begin(), digits.end(), isDigit);
+}
+
 std::optional<int> parsePort(const QString &text) {
-    static const QRegularExpression DECIMAL(QRegularExpression::anchoredPattern(u"[+-]?[0-9]+"_s));
-    if (!DECIMAL.match(text).hasMatch())
+    if (!isDecimal(text))
         return std::nullopt;
     bool fits = false;
     const qlonglong port = text.toLongLong(&fits);
@@ -33,8 +51,7 @@ std::optional<QString> normalizeServer(const QString &text) {
     const QStringList pieces = rest.split(u':');
     if (pieces.size() > 2)
         return std::nullopt;
-    static const QRegularExpression HOST(QRegularExpression::anchoredPattern(u"[A-Za-z0-9][A-Za-z0-9.-]{0,252}"_s));
-    if (!HOST.match(pieces.first()).hasMatch())
+    if (!isHost(pieces.first()))
         return std::nullopt;
     const std::optional<int> port = pieces.size() == 2 ? parsePort(pieces.last()) : 443;
     if (!port)

@@ -3,6 +3,7 @@
 #include <QJsonObject>
 #include <QString>
 #include <QStringView>
+#include <cstddef>
 #include <optional>
 
 namespace korvel {
@@ -10,8 +11,12 @@ namespace korvel {
 /// Language of every text the user sees, settled once in the entry point.
 inline bool ZH = false;
 
-/// The one of the two texts that is in the user's language.
-inline QString L(QStringView zh, QStringView en) { return (ZH ? zh : en).toString(); }
+/// The one of the two texts that is in the user's language. Both are literals: the value refers to them, not to a copy.
+template <std::size_t Zh, std::size_t En>
+QString L(const char16_t (&zh)[Zh], const char16_t (&en)[En]) {
+    const QStringView text = ZH ? QStringView(zh, Zh - 1) : QStringView(en, En - 1);
+    return QString::fromRawData(text.data(), text.size());
+}
 
 /// Wording of a failed answer of the agent: its own "error" text, or a fixed sentence where there is none.
 QString errText(const std::optional<QJsonObject> &answer);

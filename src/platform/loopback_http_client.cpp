@@ -18,23 +18,28 @@ struct Message {
     QByteArray bytes;
 };
 
+constexpr qsizetype USUAL_MESSAGE = 512; ///< Bytes, without a body.
+
 bool isOneLine(QByteArrayView text) { return !text.contains('\r') && !text.contains('\n') && !text.contains('\0'); }
 
 /// The port that an authority of 127.0.0.1 names; none when it is no such authority.
-std::optional<quint16> portOf(const QByteArray &authority) {
-    static const QByteArray HOST = "127.0.0.1";
-    if (authority == HOST || authority == HOST + ':')
+std::optional<quint16> portOf(QByteArrayView authority) {
+    constexpr QByteArrayView HOST = "127.0.0.1";
+    if (!authority.startsWith(HOST))
+        return std::nullopt;
+    const QByteArrayView rest = authority.sliced(HOST.size());
+    if (rest.isEmpty() || rest == ":")
         return quint16(80);
-    const QByteArray digits = authority.sliced(std::min(authority.size(), HOST.size() + 1));
+    const QByteArrayView digits = rest.sliced(1);
     const bool isNumber = std::all_of(digits.begin(), digits.end(), [](char c) { return c >= '0' && c <= '9'; });
     bool fits = false;
     const quint16 port = digits.toUShort(&fits);
-    return authority.startsWith(HOST + ':') && isNumber && fits ? std::optional(port) : std::nullopt;
+    return rest.startsWith(':') && isNumber && fits ? std::optional(port) : std::nullopt;
 }
 
 /// None for a request that may not leave or cannot be formed.
 std::optional<Message> messageOf(const HttpRequest &request) {
-    static const QByteArray SCHEME = "http://";
+    constexpr QByteArrayView SCHEME = "http://";
     const QByteArray url = request.url.toUtf8();
     const bool printable = std::none_of(url.begin(), url.end(), [](uchar c) { return c <= ' ' || c == 127; });
     const bool known = request.method == "GET" || request.method == "POST";
@@ -42,26 +47,45 @@ std::optional<Message> messageOf(const HttpRequest &request) {
         return std::nullopt;
     const auto end =
         std::find_if(url.begin() + SCHEME.size(), url.end(), [](char c) { return c == '/' || c == '?' || c == '#'; });
-    const QByteArray authority = url.sliced(SCHEME.size(), end - url.begin() - SCHEME.size());
-    QByteArray target = url.sliced(end - url.begin());
-    target.truncate(target.contains('#') ? target.indexOf('#') : target.size());
-    if (!target.startsWith('/'))
-        target.prepend('/');
+    const QByteArrayView authority = QByteArrayView(url).sliced(SCHEME.size(), end - url.begin() - SCHEME.size());
+    const QByteArrayView target(end, std::find(end, url.end(), '#'));
     const auto port = portOf(authority);
     if (!port)
         return std::nullopt;
-    QByteArray bytes = request.method + ' ' + target + " HTTP/1.1\r\nHost: " + authority + "\r\nAccept: */*\r\n";
+    const bool isPost = request.method == "POST";
+    QByteArray bytes;
+    bytes.reserve(USUAL_MESSAGE + (isPost ? request.body.size() : 0));
+    bytes.append(request.method).append(target.startsWith('/') ? " " : " /").append(target);
+    bytes.append(" HTTP/1.1\r\nHost: ").append(authority).append("\r\nAccept: */*\r\n");
     for (const auto &[name, value] : request.headers) {
         // A value from a file must not be able to add a header of its own.
         if (!isOneLine(name) || !isOneLine(value))
             return std::nullopt;
-        bytes += name + ": " + value + "\r\n";
+        bytes.append(name).append(": ").append(value).append("\r\n");
     }
-    if (request.method == "POST")
-        bytes += "Content-Length: " + QByteArray::number(request.body.size()) + "\r\n";
-    bytes += "\r\n";
-    return Message{*port, request.method == "POST" ? bytes + request.body : bytes};
+    if (isPost)
+        bytes.append("Content-Length: ").append(QByteArray::number(request.body.size())).append("\r\n");
+    bytes.append("\r\n");
+    return Message{*port, isPost ? bytes + request.body : bytes};
 }
+
+/// A timer that costs no connection: one is made with every poll.
+class Deadline final : public QTimer {
+public:
+    explicit Deadline(std::function<void()> p) : passed(std::move(p)) {
+        setSingleShot(true);
+        setTimerType(Qt::PreciseTimer);
+    }
+
+protected:
+    void timerEvent(QTimerEvent *) override {
+        stop();
+        passed();
+    }
+
+private:
+    std::function<void()> passed;
+};
 
 } // namespace
 
@@ -90,10 +114,7 @@ class LoopbackHttpClient::Exchange final : public LoopbackSocket::User {
 public:
     Exchange(LoopbackHttpClient &c, Message m, const HttpRequest &request, Done<HttpReply> d)
         : client(c), message(std::move(m)), isPost(request.method == "POST"), answer(request.maxBytes),
-          done(std::move(d)), deadline(std::make_unique<QTimer>()) {
-        deadline->setSingleShot(true);
-        deadline->setTimerType(Qt::PreciseTimer);
-        QObject::connect(deadline.get(), &QTimer::timeout, deadline.get(), [this] { timedOut(); });
+          done(std::move(d)), deadline(std::make_unique<Deadline>([this] { timedOut(); })) {
         if (request.timeout.count() > 0)
             deadline->start(request.timeout);
         if (!isPost)
@@ -165,7 +186,7 @@ private:
     HttpAnswer answer;
     Done<HttpReply> done;
     std::unique_ptr<LoopbackSocket> socket;
-    std::unique_ptr<QTimer> deadline;
+    std::unique_ptr<Deadline> deadline;
 };
 
 LoopbackHttpClient::LoopbackHttpClient() : idle(std::make_unique<Idle>()), context(std::make_unique<QObject>()) {}

@@ -14,6 +14,12 @@ bool isRightToLeft(char32_t c) {
     return direction == QChar::DirR || direction == QChar::DirAL;
 }
 
+/// The control characters, and the line and paragraph separators.
+bool breaksLine(QChar c) {
+    return c < u' ' || (c >= QChar(0x7f) && c <= QChar(0x9f)) || c == QChar::LineSeparator ||
+           c == QChar::ParagraphSeparator;
+}
+
 bool changesDirection(char32_t c) { return (c >= 0x202a && c <= 0x202e) || (c >= 0x2066 && c <= 0x2069); }
 
 /// Whether a name that began from right to left goes on with `c`.
@@ -33,12 +39,8 @@ QString singleLine(const QString &text, qsizetype maxLength) {
             line.chop(1);
         line += u'…';
     }
-    for (QChar &c : line) {
-        const QChar::Category category = c.category();
-        if (category == QChar::Other_Control || category == QChar::Separator_Line ||
-            category == QChar::Separator_Paragraph)
-            c = u' ';
-    }
+    if (std::any_of(line.cbegin(), line.cend(), breaksLine)) // hardly ever: the text stays shared
+        std::replace_if(line.begin(), line.end(), breaksLine, u' ');
     return line;
 }
 

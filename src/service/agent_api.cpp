@@ -4,6 +4,10 @@
 
 namespace korvel {
 
+namespace {
+constexpr qsizetype LONGEST_KEPT = 64 << 10;
+}
+
 HttpRequest buildAgentRequest(const QString &agentLocal, const QString &localToken, const AgentRequest &request) {
     HttpRequest http;
     http.method = request.method;
@@ -26,10 +30,19 @@ Result<QJsonObject> parseAgentReply(const HttpReply &reply) {
     return document.object();
 }
 
+Result<QJsonObject> AgentApi::hear(std::optional<Heard> &last, HttpReply reply) {
+    if (last && last->body == reply.body)
+        return last->object;
+    const Result<QJsonObject> answer = parseAgentReply(reply);
+    if (answer && reply.body.size() <= LONGEST_KEPT)
+        last = Heard{std::move(reply.body), answer.value()};
+    return answer;
+}
+
 void AgentApi::send(const AgentRequest &request, Done<QJsonObject> done) {
     http.send(buildAgentRequest(fixed.AGENT_LOCAL, token(), request),
-              Done<HttpReply>([done = std::move(done)](Result<HttpReply> reply) mutable {
-                  done(reply ? parseAgentReply(reply.value()) : Result<QJsonObject>(reply.error()));
+              Done<HttpReply>([done = std::move(done), heard = last](Result<HttpReply> reply) mutable {
+                  done(reply ? hear(*heard, std::move(reply.value())) : Result<QJsonObject>(reply.error()));
               }));
 }
 

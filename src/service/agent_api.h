@@ -4,6 +4,7 @@
 #include "service/agent_config.h"
 
 #include <QJsonObject>
+#include <memory>
 #include <optional>
 
 namespace korvel {
@@ -33,11 +34,19 @@ public:
     void send(const AgentRequest &request, Done<QJsonObject> done);
 
 private:
+    /// The last answer: an idle agent says the same in every poll.
+    struct Heard {
+        QByteArray body; ///< Never empty.
+        QJsonObject object;
+    };
+    static Result<QJsonObject> hear(std::optional<Heard> &last, HttpReply reply);
     QString token() const { return cfgText(config.readCfg(), u"localToken"); }
 
     HttpClient &http;
     const FixedConfig &fixed;
     const AgentConfig &config;
+    /// Shared with the completions of requests, which may outlive us.
+    std::shared_ptr<std::optional<Heard>> last = std::make_shared<std::optional<Heard>>();
 };
 
 } // namespace korvel

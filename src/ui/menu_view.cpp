@@ -11,6 +11,8 @@ namespace {
 
 using Entries = QList<MenuEntry>;
 
+constexpr qsizetype USUAL_ENTRIES = 24;
+
 void appendSeparator(Entries &entries) {
     if (!entries.isEmpty() && !entries.last().isSeparator())
         entries.append(menuSeparator());
@@ -81,7 +83,9 @@ void appendDiagnostics(Entries &entries, const Situation &s) {
 } // namespace
 
 MenuView menuView(const Situation &s) {
-    Entries entries{menuLine(statusLine(s))};
+    Entries entries;
+    entries.reserve(USUAL_ENTRIES);
+    entries.append(menuLine(statusLine(s)));
     entries.append(e2MenuItems(s));
     appendSignInAgain(entries, s);
     appendSeparator(entries);
@@ -92,9 +96,9 @@ MenuView menuView(const Situation &s) {
             menuItem(L(u"修复 Korvel", u"Repair Korvel"), Action::Repair,
                      L(u"重新安装开机自动运行的后台服务", u"Reinstall the background service that runs at login")));
     appendAccount(entries, s);
-    if (const Entries permissions = permMenuItems(s); !permissions.isEmpty()) {
+    if (Entries permissions = permMenuItems(s); !permissions.isEmpty()) {
         appendSeparator(entries);
-        entries.append(permissions);
+        entries.append(std::move(permissions));
     }
     appendDiagnostics(entries, s);
     appendSeparator(entries);
