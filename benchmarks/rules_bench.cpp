@@ -31,7 +31,12 @@ struct Bench {
         applyHealth(state, answer, {.now = NOW, .bound = true, .username = u"ann"_s});
     }
     Situation situation() const {
-        return {.state = state, .config = config, .now = NOW, .bound = true, .plistExists = true, .server = {}};
+        return {.state = state,
+                .config = config,
+                .timing = timingOf(state.health, NOW),
+                .bound = true,
+                .plistExists = true,
+                .server = {}};
     }
     const FixedConfig config = makeFixedConfig(builtDeployment(), {});
     const QJsonObject &answer;

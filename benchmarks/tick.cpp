@@ -21,8 +21,12 @@ namespace korvel::bench {
     const Instant now = Instant(1h);
     const QJsonObject answer = QJsonDocument::fromJson(text).object();
     applyHealth(state, answer, {.now = now, .bound = true, .username = u"ann"_s});
-    const Situation situation{
-        .state = state, .config = config, .now = now, .bound = true, .plistExists = true, .server = {}};
+    const Situation situation{.state = state,
+                              .config = config,
+                              .timing = timingOf(state.health, now),
+                              .bound = true,
+                              .plistExists = true,
+                              .server = {}};
     const IconView icon = iconView(situation);
     menu.apply(menuView(situation));
     static_cast<void>(icon);

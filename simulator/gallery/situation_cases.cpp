@@ -44,7 +44,7 @@ std::shared_ptr<void> in(const Sample &sample, std::shared_ptr<void> (*show)(con
     sample.then(state);
     return show({.state = state,
                  .config = config,
-                 .now = NOW,
+                 .timing = timingOf(state.health, NOW),
                  .bound = sample.bound,
                  .plistExists = sample.plistExists,
                  .server = config.DEFAULT_SERVER});

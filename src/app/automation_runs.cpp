@@ -117,7 +117,7 @@ std::optional<QByteArray> menuDump(const QByteArray &description, const FixedCon
             jsonObjects(health->value(u"perms").toObject().value(u"items")).value_or(QList<QJsonObject>());
     const MenuView view = menuView({.state = state,
                                     .config = config,
-                                    .now = now,
+                                    .timing = timingOf(state.health, now),
                                     .bound = isBound,
                                     .plistExists = plistExists(paths),
                                     .server = serverOf(config, cfg)});

@@ -5,16 +5,6 @@
 
 namespace korvel {
 
-/// All that the rules of the status line, icon and menu look at, gathered once per refresh; lives no longer than that.
-struct Situation {
-    const TrayState &state;
-    const FixedConfig &config;
-    Instant now;
-    bool bound = false;       ///< This Mac is bound to an account.
-    bool plistExists = false; ///< The agent's job file exists.
-    QString server;           ///< The account server in use.
-};
-
 /// The agent's job was just started: for a while its silence means that it comes up.
 inline void countAsStarting(HealthState &health, Instant now) { health.startingUntil = now + 25s; }
 
@@ -29,5 +19,44 @@ inline void expectNewJob(HealthState &health, Instant now) {
 inline bool isStarting(const HealthState &health, Instant now) {
     return health.startingUntil && now < *health.startingUntil;
 }
+
+/// What the clock says of the agent. No rule that looks at a Situation sees more of the time: so nothing changes on the
+/// screen while neither this nor anything else of the Situation does.
+struct Timing {
+    bool starting = false;       ///< A silent agent counts as starting.
+    bool longConnecting = false; ///< For more than a minute the agent has run without being online.
+    bool operator==(const Timing &) const = default;
+};
+
+inline Timing timingOf(const HealthState &health, Instant now) {
+    return {.starting = isStarting(health, now),
+            .longConnecting = health.connectingSince && now - *health.connectingSince > 60s};
+}
+
+/// All that the rules of the status line, icon and menu look at, gathered once per refresh; lives no longer than that.
+struct Situation {
+    const TrayState &state;
+    const FixedConfig &config;
+    Timing timing;
+    bool bound = false;       ///< This Mac is bound to an account.
+    bool plistExists = false; ///< The agent's job file exists.
+    QString server;           ///< The account server in use.
+};
+
+/// A situation that is kept, to see whether the next one is another.
+struct SeenSituation {
+    TrayState state;
+    Timing timing;
+    bool bound;
+    bool plistExists;
+    QString server;
+
+    explicit SeenSituation(const Situation &s)
+        : state(s.state), timing(s.timing), bound(s.bound), plistExists(s.plistExists), server(s.server) {}
+    bool is(const Situation &s) const {
+        return timing == s.timing && bound == s.bound && plistExists == s.plistExists && server == s.server &&
+               state == s.state;
+    }
+};
 
 } // namespace korvel

@@ -58,8 +58,8 @@ std::function<void(const QString &user)> TrayApp::signedIn() {
 }
 
 HealthPoll::Hooks TrayApp::healthHooks() {
-    return {.render = [this] { render(); },
-            .e2Prompt = [this] { prompts.e2Prompt(); },
+    return {.render = [this](const QJsonObject &cfg) { render(cfg); },
+            .e2Prompt = [this](const QJsonObject &cfg) { prompts.e2Prompt(pairContext(cfg)); },
             .fetchPerms = [this] { permissions.fetchPerms(); },
             .showHUD = showHUD()};
 }
@@ -86,7 +86,7 @@ SyncToggle::Hooks TrayApp::syncHooks() {
 }
 
 Pairing::Hooks TrayApp::pairingHooks() {
-    return {.context = [this] { return pairContext(); },
+    return {.context = [this] { return pairContext(config.readCfg()); },
             .poll = [this] { health.poll(); },
             .showHUD = showHUD(),
             .startBrowserLogin = [this] { browserLogin.startBrowserLogin(); },
@@ -94,8 +94,7 @@ Pairing::Hooks TrayApp::pairingHooks() {
 }
 
 Prompts::Hooks TrayApp::promptHooks() {
-    return {.context = [this] { return pairContext(); },
-            .updatePairWindow = [this] { pairing.updatePairWindow(); },
+    return {.updatePairWindow = [this] { pairing.updatePairWindow(); },
             .pairWindowVisible = [this] { return pairing.isVisible(); },
             .showPairWindow = [this] { pairing.showPairWindow(); },
             .showApprove = [this](const QJsonObject &request) { approval.showApprove(request); },
@@ -152,16 +151,16 @@ UpdateInstall::Hooks TrayApp::installHooks() {
     return {.render = [this] { render(); }, .poll = [this] { health.poll(); }, .showHUD = showHUD()};
 }
 
-PairContext TrayApp::pairContext() const {
-    return {
-        .bound = bound(config.readCfg()), .authDead = state.health.authDead, .accountGone = state.health.accountGone};
+PairContext TrayApp::pairContext(const QJsonObject &cfg) const {
+    return {.bound = bound(cfg), .authDead = state.health.authDead, .accountGone = state.health.accountGone};
 }
 
-Situation TrayApp::situation() const {
-    const QJsonObject cfg = config.readCfg();
+Situation TrayApp::situation() const { return situation(config.readCfg()); }
+
+Situation TrayApp::situation(const QJsonObject &cfg) const {
     return {.state = state,
             .config = fixed,
-            .now = ports.scheduler.now(),
+            .timing = timingOf(state.health, ports.scheduler.now()),
             .bound = bound(cfg),
             .plistExists = plistExists(paths),
             .server = serverOf(fixed, cfg)};
@@ -192,8 +191,13 @@ void TrayApp::scheduleUpdateChecks() {
     updateChecks = ports.scheduler.every(UPDATE_CHECK_PERIOD, [this] { updateCheck.checkUpdate(false); });
 }
 
-void TrayApp::render() {
-    const Situation now = situation();
+void TrayApp::render() { render(config.readCfg()); }
+
+void TrayApp::render(const QJsonObject &cfg) {
+    const Situation now = situation(cfg);
+    if (seen && seen->is(now)) // as nearly always
+        return;
+    seen.emplace(now);
     if (IconView icon = iconView(now); icon != shownIcon)
         ports.item.apply(*(shownIcon = std::move(icon)));
     if (MenuView menu = menuView(now); menu != shownMenu)

@@ -66,7 +66,10 @@ private:
     void perform(const MenuEntry &entry);
     void menuOpening();
     void scheduleUpdateChecks();
-    PairContext pairContext() const;
+    // Of the agent configuration `cfg` as just read.
+    void render(const QJsonObject &cfg);
+    Situation situation(const QJsonObject &cfg) const;
+    PairContext pairContext(const QJsonObject &cfg) const;
 
     // The callbacks that each feature gets.
     HealthPoll::Hooks healthHooks();
@@ -118,6 +121,7 @@ private:
     UpdateCheck updateCheck;
     UpdateInstall updateInstall;
 
+    std::optional<SeenSituation> seen; ///< By the last render().
     std::optional<IconView> shownIcon;
     std::optional<MenuView> shownMenu;
     Timer firstUpdateCheck;

@@ -25,12 +25,14 @@ struct HealthState {
     qint64 sessions = 0;
     QString account = {};
     QString agentVer = {};
+    bool operator==(const HealthState &) const = default;
 };
 
 struct ServiceState {
     bool busy = false; ///< Pause or resume is under way.
     bool repairing = false;
     bool repairFailed = false;
+    bool operator==(const ServiceState &) const = default;
 };
 
 struct PermissionState {
@@ -41,6 +43,7 @@ struct PermissionState {
     bool permsRequesting = false;
     bool permsFetchFailed = false;
     bool permsFetching = false;
+    bool operator==(const PermissionState &) const = default;
 };
 
 /// One validated update package.
@@ -60,6 +63,7 @@ struct UpdateState {
     std::optional<int> updatePct = {}; ///< Percent, only while downloading.
     bool updateNotified = false;
     QString updatedTo = {}; ///< What was installed in this run; it takes over when the tray starts anew.
+    bool operator==(const UpdateState &) const = default;
 };
 
 /// The agent's encryption report as received, and which of its prompts were shown.
@@ -70,6 +74,7 @@ struct E2State {
     QSet<QString> e2Answering = {};
     bool e2Modal = false;     ///< An approval or alarm alert is open.
     QString e2LastState = {}; ///< The state that the last reaction saw.
+    bool operator==(const E2State &) const = default;
 };
 
 /// The pairing window's part of the state.
@@ -81,6 +86,7 @@ struct PairState {
     bool pairRelogin = false;   ///< Its button starts a sign-in.
     bool pairLogout = false;    ///< Its button starts a sign-out.
     bool pairPreview = false;   ///< It is drawn for review: on no screen, and whatever the sign-in.
+    bool operator==(const PairState &) const = default;
 };
 
 /// A sign-in that the user carries out in a web browser, while it is open.
@@ -88,10 +94,12 @@ struct BrowserLoginState {
     std::optional<QString> browserLoginId = {};  ///< The agent's name for it.
     std::optional<QString> browserLoginURL = {}; ///< The page in the browser.
     Instant browserLoginUntil = DISTANT_PAST;    ///< When the page stops being good; outlives the attempt.
+    bool operator==(const BrowserLoginState &) const = default;
 };
 
 struct MenuState {
     bool optionKey = false; ///< Whether Option was held when the menu opened last.
+    bool operator==(const MenuState &) const = default;
 };
 
 /// Everything that changes while the tray runs. Owned by TrayApp, touched on the main thread only.
@@ -104,6 +112,7 @@ struct TrayState {
     PairState pairing;
     BrowserLoginState browserLogin;
     MenuState menu;
+    bool operator==(const TrayState &) const = default;
 };
 
 } // namespace korvel

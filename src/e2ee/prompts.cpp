@@ -4,9 +4,8 @@
 
 namespace korvel {
 
-void Prompts::e2Prompt() {
+void Prompts::e2Prompt(const PairContext &context) {
     hooks.updatePairWindow();
-    const PairContext context = hooks.context();
     const E2Prompt prompt = takePrompt(
         e2ee, pairing,
         {.bound = context.bound, .authDead = context.authDead, .pairWindowVisible = hooks.pairWindowVisible()});

@@ -13,7 +13,6 @@ namespace korvel {
 class Prompts {
 public:
     struct Hooks {
-        std::function<PairContext()> context;
         std::function<void()> updatePairWindow;
         std::function<bool()> pairWindowVisible;
         std::function<void()> showPairWindow;
@@ -24,7 +23,7 @@ public:
     Prompts(E2State &e, PairState &p, Hooks h) : e2ee(e), pairing(p), hooks(std::move(h)) {}
 
     /// The reaction to a report that has just been stored.
-    void e2Prompt();
+    void e2Prompt(const PairContext &context);
 
 private:
     E2State &e2ee;

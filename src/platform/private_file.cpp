@@ -36,25 +36,29 @@ QString linkTarget(const QString &path) {
     return info.isSymLink() ? info.symLinkTarget() : path; // a link to what is still to be made
 }
 
-} // namespace
-
-int openRegularFile(const QString &path) {
+int openRegularFile(const QString &path, struct stat &info) {
     // O_NONBLOCK: opening a pipe that nobody writes would wait for ever.
     const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    struct stat info {};
     if (fd < 0 || (::fstat(fd, &info) == 0 && S_ISREG(info.st_mode)))
         return fd;
     ::close(fd);
     return -1;
 }
 
+} // namespace
+
+int openRegularFile(const QString &path) {
+    struct stat info {};
+    return openRegularFile(path, info);
+}
+
 std::optional<QByteArray> readRegularFile(const QString &path, qint64 maxBytes) {
-    const int fd = openRegularFile(path);
+    struct stat info {};
+    const int fd = openRegularFile(path, info);
     if (fd < 0)
         return std::nullopt;
     std::optional<QByteArray> content;
-    struct stat info {};
-    if (::fstat(fd, &info) == 0 && info.st_size <= maxBytes) {
+    if (info.st_size <= maxBytes) {
         QByteArray bytes(static_cast<qsizetype>(info.st_size), Qt::Uninitialized);
         const bool whole =
             transferAll(bytes.size(), [&](qsizetype at, size_t n) { return ::read(fd, bytes.data() + at, n); });
@@ -63,6 +67,18 @@ std::optional<QByteArray> readRegularFile(const QString &path, qint64 maxBytes) 
     }
     ::close(fd);
     return content;
+}
+
+bool FileStamp::isSettled(std::time_t now) const {
+    constexpr std::time_t COARSEST_TICK = 2;    // of the file systems that USB sticks come with
+    return now - changedAt > COARSEST_TICK + 1; // one more for the rounding
+}
+
+std::optional<FileStamp> stampOf(const QString &path) {
+    struct stat info {};
+    if (::stat(QFile::encodeName(path).constData(), &info) != 0)
+        return std::nullopt;
+    return FileStamp{.device = info.st_dev, .inode = info.st_ino, .size = info.st_size, .changedAt = info.st_ctime};
 }
 
 bool makePrivateFolder(const QString &path) {

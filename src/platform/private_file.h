@@ -2,7 +2,9 @@
 
 #include <QByteArray>
 #include <QString>
+#include <ctime>
 #include <optional>
+#include <sys/types.h>
 
 namespace korvel {
 
@@ -13,6 +15,22 @@ int openRegularFile(const QString &path);
 /// The content of a regular file of at most `maxBytes`; none when it is anything else or cannot be read. Never blocks
 /// on a pipe or a device.
 std::optional<QByteArray> readRegularFile(const QString &path, qint64 maxBytes);
+
+/// What one state of a file has and no later one will have, except one that follows within the same second: no program
+/// can set the time of the last change to the file or its description.
+struct FileStamp {
+    dev_t device = 0;
+    ino_t inode = 0;
+    off_t size = 0;
+    std::time_t changedAt = 0; ///< Seconds since 1970, rounded down.
+
+    bool operator==(const FileStamp &) const = default;
+    /// Whether the last change is so long ago that the next one will have another time; `now` as `changedAt`.
+    bool isSettled(std::time_t now) const;
+};
+
+/// The stamp of what `path` names in the end; none when there is nothing.
+std::optional<FileStamp> stampOf(const QString &path);
 
 /// Makes a folder, mode 0700, with the folders above it; true when it exists afterwards.
 bool makePrivateFolder(const QString &path);

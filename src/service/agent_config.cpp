@@ -1,7 +1,5 @@
 #include "service/agent_config.h"
 
-#include "platform/private_file.h"
-
 #include <QFileInfo>
 #include <QJsonDocument>
 
@@ -12,8 +10,15 @@ constexpr qint64 MAX_CONFIG_BYTES = 1 << 20;
 }
 
 QJsonObject AgentConfig::readCfg() const {
+    // Taken before the reading: should the file change between the two, the next stamp differs.
+    const std::optional<FileStamp> stamp = stampOf(paths.agentCfg);
+    if (stamp && stamp == readAt)
+        return content;
     const auto bytes = readRegularFile(paths.agentCfg, MAX_CONFIG_BYTES);
-    return bytes ? QJsonDocument::fromJson(*bytes).object() : QJsonObject();
+    content = bytes ? QJsonDocument::fromJson(*bytes).object() : QJsonObject();
+    // A reading that failed may succeed without any change to the file.
+    readAt = bytes && stamp && stamp->isSettled(wallNow()) ? stamp : std::nullopt;
+    return content;
 }
 
 bool AgentConfig::writeCfg(const QJsonObject &cfg) const {

@@ -1,18 +1,24 @@
 #pragma once
 
 #include "app/paths.h"
+#include "platform/private_file.h"
 
 #include <QJsonObject>
 #include <QString>
+#include <ctime>
 #include <functional>
 
 namespace korvel {
 
-/// The configuration file that the tray and the agent share: one JSON object, read and written whole. Nothing is
-/// cached; keys that a caller does not change survive because it reads, changes and writes the whole object.
+/// The configuration file that the tray and the agent share: one JSON object, read and written whole. A reading is
+/// always of the file as it is now; it is only not read again while its stamp proves that nobody wrote to it. Keys that
+/// a caller does not change survive because it reads, changes and writes the whole object. On the main thread only.
 class AgentConfig {
 public:
-    explicit AgentConfig(const Paths &p) : paths(p) {}
+    using WallClock = std::function<std::time_t()>;
+    explicit AgentConfig(
+        const Paths &p, WallClock now = [] { return std::time(nullptr); })
+        : paths(p), wallNow(std::move(now)) {}
 
     /// The object in the file; empty when it is missing, unreadable, not a regular file, over 1 MiB or not an object.
     QJsonObject readCfg() const;
@@ -24,6 +30,9 @@ public:
 
 private:
     const Paths &paths;
+    const WallClock wallNow;
+    mutable std::optional<FileStamp> readAt; ///< The state of the file that `content` is of.
+    mutable QJsonObject content;
 };
 
 /// The text under `key`, or the empty text when it is absent or not a text.

@@ -49,31 +49,34 @@ void HealthPoll::poll(std::function<void()> then) {
 
 void HealthPoll::answered(quint64 generation, const Result<QJsonObject> &reply, const std::function<void()> &then) {
     // Polls overlap. An answer to an older question says less than what is already shown.
-    if (generation < applied)
-        return finish(then);
-    applied = generation;
     const QJsonObject cfg = config.readCfg();
+    if (generation < applied)
+        return follow({}, cfg, then);
+    applied = generation;
     follow(applyHealth(state, healthAnswer(reply),
                        {.now = scheduler.now(), .bound = bound(cfg), .username = cfgText(cfg, u"username")}),
-           then);
+           cfg, then);
 }
 
-void HealthPoll::follow(const HealthEffects &effects, std::function<void()> then) {
+void HealthPoll::follow(const HealthEffects &effects, const QJsonObject &cfg, const std::function<void()> &then) {
     if (effects.notice != HealthEffects::Notice::None)
         hooks.showHUD(lostSignInNotice(effects.notice));
-    if (effects.reactToReport)
-        reaction = scheduler.after(0ms, [this] { hooks.e2Prompt(); });
     if (effects.fetchPerms)
         hooks.fetchPerms();
-    if (!effects.checkJob)
-        return finish(then);
-    hooks.render(); // the silence is known now, the job's state only when the service manager answers
-    checkJob(std::move(then));
+    hooks.render(cfg);
+    if (effects.checkJob) // the silence is shown, the job's state only when the service manager has answered
+        return checkJob(then);
+    // Last, because it opens windows; `then` may be the end of this object.
+    auto react = alive.guard([this, &cfg] { hooks.e2Prompt(cfg); });
+    if (then)
+        then();
+    if (effects.reactToReport)
+        react();
 }
 
-void HealthPoll::checkJob(std::function<void()> then) {
+void HealthPoll::checkJob(const std::function<void()> &then) {
     if (then)
-        afterJobCheck.push_back(std::move(then));
+        afterJobCheck.push_back(then);
     lookedAt = state.health.jobCheckedAt;
     // A service manager that hangs must not use up the background threads: later polls join the look under way.
     if (std::exchange(checkingJob, true))
@@ -84,16 +87,10 @@ void HealthPoll::checkJob(std::function<void()> then) {
                              // A good answer or a pause meanwhile knows better.
                              if (!state.health.running && state.health.jobCheckedAt == lookedAt)
                                  state.health.jobLoaded = loaded;
-                             hooks.render();
+                             hooks.render(config.readCfg());
                              for (const auto &waiting : std::exchange(afterJobCheck, {}))
                                  waiting();
                          }));
-}
-
-void HealthPoll::finish(const std::function<void()> &then) {
-    hooks.render();
-    if (then)
-        then();
 }
 
 } // namespace korvel

@@ -19,8 +19,9 @@ Notice lostSignInNotice(HealthEffects::Notice which);
 class HealthPoll {
 public:
     struct Hooks {
-        std::function<void()> render;
-        std::function<void()> e2Prompt; ///< Reacts to a new encryption report.
+        /// `cfg` is the agent configuration as it was read for the answer: a poll reads it once.
+        std::function<void(const QJsonObject &cfg)> render;
+        std::function<void(const QJsonObject &cfg)> e2Prompt; ///< Reacts to a new encryption report.
         std::function<void()> fetchPerms;
         std::function<void(const Notice &)> showHUD;
     };
@@ -37,9 +38,8 @@ public:
 private:
     void tick();
     void answered(quint64 generation, const Result<QJsonObject> &reply, const std::function<void()> &then);
-    void follow(const HealthEffects &effects, std::function<void()> then);
-    void checkJob(std::function<void()> then);
-    void finish(const std::function<void()> &then);
+    void follow(const HealthEffects &effects, const QJsonObject &cfg, const std::function<void()> &then);
+    void checkJob(const std::function<void()> &then);
 
     TrayState &state;
     const FixedConfig &fixed;
@@ -55,7 +55,6 @@ private:
     Instant lookedAt = DISTANT_PAST; ///< Its jobCheckedAt; another value by its end: somebody else looked since.
     std::vector<std::function<void()>> afterJobCheck;
     Timer timer;
-    Timer reaction;
     Alive alive;
 };
 

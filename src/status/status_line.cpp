@@ -56,15 +56,14 @@ QString runningText(const Situation &s) {
         return L(u"● 已连接", u"● Connected") + account + sessionsPart(health.sessions) + permissions;
     if (const auto sentence = e2StatusText(e2); sentence && e2NeedsPairing(e2, s.bound, health.authDead))
         return pairingText(e2State(e2), *sentence) + account;
-    const bool longSince = health.connectingSince && s.now - *health.connectingSince > 60s;
-    return (longSince ? L(u"○ 无法连接服务器，正在重试…", u"○ Can't connect to the server. Retrying…")
-                      : L(u"○ 正在连接…", u"○ Connecting…")) +
+    return (s.timing.longConnecting ? L(u"○ 无法连接服务器，正在重试…", u"○ Can't connect to the server. Retrying…")
+                                    : L(u"○ 正在连接…", u"○ Connecting…")) +
            account + permissions;
 }
 
 QString silentText(const Situation &s) {
     const HealthState &health = s.state.health;
-    if (health.jobLoaded.value_or(true) && isStarting(health, s.now))
+    if (health.jobLoaded.value_or(true) && s.timing.starting)
         return L(u"○ 正在启动…", u"○ Starting…") + accountPart(health);
     if (health.jobLoaded == true)
         return L(u"○ Korvel 未响应，正在重试…", u"○ Korvel isn't responding. Retrying…");

@@ -59,7 +59,7 @@ struct PanelTest : ::testing::Test {
         applyHealth(state, health, {.now = Clock::now(), .bound = true, .username = u"ann"_s});
         const Situation situation{.state = state,
                                   .config = fixed,
-                                  .now = Clock::now(),
+                                  .timing = timingOf(state.health, Clock::now()),
                                   .bound = true,
                                   .plistExists = true,
                                   .server = fixed.DEFAULT_SERVER};

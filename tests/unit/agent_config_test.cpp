@@ -30,6 +30,24 @@ TEST(AgentConfig, WhatIsNoSmallJsonObjectReadsAsEmpty) {
     EXPECT_EQ(cfgText(config.readCfg(), u"username"), u"ann"_s);
 }
 
+TEST(AgentConfig, WhatOthersWriteIsReadAtOnce) {
+    const TestHome home;
+    const AgentConfig config(home.paths);
+    home.writeConfig(R"({"username":"ann"})");
+    EXPECT_EQ(cfgText(config.readCfg(), u"username"), u"ann"_s);
+    // In place, of the same size, and perhaps within one tick of the file system's clock.
+    home.writeConfig(R"({"username":"bob"})");
+    EXPECT_EQ(cfgText(config.readCfg(), u"username"), u"bob"_s);
+
+    const AgentConfig anHourLater(home.paths, [] { return std::time(nullptr) + 3600; });
+    for (int reading = 0; reading < 2; ++reading)
+        EXPECT_EQ(cfgText(anHourLater.readCfg(), u"username"), u"bob"_s);
+    replacePrivateFile(home.paths.agentCfg, R"({"username":"eve"})");
+    EXPECT_EQ(cfgText(anHourLater.readCfg(), u"username"), u"eve"_s);
+    QFile::remove(home.paths.agentCfg);
+    EXPECT_TRUE(anHourLater.readCfg().isEmpty());
+}
+
 TEST(AgentConfig, AFolderOrAPipeInItsPlaceNeitherBlocksNorCounts) {
     const TestHome home;
     const AgentConfig config(home.paths);

@@ -20,7 +20,7 @@ struct MenuViewTest : ::testing::Test {
     MenuView view() const {
         return menuView({.state = state,
                          .config = home.fixed,
-                         .now = Instant(1h),
+                         .timing = timingOf(state.health, Instant(1h)),
                          .bound = bound,
                          .plistExists = plistExists,
                          .server = u"cn.example:443"_s});

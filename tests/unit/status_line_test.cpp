@@ -49,7 +49,7 @@ struct Scene : TrayState {
         const TestHome home;
         return rule({.state = *this,
                      .config = home.fixed,
-                     .now = NOW,
+                     .timing = timingOf(health, NOW),
                      .bound = bound,
                      .plistExists = plistExists,
                      .server = {}});
