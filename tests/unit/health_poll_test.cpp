@@ -39,6 +39,22 @@ TEST_F(HealthPollTest, AnAnswerIsCopiedIntoTheState) {
     EXPECT_TRUE(tray->currentState().permissions.permsMissing.isEmpty());
 }
 
+TEST_F(HealthPollTest, AnAnswerThatIsTheLastOneAgainLeavesWhatElseChanges) {
+    launchWith(R"({"ok":true,"online":false})");
+    EXPECT_EQ(item.statusLine(), u"○ Connecting… · ann"_s);
+    scheduler.advance(39s); // by the clock alone
+    EXPECT_EQ(item.statusLine(), u"○ Can't connect to the server. Retrying… · ann"_s);
+    home.writeConfig(R"({"agentToken":"t","username":"eve"})");
+    scheduler.advance(3s);
+    EXPECT_EQ(item.statusLine(), u"○ Can't connect to the server. Retrying… · eve"_s);
+    QFile::remove(home.paths.agentPlist);
+    scheduler.advance(3s);
+    EXPECT_EQ(item.statusLine(), u"Korvel isn't installed correctly. Choose Repair Korvel."_s);
+    home.writeConfig("{}");
+    scheduler.advance(3s);
+    EXPECT_EQ(item.statusLine(), u"Not signed in"_s);
+}
+
 TEST_F(HealthPollTest, ALossOfTheSignInIsToldOncePerLoss) {
     launchWith(ONLINE);
     const auto after = [&](const QByteArray &body) {
