@@ -81,6 +81,8 @@ private:
 
 /// The tray's first check for updates, 20 s after its start, loads what only servers need: once, and to stay.
 constexpr milliseconds BEFORE_CHECK = 19s, PAST_CHECK = 11s;
+/// The threads of the launch and of that check wait 30 s for more work before they end.
+constexpr milliseconds UNTIL_IDLE = 30s;
 
 void measureIdle(Program &program, ItemWatcher &watcher, milliseconds idle) {
     const Run run(program, watcher);
@@ -90,6 +92,7 @@ void measureIdle(Program &program, ItemWatcher &watcher, milliseconds idle) {
     program.privateDirty.append(static_cast<double>(held.privateDirty) / 1024);
     pass(PAST_CHECK);
     program.pssLater.append(static_cast<double>(heldBy(run.pid()).pss) / 1024);
+    pass(UNTIL_IDLE);
     const Used before = usedBy(run.pid());
     pass(idle);
     const Used after = usedBy(run.pid());
@@ -115,7 +118,7 @@ int main(int argc, char **argv) {
                        {u"floor"_s, u"The floor's program."_s, u"program"_s},
                        {u"starts"_s, u"Starts of each."_s, u"number"_s, u"15"_s},
                        {u"runs"_s, u"Idle runs of each."_s, u"number"_s, u"3"_s},
-                       {u"idle"_s, u"Seconds of an idle run, after 30 s."_s, u"number"_s, u"60"_s}});
+                       {u"idle"_s, u"Seconds of an idle run, after a minute."_s, u"number"_s, u"60"_s}});
     parser.process(app);
 
     const QTemporaryDir folder;

@@ -12,7 +12,7 @@ namespace korvel {
 
 namespace {
 
-const AgentRequest STATUS{.path = u"/perms"_s, .timeout = 20s};
+const AgentRequest STATUS{.path = u"/perms"_s, .timeout = 20s, .repeats = true};
 const AgentRequest PROMPTS{.method = "POST", .path = u"/perms/request"_s, .timeout = 150s}; // a person answers
 
 } // namespace

@@ -30,19 +30,28 @@ Result<QJsonObject> parseAgentReply(const HttpReply &reply) {
     return document.object();
 }
 
-Result<QJsonObject> AgentApi::hear(std::optional<Heard> &last, HttpReply reply) {
-    if (last && last->body == reply.body)
+Result<QJsonObject> AgentApi::hear(const std::shared_ptr<Heard> &last, HttpReply reply) {
+    if (last && !reply.body.isEmpty() && last->body == reply.body)
         return last->object;
     const Result<QJsonObject> answer = parseAgentReply(reply);
-    if (answer && reply.body.size() <= LONGEST_KEPT)
-        last = Heard{std::move(reply.body), answer.value()};
+    if (last && answer && reply.body.size() <= LONGEST_KEPT)
+        *last = {std::move(reply.body), answer.value()};
     return answer;
+}
+
+std::shared_ptr<AgentApi::Heard> AgentApi::lastAnswerTo(const AgentRequest &request) {
+    if (!request.repeats)
+        return nullptr;
+    std::shared_ptr<Heard> &last = heard[request.path];
+    if (!last)
+        last = std::make_shared<Heard>();
+    return last;
 }
 
 void AgentApi::send(const AgentRequest &request, Done<QJsonObject> done) {
     http.send(buildAgentRequest(fixed.AGENT_LOCAL, token(), request),
-              Done<HttpReply>([done = std::move(done), heard = last](Result<HttpReply> reply) mutable {
-                  done(reply ? hear(*heard, std::move(reply.value())) : Result<QJsonObject>(reply.error()));
+              Done<HttpReply>([done = std::move(done), last = lastAnswerTo(request)](Result<HttpReply> reply) mutable {
+                  done(reply ? hear(last, std::move(reply.value())) : Result<QJsonObject>(reply.error()));
               }));
 }
 

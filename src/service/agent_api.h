@@ -3,6 +3,7 @@
 #include "platform/http_client.h"
 #include "service/agent_config.h"
 
+#include <QHash>
 #include <QJsonObject>
 #include <memory>
 #include <optional>
@@ -15,6 +16,7 @@ struct AgentRequest {
     QString path; ///< Beginning with "/".
     std::optional<QJsonObject> body = {};
     std::chrono::milliseconds timeout{0};
+    bool repeats = false; ///< Asked for ever: an answer that is the last one again is not parsed again.
 };
 
 /// The request as it leaves: the token header when there is a token, a body in compact JSON.
@@ -34,19 +36,20 @@ public:
     void send(const AgentRequest &request, Done<QJsonObject> done);
 
 private:
-    /// The last answer: an idle agent says the same in every poll.
+    /// The last answer to a request that repeats: an idle agent says the same every time.
     struct Heard {
-        QByteArray body; ///< Never empty.
+        QByteArray body; ///< Empty: none yet.
         QJsonObject object;
     };
-    static Result<QJsonObject> hear(std::optional<Heard> &last, HttpReply reply);
+    static Result<QJsonObject> hear(const std::shared_ptr<Heard> &last, HttpReply reply);
+    std::shared_ptr<Heard> lastAnswerTo(const AgentRequest &request);
     QString token() const { return cfgText(config.readCfg(), u"localToken"); }
 
     HttpClient &http;
     const FixedConfig &fixed;
     const AgentConfig &config;
-    /// Shared with the completions of requests, which may outlive us.
-    std::shared_ptr<std::optional<Heard>> last = std::make_shared<std::optional<Heard>>();
+    /// By path; each shared with the completions of requests, which may outlive us.
+    QHash<QString, std::shared_ptr<Heard>> heard;
 };
 
 } // namespace korvel
