@@ -1,6 +1,7 @@
 #include "platform/standard_streams.h"
 
 #include <fcntl.h>
+#include <initializer_list>
 #include <unistd.h>
 
 namespace korvel {

@@ -4,6 +4,7 @@
 #include "ui/window_place.h"
 
 #include <QPushButton>
+#include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
 
