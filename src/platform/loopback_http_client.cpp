@@ -1,11 +1,11 @@
 #include "platform/loopback_http_client.h"
 
-#include "platform/http_answer.h"
+#include "platform/http_messages.h"
 #include "platform/loopback_socket.h"
 #include "platform/refuse_later.h"
 
 #include <QTimer>
-#include <algorithm>
+#include <QUrl>
 #include <optional>
 
 namespace korvel {
@@ -18,55 +18,18 @@ struct Message {
     QByteArray bytes;
 };
 
-constexpr qsizetype USUAL_MESSAGE = 512; ///< Bytes, without a body.
-
-bool isOneLine(QByteArrayView text) { return !text.contains('\r') && !text.contains('\n') && !text.contains('\0'); }
-
-/// The port that an authority of 127.0.0.1 names; none when it is no such authority.
-std::optional<quint16> portOf(QByteArrayView authority) {
-    constexpr QByteArrayView HOST = "127.0.0.1";
-    if (!authority.startsWith(HOST))
-        return std::nullopt;
-    const QByteArrayView rest = authority.sliced(HOST.size());
-    if (rest.isEmpty() || rest == ":")
-        return quint16(80);
-    const QByteArrayView digits = rest.sliced(1);
-    const bool isNumber = std::all_of(digits.begin(), digits.end(), [](char c) { return c >= '0' && c <= '9'; });
-    bool fits = false;
-    const quint16 port = digits.toUShort(&fits);
-    return rest.startsWith(':') && isNumber && fits ? std::optional(port) : std::nullopt;
-}
-
 /// None for a request that may not leave or cannot be formed.
 std::optional<Message> messageOf(const HttpRequest &request) {
-    constexpr QByteArrayView SCHEME = "http://";
-    const QByteArray url = request.url.toUtf8();
-    const bool printable = std::none_of(url.begin(), url.end(), [](uchar c) { return c <= ' ' || c == 127; });
-    const bool known = request.method == "GET" || request.method == "POST";
-    if (request.reach != Reach::Loopback || !printable || !known || !url.startsWith(SCHEME))
+    const QUrl url(request.url, QUrl::StrictMode);
+    const bool isKnown = request.method == "GET" || request.method == "POST";
+    // Nothing may stand in front of the host, whatever a malformed port makes of the address.
+    if (request.reach != Reach::Loopback || !isKnown || !url.isValid() || url.scheme() != u"http" ||
+        url.host() != u"127.0.0.1" || !url.userInfo().isEmpty())
         return std::nullopt;
-    const auto end =
-        std::find_if(url.begin() + SCHEME.size(), url.end(), [](char c) { return c == '/' || c == '?' || c == '#'; });
-    const QByteArrayView authority = QByteArrayView(url).sliced(SCHEME.size(), end - url.begin() - SCHEME.size());
-    const QByteArrayView target(end, std::find(end, url.end(), '#'));
-    const auto port = portOf(authority);
-    if (!port)
-        return std::nullopt;
-    const bool isPost = request.method == "POST";
-    QByteArray bytes;
-    bytes.reserve(USUAL_MESSAGE + (isPost ? request.body.size() : 0));
-    bytes.append(request.method).append(target.startsWith('/') ? " " : " /").append(target);
-    bytes.append(" HTTP/1.1\r\nHost: ").append(authority).append("\r\nAccept: */*\r\n");
-    for (const auto &[name, value] : request.headers) {
-        // A value from a file must not be able to add a header of its own.
-        if (!isOneLine(name) || !isOneLine(value))
-            return std::nullopt;
-        bytes.append(name).append(": ").append(value).append("\r\n");
-    }
-    if (isPost)
-        bytes.append("Content-Length: ").append(QByteArray::number(request.body.size())).append("\r\n");
-    bytes.append("\r\n");
-    return Message{*port, isPost ? bytes + request.body : bytes};
+    const QByteArray authority = url.authority(QUrl::FullyEncoded).toLatin1();
+    const QUrl target = url.adjusted(QUrl::RemoveScheme | QUrl::RemoveAuthority | QUrl::RemoveFragment);
+    auto bytes = serializeRequest(request, authority, target.toEncoded());
+    return bytes ? std::optional(Message{static_cast<quint16>(url.port(80)), *std::move(bytes)}) : std::nullopt;
 }
 
 /// A timer that costs no connection: one is made with every poll.
@@ -113,7 +76,7 @@ private:
 class LoopbackHttpClient::Exchange final : public LoopbackSocket::User {
 public:
     Exchange(LoopbackHttpClient &c, Message m, const HttpRequest &request, Done<HttpReply> d)
-        : client(c), message(std::move(m)), isPost(request.method == "POST"), answer(request.maxBytes),
+        : client(c), message(std::move(m)), isPost(request.method == "POST"), response(request.maxBytes),
           done(std::move(d)), deadline(std::make_unique<Deadline>([this] { timedOut(); })) {
         if (request.timeout.count() > 0)
             deadline->start(request.timeout);
@@ -126,8 +89,8 @@ public:
     }
 
     void received(QByteArrayView bytes) override {
-        answer.feed(bytes);
-        if (answer.isOver())
+        response.feed(bytes);
+        if (response.isOver())
             finish();
     }
 
@@ -135,11 +98,11 @@ public:
         if (!socket->wasConnected())
             return fail(ErrorKind::Unreachable, QStringLiteral("nothing listens"));
         // The agent had closed a connection while nobody used it. Never for a POST, which goes over none of those.
-        if (std::exchange(isReused, false) && !answer.hasBegun()) {
+        if (std::exchange(isReused, false) && !response.hasBegun()) {
             socket = std::make_unique<LoopbackSocket>(message.port);
             return talk();
         }
-        answer.end();
+        response.end();
         finish();
     }
 
@@ -172,9 +135,9 @@ private:
     }
 
     void finish() {
-        if (!isPost && answer.leavesConnection())
+        if (!isPost && response.leavesConnection())
             client.idle->keep(std::move(socket), message.port);
-        client.finish(*this, answer.outcome());
+        client.finish(*this, response.outcome());
     }
 
     void fail(ErrorKind kind, const QString &detail) { client.finish(*this, Error{kind, detail}); }
@@ -183,7 +146,7 @@ private:
     const Message message;
     const bool isPost;
     bool isReused = false;
-    HttpAnswer answer;
+    HttpResponseParser response;
     Done<HttpReply> done;
     std::unique_ptr<LoopbackSocket> socket;
     std::unique_ptr<Deadline> deadline;
