@@ -13,11 +13,15 @@ namespace korvel {
 /// One run of a program: absolute path, arguments as a list, never a shell.
 struct ProgramRun {
     enum class Collect { StandardError, StandardOutput };
+    /// Own: a session of its own, which the end of the tray's job leaves alone, and an environment of the few variables
+    /// that no shell, interpreter or loader obeys.
+    enum class Surroundings { Inherited, Own };
 
     QString executable;
     QStringList arguments = {};
-    QByteArray input = {};                                    ///< Written to standard input, which is then closed.
-    QList<std::pair<QString, QString>> extraEnvironment = {}; ///< Set on top of the tray's own environment.
+    QByteArray input = {}; ///< Written to standard input, which is then closed.
+    Surroundings surroundings = Surroundings::Inherited;
+    QList<std::pair<QString, QString>> extraEnvironment = {}; ///< Set on top of the environment.
     Collect collect = Collect::StandardError;                 ///< The other one goes to the null device.
     std::optional<std::chrono::milliseconds> timeout = {};    ///< After it the program is asked to end; none: no limit.
 

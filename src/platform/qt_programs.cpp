@@ -6,6 +6,9 @@
 #include <QProcess>
 #include <algorithm>
 #include <fcntl.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
 
 namespace korvel {
 
@@ -55,8 +58,26 @@ void closeInherited() {
         ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
 }
 
+QProcessEnvironment environmentOf(const ProgramRun &request) {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    if (request.surroundings == ProgramRun::Surroundings::Own) {
+        const QStringList kept{u"HOME"_s, u"USER"_s, u"LOGNAME"_s, u"__CF_USER_TEXT_ENCODING"_s};
+        for (const QString &name : environment.keys())
+            if (!kept.contains(name))
+                environment.remove(name);
+        environment.insert(u"PATH"_s, u"/usr/bin:/bin:/usr/sbin:/sbin"_s);
+    }
+    for (const auto &[name, value] : request.extraEnvironment)
+        environment.insert(name, value);
+    return environment;
+}
+
 void prepare(QProcess &process, const ProgramRun &request) {
-    process.setChildProcessModifier(closeInherited);
+    process.setChildProcessModifier([ownSession = request.surroundings == ProgramRun::Surroundings::Own] {
+        closeInherited();
+        if (ownSession)
+            ::setsid();
+    });
     process.setArguments(request.arguments);
     if (request.collect == ProgramRun::Collect::StandardOutput) {
         process.setStandardErrorFile(QProcess::nullDevice());
@@ -65,12 +86,8 @@ void prepare(QProcess &process, const ProgramRun &request) {
         process.setStandardOutputFile(QProcess::nullDevice());
         process.setReadChannel(QProcess::StandardError);
     }
-    if (request.extraEnvironment.isEmpty())
-        return;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    for (const auto &[name, value] : request.extraEnvironment)
-        environment.insert(name, value);
-    process.setProcessEnvironment(environment);
+    if (request.surroundings == ProgramRun::Surroundings::Own || !request.extraEnvironment.isEmpty())
+        process.setProcessEnvironment(environmentOf(request));
 }
 
 } // namespace

@@ -39,7 +39,8 @@ ProgramRun buildInstall(const QString &package, const UpdateInfo &info) {
             .arguments = {u"-e"_s, u"on run argv"_s, u"-e"_s,
                           u"do shell script (item 1 of argv) with prompt (item 2 of argv) with administrator "
                           "privileges"_s,
-                          u"-e"_s, u"end run"_s, installScript(package, info.sha), prompt}};
+                          u"-e"_s, u"end run"_s, installScript(package, info.sha), prompt},
+            .surroundings = ProgramRun::Surroundings::Own};
 }
 
 InstallOutcome installOutcome(const ProgramResult &result) {

@@ -50,6 +50,21 @@ TEST_F(ProgramsJourney, AProgramThatDoesNotReadItsInputDoesNoHarm) {
     EXPECT_EQ(shell(u"exit 0"_s, run).status, 0);
 }
 
+TEST_F(ProgramsJourney, OwnSurroundingsHoldNothingThatAShellObeysAndOutliveTheTraysSession) {
+    qputenv("BASH_ENV", "/tmp/x");
+    qputenv("BASH_FUNC_rm%%", "() { :; }");
+    ProgramRun run{.executable = {}, .surroundings = ProgramRun::Surroundings::Own};
+    run.extraEnvironment = {{u"EXTRA"_s, u"1"_s}};
+    run.collect = ProgramRun::Collect::StandardOutput;
+    const QByteArray output = shell(u"env | cut -d= -f1 | sort; kill -0 -$$ && echo leads"_s, run).output;
+    qunsetenv("BASH_ENV");
+    qunsetenv("BASH_FUNC_rm%%");
+    QByteArrayList names = output.split('\n');
+    for (const char *harmless : {"HOME", "USER", "LOGNAME", "PWD", "OLDPWD", "SHLVL", "_"}) // some are the shell's own
+        names.removeAll(harmless);
+    EXPECT_EQ(names, (QByteArrayList{"EXTRA", "PATH", "leads", ""})); // of a process group
+}
+
 /// The tray program itself, in an automation mode.
 struct AutomationJourney : Journey {
     QByteArray output;
