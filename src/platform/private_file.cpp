@@ -90,7 +90,14 @@ bool makePrivateFolder(const QString &path) {
     return ::mkdir(QFile::encodeName(path).constData(), 0700) == 0 || QFileInfo(path).isDir();
 }
 
-bool closeFolder(const QString &path) { return ::chmod(QFile::encodeName(path).constData(), 0700) == 0; }
+bool closeFolder(const QString &path) {
+    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    if (fd < 0)
+        return false;
+    const bool closed = ::fchmod(fd, 0700) == 0;
+    ::close(fd);
+    return closed;
+}
 
 bool replacePrivateFile(const QString &path, const QByteArray &content) {
     const QString target = linkTarget(path);

@@ -35,7 +35,7 @@ std::optional<FileStamp> stampOf(const QString &path);
 /// Makes a folder, mode 0700, with the folders above it; true when it exists afterwards.
 bool makePrivateFolder(const QString &path);
 
-/// Gives an existing folder mode 0700; false when it could not.
+/// Gives an existing folder mode 0700; false when it could not, and for a link to one.
 bool closeFolder(const QString &path);
 
 /// Replaces a file by a new one of mode 0600, through a temporary file in the same folder and a rename: whoever reads
