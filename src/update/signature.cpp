@@ -8,7 +8,10 @@ namespace korvel {
 
 namespace {
 
+/// The bytes of a base64 text of whole groups of four; Qt's decoder alone takes one without its padding too.
 std::optional<QByteArray> fromBase64(const QString &text) {
+    if (text.size() % 4 != 0)
+        return std::nullopt;
     const auto decoded = QByteArray::fromBase64Encoding(text.toUtf8(), QByteArray::AbortOnBase64DecodingErrors);
     return decoded ? std::optional(*decoded) : std::nullopt;
 }

@@ -15,6 +15,7 @@
 #include <QDir>
 #include <QFile>
 #include <QUrl>
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -35,7 +36,8 @@ std::optional<HttpRequest> buildDownload(const QString &server, const UpdateInfo
         return std::nullopt;
     request->idleTimeout = SILENT_AT_MOST;
     request->redirects = MOST_REDIRECTS;
-    request->maxBytes = info.bytes > 0 ? info.bytes : LARGEST_PACKAGE;
+    // The size is not signed: it can make the room smaller, not larger.
+    request->maxBytes = info.bytes > 0 ? std::min(info.bytes, LARGEST_PACKAGE) : LARGEST_PACKAGE;
     return request;
 }
 
@@ -55,8 +57,10 @@ void UpdateInstall::installUpdate() {
 
 void UpdateInstall::begin() {
     const UpdateInfo info = *update.updateAvail;
-    if (!prepareCache(info))
+    if (!prepareCache(info)) {
+        log(u"[update] 存不下安装包:"_s + paths.updateDir);
         return end(notSavedNotice());
+    }
     if (!QFile::exists(cached(info)))
         return startDownload(info);
     installPkg(info);
@@ -164,6 +168,7 @@ void UpdateInstall::installed(const ProgramResult &result, const UpdateInfo &inf
     case InstallOutcome::Cancelled:
         return end(installCancelledNotice(info.ver));
     case InstallOutcome::Modified:
+        QFile::remove(cached(info));
         return end(swappedNotice());
     case InstallOutcome::Failed:
         break;

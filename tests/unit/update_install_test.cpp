@@ -216,6 +216,20 @@ TEST_F(UpdateTest, ACachedPackageIsUsedWhenItIsTheRightOneOnly) {
     EXPECT_TRUE(http.downloadTo.isEmpty()); // nothing was downloaded
 }
 
+TEST_F(UpdateTest, ACacheFolderThatIsALinkIsRefusedAndNothingBehindItIsTouched) {
+    const QString behind = home.home() + u"/behind"_s;
+    home.write(behind + u"/mine"_s, "mine");
+    QFile::setPermissions(behind, QFile::Permissions(0x7755));
+    const auto permissions = QFileInfo(behind).permissions();
+    QDir().mkpath(QFileInfo(home.paths.updateDir).path());
+    ASSERT_TRUE(QFile::link(behind, home.paths.updateDir));
+    startInstall();
+    EXPECT_EQ(notices.last(), u"Couldn't save the installer. Check your disk space."_s);
+    EXPECT_EQ(QDir(behind).entryList(QDir::Files), QStringList{u"mine"_s});
+    EXPECT_EQ(QFileInfo(behind).permissions(), permissions);
+    EXPECT_FALSE(update().updateBusy);
+}
+
 TEST_F(UpdateTest, EachOutcomeOfTheInstallerIsToldAndTheUpdateStaysOffered) {
     const struct {
         const char *error;
@@ -225,8 +239,8 @@ TEST_F(UpdateTest, EachOutcomeOfTheInstallerIsToldAndTheUpdateStaysOffered) {
                  {"x (72)", u"The installer was modified before installation, so installation stopped."_s, false},
                  {"x (1)", u"The installer is open. Follow the steps to finish."_s, true}};
     check();
-    home.write(cache, PACKAGE);
     for (const auto &c : cases) {
+        home.write(cache, PACKAGE);
         programs.result = {.status = 1, .launched = true, .output = c.error, .launchError = {}};
         desktop.opened.clear();
         item.choose(Action::InstallUpdate);
@@ -235,6 +249,7 @@ TEST_F(UpdateTest, EachOutcomeOfTheInstallerIsToldAndTheUpdateStaysOffered) {
         EXPECT_FALSE(update().updateBusy);
         EXPECT_TRUE(update().updateAvail);
         EXPECT_EQ(!desktop.opened.isEmpty(), c.opensInstaller);
+        EXPECT_EQ(QFile::exists(cache), !notices.last().contains(u"modified"));
     }
     // A package that was exchanged while the password was asked for is not handed on either.
     programs.answer = [this](const ProgramRun &run) {

@@ -98,6 +98,7 @@ TEST(UpdateSignature, BindsNameVersionAndHashAndNothingElse) {
         [](UpdateInfo &i) { i.sig = signature("korvel-update/1\n2.0\nKorvel-2.0-cn.pkg\n" + QByteArray(64, 'a')); }));
     EXPECT_FALSE(valid([](UpdateInfo &i) { i.sig.clear(); }));
     EXPECT_FALSE(valid([](UpdateInfo &i) { i.sig = u"!"_s + i.sig; }));
+    EXPECT_FALSE(valid([](UpdateInfo &i) { i.sig.remove(u'='); }));
     for (const int size : {63, 65})
         EXPECT_FALSE(valid([size](UpdateInfo &i) {
             i.sig =
@@ -142,6 +143,7 @@ TEST(InstallScript, IsOneLineThatKeepsAnyPathWhole) {
     EXPECT_EQ(run.arguments.mid(6),
               (QStringList{installScript(u"/p.pkg"_s, QString(64, u'a')), u"Korvel wants to install update 2.0."_s}));
     EXPECT_EQ(run.timeout, std::nullopt); // a person types a password
+    EXPECT_EQ(run.surroundings, ProgramRun::Surroundings::Own);
 }
 
 TEST(InstallScript, ItsOutcomeIsReadFromStatusAndErrorText) {
@@ -156,6 +158,15 @@ TEST(InstallScript, ItsOutcomeIsReadFromStatusAndErrorText) {
     EXPECT_EQ(outcome(1, "(72) and then (1)"), InstallOutcome::Failed);
     EXPECT_EQ(outcome(1, "status 72"), InstallOutcome::Failed);
     EXPECT_EQ(outcome(-1, ""), InstallOutcome::Failed);
+}
+
+TEST(Download, HasRoomForWhatTheManifestSaysAndNoMoreThanFourGibibytes) {
+    for (const auto &[bytes, room] :
+         {std::pair<qint64, qint64>(0, 4ll << 30), {-1, 4ll << 30}, {12, 12}, {(4ll << 30) + 1, 4ll << 30}}) {
+        UpdateInfo info = signedInfo();
+        info.bytes = bytes;
+        EXPECT_EQ(buildDownload(u"own.example:443"_s, info).value().maxBytes, room) << bytes;
+    }
 }
 
 TEST(Download, ARefusalIsWordedByItsStatusOrTheServersShortSentence) {
