@@ -15,7 +15,9 @@ namespace korvel {
 namespace {
 
 constexpr qsizetype MAX_OUTPUT = 8 << 20;
-constexpr int KILL_AFTER_MS = 3000;
+constexpr int KILL_DELAY_MS = 3000;
+/// How soon a request to stop is noticed: QProcess waits for the program alone, nothing else wakes it.
+constexpr int STOP_CHECK_INTERVAL_MS = 100;
 
 /// Keeps the end of an output that is too long, from a line's beginning on.
 void keepTail(QByteArray &all, const QByteArray &more) {
@@ -26,29 +28,40 @@ void keepTail(QByteArray &all, const QByteArray &more) {
     all.remove(0, lineEnd < 0 ? all.size() - MAX_OUTPUT / 2 : lineEnd + 1);
 }
 
-/// Asks the program to end when its time is over, and ends it when it does not.
-class TimeLimit {
+/// Ends a program whose time is over or that is to stop: asks it first, kills it when it goes on.
+class Ending {
 public:
-    explicit TimeLimit(std::optional<std::chrono::milliseconds> l) : limit(l) { clock.start(); }
+    explicit Ending(const ProgramRun &r) : request(r) { clock.start(); }
 
-    /// Milliseconds that may be waited for the next event; -1: for ever.
-    int apply(QProcess &process) {
-        if (!limit)
-            return -1;
-        const qint64 left = limit->count() - clock.elapsed();
-        if (left > 0)
-            return static_cast<int>(std::min<qint64>(left, 60000));
-        if (asked && clock.elapsed() > limit->count() + KILL_AFTER_MS)
+    /// Does what is due; gives the milliseconds until it is to be called again, -1: not before the next event.
+    int check(QProcess &process) {
+        if (reason == ProgramResult::End::Itself) {
+            if (request.stop && request.stop->stopRequested())
+                end(process, ProgramResult::End::Stopped);
+            else if (request.timeout && left() <= 0)
+                end(process, ProgramResult::End::TimedOut);
+        } else if (sinceAsked.elapsed() > KILL_DELAY_MS) {
             process.kill();
-        else if (!std::exchange(asked, true))
-            process.terminate();
-        return 100;
+        }
+        if (request.stop || reason != ProgramResult::End::Itself)
+            return STOP_CHECK_INTERVAL_MS;
+        constexpr qint64 MAX_WAIT = 60000;
+        return request.timeout ? static_cast<int>(std::clamp<qint64>(left(), 1, MAX_WAIT)) : -1;
     }
+    ProgramResult::End why() const { return reason; }
 
 private:
-    std::optional<std::chrono::milliseconds> limit;
+    void end(QProcess &process, ProgramResult::End why) {
+        reason = why;
+        sinceAsked.start();
+        process.terminate();
+    }
+    qint64 left() const { return request.timeout->count() - clock.elapsed(); }
+
+    const ProgramRun &request;
+    ProgramResult::End reason = ProgramResult::End::Itself;
     QElapsedTimer clock;
-    bool asked = false;
+    QElapsedTimer sinceAsked;
 };
 
 /// Libraries open descriptors that a program would inherit; a long-lived one would keep their connections open.
@@ -90,10 +103,24 @@ void prepare(QProcess &process, const ProgramRun &request) {
         process.setProcessEnvironment(environmentOf(request));
 }
 
+void collect(QProcess &process, const ProgramRun &request, QByteArray &output) {
+    const QByteArray piece = process.readAll();
+    if (piece.isEmpty())
+        return;
+    if (request.onOutput)
+        request.onOutput(piece);
+    else
+        keepTail(output, piece);
+}
+
 } // namespace
 
 ProgramResult QtPrograms::run(const ProgramRun &request) {
     ProgramResult result;
+    if (request.stop && request.stop->stopRequested()) {
+        result.end = ProgramResult::End::Stopped;
+        return result;
+    }
     QProcess process;
     process.setProgram(isSystemTool(request.executable) ? standInRoot + request.executable : request.executable);
     prepare(process, request);
@@ -105,16 +132,17 @@ ProgramResult QtPrograms::run(const ProgramRun &request) {
     result.launched = true;
     process.write(request.input);
     process.closeWriteChannel();
-    TimeLimit limit(request.timeout);
+    Ending ending(request);
     while (process.state() != QProcess::NotRunning) {
         // Read as it comes, so that a chatty program neither blocks on a full pipe nor fills the memory. One that
         // closed its output runs on: then only its end is waited for.
-        if (!process.waitForReadyRead(limit.apply(process)) && process.state() != QProcess::NotRunning)
-            process.waitForFinished(limit.apply(process));
-        keepTail(result.output, process.readAll());
+        if (!process.waitForReadyRead(ending.check(process)) && process.state() != QProcess::NotRunning)
+            process.waitForFinished(ending.check(process));
+        collect(process, request, result.output);
     }
-    keepTail(result.output, process.readAll());
-    if (process.exitStatus() == QProcess::NormalExit)
+    collect(process, request, result.output);
+    result.end = ending.why();
+    if (process.exitStatus() == QProcess::NormalExit && result.end == ProgramResult::End::Itself)
         result.status = process.exitCode();
     return result;
 }

@@ -2,6 +2,7 @@
 
 #include <QJsonArray>
 #include <QProcess>
+#include <thread>
 
 using namespace Qt::StringLiterals;
 
@@ -42,7 +43,28 @@ TEST_F(ProgramsJourney, AChattyProgramNeitherBlocksNorFillsTheMemory) {
 TEST_F(ProgramsJourney, AProgramThatNeverEndsIsEndedAndWhatItPrintedCounts) {
     ProgramRun run{.executable = {}, .collect = ProgramRun::Collect::StandardOutput};
     run.timeout = 200ms;
-    EXPECT_EQ(shell(u"echo '{\"a\":1}'; exec sleep 100"_s, run).output, "{\"a\":1}\n");
+    // Its status is a failure also where it takes the request to end as success.
+    const ProgramResult result = shell(u"trap 'kill $!; exit 0' TERM; echo '{\"a\":1}'; sleep 100 & wait"_s, run);
+    EXPECT_EQ(result.output, "{\"a\":1}\n");
+    EXPECT_EQ(result.end, ProgramResult::End::TimedOut);
+    EXPECT_EQ(result.status, -1);
+}
+
+TEST_F(ProgramsJourney, ARunIsStoppedFromAnotherThreadOnceItsOutputSaysSo) {
+    ProgramRun run{.executable = {}, .collect = ProgramRun::Collect::StandardOutput, .stop = StopToken()};
+    QByteArray seen;
+    std::thread stopper;
+    run.onOutput = [&](const QByteArray &piece) {
+        seen += piece;
+        if (seen == "one\n" && !stopper.joinable())
+            stopper = std::thread([stop = run.stop]() mutable { stop->requestStop(); });
+    };
+    const ProgramResult result = shell(u"echo one; exec sleep 100"_s, run);
+    stopper.join();
+    EXPECT_EQ(result.end, ProgramResult::End::Stopped);
+    EXPECT_EQ(seen, "one\n");
+    EXPECT_EQ(result.output, "");
+    EXPECT_FALSE(shell(u"exit 0"_s, run).launched); // a token that has stopped keeps programs from starting
 }
 
 TEST_F(ProgramsJourney, AProgramThatDoesNotReadItsInputDoesNoHarm) {
