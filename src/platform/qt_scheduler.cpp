@@ -1,5 +1,7 @@
 #include "platform/qt_scheduler.h"
 
+#include "platform/log.h"
+
 #include <QCoreApplication>
 #include <QTimer>
 
@@ -8,7 +10,10 @@ namespace korvel {
 namespace {
 
 /// Wide, not the core count: a program run may wait for a person.
-constexpr int MOST_THREADS = 64;
+constexpr size_t MAX_THREADS = 64;
+/// For how long a thread is tried for that the system does not give, and how often.
+constexpr milliseconds THREAD_TIMEOUT = 5s;
+constexpr milliseconds THREAD_RETRY_INTERVAL = 250ms;
 
 std::shared_ptr<QTimer> makeTimer(milliseconds interval, bool once, UniqueFunction<void()> f) {
     // A timer may be cancelled, and so destroyed, by the very call that it makes.
@@ -31,7 +36,8 @@ std::shared_ptr<QTimer> makeTimer(milliseconds interval, bool once, UniqueFuncti
 
 } // namespace
 
-QtScheduler::QtScheduler(int sp) : speed(sp), began(Clock::now()) { pool.setMaxThreadCount(MOST_THREADS); }
+QtScheduler::QtScheduler(int sp, WorkerThreads::Make makeThread)
+    : speed(sp), began(Clock::now()), workers(MAX_THREADS, std::move(makeThread)) {}
 
 Instant QtScheduler::now() const { return began + (Clock::now() - began) * speed; }
 
@@ -44,24 +50,41 @@ Timer QtScheduler::every(milliseconds period, UniqueFunction<void()> f) {
 }
 
 void QtScheduler::runInBackground(UniqueFunction<void()> work, UniqueFunction<void()> then) {
-    struct Job {
-        UniqueFunction<void()> work;
-        UniqueFunction<void()> then;
+    // The continuation leaves the thread whole, so that what it owns dies on the main thread.
+    auto onMainThread = [join = alive.guard([this] { workers.join(); }), then = std::move(then)]() mutable {
+        join();
+        then();
     };
-    auto job = std::make_shared<Job>(Job{std::move(work), std::move(then)});
-    pool.start([job = std::move(job)]() mutable {
-        job->work();
-        job->work = nullptr;
-        // The continuation leaves this thread whole, so that what it owns dies on the main thread.
+    auto done = [onMainThread = std::make_shared<decltype(onMainThread)>(std::move(onMainThread))]() mutable {
         if (QCoreApplication *app = QCoreApplication::instance())
             QMetaObject::invokeMethod(
-                app, [job = std::move(job)] { job->then(); }, Qt::QueuedConnection);
-    });
+                app, [onMainThread = std::move(onMainThread)] { (*onMainThread)(); }, Qt::QueuedConnection);
+    };
+    WorkerThreads::Job job{std::move(work), std::move(done)};
+    if (waiting.empty() && workers.start(job))
+        return;
+    waiting.push_back({std::move(job), now() + THREAD_TIMEOUT});
+    if (waiting.size() == 1)
+        retry = every(THREAD_RETRY_INTERVAL, [this] { startWaiting(); });
+}
+
+void QtScheduler::startWaiting() {
+    while (!waiting.empty()) {
+        if (!workers.start(waiting.front().job)) {
+            if (now() < waiting.front().until)
+                return;
+            log(QStringLiteral("[tray] no thread for background work, which is left out"));
+            waiting.front().job.work = nullptr;
+            waiting.front().job.done();
+        }
+        waiting.pop_front();
+    }
+    retry.cancel();
 }
 
 bool QtScheduler::finishBackground() {
-    pool.clear();
-    return pool.waitForDone(0);
+    waiting.clear();
+    return workers.finish();
 }
 
 } // namespace korvel

@@ -1,16 +1,19 @@
 #pragma once
 
+#include "platform/alive.h"
 #include "platform/scheduler.h"
+#include "platform/worker_threads.h"
 
-#include <QThreadPool>
+#include <deque>
 
 namespace korvel {
 
 /// Scheduler on the Qt event loop of the main thread. With a `speed` above 1 its time runs that many times faster than
-/// the clock on the wall, for trials of long stretches.
+/// the clock on the wall, for trials of long stretches. The threads for background work come
+/// from `makeThread`.
 class QtScheduler final : public Scheduler {
 public:
-    explicit QtScheduler(int speed = 1);
+    explicit QtScheduler(int speed = 1, WorkerThreads::Make makeThread = WorkerThreads::makeThread);
 
     Instant now() const override;
     Timer after(milliseconds delay, UniqueFunction<void()> f) override;
@@ -21,9 +24,19 @@ public:
     bool finishBackground();
 
 private:
+    /// A job for which there is no thread.
+    struct Waiting {
+        WorkerThreads::Job job;
+        Instant until;
+    };
+    void startWaiting();
+
     const int speed;
     const Instant began;
-    QThreadPool pool;
+    WorkerThreads workers;
+    std::deque<Waiting> waiting;
+    Timer retry;
+    Alive alive;
 };
 
 } // namespace korvel

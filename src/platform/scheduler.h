@@ -39,16 +39,18 @@ public:
     [[nodiscard]] virtual Timer after(milliseconds delay, UniqueFunction<void()> f) = 0;
     /// Runs `f` on the main thread every `period`, the first time one period from now, until the Timer goes.
     [[nodiscard]] virtual Timer every(milliseconds period, UniqueFunction<void()> f) = 0;
-    /// Runs `work` off the main thread, then `then` on it. `work` must refer to nothing that may be gone by then.
+    /// Runs `work` off the main thread, then `then` on it. `work` must refer to nothing that may be gone by then. When
+    /// the system has no thread for it, not for some seconds either, `then` runs without it.
     virtual void runInBackground(UniqueFunction<void()> work, UniqueFunction<void()> then) = 0;
 
-    /// As runInBackground; `then` is given what `work` returned.
+    /// As runInBackground; `then` gets what `work` returned, or a default value, which has to mean failure, when `work`
+    /// could not run.
     template <class Work, class Then>
     void background(Work work, Then then) {
         using Value = std::invoke_result_t<Work &>;
         auto value = std::make_shared<std::optional<Value>>();
         runInBackground([value, work = std::move(work)]() mutable { value->emplace(work()); },
-                        [value, then = std::move(then)]() mutable { then(std::move(**value)); });
+                        [value, then = std::move(then)]() mutable { then(std::move(*value).value_or(Value())); });
     }
 };
 

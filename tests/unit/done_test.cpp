@@ -6,9 +6,14 @@
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QThread>
+#include <algorithm>
+#include <atomic>
 #include <gtest/gtest.h>
 #include <memory>
+#include <system_error>
 #include <thread>
+#include <utility>
+#include <vector>
 
 namespace korvel::test {
 namespace {
@@ -60,6 +65,52 @@ TEST(QtScheduler, WorkRunsElsewhereAndItsContinuationHere) {
     loop.exec();
     EXPECT_NE(workedOn, continuedOn);
     EXPECT_EQ(continuedOn, QCoreApplication::instance()->thread());
+}
+
+TEST(QtScheduler, WorkWaitsForAThreadAndIsLeftOutWhenThereIsNoneForSeconds) {
+    int refusals = 3;
+    QtScheduler scheduler(20, [&](std::function<void()> f) {
+        if (refusals-- > 0)
+            throw std::system_error(std::make_error_code(std::errc::resource_unavailable_try_again));
+        return WorkerThreads::makeThread(std::move(f));
+    });
+    QEventLoop loop;
+    std::vector<int> ends;
+    const auto run = [&](int value) {
+        scheduler.background([value] { return value; },
+                             [&](int end) {
+                                 ends.push_back(end);
+                                 loop.quit();
+                             });
+        EXPECT_TRUE(ends.empty()); // never before the caller has gone on
+        loop.exec();
+        return std::exchange(ends, {});
+    };
+    EXPECT_EQ(run(7), std::vector{7});
+    refusals = 1000000;
+    const Instant begin = scheduler.now();
+    EXPECT_EQ(run(7), std::vector{0});
+    EXPECT_GE(scheduler.now() - begin, 5s);
+    refusals = 0;
+    EXPECT_EQ(run(8), std::vector{8});
+}
+
+TEST(WorkerThreads, JobsBeyondTheLastThreadWaitForOneThatIsFree) {
+    std::atomic<int> running = 0;
+    std::atomic<int> most = 0;
+    std::atomic<int> done = 0;
+    WorkerThreads workers(2, WorkerThreads::makeThread);
+    for (int i = 0; i < 500; ++i) {
+        WorkerThreads::Job job{[&] {
+                                   most = std::max<int>(most, ++running);
+                                   --running;
+                               },
+                               [&] { ++done; }};
+        ASSERT_TRUE(workers.start(job));
+    }
+    while (done < 500)
+        std::this_thread::yield();
+    EXPECT_LE(most, 2);
 }
 
 TEST(QtScheduler, ATimerMayBeCancelledByItsOwnCall) {
