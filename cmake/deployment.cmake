@@ -1,9 +1,13 @@
 # Build-time deployment data: everything that an operator of the service decides.
 #
-# The defaults are reserved example names (RFC 2606) and documentation addresses (RFC 5737), so that a development build
-# can reach nobody's servers. A shipped build sets them on the CMake command line, e.g.
+# The defaults are reserved example names (RFC 2606), documentation addresses (RFC 5737) and a published key, so that a
+# development build can reach nobody's servers. Nothing with one of them is packed but a trial. A shipped build sets them
+# on the CMake command line, e.g.
 #   cmake --preset release -DKORVEL_CN_SERVER=relay.example.cn:443 -DKORVEL_UPDATE_PUBKEY=...
 # Servers are written "host:port", in lower case.
+
+# RFC 8032, section 7.1, test 1: everybody knows its private half.
+set(published_key "11qYAYKxCrfVS/7TyWQHOg7hcvPapiMlrwIaaPcHURo=")
 
 set(KORVEL_VERSION "0.1.0" CACHE STRING "Version of the package, MAJOR.MINOR.PATCH")
 set(KORVEL_EDITION "cn" CACHE STRING "Edition of this build: cn (mainland) or intl (international)")
@@ -14,13 +18,37 @@ set(KORVEL_INTL_ADDRESS_1 "192.0.2.10:443" CACHE STRING "First numeric-address i
 set(KORVEL_INTL_ADDRESS_2 "198.51.100.10:443" CACHE STRING "Second numeric-address international server, port 443")
 set(KORVEL_INTL_ADDRESS_3 "203.0.113.10:8443" CACHE STRING "Third numeric-address international server, port 8443")
 set(KORVEL_SITE "https://korvel.example" CACHE STRING "Product web site, scheme and host only")
-set(KORVEL_UPDATE_PUBKEY "11qYAYKxCrfVS/7TyWQHOg7hcvPapiMlrwIaaPcHURo=" CACHE STRING
-    "Ed25519 public key that verifies update manifests: base64 of its 32 bytes, 44 characters. The default is the published key of RFC 8032, section 7.1, test 1, whose private half everybody knows: for development only")
+set(KORVEL_UPDATE_PUBKEY "${published_key}" CACHE STRING
+    "Ed25519 public key that verifies update manifests: base64 of its 32 bytes, 44 characters. The default is for development only")
+option(KORVEL_TRIAL "Let cpack make a package that is no release; its name says so" OFF)
 
 if(NOT KORVEL_EDITION MATCHES "^(cn|intl)$")
     message(FATAL_ERROR "KORVEL_EDITION is '${KORVEL_EDITION}'; it must be cn or intl")
 endif()
-string(LENGTH "${KORVEL_UPDATE_PUBKEY}" KORVEL_UPDATE_PUBKEY_LENGTH)
-if(NOT KORVEL_UPDATE_PUBKEY_LENGTH EQUAL 44)
-    message(FATAL_ERROR "KORVEL_UPDATE_PUBKEY must have 44 characters, not ${KORVEL_UPDATE_PUBKEY_LENGTH}")
+
+set(KORVEL_PLACEHOLDERS "") # what no release may hold
+
+# 32 bytes are 42 characters of six bits and one of four, then the padding.
+string(LENGTH "${KORVEL_UPDATE_PUBKEY}" length)
+if(NOT length EQUAL 44 OR NOT KORVEL_UPDATE_PUBKEY MATCHES "^[A-Za-z0-9+/]+[AEIMQUYcgkosw048]=$")
+    message(FATAL_ERROR "KORVEL_UPDATE_PUBKEY is '${KORVEL_UPDATE_PUBKEY}'; it must be base64 of 32 bytes")
+endif()
+if(KORVEL_UPDATE_PUBKEY STREQUAL published_key)
+    list(APPEND KORVEL_PLACEHOLDERS KORVEL_UPDATE_PUBKEY)
+endif()
+
+set(reserved "(^|[./])(example|example\\.(com|net|org)|test|invalid|localhost)(:|$)|^(127\\.|192\\.0\\.2|198\\.51\\.100|203\\.0\\.113)")
+foreach(name IN ITEMS CN_SERVER INTL_SERVER INTL_ADDRESS_1 INTL_ADDRESS_2 INTL_ADDRESS_3)
+    if(NOT KORVEL_${name} MATCHES "^[a-z0-9][a-z0-9.-]*:[1-9][0-9]*$")
+        message(FATAL_ERROR "KORVEL_${name} is '${KORVEL_${name}}'; it must be host:port in lower case")
+    endif()
+    if(KORVEL_${name} MATCHES "${reserved}")
+        list(APPEND KORVEL_PLACEHOLDERS KORVEL_${name})
+    endif()
+endforeach()
+if(NOT KORVEL_SITE MATCHES "^https://[a-z0-9][a-z0-9.-]*$")
+    message(FATAL_ERROR "KORVEL_SITE is '${KORVEL_SITE}'; it must be https:// and a host in lower case")
+endif()
+if(KORVEL_SITE MATCHES "${reserved}")
+    list(APPEND KORVEL_PLACEHOLDERS KORVEL_SITE)
 endif()

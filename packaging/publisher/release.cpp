@@ -69,6 +69,8 @@ Result<UpdateInfo> signedPackage(const SigningKey &key, const QString &version, 
     const std::optional<QString> sha = file.isFile() ? sha256File(path) : std::nullopt;
     if (!sha || file.size() == 0)
         return refused(u"it is empty, or cannot be read"_s);
+    if (file.fileName().contains(u"-trial"))
+        return refused(u"its name says that it is a trial"_s);
     UpdateInfo info{.ver = version, .file = file.fileName(), .sha = *sha, .bytes = file.size()};
     info.sig = signatureOf(key, info);
     return info;

@@ -175,6 +175,7 @@ TEST_F(PublisherTest, ANewerPackageTakesThePlaceOfItsEditionsAndAllElseStays) {
     EXPECT_FALSE(with(manifest, u"Korvel-2.0.pkg"_s, u"2.0-beta"_s));
     EXPECT_FALSE(with({{u"packages"_s, u"none"_s}}, u"Korvel-2.0.pkg"_s, u"2.0"_s));
     EXPECT_FALSE(signedPackage(key, u"2.0"_s, write(u"empty.pkg"_s, "")));
+    EXPECT_FALSE(signedPackage(key, u"2.0"_s, write(u"Korvel-2.0-trial-cn.pkg"_s, "x")));
 }
 
 TEST_F(PublisherTest, TheProgramMakesSignsAndVerifiesAndLeavesTheManifestWhenItRefuses) {
