@@ -1,4 +1,5 @@
-# The installer package, made by cpack: for the macOS installer on macOS, elsewhere an archive of the same bundle.
+# The installer package, made by cpack: for the macOS installer on macOS, elsewhere an archive of the same bundle, made in
+# the same steps.
 
 include(${CMAKE_CURRENT_LIST_DIR}/name.cmake)
 set(CPACK_PACKAGE_NAME Korvel)
@@ -7,23 +8,38 @@ set(CPACK_PACKAGE_FILE_NAME "${KORVEL_PACKAGE_NAME}")
 set(CPACK_PACKAGE_VENDOR Korvel)
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Menu-bar program for korvel-agent")
 set(CPACK_COMPONENTS_ALL tray)
+set(CPACK_PACKAGING_INSTALL_PREFIX /Applications)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_VERBATIM_VARIABLES ON)
 set(CPACK_PROJECT_CONFIG_FILE ${CMAKE_CURRENT_LIST_DIR}/at_packing.cmake)
+set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/sign_staged.cmake)
 set(CPACK_KORVEL_AGENT_PROGRAM "${KORVEL_AGENT_PROGRAM}")
 set(CPACK_KORVEL_STAND_IN_ROOT "${KORVEL_STAND_IN_ROOT}")
+set(CPACK_KORVEL_PLACEHOLDERS "${KORVEL_PLACEHOLDERS}")
+set(CPACK_KORVEL_TRIAL "${KORVEL_TRIAL}")
+set(CPACK_KORVEL_SIGN ${PROJECT_SOURCE_DIR}/packaging/sign)
+set(CPACK_KORVEL_MINIMUM_SYSTEM "${CMAKE_OSX_DEPLOYMENT_TARGET}")
+set(architectures ${CMAKE_OSX_ARCHITECTURES})
+if(APPLE AND NOT architectures)
+    set(architectures ${CMAKE_SYSTEM_PROCESSOR})
+endif()
+list(SORT architectures)
+list(JOIN architectures "," CPACK_KORVEL_ARCHITECTURES)
 if(NOT APPLE)
     set(CPACK_GENERATOR TGZ)
+    set(CPACK_ARCHIVE_COMPONENT_INSTALL ON)
+    set(CPACK_COMPONENTS_GROUPING ALL_COMPONENTS_IN_ONE)
     include(CPack)
     return()
 endif()
 
 set(CPACK_GENERATOR productbuild)
-set(CPACK_PACKAGING_INSTALL_PREFIX /Applications)
 set(CPACK_PRODUCTBUILD_IDENTIFIER dev.korvel.tray)
+set(CPACK_PRODUCTBUILD_DOMAINS ON) # or each package asks for an administrator by an attribute of old
 set(CPACK_POSTFLIGHT_TRAY_SCRIPT ${CMAKE_CURRENT_LIST_DIR}/postinstall)
-set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/sign_staged.cmake)
-set(CPACK_KORVEL_SIGN ${PROJECT_SOURCE_DIR}/packaging/sign)
+# cpack takes its template CPack.distribution.dist.in from here first. Its own leaves out the processors: the installer
+# would run everything under Rosetta then, and refuse where there is none.
+set(CPACK_MODULE_PATH ${CMAKE_CURRENT_LIST_DIR})
 # The installer takes texts by the ending of their file's name, and shows CMake's own where there is none.
 foreach(text IN ITEMS welcome readme)
     string(TOUPPER ${text} upper)

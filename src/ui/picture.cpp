@@ -33,7 +33,9 @@ QByteArray prepared(int scale, QSize screen, QTemporaryFile &file) {
     qputenv("QT_SCALE_FACTOR", QByteArray::number(scale));
     // A platform without a display complains of all that only a display can do.
     QLoggingCategory::setFilterRules(QStringLiteral("default.warning=false\nqt.qpa.*=false"));
-    return platformWith(screen * scale, file);
+    // Proves that macOS's own platform can be loaded, which a look at a package does.
+    const QByteArray cocoa("cocoa");
+    return qgetenv("QT_QPA_PLATFORM") == cocoa ? cocoa : platformWith(screen * scale, file);
 }
 
 } // namespace

@@ -9,9 +9,9 @@ class QWidget;
 
 namespace korvel {
 
-/// An application that needs no display. It has one screen of that size in points and draws `scale` pixels a point,
-/// whatever the environment says of scales and styles, and without a blinking caret: the same windows give the same
-/// pictures.
+/// An application that needs no display, unless QT_QPA_PLATFORM is "cocoa". It has one screen of that size in points
+/// and draws `scale` pixels a point, whatever the environment says of scales and styles, and without a blinking caret:
+/// the same windows give the same pictures.
 class PictureApplication {
 public:
     explicit PictureApplication(int scale = 2, QSize screen = {1280, 800});

@@ -1,50 +1,44 @@
-"""Tests of what goes out. Where things lie comes from the environment: SOURCE, CMAKE, APP, JOB_FILE, PUBLISH."""
+"""Tests of what goes out: the bundle, its package, the job file, and the workflows."""
 import os
 import plistlib
 import re
 import shutil
 import stat
 import struct
-import subprocess
-import tempfile
 import unittest
 from pathlib import Path
 
-SOURCE = Path(os.environ['SOURCE'])
+from support import SOURCE, InFolder, WithTools, run
+
+CMAKE = os.environ['CMAKE']
+# What a release has to be given.
+OPERATOR = {'UPDATE_PUBKEY': 'eKxBsing+68IXEJsqtUDzy1sXDOPtetejb3Eq8NNGfg=', 'CN_SERVER': 'relay.korvel.cn:443',
+            'INTL_SERVER': 'relay.korvel.com:443', 'INTL_ADDRESS_1': '8.8.8.8:443', 'INTL_ADDRESS_2': '8.8.4.4:443',
+            'INTL_ADDRESS_3': '9.9.9.9:8443', 'SITE': 'https://korvel.com'}
 
 
-def run(*command, **options):
-    return subprocess.run([str(word) for word in command], text=True, capture_output=True, **options)
-
-
-class InFolder(unittest.TestCase):
+class Bundle(WithTools):
     def setUp(self):
-        self.folder = Path(tempfile.mkdtemp())
-        self.addCleanup(shutil.rmtree, self.folder)
+        super().setUp()
+        self.build = self.folder / 'build'
+        self.agent = self.folder / 'agent'
+        self.agent.write_text('#!/bin/sh\n')
 
-    def ok(self, *command, **options):
-        done = run(*command, **options)
-        self.assertEqual(done.returncode, 0, f'{command}\n{done.stdout}\n{done.stderr}')
-        return done.stdout + done.stderr
-
-
-class Bundle(InFolder):
     def configure(self, *settings):
         """A build that ships, with what the development build has made in place of what it would make."""
-        build = self.folder / 'build'
-        output = self.ok(os.environ['CMAKE'], '-S', SOURCE, '-B', build, '-G', 'Ninja', '-DCMAKE_BUILD_TYPE=Release',
-                         '-DKORVEL_DEVELOPMENT=OFF', '-DKORVEL_VERSION=3.4.5', *settings)
-        for made in ['Contents/MacOS/korvel-tray', 'Contents/PlugIns/korvel-internet.so',
-                     'Contents/Resources/Korvel.icns']:
-            (build / 'Korvel.app' / made).parent.mkdir(parents=True, exist_ok=True)
-            shutil.copy(Path(os.environ['APP']) / made, build / 'Korvel.app' / made)
-        return build, output
+        self.ok(CMAKE, '-S', SOURCE, '-B', self.build, '-G', 'Ninja', '-DCMAKE_BUILD_TYPE=Release',
+                '-DKORVEL_DEVELOPMENT=OFF', '-DKORVEL_VERSION=3.4.5', f'-DKORVEL_AGENT_PROGRAM={self.agent}', *settings)
+        shutil.copytree(os.environ['APP'], self.build / 'Korvel.app', dirs_exist_ok=True,
+                        ignore=shutil.ignore_patterns('Info.plist'))
+
+    def pack(self, *settings):
+        cpack = Path(CMAKE).with_name('cpack')
+        return run(cpack, '--config', self.build / 'CPackConfig.cmake', '-B', self.folder / 'packages', *settings,
+                   cwd=self.build, env=self.environment)
 
     def test_holds_what_macos_and_the_tray_look_for(self):
-        agent = self.folder / 'agent'
-        agent.write_text('#!/bin/sh\n')
-        build, _ = self.configure(f'-DKORVEL_AGENT_PROGRAM={agent}', '-DCMAKE_OSX_DEPLOYMENT_TARGET=15.1')
-        self.ok(os.environ['CMAKE'], '--install', build, '--prefix', self.folder / 'to')
+        self.configure('-DCMAKE_OSX_DEPLOYMENT_TARGET=15.1')
+        self.ok(CMAKE, '--install', self.build, '--prefix', self.folder / 'to')
         app = self.folder / 'to' / 'Korvel.app' / 'Contents'
         files = {str(p.relative_to(app)) for p in app.rglob('*') if p.is_file()}
         self.assertEqual(files, {'Info.plist', 'MacOS/korvel-tray', 'PlugIns/korvel-internet.so',
@@ -69,23 +63,59 @@ class Bundle(InFolder):
             self.assertEqual(pairs.keys(), usage.keys(), language)
             self.assertEqual(pairs == usage, language == info['CFBundleDevelopmentRegion'])
 
-    def test_is_packed_only_as_what_ships(self):
-        agent = self.folder / 'agent'
-        agent.write_text('#!/bin/sh\n')
-        cpack = Path(os.environ['CMAKE']).with_name('cpack')
-        for settings, refusal in [((f'-DKORVEL_AGENT_PROGRAM={agent}', '-DKORVEL_EDITION=cn'), None),
-                                  (('-DKORVEL_AGENT_PROGRAM=',), 'needs the agent'),
-                                  ((f'-DKORVEL_AGENT_PROGRAM={agent}', '-DKORVEL_STAND_IN_ROOT=/x'), 'stand-ins')]:
-            build, _ = self.configure(*settings)
-            done = run(cpack, '--config', build / 'CPackConfig.cmake', '-B', self.folder / 'packages', cwd=build)
-            if refusal:
-                self.assertNotEqual(done.returncode, 0)
-                self.assertIn(refusal, done.stderr)
-            else:
-                self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
-                package = self.folder / 'packages' / 'Korvel-3.4.5-cn.tar.gz'
-                self.assertIn('Korvel.app/Contents/Resources/korvel-agent', self.ok('tar', '-tzf', package))
+    def test_is_packed_in_the_steps_of_a_mac(self):
+        self.configure('-DCMAKE_OSX_ARCHITECTURES=x86_64;arm64', *[f'-DKORVEL_{k}={v}' for k, v in OPERATOR.items()])
+        self.fake('codesign', '')
+        done = self.pack()
+        self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
+        staged = 'tray/Applications/Korvel.app'
+        signed = [call for call in self.lines() if call.startswith('--force') and call.endswith(staged)]
+        self.assertEqual(len(signed), 1, self.lines())
+        packed = self.ok('tar', '-tzf', self.folder / 'packages/Korvel-3.4.5-cn.tar.gz')
+        self.assertIn('Applications/Korvel.app/Contents/Resources/korvel-agent\n', packed)
+        self.assertIn('set(CPACK_KORVEL_ARCHITECTURES "arm64,x86_64")', (self.build / 'CPackConfig.cmake').read_text())
+        self.fake('codesign', 'exit 1')
+        self.assertNotEqual(self.pack().returncode, 0)
+        for setting, refusal in [('CPACK_KORVEL_AGENT_PROGRAM=', 'needs the agent'),
+                                 ('CPACK_KORVEL_STAND_IN_ROOT=/x', 'stand-ins'),
+                                 ('CPACK_KORVEL_ARCHITECTURES=arm64', 'not for arm64 alone')]:
+            done = self.pack('-D', setting)
+            self.assertNotEqual(done.returncode, 0)
+            self.assertIn(refusal, done.stderr)
 
+    def test_is_packed_with_example_values_as_a_trial_only(self):
+        self.configure('-DKORVEL_EDITION=intl')
+        done = self.pack()
+        self.assertNotEqual(done.returncode, 0)
+        named = re.search('example values of (.*?):', done.stderr, re.DOTALL)[1]
+        self.assertEqual({name.strip() for name in named.split(',')}, {f'KORVEL_{name}' for name in OPERATOR})
+        self.configure('-DKORVEL_TRIAL=ON')
+        done = self.pack()
+        self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
+        self.assertTrue((self.folder / 'packages/Korvel-3.4.5-trial.tar.gz').is_file())
+
+    def test_deployment_data_of_another_form_is_refused(self):
+        key = OPERATOR['UPDATE_PUBKEY']
+        for name, value in [('EDITION', 'eu'), ('UPDATE_PUBKEY', key[:-1]), ('UPDATE_PUBKEY', key[:-2] + 'h='),
+                            ('UPDATE_PUBKEY', key[:-2] + '=='), ('UPDATE_PUBKEY', '*' + key[1:]), ('SITE', 'http://a.cn'),
+                            ('CN_SERVER', 'Relay.cn:443'), ('INTL_ADDRESS_3', '9.9.9.9'), ('INTL_SERVER', 'https://a:443')]:
+            done = run(CMAKE, f'-DKORVEL_{name}={value}', '-P', SOURCE / 'cmake/deployment.cmake')
+            self.assertIn(f'KORVEL_{name} is ', done.stderr)
+
+    def test_holds_qt_only_when_all_of_it_was_found(self):
+        (self.folder / 'Korvel.app/Contents/Helpers').mkdir(parents=True)
+        for helper in ['one', 'two']:
+            (self.folder / f'Korvel.app/Contents/Helpers/{helper}').write_text('')
+        for script, good in [('echo "WARNING: no" >&2', True), ('exit 1', False),
+                             ('printf "one\nERROR: Cannot resolve rpath @rpath/libx.dylib\n" >&2', False)]:
+            self.fake('macdeployqt', script)
+            done = run(CMAKE, f'-DMACDEPLOYQT={self.folder}/bin/macdeployqt', f'-DAPP={self.folder}/Korvel.app', '-P',
+                       SOURCE / 'packaging/package/deploy_qt.cmake')
+            self.assertEqual(done.returncode == 0, good, done.stderr)
+        self.assertEqual(len(re.findall('-executable=.*?/Helpers/', self.lines()[0])), 2)
+
+
+class Files(InFolder):
     def test_icon_holds_a_picture_of_each_size_that_its_type_means(self):
         icns = (Path(os.environ['APP']) / 'Contents/Resources/Korvel.icns').read_bytes()
         self.assertEqual(struct.unpack('>4sI', icns[:8]), (b'icns', len(icns)))
@@ -122,99 +152,13 @@ class PackageName(InFolder):
         key = self.folder / 'key'
         self.ok(os.environ['PUBLISH'], 'make-key', key)
         for edition in ['cn', 'intl']:
-            name = self.ok(os.environ['CMAKE'], '-DKORVEL_VERSION=1.20.3', f'-DKORVEL_EDITION={edition}', '-P',
+            name = self.ok(CMAKE, '-DKORVEL_VERSION=1.20.3', f'-DKORVEL_EDITION={edition}', '-P',
                            SOURCE / 'packaging/package/name.cmake').strip()
             package = self.folder / f'{name}.pkg'
             package.write_text('content')
             said = self.ok(os.environ['PUBLISH'], 'sign', '--key', key, '--version', '1.20.3', '--manifest',
                            self.folder / 'manifest', package)
             self.assertIn(f' {edition} {package.name} ', said)
-
-
-class Scripts(InFolder):
-    def setUp(self):
-        super().setUp()
-        self.calls = self.folder / 'calls'
-        self.environment = {'PATH': f'{self.folder / "bin"}:/usr/bin:/bin'}
-        (self.folder / 'bin').mkdir()
-
-    def fake(self, name, script):
-        tool = self.folder / 'bin' / name
-        tool.write_text(f'#!/bin/sh\necho "$*" >>"{self.calls}"\n{script}\n')
-        tool.chmod(0o755)
-
-    def call(self, script, *arguments, **environment):
-        self.calls.write_text('')
-        return run(SOURCE / 'packaging' / script, *arguments, env={**self.environment, **environment})
-
-    def lines(self):
-        return self.calls.read_text().splitlines()
-
-
-class Sign(Scripts):
-    def setUp(self):
-        super().setUp()
-        self.app = self.folder / 'Kor vel.app'
-        for file in ['Info.plist', 'MacOS/korvel-tray', 'Resources/korvel-agent', 'Frameworks/libcrypto.3.dylib',
-                     'Frameworks/QtCore.framework/Versions/A/QtCore', 'PlugIns/platforms/libqcocoa.dylib',
-                     'Frameworks/QtGui.framework/Versions/A/libinner.dylib']:
-            (self.app / 'Contents' / file).parent.mkdir(parents=True, exist_ok=True)
-            (self.app / 'Contents' / file).write_text('')
-
-    def test_signs_everything_from_the_inside_out(self):
-        self.fake('codesign', '')
-        done = self.call('sign', self.app, KORVEL_SIGN_IDENTITY='Developer ID: Ann')
-        self.assertEqual(done.returncode, 0, done.stderr)
-        *signed, last, verified = self.lines()
-        for call in [*signed, last]:
-            self.assertTrue(call.startswith('--force --sign Developer ID: Ann --timestamp --options runtime '), call)
-        contents = f'{self.app}/Contents/'
-        parts = {call.split(contents)[1] for call in signed}
-        self.assertEqual(parts, {'Frameworks/libcrypto.3.dylib', 'PlugIns/platforms/libqcocoa.dylib',
-                                 'Frameworks/QtCore.framework', 'Frameworks/QtGui.framework', 'Resources/korvel-agent'})
-        self.assertTrue(last.endswith(str(self.app)))
-        self.assertTrue(verified.startswith('--verify'))
-
-    def test_without_an_identity_it_says_that_it_signs_ad_hoc(self):
-        self.fake('codesign', '')
-        done = self.call('sign', self.app, KORVEL_AGENT_ENTITLEMENTS='/some/agent rights.plist')
-        self.assertIn('ad hoc', done.stdout)
-        self.assertTrue(self.lines()[0].startswith('--force --sign - --timestamp=none '))
-        (agent,) = [call for call in self.lines() if call.endswith('korvel-agent')]
-        self.assertIn('--entitlements /some/agent rights.plist ', agent)
-
-    def test_stops_at_the_first_refusal(self):
-        self.fake('codesign', 'case "$*" in *korvel-agent) exit 1 ;; esac')
-        self.assertNotEqual(self.call('sign', self.app).returncode, 0)
-        self.assertTrue(self.lines()[-1].endswith('korvel-agent'))
-        self.assertNotEqual(self.call('sign', self.folder).returncode, 0)
-
-
-class Notarise(Scripts):
-    def setUp(self):
-        super().setUp()
-        self.package = self.folder / 'a.pkg'
-        self.package.write_text('')
-
-    def answer(self, status):
-        self.fake('xcrun', f'case "$*" in *submit*) echo \'{{"id": "7f-1", "message": "m", "status":"{status}"}}\' ;; esac')
-
-    def test_attaches_the_ticket_of_an_accepted_package_only(self):
-        self.answer('Accepted')
-        self.assertEqual(self.call('notarise', self.package, KORVEL_NOTARY_PROFILE='ann').returncode, 0)
-        self.assertEqual([call.split()[:2] for call in self.lines()],
-                         [['notarytool', 'submit'], ['stapler', 'staple'], ['stapler', 'validate']])
-        self.assertIn('--keychain-profile ann --wait', self.lines()[0])
-        self.answer('Invalid')
-        done = self.call('notarise', self.package, KORVEL_NOTARY_KEY='k', KORVEL_NOTARY_KEY_ID='i', KORVEL_NOTARY_ISSUER='u')
-        self.assertEqual(done.returncode, 1)
-        self.assertIn('Invalid', done.stderr)
-        self.assertEqual([call.split()[:3] for call in self.lines()][1:], [['notarytool', 'log', '7f-1']])
-
-    def test_needs_an_account(self):
-        self.answer('Accepted')
-        self.assertEqual(self.call('notarise', self.package, KORVEL_NOTARY_KEY='k').returncode, 64)
-        self.assertEqual(self.lines(), [])
 
 
 class Workflows(unittest.TestCase):

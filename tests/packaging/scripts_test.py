@@ -1,0 +1,199 @@
+"""Tests of the scripts that sign a bundle, have a package notarised and look at one. Apple's tools that only a Mac has are
+fakes; what reads programs is LLVM's on Linux, under the names of Apple's."""
+import re
+import shutil
+import unittest
+from pathlib import Path
+from xml.etree import ElementTree
+
+from support import BOTH, ON_MAC, SOURCE, WithTools, llvm, mach_o
+
+QT_CORE = 'QtCore.framework/Versions/A/QtCore'
+FRAMEWORKS = '@executable_path/../Frameworks'
+SYSTEM = '/usr/lib/libSystem.B.dylib'
+
+
+class Sign(WithTools):
+    def setUp(self):
+        super().setUp()
+        self.app = self.folder / 'Kor vel.app'
+        for file in ['Info.plist', 'MacOS/korvel-tray', 'Resources/korvel-agent', 'Frameworks/libcrypto.3.dylib',
+                     'Frameworks/QtCore.framework/Versions/A/QtCore', 'PlugIns/platforms/libqcocoa.dylib',
+                     'Frameworks/QtGui.framework/Versions/A/libinner.dylib', 'Helpers/one', 'Helpers/two']:
+            (self.app / 'Contents' / file).parent.mkdir(parents=True, exist_ok=True)
+            (self.app / 'Contents' / file).write_text('')
+
+    def test_signs_everything_from_the_inside_out(self):
+        self.fake('codesign', '')
+        done = self.call('sign', self.app, KORVEL_SIGN_IDENTITY='Developer ID: Ann')
+        self.assertEqual(done.returncode, 0, done.stderr)
+        *signed, last, verified = self.lines()
+        for call in [*signed, last]:
+            self.assertTrue(call.startswith('--force --sign Developer ID: Ann --timestamp --options runtime '), call)
+        contents = f'{self.app}/Contents/'
+        parts = [call.split(contents)[1] for call in signed]
+        libraries = {'Frameworks/libcrypto.3.dylib', 'PlugIns/platforms/libqcocoa.dylib'}
+        frameworks = {'Frameworks/QtCore.framework', 'Frameworks/QtGui.framework'}
+        programs = {'Helpers/one', 'Helpers/two', 'Resources/korvel-agent'}
+        self.assertEqual([set(parts[:2]), set(parts[2:4]), set(parts[4:])], [libraries, frameworks, programs])
+        self.assertTrue(last.endswith(str(self.app)))
+        self.assertTrue(verified.startswith('--verify'))
+
+    def test_without_an_identity_it_says_that_it_signs_ad_hoc(self):
+        self.fake('codesign', '')
+        done = self.call('sign', self.app, KORVEL_AGENT_ENTITLEMENTS='/some/agent rights.plist')
+        self.assertIn('ad hoc', done.stdout)
+        self.assertTrue(self.lines()[0].startswith('--force --sign - --timestamp=none '))
+        (agent,) = [call for call in self.lines() if call.endswith('korvel-agent')]
+        self.assertIn('--entitlements /some/agent rights.plist ', agent)
+
+    def test_stops_at_the_first_refusal(self):
+        self.fake('codesign', 'case "$*" in *korvel-agent) exit 1 ;; esac')
+        self.assertNotEqual(self.call('sign', self.app).returncode, 0)
+        self.assertTrue(self.lines()[-1].endswith('korvel-agent'))
+        self.assertNotEqual(self.call('sign', self.folder).returncode, 0)
+
+
+class Notarise(WithTools):
+    def setUp(self):
+        super().setUp()
+        self.package = self.folder / 'a.pkg'
+        self.package.write_text('')
+
+    def answer(self, status):
+        self.fake('xcrun', f'case "$*" in *submit*) echo \'{{"id": "7f-1", "message": "m", "status":"{status}"}}\' ;; esac')
+
+    def test_attaches_the_ticket_of_an_accepted_package_only(self):
+        self.answer('Accepted')
+        self.assertEqual(self.call('notarise', self.package, KORVEL_NOTARY_PROFILE='ann').returncode, 0)
+        self.assertEqual([call.split()[:2] for call in self.lines()],
+                         [['notarytool', 'submit'], ['stapler', 'staple'], ['stapler', 'validate']])
+        self.assertIn('--keychain-profile ann --wait', self.lines()[0])
+        self.answer('Invalid')
+        done = self.call('notarise', self.package, KORVEL_NOTARY_KEY='k', KORVEL_NOTARY_KEY_ID='i', KORVEL_NOTARY_ISSUER='u')
+        self.assertEqual(done.returncode, 1)
+        self.assertIn('Invalid', done.stderr)
+        self.assertEqual([call.split()[:3] for call in self.lines()][1:], [['notarytool', 'log', '7f-1']])
+
+    def test_needs_an_account(self):
+        self.answer('Accepted')
+        self.assertEqual(self.call('notarise', self.package, KORVEL_NOTARY_KEY='k').returncode, 64)
+        self.assertEqual(self.lines(), [])
+
+
+class Inspect(WithTools):
+    """A package as pkgutil lays it out, for the real template and the real script."""
+
+    def setUp(self):
+        super().setUp()
+        self.expanded = self.folder / 'expanded'
+        self.contents = self.expanded / 'Korvel-tray.pkg/Payload/Applications/Korvel.app/Contents'
+        self.tray = self.contents / 'MacOS/korvel-tray'
+        self.helper = self.contents / 'Helpers/korvel-exchange'
+        self.plugin = self.contents / 'PlugIns/platforms/libqcocoa.dylib'
+        self.agent = self.contents / 'Resources/korvel-agent'
+        self.link()
+        (self.contents / 'Info.plist').write_bytes(
+            b'<plist version="1.0"><dict><key>LSMinimumSystemVersion</key><string>14.0</string></dict></plist>')
+        self.info = self.expanded / 'Korvel-tray.pkg/PackageInfo'
+        self.info.write_text('<pkg-info><relocate/></pkg-info>')
+        self.distribution = self.expanded / 'Distribution'
+        self.tell(','.join(BOTH))
+        self.fake('pkgutil', f'cp -R "{self.expanded}" "$3"')
+        self.fake('plutil', '')
+        self.fake('codesign', '')
+        self.fake('arch', 'case "$*" in *--menu-dump) echo "on  Quit" ;; *--login-render*) : >"$5" ;; esac')
+        if not ON_MAC:
+            for name in ['otool', 'lipo']:
+                (self.folder / 'bin' / name).symlink_to(llvm(f'llvm-{name}'))
+
+    def link(self, architectures=BOTH):
+        core = f'@rpath/{QT_CORE}'
+        mach_o(self.tray, architectures=architectures, loads=[core, SYSTEM], rpaths=[FRAMEWORKS])
+        mach_o(self.helper, architectures=architectures, loads=[core, SYSTEM], rpaths=[FRAMEWORKS])
+        mach_o(self.contents / 'Frameworks' / QT_CORE, architectures=architectures, library=core, loads=[SYSTEM])
+        mach_o(self.plugin, architectures=architectures, library='@rpath/libqcocoa.dylib', rpaths=['@loader_path/../../lib'],
+               loads=[core, f'@loader_path/../../Frameworks/{QT_CORE}', f'{FRAMEWORKS}/{QT_CORE}'])
+        mach_o(self.agent, architectures=architectures, loads=[SYSTEM])
+
+    def tell(self, architectures):
+        values = {'CPACK_KORVEL_ARCHITECTURES': architectures, 'CPACK_KORVEL_MINIMUM_SYSTEM': '14.0',
+                  'CPACK_PACKAGEMAKER_CHOICES': '<choices-outline/>'}
+        text = re.sub('@(\\w+)@', lambda match: values.get(match[1], match[1]),
+                      (SOURCE / 'packaging/package/CPack.distribution.dist.in').read_text())
+        ElementTree.fromstring(text.encode())
+        self.distribution.write_text(text)
+
+    def look(self, name='Korvel-1.2.0-cn.pkg'):
+        package = self.folder / name
+        package.write_text('')
+        return self.call('inspect', package)
+
+    def test_accepts_a_release_and_starts_it_on_each_processor_with_each_platform(self):
+        done = self.look()
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertIn('a release, whole, for arm64 and x86_64, macOS 14.0', done.stdout)
+        started = {(call.split()[0], Path(call.split()[-1]).name) for call in self.lines() if f'{self.tray.name} --' in call}
+        self.assertEqual(started, {(f'-{one}', what) for one in BOTH
+                                   for what in ['--menu-dump', f'cocoa-{one}.png', f'offscreen-{one}.png']})
+
+    def test_refuses_what_users_could_not_install_or_run(self):
+        def change(path, old, new):
+            self.assertIn(old, path.read_text())
+            path.write_text(path.read_text().replace(old, new))
+        core, homebrew = f'@rpath/{QT_CORE}', '/opt/homebrew/lib'
+        inner = self.contents / 'Frameworks/libinner.dylib'
+        cases = [
+            ('alone', lambda: mach_o(inner, architectures=['x86_64'], library='inner')),
+            ('needs macOS 15.0', lambda: mach_o(inner, library='inner', minimum='15.0')),
+            (f'looks for libraries in {homebrew}', lambda: mach_o(self.helper, loads=[core], rpaths=[FRAMEWORKS, homebrew])),
+            ('looks for libraries in', lambda: mach_o(self.plugin, library='x', rpaths=['@loader_path/../../../..'])),
+            ('needs what users lack: /opt', lambda: mach_o(inner, library='inner', loads=[f'{homebrew}/libz.dylib'])),
+            (f'needs what users lack: {core}', lambda: mach_o(self.helper, loads=[core])),
+            ('needs what users lack: @loader_path', lambda: mach_o(inner, library='x', loads=[f'@loader_path/../{QT_CORE}'])),
+            ('not told the processors', lambda: change(self.distribution, 'hostArchitectures', 'host')),
+            ('elsewhere', lambda: change(self.distribution, 'enable_anywhere="false"', 'enable_anywhere="true"')),
+            ('oldest macOS', lambda: change(self.distribution, 'min="14.0"', 'min="13.0"')),
+            ('elsewhere', lambda: change(self.info, '<relocate/>', '<relocate>\n<bundle id="x"/></relocate>')),
+            ('platform plugin cocoa', lambda: self.fake('arch', 'case "$*" in *--menu-dump) echo "on  Quit" ;; '
+                                                                '*offscreen*) : >"$5" ;; esac')),
+        ]
+        kept = self.folder / 'kept'
+        shutil.copytree(self.expanded, kept)
+        for reason, spoil in cases:
+            with self.subTest(reason):
+                shutil.rmtree(self.expanded)
+                shutil.copytree(kept, self.expanded)
+                spoil()
+                done = self.look('Korvel-1.2.0-trial-cn.pkg')
+                self.assertNotEqual(done.returncode, 0)
+                self.assertIn(reason, done.stderr)
+
+    def test_only_a_trial_is_thin_or_without_an_agent_or_for_the_example_servers(self):
+        def without_agent():
+            self.agent.write_text('#!/bin/sh\n')
+            self.agent.chmod(0o755)
+
+        def thin():
+            self.link(['arm64'])
+            self.tell('arm64')
+
+        def speaking():
+            self.tray.write_bytes(self.tray.read_bytes() + f'192.0.2.10 {key}'.encode('utf-16-le'))
+        key = '11qYAYKxCrfVS/7TyWQHOg7hcvPapiMlrwIaaPcHURo='
+        for reason, spoil in [('no program of macOS', without_agent), ('one kind of processor', thin),
+                              (f'holds {key}, 192.0.2.1', speaking)]:
+            with self.subTest(reason):
+                self.link()
+                self.tell(','.join(BOTH))
+                spoil()
+                done = self.look()
+                self.assertNotEqual(done.returncode, 0)
+                self.assertIn(reason, done.stderr)
+                done = self.look('Korvel-1.2.0-trial-cn.pkg')
+                self.assertEqual(done.returncode, 0, done.stderr)
+                self.assertIn('a trial', done.stdout)
+
+
+if __name__ == '__main__':
+    unittest.main()
