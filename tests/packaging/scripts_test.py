@@ -1,7 +1,8 @@
-"""Tests of the scripts that sign a bundle, have a package notarised and look at one. Apple's tools that only a Mac has are
-fakes; what reads programs is LLVM's on Linux, under the names of Apple's."""
+"""Tests of the scripts that sign a bundle, have a package notarised and look at one. Apple's tools that only a Mac has
+are fakes; what reads programs is LLVM's on Linux, under the names of Apple's."""
 import re
 import shutil
+import tempfile
 import unittest
 from pathlib import Path
 from xml.etree import ElementTree
@@ -9,8 +10,9 @@ from xml.etree import ElementTree
 from support import BOTH, ON_MAC, SOURCE, WithTools, llvm, mach_o
 
 QT_CORE = 'QtCore.framework/Versions/A/QtCore'
+PLUGIN = 'PlugIns/platforms/libqcocoa.dylib'
+MENU = 'case "$*" in *--menu-dump) echo "on  Quit" ;; '
 FRAMEWORKS = '@executable_path/../Frameworks'
-SYSTEM = '/usr/lib/libSystem.B.dylib'
 
 
 class Sign(WithTools):
@@ -81,40 +83,48 @@ class Notarise(WithTools):
         self.assertEqual(self.lines(), [])
 
 
+def link(contents, architectures=BOTH):
+    """The programs and libraries of a bundle."""
+    core = f'@rpath/{QT_CORE}'
+    for program in ['MacOS/korvel-tray', 'Helpers/korvel-exchange']:
+        mach_o(contents / program, architectures=architectures, loads=[core], rpaths=[FRAMEWORKS])
+    mach_o(contents / 'Frameworks' / QT_CORE, architectures=architectures, library=core)
+    mach_o(contents / PLUGIN, architectures=architectures, library='@rpath/libqcocoa.dylib',
+           rpaths=['@loader_path/../../lib'], loads=[core, f'@loader_path/../../Frameworks/{QT_CORE}', f'{FRAMEWORKS}/{QT_CORE}'])
+    mach_o(contents / 'Resources/korvel-agent', architectures=architectures)
+
+
 class Inspect(WithTools):
     """A package as pkgutil lays it out, for the real template and the real script."""
+
+    @classmethod
+    def setUpClass(cls):
+        cls.linked = Path(tempfile.mkdtemp())
+        cls.addClassCleanup(shutil.rmtree, cls.linked)
+        link(cls.linked)
 
     def setUp(self):
         super().setUp()
         self.expanded = self.folder / 'expanded'
         self.contents = self.expanded / 'Korvel-tray.pkg/Payload/Applications/Korvel.app/Contents'
-        self.tray = self.contents / 'MacOS/korvel-tray'
-        self.helper = self.contents / 'Helpers/korvel-exchange'
-        self.plugin = self.contents / 'PlugIns/platforms/libqcocoa.dylib'
-        self.agent = self.contents / 'Resources/korvel-agent'
-        self.link()
-        (self.contents / 'Info.plist').write_bytes(
-            b'<plist version="1.0"><dict><key>LSMinimumSystemVersion</key><string>14.0</string></dict></plist>')
         self.info = self.expanded / 'Korvel-tray.pkg/PackageInfo'
-        self.info.write_text('<pkg-info><relocate/></pkg-info>')
         self.distribution = self.expanded / 'Distribution'
-        self.tell(','.join(BOTH))
+        self.lay()
         self.fake('pkgutil', f'cp -R "{self.expanded}" "$3"')
         self.fake('plutil', '')
         self.fake('codesign', '')
-        self.fake('arch', 'case "$*" in *--menu-dump) echo "on  Quit" ;; *--login-render*) : >"$5" ;; esac')
+        self.fake('arch', MENU + '*--login-render*) : >"$5" ;; esac')
         if not ON_MAC:
             for name in ['otool', 'lipo']:
                 (self.folder / 'bin' / name).symlink_to(llvm(f'llvm-{name}'))
 
-    def link(self, architectures=BOTH):
-        core = f'@rpath/{QT_CORE}'
-        mach_o(self.tray, architectures=architectures, loads=[core, SYSTEM], rpaths=[FRAMEWORKS])
-        mach_o(self.helper, architectures=architectures, loads=[core, SYSTEM], rpaths=[FRAMEWORKS])
-        mach_o(self.contents / 'Frameworks' / QT_CORE, architectures=architectures, library=core, loads=[SYSTEM])
-        mach_o(self.plugin, architectures=architectures, library='@rpath/libqcocoa.dylib', rpaths=['@loader_path/../../lib'],
-               loads=[core, f'@loader_path/../../Frameworks/{QT_CORE}', f'{FRAMEWORKS}/{QT_CORE}'])
-        mach_o(self.agent, architectures=architectures, loads=[SYSTEM])
+    def lay(self):
+        shutil.rmtree(self.expanded, ignore_errors=True)
+        shutil.copytree(self.linked, self.contents)
+        (self.contents / 'Info.plist').write_bytes(
+            b'<plist version="1.0"><dict><key>LSMinimumSystemVersion</key><string>14.0</string></dict></plist>')
+        self.info.write_text('<pkg-info><relocate/></pkg-info>')
+        self.tell(','.join(BOTH))
 
     def tell(self, architectures):
         values = {'CPACK_KORVEL_ARCHITECTURES': architectures, 'CPACK_KORVEL_MINIMUM_SYSTEM': '14.0',
@@ -133,7 +143,7 @@ class Inspect(WithTools):
         done = self.look()
         self.assertEqual(done.returncode, 0, done.stderr)
         self.assertIn('a release, whole, for arm64 and x86_64, macOS 14.0', done.stdout)
-        started = {(call.split()[0], Path(call.split()[-1]).name) for call in self.lines() if f'{self.tray.name} --' in call}
+        started = {(call.split()[0], Path(call.split()[-1]).name) for call in self.lines() if 'korvel-tray --' in call}
         self.assertEqual(started, {(f'-{one}', what) for one in BOTH
                                    for what in ['--menu-dump', f'cocoa-{one}.png', f'offscreen-{one}.png']})
 
@@ -142,28 +152,25 @@ class Inspect(WithTools):
             self.assertIn(old, path.read_text())
             path.write_text(path.read_text().replace(old, new))
         core, homebrew = f'@rpath/{QT_CORE}', '/opt/homebrew/lib'
-        inner = self.contents / 'Frameworks/libinner.dylib'
+        inner, helper = self.contents / 'Frameworks/libinner.dylib', self.contents / 'Helpers/korvel-exchange'
         cases = [
             ('alone', lambda: mach_o(inner, architectures=['x86_64'], library='inner')),
             ('needs macOS 15.0', lambda: mach_o(inner, library='inner', minimum='15.0')),
-            (f'looks for libraries in {homebrew}', lambda: mach_o(self.helper, loads=[core], rpaths=[FRAMEWORKS, homebrew])),
-            ('looks for libraries in', lambda: mach_o(self.plugin, library='x', rpaths=['@loader_path/../../../..'])),
+            (f'looks for libraries in {homebrew}', lambda: mach_o(helper, loads=[core], rpaths=[FRAMEWORKS, homebrew])),
+            ('looks for libraries in', lambda: mach_o(inner, library='x', rpaths=['@loader_path/../../..'])),
             ('needs what users lack: /opt', lambda: mach_o(inner, library='inner', loads=[f'{homebrew}/libz.dylib'])),
-            (f'needs what users lack: {core}', lambda: mach_o(self.helper, loads=[core])),
-            ('needs what users lack: @loader_path', lambda: mach_o(inner, library='x', loads=[f'@loader_path/../{QT_CORE}'])),
+            (f'needs what users lack: {core}', lambda: mach_o(helper, loads=[core])),
+            ('needs what users lack: @loader_path', lambda: mach_o(inner, library='x', loads=[f'@loader_path/{QT_CORE}x'])),
             ('not told the processors', lambda: change(self.distribution, 'hostArchitectures', 'host')),
             ('elsewhere', lambda: change(self.distribution, 'enable_anywhere="false"', 'enable_anywhere="true"')),
             ('oldest macOS', lambda: change(self.distribution, 'min="14.0"', 'min="13.0"')),
             ('elsewhere', lambda: change(self.info, '<relocate/>', '<relocate>\n<bundle id="x"/></relocate>')),
-            ('platform plugin cocoa', lambda: self.fake('arch', 'case "$*" in *--menu-dump) echo "on  Quit" ;; '
-                                                                '*offscreen*) : >"$5" ;; esac')),
+            ('platform plugin cocoa', lambda: self.fake('arch', MENU + '*offscreen*) : >"$5" ;; esac')),
+            ('exchange does not start', lambda: self.fake('arch', MENU + '*exchange) kill -ABRT $$ ;; esac')),
         ]
-        kept = self.folder / 'kept'
-        shutil.copytree(self.expanded, kept)
         for reason, spoil in cases:
             with self.subTest(reason):
-                shutil.rmtree(self.expanded)
-                shutil.copytree(kept, self.expanded)
+                self.lay()
                 spoil()
                 done = self.look('Korvel-1.2.0-trial-cn.pkg')
                 self.assertNotEqual(done.returncode, 0)
@@ -171,21 +178,20 @@ class Inspect(WithTools):
 
     def test_only_a_trial_is_thin_or_without_an_agent_or_for_the_example_servers(self):
         def without_agent():
-            self.agent.write_text('#!/bin/sh\n')
-            self.agent.chmod(0o755)
+            (self.contents / 'Resources/korvel-agent').write_text('#!/bin/sh\n')
 
         def thin():
-            self.link(['arm64'])
+            link(self.contents, ['arm64'])
             self.tell('arm64')
 
         def speaking():
-            self.tray.write_bytes(self.tray.read_bytes() + f'192.0.2.10 {key}'.encode('utf-16-le'))
+            tray = self.contents / 'MacOS/korvel-tray'
+            tray.write_bytes(tray.read_bytes() + f'192.0.2.10 {key}'.encode('utf-16-le'))
         key = '11qYAYKxCrfVS/7TyWQHOg7hcvPapiMlrwIaaPcHURo='
         for reason, spoil in [('no program of macOS', without_agent), ('one kind of processor', thin),
                               (f'holds {key}, 192.0.2.1', speaking)]:
             with self.subTest(reason):
-                self.link()
-                self.tell(','.join(BOTH))
+                self.lay()
                 spoil()
                 done = self.look()
                 self.assertNotEqual(done.returncode, 0)

@@ -1,4 +1,4 @@
-"""What the tests of packaging share. Where things lie comes from the environment: SOURCE, CMAKE, APP, JOB_FILE, PUBLISH."""
+"""What the tests of packaging share. The environment says where things lie: SOURCE, CMAKE, APP, JOB_FILE, PUBLISH."""
 import os
 import shutil
 import subprocess
@@ -63,7 +63,7 @@ def mach_o(path, *, architectures=BOTH, library=None, loads=(), rpaths=(), minim
         folder = Path(name)
         (folder / 'code.c').write_text('int main(void) { return 0; }\n')
         stubs = []
-        for number, load in enumerate(loads):
+        for number, load in enumerate(['/usr/lib/libSystem.B.dylib', *loads]):
             stubs.append(folder / f'{number}.tbd')
             stubs[-1].write_text('--- !tapi-tbd\ntbd-version: 4\ntargets: [ arm64-macos, x86_64-macos ]\n'
                                  f"install-name: '{load}'\n...\n")
