@@ -1,14 +1,12 @@
 #include "simulator/agent_encryption.h"
 
 #include "simulator/agent_language.h"
-#include "simulator/encryption_events.h"
 #include "simulator/files.h"
 
 #include <QJsonDocument>
 #include <QTimer>
 
-#include <algorithm>
-#include <iterator>
+#include <optional>
 
 namespace korvel::sim {
 
@@ -17,33 +15,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QByteArray PAIR_PATH = "/e2ee/pair";
-
-// What one endpoint does to the state; `body` is the request's.
-using Act = Verdict (*)(Encryption &, const QJsonObject &body, const EncryptionRules &, qint64 now);
-
-struct Endpoint {
-    const char *path;
-    Act act;
-};
-
-constexpr Endpoint ENDPOINTS[] = {
-    {"/e2ee/pair",
-     [](Encryption &encryption, const QJsonObject &body, const EncryptionRules &, qint64) {
-         return answerDevice(encryption, body.value("pendingId"_L1).toString(), body.value("code"_L1).toString());
-     }},
-    {"/e2ee/reject", [](Encryption &encryption, const QJsonObject &body, const EncryptionRules &,
-                        qint64) { return rejectDevice(encryption, body.value("pendingId"_L1).toString()); }},
-    {"/e2ee/pair/new", [](Encryption &encryption, const QJsonObject &, const EncryptionRules &rules,
-                          qint64 now) { return renewCode(encryption, rules, now); }},
-    {"/e2ee/alarm/dismiss", [](Encryption &encryption, const QJsonObject &body, const EncryptionRules &,
-                               qint64) { return dismissAlarm(encryption, body.value("id"_L1).toString()); }},
-    {"/e2ee/reset/accept", [](Encryption &encryption, const QJsonObject &, const EncryptionRules &rules,
-                              qint64 now) { return acceptReset(encryption, rules, now); }},
-    {"/e2ee/asr/install", [](Encryption &encryption, const QJsonObject &, const EncryptionRules &,
-                             qint64 now) { return installSpeech(encryption, now); }},
-    {"/e2ee/logout", [](Encryption &encryption, const QJsonObject &, const EncryptionRules &rules,
-                        qint64 now) { return leaveEncryption(encryption, rules, now); }},
-};
 
 struct Failure {
     QLatin1StringView code;
@@ -62,27 +33,6 @@ constexpr Failure FAILURES[] = {
     {"no-alarm"_L1, u"没有这条安全提醒", u"There is no such alarm."},
     {"bad-request"_L1, u"请求格式不正确", u"The request isn't a JSON object."},
 };
-
-// The code of a verdict other than Done.
-QString codeOf(Verdict verdict) {
-    switch (verdict) {
-    case Verdict::Done:
-        return {};
-    case Verdict::WrongCode:
-        return u"wrong-code"_s;
-    case Verdict::BadCode:
-        return u"bad-code"_s;
-    case Verdict::Answered:
-        return u"answered"_s;
-    case Verdict::NotPairing:
-        return u"not-pairing"_s;
-    case Verdict::NoReset:
-        return u"no-reset"_s;
-    case Verdict::NoAlarm:
-        return u"no-alarm"_s;
-    }
-    return {};
-}
 
 // The sentence for a failure, in the agent's language.
 QString textOf(const QString &code, const Scenario &scenario) {
@@ -121,19 +71,7 @@ std::optional<QJsonObject> spelledOut(const QJsonObject &forced, const Scenario 
 
 } // namespace
 
-Encryption AgentEncryption::state() const {
-    Encryption encryption = store.read();
-    for (AskingDevice &device : encryption.devices)
-        device.busy = checking.contains(device.pendingId);
-    return encryption;
-}
-
-QList<QByteArray> AgentEncryption::paths() {
-    QList<QByteArray> list;
-    for (const Endpoint &endpoint : ENDPOINTS)
-        list.append(endpoint.path);
-    return list;
-}
+QJsonObject AgentEncryption::report(bool online) const { return encryption.report(online, checking); }
 
 void AgentEncryption::answer(const HttpRequest &request, const Scenario &scenario, const Respond &respond) {
     const QJsonDocument document = QJsonDocument::fromJson(request.body);
@@ -157,19 +95,13 @@ void AgentEncryption::answer(const HttpRequest &request, const Scenario &scenari
 }
 
 void AgentEncryption::answerNow(const QByteArray &path, const QJsonObject &body, const Scenario &scenario,
-                                const QJsonObject &forced, const Respond &respond) const {
+                                const QJsonObject &forced, const Respond &respond) {
     if (forced.value("silent"_L1).toBool())
         return;
     if (const auto answer = spelledOut(forced, scenario))
         return respond(HttpAnswer::json(*answer));
-    const auto endpoint = std::find_if(std::begin(ENDPOINTS), std::end(ENDPOINTS),
-                                       [&](const Endpoint &each) { return path == each.path; });
-    Verdict verdict = Verdict::Done;
-    store.change([&](Encryption &encryption, const EncryptionRules &rules, qint64 now) {
-        verdict = endpoint->act(encryption, body, rules, now);
-        return verdict == Verdict::Done;
-    });
-    respond(verdict == Verdict::Done ? HttpAnswer::json({{u"ok"_s, true}}) : refusal(codeOf(verdict), scenario));
+    const QString failure = encryption.answer(path, body);
+    respond(failure.isEmpty() ? HttpAnswer::json({{u"ok"_s, true}}) : refusal(failure, scenario));
 }
 
 } // namespace korvel::sim

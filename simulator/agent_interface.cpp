@@ -22,7 +22,8 @@ HttpAnswer refusal(int status, const QString &error) {
 
 AgentInterface::AgentInterface(HomePaths paths, AgentConfig config)
     : paths(std::move(paths)), config(std::move(config)), token(this->config.ensureLocalToken().toUtf8()),
-      encryption({this->paths, this->config}), browserSignIn(this->paths, this->config), permissions(this->paths),
+      encryption(Encryption(this->paths, this->config)), browserSignIn(this->paths, this->config),
+      permissions(this->paths),
       server([this](HttpConnection &connection, const HttpRequest &request) { receive(connection, request); }) {
     uptime.start();
     addRoutes();
@@ -32,7 +33,7 @@ bool AgentInterface::listen(int port) { return server.listenOnLoopback(port); }
 
 void AgentInterface::addRoutes() {
     routes[{"GET", "/health"}] = [this](const HttpRequest &, const Scenario &scenario, const Respond &respond) {
-        respond(HttpAnswer::json(healthReport(situation(scenario), scenario.values())));
+        respond(HttpAnswer::json(health(scenario)));
     };
     routes[{"POST", "/auth/start"}] = [this](const HttpRequest &request, const Scenario &scenario,
                                              const Respond &respond) {
@@ -48,17 +49,30 @@ void AgentInterface::addRoutes() {
     routes[{"POST", "/perms/request"}] = [this](const HttpRequest &, const Scenario &, const Respond &respond) {
         permissions.request(respond);
     };
-    for (const QByteArray &path : AgentEncryption::paths())
+    for (const QByteArray &path : Encryption::endpoints())
         routes[{"POST", path}] = [this](const HttpRequest &request, const Scenario &scenario, const Respond &respond) {
             encryption.answer(request, scenario, respond);
         };
 }
 
-AgentSituation AgentInterface::situation(const Scenario &scenario) const {
+// All is well by default, then the scenario's "offline", "connectMs" and "health".
+QJsonObject AgentInterface::health(const Scenario &scenario) const {
     const QJsonObject stored = config.read();
-    const auto credential = credentialOf(AccountStore(paths).read(), stored.value("agentToken"_L1).toString());
-    return {stored, credential && credential->released, uptime.elapsed(), encryption.state(),
-            permissions.summary(scenario)};
+    const QString agentToken = stored.value("agentToken"_L1).toString();
+    const auto credential = credentialOf(AccountStore(paths).read(), agentToken);
+    const bool dead = !agentToken.isEmpty() && credential && credential->released;
+    const bool online = !agentToken.isEmpty() && !dead && !scenario.values().value("offline"_L1).toBool() &&
+                        uptime.elapsed() >= milliseconds(scenario.values(), "connectMs"_L1, 300);
+    const QJsonObject report{{u"ok"_s, true},
+                             {u"online"_s, online},
+                             {u"ver"_s, agentVersion()},
+                             {u"sessions"_s, 0},
+                             {u"account"_s, stored.value("username"_L1).toString()},
+                             {u"authDead"_s, dead},
+                             {u"accountGone"_s, false},
+                             {u"e2ee"_s, encryption.report(online)},
+                             {u"perms"_s, permissions.summary(scenario)}};
+    return mergePatch(report, scenario.section("health"_L1));
 }
 
 void AgentInterface::receive(HttpConnection &connection, const HttpRequest &request) {

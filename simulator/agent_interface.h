@@ -3,7 +3,6 @@
 #include "simulator/agent_browser_sign_in.h"
 #include "simulator/agent_config.h"
 #include "simulator/agent_encryption.h"
-#include "simulator/agent_health.h"
 #include "simulator/agent_permissions.h"
 #include "simulator/http_server.h"
 #include "simulator/scenario.h"
@@ -14,6 +13,9 @@
 #include <map>
 
 namespace korvel::sim {
+
+// The agent's name and version as it reports them.
+inline QString agentVersion() { return QStringLiteral("korvel-agent/1.4.2"); }
 
 // The agent's loopback HTTP interface: logs every request, plays the scenario's fault for it, checks the token, and
 // answers by route.
@@ -29,7 +31,7 @@ public:
 private:
     void receive(HttpConnection &connection, const HttpRequest &request);
     void log(const HttpConnection &connection, const HttpRequest &request) const;
-    AgentSituation situation(const Scenario &scenario) const;
+    QJsonObject health(const Scenario &scenario) const;
     void addRoutes();
     void answer(const HttpRequest &request, const Scenario &scenario, const Respond &respond) const;
 

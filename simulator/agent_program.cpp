@@ -1,6 +1,6 @@
 #include "simulator/agent_program.h"
 
-#include "simulator/agent_health.h"
+#include "simulator/agent_interface.h"
 #include "simulator/files.h"
 #include "simulator/job_file.h"
 #include "simulator/request_text.h"

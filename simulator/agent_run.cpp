@@ -1,6 +1,5 @@
 #include "simulator/agent_program.h"
 
-#include "simulator/agent_health.h"
 #include "simulator/agent_interface.h"
 #include "simulator/files.h"
 #include "simulator/unix_signals.h"

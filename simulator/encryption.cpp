@@ -1,106 +1,397 @@
 #include "simulator/encryption.h"
 
-#include <QRandomGenerator>
+#include "simulator/files.h"
+#include "simulator/scenario.h"
 
+#include <QCryptographicHash>
+#include <QJsonArray>
+#include <QRandomGenerator>
 #include <algorithm>
-#include <array>
 
 namespace korvel::sim {
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-bool isShown(const Encryption &encryption, const QString &code) {
-    return code == encryption.code || std::any_of(encryption.devices.begin(), encryption.devices.end(),
-                                                  [&](const AskingDevice &device) { return device.code == code; });
-}
+constexpr int RENEW_MS = 3000;    // from "expired" to a new code
+constexpr int TURN_ON_MS = 1500;  // from the right code to "active"
+constexpr int DOWNLOAD_MS = 6000; // of the speech recognition, unless the scenario says another time
+constexpr int MAX_WRONG_CODES = 5;
 
-qint64 dueAfter(qint64 now, int milliseconds) { return milliseconds > 0 ? now + milliseconds : 0; }
+const QStringList STATES{u"off"_s,      u"starting"_s, u"waiting"_s, u"pending"_s, u"approved"_s, u"pair-failed"_s,
+                         u"rejected"_s, u"expired"_s,  u"active"_s,  u"revoked"_s, u"suspended"_s};
 
-// The one step that is due, at its own time, so that what follows it is not late.
-void step(Encryption &encryption, const EncryptionRules &rules) {
-    const qint64 time = std::exchange(encryption.due, 0);
-    switch (encryption.state) {
-    case PairState::Starting:
-        return enter(encryption, encryption.phone ? PairState::Pending : PairState::Waiting, rules, time);
-    case PairState::Pending:
-        return enter(encryption, encryption.paired ? PairState::Active : PairState::Expired, rules, time);
-    case PairState::Expired:
-        return showNewCode(encryption, rules, time);
-    default:
-        return;
+QString stateOf(const QJsonObject &doc) { return doc.value("state"_L1).toString(u"off"_s); }
+bool isSignedIn(const QJsonObject &doc) { return !doc.value("signIn"_L1).toString().isEmpty(); }
+bool isPaired(const QJsonObject &doc) { return doc.value("paired"_L1).toBool(); }
+bool takesCode(const QJsonObject &doc) { return stateOf(doc) == "pending"_L1 && !isPaired(doc); }
+
+/// Changes the element of `list` whose `key` is `id`, or removes it when `change` says so. False when there is none.
+bool changeElement(QJsonObject &doc, const QString &list, const QString &key, const QString &id,
+                   const std::function<bool(QJsonObject &)> &change) {
+    QJsonArray elements = doc.value(list).toArray();
+    for (qsizetype i = 0; i < elements.size(); ++i) {
+        QJsonObject element = elements[i].toObject();
+        if (element.value(key).toString() != id)
+            continue;
+        if (change(element))
+            elements.removeAt(i);
+        else
+            elements[i] = element;
+        doc.insert(list, elements);
+        return true;
     }
+    return false;
 }
 
-void advanceSpeech(SpeechInstall &speech, int asrMs, qint64 now) {
-    if (speech.state != SpeechInstall::State::Downloading)
+bool removeElement(QJsonObject &doc, const QString &list, const QString &key, const QString &id) {
+    return changeElement(doc, list, key, id, [](QJsonObject &) { return true; });
+}
+
+QJsonObject deviceOf(const QJsonObject &doc, const QString &pendingId) {
+    for (const QJsonValue device : doc.value("pending"_L1).toArray())
+        if (device["pendingId"_L1].toString() == pendingId)
+            return device.toObject();
+    return {};
+}
+
+/// Six random digits that nothing shows at the moment.
+QString drawCode(const QJsonObject &doc) {
+    QStringList shown{doc.value("code"_L1).toString()};
+    for (const QJsonValue device : doc.value("pending"_L1).toArray())
+        shown.append(device["code"_L1].toString());
+    QString code;
+    do
+        code = QString::number(QRandomGenerator::system()->bounded(1'000'000)).rightJustified(6, u'0');
+    while (shown.contains(code));
+    return code;
+}
+
+QString drawIdentity(QJsonObject &doc, const QString &kind) {
+    const int number = doc.value("drawn"_L1).toInt() + 1;
+    doc.insert("drawn"_L1, number);
+    return kind + u'-' + QString::number(number);
+}
+
+/// Shows a new pairing code; the wrong ones stay counted.
+void showNewCode(QJsonObject &doc, bool wrong) {
+    doc = mergePatch(doc, {{u"state"_s, u"pending"_s},
+                           {u"phone"_s, true},
+                           {u"code"_s, drawCode(doc)},
+                           {u"wrong"_s, wrong},
+                           {u"paired"_s, false},
+                           {u"due"_s, 0}});
+}
+
+void enter(QJsonObject &doc, const QString &state, qint64 now) {
+    const bool expired = state == "expired"_L1;
+    doc = mergePatch(doc, {{u"state"_s, state},
+                           {u"code"_s, u""_s},
+                           {u"wrong"_s, false},
+                           {u"paired"_s, false},
+                           {u"due"_s, expired ? now + RENEW_MS : 0}});
+    if (!expired)
+        doc.insert("wrongCodes"_L1, 0);
+    if (state == "waiting"_L1)
+        doc.insert("phone"_L1, false);
+    if (state == "pending"_L1)
+        showNewCode(doc, false);
+}
+
+/// Does what has come due, at its own time, so that what follows is not late.
+void advance(QJsonObject &doc, int downloadMs, qint64 now) {
+    if (const qint64 due = doc.value("due"_L1).toInteger(); due != 0 && due <= now)
+        isPaired(doc) ? enter(doc, u"active"_s, due) : showNewCode(doc, false);
+    QJsonObject speech = doc.value("asr"_L1).toObject();
+    if (speech.value("installing"_L1).toString() != "download"_L1)
         return;
-    const qint64 percent = asrMs > 0 ? (now - speech.started) * 100 / asrMs : 100;
-    speech.percent = int(std::clamp<qint64>(percent, 0, 100));
-    if (speech.percent == 100)
-        speech.state = SpeechInstall::State::Ready;
+    const qint64 percent = (now - doc.value("downloadSince"_L1).toInteger()) * 100 / std::max(downloadMs, 1);
+    speech.insert("pct"_L1, int(std::clamp<qint64>(percent, 0, 100)));
+    doc.insert("asr"_L1, percent < 100 ? speech : QJsonObject{{u"ready"_s, true}});
+}
+
+bool typeCode(QJsonObject &doc, const QString &code, qint64 now) {
+    if (!takesCode(doc))
+        return false;
+    if (code == doc.value("code"_L1).toString()) {
+        doc = mergePatch(doc, {{u"paired"_s, true}, {u"wrong"_s, false}, {u"due"_s, now + TURN_ON_MS}});
+        return true;
+    }
+    const int wrong = doc.value("wrongCodes"_L1).toInt() + 1;
+    doc.insert("wrongCodes"_L1, wrong);
+    wrong < MAX_WRONG_CODES ? showNewCode(doc, true) : enter(doc, u"pair-failed"_s, now);
+    return true;
+}
+
+QString raise(QJsonObject &doc, const QString &kind, const QString &text) {
+    const QString id = drawIdentity(doc, u"alarm"_s);
+    QJsonArray alarms = doc.value("alarms"_L1).toArray();
+    alarms.append(QJsonObject{{u"id"_s, id}, {u"kind"_s, kind}, {u"text"_s, text}});
+    doc.insert("alarms"_L1, alarms);
+    return id;
+}
+
+QString textIn(const QJsonObject &body, QLatin1StringView key) { return body.value(key).toString(); }
+
+QString answerDevice(QJsonObject &doc, const QJsonObject &body) {
+    const QString code = textIn(body, "code"_L1), id = textIn(body, "pendingId"_L1);
+    const bool isCode = code.size() == 6 && std::all_of(code.begin(), code.end(), [](QChar c) { return c.isDigit(); });
+    const QJsonObject device = deviceOf(doc, id);
+    if (!isCode || device.isEmpty() || device.value("code"_L1) != code)
+        return !isCode ? u"bad-code"_s : device.isEmpty() ? u"answered"_s : u"wrong-code"_s;
+    removeElement(doc, u"pending"_s, u"pendingId"_s, id);
+    return {};
+}
+
+QString acceptReset(QJsonObject &doc, qint64 now) {
+    if (!removeElement(doc, u"alarms"_s, u"kind"_s, u"reset"_s))
+        return u"no-reset"_s;
+    enter(doc, u"pending"_s, now);
+    return {};
+}
+
+QString installSpeech(QJsonObject &doc, qint64 now) {
+    const QJsonObject speech = doc.value("asr"_L1).toObject();
+    if (!speech.value("ready"_L1).toBool() && speech.value("installing"_L1).toString() != "download"_L1) {
+        doc.insert("asr"_L1, QJsonObject{{u"ready"_s, false}, {u"installing"_s, u"download"_s}, {u"pct"_s, 0}});
+        doc.insert("downloadSince"_L1, now);
+    }
+    return {}; // under way or there already: all is as asked
+}
+
+struct Endpoint {
+    const char *path;
+    QString (*act)(QJsonObject &doc, const QJsonObject &body, qint64 now);
+};
+
+constexpr Endpoint ENDPOINTS[] = {
+    {"/e2ee/pair", [](QJsonObject &doc, const QJsonObject &body, qint64) { return answerDevice(doc, body); }},
+    {"/e2ee/reject",
+     [](QJsonObject &doc, const QJsonObject &body, qint64) {
+         const bool asked = removeElement(doc, u"pending"_s, u"pendingId"_s, textIn(body, "pendingId"_L1));
+         return asked ? QString() : u"answered"_s;
+     }},
+    {"/e2ee/pair/new",
+     [](QJsonObject &doc, const QJsonObject &, qint64) {
+         if (!takesCode(doc) && stateOf(doc) != "expired"_L1)
+             return u"not-pairing"_s;
+         showNewCode(doc, false);
+         return QString();
+     }},
+    {"/e2ee/alarm/dismiss",
+     [](QJsonObject &doc, const QJsonObject &body, qint64) {
+         return removeElement(doc, u"alarms"_s, u"id"_s, textIn(body, "id"_L1)) ? QString() : u"no-alarm"_s;
+     }},
+    {"/e2ee/reset/accept", [](QJsonObject &doc, const QJsonObject &, qint64 now) { return acceptReset(doc, now); }},
+    {"/e2ee/asr/install", [](QJsonObject &doc, const QJsonObject &, qint64 now) { return installSpeech(doc, now); }},
+    {"/e2ee/logout",
+     [](QJsonObject &doc, const QJsonObject &, qint64 now) {
+         doc = mergePatch(doc, {{u"pending"_s, QJsonArray()}, {u"alarms"_s, QJsonArray()}});
+         enter(doc, u"off"_s, now);
+         return QString();
+     }},
+};
+
+/// A name for a sign-in that does not give its token away; empty while nobody is signed in.
+QString signInOf(const AgentConfig &config) {
+    const QByteArray token = config.read().value("agentToken"_L1).toString().toUtf8();
+    const QByteArray digest = QCryptographicHash::hash(token, QCryptographicHash::Sha256).toHex();
+    return token.isEmpty() ? QString() : QString::fromLatin1(digest.first(16));
+}
+
+/// The state in which a sign-in begins; the phone belongs to the account and stays.
+QJsonObject begun(const QJsonObject &before, const QString &signIn, const QString &start, qint64 now) {
+    QJsonObject doc{{u"signIn"_s, signIn},
+                    {u"began"_s, start},
+                    {u"phone"_s, before.value("phone"_L1)},
+                    {u"drawn"_s, before.value("drawn"_L1)}};
+    if (!signIn.isEmpty())
+        enter(doc, start == "waiting"_L1 && doc.value("phone"_L1).toBool() ? u"pending"_s : start, now);
+    return doc;
 }
 
 } // namespace
 
-void beginSignIn(Encryption &encryption, const QString &signIn, const EncryptionRules &rules, qint64 now) {
-    Encryption fresh;
-    fresh.signIn = signIn;
-    fresh.began = rules.start.value_or(PairState::Active);
-    fresh.phone = encryption.phone;
-    fresh.required = encryption.required;
-    fresh.relay = encryption.relay;
-    fresh.seed = rules.seed.value_or(encryption.seed);
-    fresh.drawn = encryption.drawn;
-    if (fresh.seed == 0)
-        fresh.seed = QRandomGenerator::system()->generate();
-    encryption = fresh;
-    if (signIn.isEmpty())
-        return;
-    const bool phoneIsThere = encryption.began == PairState::Waiting && encryption.phone;
-    enter(encryption, phoneIsThere ? PairState::Pending : encryption.began, rules, now);
+Encryption::Encryption(const HomePaths &p, AgentConfig c)
+    : paths(p), config(std::move(c)), document(paths.encryption()) {}
+
+bool Encryption::change(const std::function<bool(QJsonObject &)> &event) const {
+    const QJsonObject asked = Scenario::read(paths).section("e2ee"_L1);
+    const QString start =
+        STATES.contains(asked.value("start"_L1).toString()) ? asked.value("start"_L1).toString() : QString();
+    const QString signIn = signInOf(config);
+    bool happened = false;
+    const bool kept = document.change([&](QJsonObject &doc) {
+        const QString began = doc.value("began"_L1).toString(u"active"_s);
+        if (doc.value("signIn"_L1).toString() != signIn || (!start.isEmpty() && start != began))
+            doc = begun(doc, signIn, start.isEmpty() ? u"active"_s : start, timeNow());
+        advance(doc, milliseconds(asked, "asrMs"_L1, DOWNLOAD_MS), timeNow());
+        QJsonObject changed = doc;
+        happened = event(changed);
+        if (happened)
+            doc = changed;
+        return true; // what time brought about is kept in any case
+    });
+    return kept && happened;
 }
 
-void advance(Encryption &encryption, const EncryptionRules &rules, qint64 now) {
-    while (encryption.due != 0 && encryption.due <= now)
-        step(encryption, rules);
-    advanceSpeech(encryption.speech, rules.asrMs, now);
+QJsonObject Encryption::current() const {
+    QJsonObject found;
+    change([&found](const QJsonObject &doc) {
+        found = doc;
+        return true;
+    });
+    return found;
 }
 
-void enter(Encryption &encryption, PairState state, const EncryptionRules &rules, qint64 now) {
-    encryption.state = state;
-    encryption.due = 0;
-    encryption.code.clear();
-    encryption.wrong = false;
-    encryption.paired = false;
-    if (state == PairState::Waiting)
-        encryption.phone = false;
-    if (state == PairState::Starting)
-        encryption.due = dueAfter(now, rules.startMs);
-    if (state == PairState::Expired)
-        encryption.due = now + rules.renewMs;
-    else
-        encryption.wrongCodes = 0;
-    if (state == PairState::Pending)
-        showNewCode(encryption, rules, now);
+QString Encryption::state() const { return stateOf(current()); }
+
+QString Encryption::pairCode() const {
+    const QJsonObject doc = current();
+    return isPaired(doc) ? QString() : doc.value("code"_L1).toString();
 }
 
-void showNewCode(Encryption &encryption, const EncryptionRules &rules, qint64 now) {
-    encryption.state = PairState::Pending;
-    encryption.phone = true;
-    encryption.code = drawCode(encryption);
-    encryption.wrong = false;
-    encryption.paired = false;
-    encryption.due = dueAfter(now, rules.codeMs);
+QString Encryption::deviceCode(const QString &pendingId) const {
+    return deviceOf(current(), pendingId).value("code"_L1).toString();
 }
 
-QString drawCode(Encryption &encryption) {
-    QString code;
-    do {
-        const std::array<quint32, 2> words{encryption.seed, quint32(++encryption.drawn)};
-        QRandomGenerator generator(words.data(), qsizetype(words.size()));
-        code = QString::number(generator.bounded(1'000'000)).rightJustified(6, u'0');
-    } while (isShown(encryption, code));
-    return code;
+QJsonObject Encryption::report(bool online, const QSet<QString> &checking) const {
+    const QJsonObject doc = current();
+    QJsonObject report{{u"state"_s, stateOf(doc)}};
+    if (stateOf(doc) == "pending"_L1)
+        report.insert("pair"_L1, QJsonObject{{u"show"_s, doc.value("code"_L1)},
+                                             {u"wrong"_s, doc.value("wrong"_L1)},
+                                             {u"paired"_s, doc.value("paired"_L1)}});
+    if (stateOf(doc) == "active"_L1 && online)
+        report.insert("relay"_L1, u"ok"_s);
+    QJsonArray devices;
+    for (const QJsonValue stored : doc.value("pending"_L1).toArray()) {
+        QJsonObject device = stored.toObject();
+        device.remove("code"_L1);
+        device.insert("busy"_L1, checking.contains(device.value("pendingId"_L1).toString()));
+        devices.append(device);
+    }
+    if (!devices.isEmpty())
+        report.insert("pending"_L1, devices);
+    for (const QLatin1StringView key : {"alarms"_L1, "asr"_L1})
+        if (doc.contains(key))
+            report.insert(key, doc.value(key));
+    return report;
+}
+
+bool Encryption::phoneSignIn() {
+    return change([](QJsonObject &doc) {
+        doc.insert("phone"_L1, true);
+        if (stateOf(doc) == "waiting"_L1)
+            enter(doc, u"pending"_s, timeNow());
+        return true;
+    });
+}
+
+bool Encryption::phoneSignOut() {
+    return change([](QJsonObject &doc) {
+        doc.insert("phone"_L1, false);
+        if (stateOf(doc) == "pending"_L1 || stateOf(doc) == "expired"_L1)
+            enter(doc, u"waiting"_s, timeNow());
+        return true;
+    });
+}
+
+bool Encryption::type(const QString &code) {
+    return change([&code](QJsonObject &doc) { return typeCode(doc, code, timeNow()); });
+}
+
+bool Encryption::typeRight() {
+    return change([](QJsonObject &doc) { return typeCode(doc, doc.value("code"_L1).toString(), timeNow()); });
+}
+
+bool Encryption::deny() {
+    return change([](QJsonObject &doc) {
+        if (takesCode(doc))
+            enter(doc, u"rejected"_s, timeNow());
+        return stateOf(doc) == "rejected"_L1;
+    });
+}
+
+bool Encryption::setState(const QString &name) {
+    return STATES.contains(name) && change([&name](QJsonObject &doc) {
+               enter(doc, name, timeNow());
+               return isSignedIn(doc);
+           });
+}
+
+bool Encryption::expire() {
+    return change([](QJsonObject &doc) {
+        if (!takesCode(doc))
+            return false;
+        enter(doc, u"expired"_s, timeNow());
+        return true;
+    });
+}
+
+AskedDevice Encryption::askDevice(const QString &name, const QString &platform) {
+    AskedDevice asked;
+    const bool done = change([&](QJsonObject &doc) {
+        asked = {drawIdentity(doc, u"device"_s), drawCode(doc)};
+        QJsonArray devices = doc.value("pending"_L1).toArray();
+        devices.append(QJsonObject{{u"pendingId"_s, asked.pendingId},
+                                   {u"attempt"_s, 1},
+                                   {u"name"_s, name},
+                                   {u"platform"_s, platform},
+                                   {u"ready"_s, true},
+                                   {u"code"_s, asked.code}});
+        doc.insert("pending"_L1, devices);
+        return isSignedIn(doc);
+    });
+    return done ? asked : AskedDevice{};
+}
+
+bool Encryption::reissueDevice(const QString &pendingId) {
+    return change([&](QJsonObject &doc) {
+        const QString code = drawCode(doc);
+        return changeElement(doc, u"pending"_s, u"pendingId"_s, pendingId, [&code](QJsonObject &device) {
+            device.insert("attempt"_L1, device.value("attempt"_L1).toInt() + 1);
+            device.insert("code"_L1, code);
+            return false;
+        });
+    });
+}
+
+QString Encryption::raiseAlarm(const QString &text) {
+    QString id;
+    const bool raised = change([&](QJsonObject &doc) {
+        id = raise(doc, u"alert"_s, text);
+        return isSignedIn(doc);
+    });
+    return raised ? id : QString();
+}
+
+QString Encryption::raiseResetAlarm() {
+    QString id;
+    const bool raised = change([&](QJsonObject &doc) {
+        id = raise(doc, u"reset"_s, {});
+        return isSignedIn(doc);
+    });
+    return raised ? id : QString();
+}
+
+QString Encryption::answer(const QByteArray &path, const QJsonObject &body) {
+    QString failure;
+    for (const Endpoint &endpoint : ENDPOINTS)
+        if (path == endpoint.path)
+            change([&](QJsonObject &doc) {
+                failure = endpoint.act(doc, body, timeNow());
+                return failure.isEmpty();
+            });
+    return failure;
+}
+
+QList<QByteArray> Encryption::endpoints() {
+    QList<QByteArray> list;
+    for (const Endpoint &endpoint : ENDPOINTS)
+        list.append(endpoint.path);
+    return list;
 }
 
 } // namespace korvel::sim

@@ -1,105 +1,85 @@
 #pragma once
 
-#include <QList>
-#include <QString>
+#include "simulator/agent_config.h"
+#include "simulator/document.h"
+#include "simulator/home_paths.h"
 
-#include <optional>
+#include <QJsonObject>
+#include <QSet>
+#include <QString>
+#include <QStringList>
+#include <functional>
 
 namespace korvel::sim {
 
-// Where the Mac stands in the account's end-to-end encryption.
-enum class PairState {
-    Off,
-    Starting,
-    Waiting,
-    Pending,
-    Approved,
-    PairFailed,
-    Rejected,
-    Expired,
-    Active,
-    Revoked,
-    Suspended
-};
-
-// What a scenario's "e2ee" sets. Times in milliseconds.
-struct EncryptionRules {
-    std::optional<PairState> start; // where a sign-in begins; none: "active", and a state that is there stays
-    int wrongCodes = 5;             // the wrong code of this number ends in "pair-failed"
-    int startMs = 0;                // how long "starting" lasts; 0: until something else happens
-    int codeMs = 0;                 // how long a code is good; 0: for ever
-    int renewMs = 3000;             // from "expired" to a new code
-    int turnOnMs = 1500;            // from the right code to "active"
-    int asrMs = 6000;               // how long the speech-recognition download takes
-    std::optional<quint32> seed;    // makes the codes the same every time
-};
-
-// A device that asks to join.
-struct AskingDevice {
+/// A device that asks to join the account's encryption.
+struct AskedDevice {
     QString pendingId;
-    int attempt = 1;
-    QString name;
-    QString platform;
-    QString code; // what the device shows
-    bool ready = true;
-    bool busy = false; // an answer is being checked; not stored
-
-    bool operator==(const AskingDevice &) const = default;
+    QString code; ///< Six digits, which that device shows and the user types on the Mac.
 };
 
-// A security alarm that was not dismissed.
-struct SecurityAlarm {
-    QString id;
-    QString kind; // "reset", or "alert"
-    QString text;
+/// The encryption of this Mac and of what it sees of its account: one document that the agent reports, and that whoever
+/// simulates the phone and the account changes, whether the agent runs or not. Another sign-in starts it over.
+///
+/// The document holds the keys of the agent's report and, besides, `signIn`, `began`, `due` (ms since the epoch: when
+/// the state goes on), `phone`, `code`, `wrongCodes`, `drawn` (identities given out) and a device's own `code`.
+///
+/// Each act returns true, or a text, when it does what its name says; while nobody is signed in on the Mac, nothing
+/// about the Mac is allowed.
+class Encryption {
+public:
+    /// `config` tells which sign-in the state belongs to.
+    Encryption(const HomePaths &paths, AgentConfig config);
 
-    bool operator==(const SecurityAlarm &) const = default;
+    /// The state that the agent reports; "off" while nobody is signed in.
+    QString state() const;
+    /// The pairing code that the Mac shows; empty when it shows none, and once it is paired.
+    QString pairCode() const;
+    /// The code that an asking device shows; empty when no such device asks.
+    QString deviceCode(const QString &pendingId) const;
+    /// The "e2ee" object of the health report; the devices of `checking` are busy.
+    QJsonObject report(bool online, const QSet<QString> &checking) const;
+
+    // The phone.
+
+    /// It signs in to the account: a Mac that is "waiting" shows a code.
+    bool phoneSignIn();
+    /// It leaves the account: a Mac that is being paired waits again.
+    bool phoneSignOut();
+    /// Types a code on the phone: the right one pairs the Mac, a wrong one makes a new code; the fifth fails the
+    /// pairing.
+    bool type(const QString &code);
+    /// Types the code that the Mac shows.
+    bool typeRight();
+    /// Denies the Mac while it is "pending".
+    bool deny();
+
+    // The account.
+
+    /// Puts the Mac into a state by its name: "pending" with a new code, "expired" for three seconds.
+    bool setState(const QString &name);
+    /// The code that the Mac shows expires.
+    bool expire();
+    /// `platform` as the report has it: ios, android, mac, windows, linux, or another.
+    AskedDevice askDevice(const QString &name, const QString &platform);
+    /// The device asks anew, with a new code.
+    bool reissueDevice(const QString &pendingId);
+    /// Raises a security alarm, or the alarm of an encryption reset. Returns its id.
+    QString raiseAlarm(const QString &text);
+    QString raiseResetAlarm();
+
+    /// A request to the agent: the endpoint's path and the body. Returns the failure's code; empty: done.
+    QString answer(const QByteArray &path, const QJsonObject &body);
+    /// The paths of those endpoints.
+    static QList<QByteArray> endpoints();
+
+private:
+    QJsonObject current() const;
+    bool change(const std::function<bool(QJsonObject &)> &event) const;
+
+    HomePaths paths;
+    AgentConfig config;
+    Document document;
 };
-
-// The speech-recognition component on this Mac.
-struct SpeechInstall {
-    enum class State { Absent, Downloading, Failed, Ready };
-    State state = State::Absent;
-    int percent = 0;
-    qint64 started = 0; // time of the download's start
-
-    bool operator==(const SpeechInstall &) const = default;
-};
-
-// The encryption state of one Mac and of what it sees of its account. Open data: the functions below change it, at the
-// time `now` in milliseconds since the epoch.
-struct Encryption {
-    QString signIn;                      // the sign-in that it belongs to; empty while nobody is signed in
-    PairState began = PairState::Active; // where it began
-    PairState state = PairState::Off;
-    qint64 due = 0;     // when the state goes on by itself; 0: never
-    bool phone = false; // a phone is signed in to the account
-    bool required = false;
-    bool relay = true; // the encrypted connection can be made
-    QString trouble;
-    QString code;       // the Mac's own pairing code
-    bool wrong = false; // the code before this one was typed wrongly
-    bool paired = false;
-    int wrongCodes = 0;
-    QList<AskingDevice> devices;
-    QList<SecurityAlarm> alarms;
-    SpeechInstall speech;
-    quint32 seed = 0; // of the codes
-    int drawn = 0;    // codes and identities given out so far
-
-    bool operator==(const Encryption &) const = default;
-};
-
-// Starts over for a sign-in (empty: nobody is signed in) in the state that the rules say. What belongs to the account
-// and not to the Mac stays: the phone, and whether encryption is required.
-void beginSignIn(Encryption &encryption, const QString &signIn, const EncryptionRules &rules, qint64 now);
-// Does what has come due.
-void advance(Encryption &encryption, const EncryptionRules &rules, qint64 now);
-// Goes to a state: "pending" with a new code, whatever was counted forgotten.
-void enter(Encryption &encryption, PairState state, const EncryptionRules &rules, qint64 now);
-// Shows a new pairing code in the state "pending"; the wrong ones stay counted.
-void showNewCode(Encryption &encryption, const EncryptionRules &rules, qint64 now);
-// The next of the home's random six-digit codes, never the one before it.
-QString drawCode(Encryption &encryption);
 
 } // namespace korvel::sim

@@ -83,9 +83,7 @@ bool Home::signOut() { return configOf(paths).signOut(); }
 
 QString Home::account() const { return configOf(paths).read().value("username"_L1).toString(); }
 
-Phone Home::phone() const { return Phone({paths, configOf(paths)}); }
-
-AccountControl Home::encryption() const { return AccountControl({paths, configOf(paths)}); }
+Encryption Home::encryption() const { return Encryption(paths, configOf(paths)); }
 
 PermissionControl Home::permissions() const { return PermissionControl(PermissionStore(paths)); }
 

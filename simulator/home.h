@@ -1,9 +1,8 @@
 #pragma once
 
-#include "simulator/account_control.h"
+#include "simulator/encryption.h"
 #include "simulator/home_paths.h"
 #include "simulator/permission_control.h"
-#include "simulator/phone.h"
 #include "simulator/server_accounts.h"
 #include "simulator/server_updates.h"
 
@@ -55,10 +54,8 @@ public:
     // The account in agent.json; empty when nobody is signed in.
     QString account() const;
 
-    // The user's phone, as far as it pairs this Mac.
-    Phone phone() const;
-    // What happens to this Mac's encryption elsewhere: devices that ask, alarms, removal; and the codes on show.
-    AccountControl encryption() const;
+    // The encryption as the phone and the account see and change it.
+    Encryption encryption() const;
     // The privacy permissions of this Mac's agent, as the user sets them.
     PermissionControl permissions() const;
 

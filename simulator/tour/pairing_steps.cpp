@@ -59,7 +59,7 @@ QString waitForPhone(Tour &tour) {
 }
 
 QString showTheCode(Tour &tour) {
-    if (!tour.home().phone().signIn())
+    if (!tour.home().encryption().phoneSignIn())
         return u"the phone cannot sign in"_s;
     return firstWrong({[&] { return expectCode(tour, tour.home().encryption().pairCode(), {}, u"pairing-code"_s); },
                        [&] { return lookAtMenu(tour, u"pairing-menu"_s); }});
@@ -67,7 +67,7 @@ QString showTheCode(Tour &tour) {
 
 QString typeWrongCode(Tour &tour) {
     const QString before = tour.home().encryption().pairCode();
-    tour.home().phone().type(otherCode(before));
+    tour.home().encryption().type(otherCode(before));
     const QString now = tour.home().encryption().pairCode();
     if (now == before)
         return u"the code is still the old one"_s;
@@ -113,7 +113,7 @@ QString connectAgain(Tour &tour) {
 } // namespace
 
 QString pairNow(Tour &tour, const QString &name) {
-    if (!tour.home().phone().typeRight())
+    if (!tour.home().encryption().typeRight())
         return u"the Mac shows no code"_s;
     const QString success = tour.say(u"已加密，开始同步"_s, u"Encrypted. Syncing now."_s);
     const auto celebrates = [&] {

@@ -58,10 +58,10 @@ struct AccountJourney : Journey {
     }
     void expectPairing() {
         ASSERT_TRUE(eventually([&] { return pairPanel.visible; }));
-        ASSERT_TRUE(home.phone().signIn());
+        ASSERT_TRUE(home.encryption().phoneSignIn());
         ASSERT_TRUE(eventually([&] { return pairPanel.view.refreshVisible; }));
         EXPECT_EQ(pairPanel.view.code, home.encryption().pairCode());
-        ASSERT_TRUE(home.phone().typeRight());
+        ASSERT_TRUE(home.encryption().typeRight());
         ASSERT_TRUE(eventually([&] { return !pairPanel.visible; }));
     }
     int unbindings() const { return serverRequestsTo(u"/v1/agents/unbind"_s); }

@@ -11,18 +11,18 @@ TEST_F(E2eeJourney, AMacIsPairedFromTheWaitingPhoneToTheEncryptedSync) {
     startIn(u"waiting"_s);
     ASSERT_TRUE(eventually([&] { return pairPanel.visible; }));
     EXPECT_EQ(pairPanel.view.line, u"Sign in to Korvel on your phone first."_s);
-    ASSERT_TRUE(home.phone().signIn());
+    ASSERT_TRUE(home.encryption().phoneSignIn());
     ASSERT_TRUE(eventually([&] { return pairPanel.view.refreshVisible; }));
     const QString first = home.encryption().pairCode();
     EXPECT_EQ(pairPanel.view.code, first);
 
-    ASSERT_TRUE(home.phone().type(first == u"000000" ? u"111111"_s : u"000000"_s));
+    ASSERT_TRUE(home.encryption().type(first == u"000000" ? u"111111"_s : u"000000"_s));
     ASSERT_TRUE(eventually([&] { return !pairPanel.view.error.isEmpty(); }));
     EXPECT_EQ(pairPanel.view.code, home.encryption().pairCode());
     EXPECT_NE(pairPanel.view.code, first);
 
     notices.shown.clear();
-    ASSERT_TRUE(home.phone().typeRight());
+    ASSERT_TRUE(home.encryption().typeRight());
     ASSERT_TRUE(eventually([&] { return pairPanel.view.title == u"Paired"; }));
     ASSERT_TRUE(eventually([&] { return !pairPanel.visible; }));
     EXPECT_EQ(notices.shown.size(), 1u);
@@ -114,7 +114,7 @@ TEST_F(E2eeJourney, AResetLeadsToANewPairing) {
     alerts.answer(0);
     ASSERT_TRUE(eventually([&] { return pairPanel.visible && pairPanel.view.refreshVisible; }))
         << notices.last().toStdString() << item.statusLine().toStdString();
-    ASSERT_TRUE(home.phone().typeRight());
+    ASSERT_TRUE(home.encryption().typeRight());
     ASSERT_TRUE(eventually([&] { return !pairPanel.visible; }));
     ASSERT_TRUE(showsSoon(CONNECTED));
 }
