@@ -1,11 +1,8 @@
 #include "simulator/account_store.h"
 
 #include "simulator/account_json.h"
-#include "simulator/file_lock.h"
+#include "simulator/document.h"
 #include "simulator/files.h"
-
-#include <QDir>
-#include <QJsonDocument>
 
 namespace korvel::sim {
 
@@ -18,15 +15,12 @@ AccountBook AccountStore::read() const {
 }
 
 bool AccountStore::change(const std::function<bool(AccountBook &, qint64)> &event) const {
-    QDir().mkpath(paths.state());
-    const FileLock lock(paths.accounts() + ".lock"_L1);
-    if (!lock.isHeld())
-        return false;
-    const AccountBook before = read();
-    AccountBook after = before;
-    if (!event(after, timeNow()))
-        return false;
-    return after == before || replaceFile(paths.accounts(), QJsonDocument(toJson(after)).toJson());
+    return Document(paths.accounts()).change([&](QJsonObject &stored) {
+        AccountBook book = read();
+        const bool happened = event(book, timeNow());
+        stored = toJson(book);
+        return happened;
+    });
 }
 
 } // namespace korvel::sim

@@ -19,11 +19,6 @@ namespace {
 
 constexpr auto WATCH_INTERVAL = 100ms;
 
-// The right answer, as the scenario changes it.
-HttpAnswer patched(const QJsonObject &answer, const Scenario &scenario, QLatin1StringView patch) {
-    return HttpAnswer::json(mergePatch(answer, scenario.section("browserSignIn"_L1).value(patch).toObject()));
-}
-
 } // namespace
 
 AgentBrowserSignIn::AgentBrowserSignIn(HomePaths paths, AgentConfig config)
@@ -32,7 +27,7 @@ AgentBrowserSignIn::AgentBrowserSignIn(HomePaths paths, AgentConfig config)
     watch.start(WATCH_INTERVAL); // one that was begun by an agent before may be pending
 }
 
-HttpAnswer AgentBrowserSignIn::start(const HttpRequest &request, const Scenario &scenario) {
+HttpAnswer AgentBrowserSignIn::start(const HttpRequest &request) {
     const QString device = QJsonDocument::fromJson(request.body).object().value("device"_L1).toString();
     BrowserSignIn begun;
     store.change([&](AccountBook &book, qint64 now) {
@@ -42,10 +37,10 @@ HttpAnswer AgentBrowserSignIn::start(const HttpRequest &request, const Scenario 
     watch.start(WATCH_INTERVAL);
     const QString url = u"https://%1/signin?id="_s.arg(AccountServerProcess(paths).address()) +
                         QString::fromLatin1(QUrl::toPercentEncoding(begun.id));
-    return patched({{u"id"_s, begun.id}, {u"url"_s, url}}, scenario, "start"_L1);
+    return HttpAnswer::json({{u"id"_s, begun.id}, {u"url"_s, url}});
 }
 
-HttpAnswer AgentBrowserSignIn::status(const HttpRequest &request, const Scenario &scenario) {
+HttpAnswer AgentBrowserSignIn::status(const HttpRequest &request) {
     collect();
     AccountBook book = store.read();
     const BrowserSignIn *signIn = findBrowserSignIn(book, request.queryField(u"id"_s), timeNow());
@@ -56,7 +51,7 @@ HttpAnswer AgentBrowserSignIn::status(const HttpRequest &request, const Scenario
         answer.insert("user"_L1, signIn->account);
     if (!signIn->error.isEmpty())
         answer.insert("error"_L1, signIn->error);
-    return patched(answer, scenario, "status"_L1);
+    return HttpAnswer::json(answer);
 }
 
 // Binds this Mac to whoever has signed in since the last look.

@@ -15,8 +15,8 @@ class AgentBrowserSignIn {
 public:
     AgentBrowserSignIn(HomePaths paths, AgentConfig config);
 
-    HttpAnswer start(const HttpRequest &request, const Scenario &scenario);
-    HttpAnswer status(const HttpRequest &request, const Scenario &scenario);
+    HttpAnswer start(const HttpRequest &request);
+    HttpAnswer status(const HttpRequest &request);
 
 private:
     void collect();

@@ -35,13 +35,11 @@ void AgentInterface::addRoutes() {
     routes[{"GET", "/health"}] = [this](const HttpRequest &, const Scenario &scenario, const Respond &respond) {
         respond(HttpAnswer::json(health(scenario)));
     };
-    routes[{"POST", "/auth/start"}] = [this](const HttpRequest &request, const Scenario &scenario,
-                                             const Respond &respond) {
-        respond(browserSignIn.start(request, scenario));
+    routes[{"POST", "/auth/start"}] = [this](const HttpRequest &request, const Scenario &, const Respond &respond) {
+        respond(browserSignIn.start(request));
     };
-    routes[{"GET", "/auth/status"}] = [this](const HttpRequest &request, const Scenario &scenario,
-                                             const Respond &respond) {
-        respond(browserSignIn.status(request, scenario));
+    routes[{"GET", "/auth/status"}] = [this](const HttpRequest &request, const Scenario &, const Respond &respond) {
+        respond(browserSignIn.status(request));
     };
     routes[{"GET", "/perms"}] = [this](const HttpRequest &, const Scenario &scenario, const Respond &respond) {
         respond(permissions.list(scenario));

@@ -75,10 +75,10 @@ ProgramResult endingOf(const QJsonObject &asked) {
 
 ProgramResult installService(const ProgramCall &call, const QJsonObject &asked) {
     const ProgramResult ending = endingOf(asked);
-    const bool writes = asked.value("writes"_L1).toBool(ending.status == 0);
-    if (writes && !replaceFile(call.paths.jobFile(), jobFileText(agentJob(call)), 0644))
+    const bool succeeds = ending.status == 0;
+    if (succeeds && !replaceFile(call.paths.jobFile(), jobFileText(agentJob(call)), 0644))
         return {1, {}, u"korvel-agent: cannot write the job file\n"_s};
-    if (ending.status != 0 || !writes || loadAgentJob(call.paths))
+    if (!succeeds || loadAgentJob(call.paths))
         return ending;
     return {1, {}, u"korvel-agent: cannot load the job\n"_s};
 }

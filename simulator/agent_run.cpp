@@ -36,17 +36,10 @@ void listenOrExit(AgentInterface &interface) {
 
 int runAgent(const ProgramCall &call) {
     const QJsonObject life = Scenario::read(call.paths).section("agent"_L1);
-    if (life.value("refuse"_L1).toBool()) {
-        std::fputs("korvel-agent: refuses to start because the scenario says so\n", stderr);
-        return 1;
-    }
     const UnixSignals signalHandling({SIGTERM, SIGINT}, [](int) { QCoreApplication::exit(0); });
     AgentInterface interface(call.paths, AgentConfig::ofThisProcess());
     QTimer::singleShot(milliseconds(life, "startDelayMs"_L1), QCoreApplication::instance(),
                        [&interface] { listenOrExit(interface); });
-    if (life.contains("dieAfterMs"_L1))
-        QTimer::singleShot(milliseconds(life, "dieAfterMs"_L1), QCoreApplication::instance(),
-                           [] { QCoreApplication::exit(1); });
     return QCoreApplication::exec();
 }
 

@@ -215,7 +215,6 @@ Fault faultFor(const Scenario &scenario, const QString &server, const QJsonObjec
     fault.bytes = qint64(entry.value("bytes"_L1).toDouble(100e6));
     fault.everyMs = milliseconds(entry, "ms"_L1, 1000);
     fault.bytesPerSecond = std::max(entry.value("bytesPerSecond"_L1).toInteger(100'000), qint64(1));
-    fault.acts = entry.value("acts"_L1).toBool();
     if (fault.mode == FaultMode::Spelled)
         fault.spelled = spelledAnswer(entry);
     return fault;

@@ -33,11 +33,10 @@ struct Fault {
     qint64 bytes = 0;          // Huge: length of the body
     int everyMs = 0;           // Drip: between two bytes
     qint64 bytesPerSecond = 0; // Slow
-    bool acts = false;         // what was asked for is done nevertheless
     HttpAnswer spelled = {};   // Spelled: the answer in place of the right one
     bool needsAnswer() const   // whether the right answer is a part of it
     {
-        return acts || mode == FaultMode::None || mode == FaultMode::Truncate || mode == FaultMode::Drip ||
+        return mode == FaultMode::None || mode == FaultMode::Truncate || mode == FaultMode::Drip ||
                mode == FaultMode::Slow;
     }
 };

@@ -42,6 +42,4 @@ bool ServerAccounts::cancelBrowser() { return settle(Status::Cancelled); }
 
 bool ServerAccounts::failBrowser(const QString &error) { return settle(Status::Failed, {}, error); }
 
-bool ServerAccounts::expireBrowser() { return settle(Status::Expired); }
-
 } // namespace korvel::sim

@@ -25,7 +25,6 @@ public:
     bool approveBrowser(const QString &account);
     bool cancelBrowser();
     bool failBrowser(const QString &error);
-    bool expireBrowser();
 
 private:
     bool settle(BrowserSignIn::Status status, const QString &account = {}, const QString &error = {});

@@ -29,15 +29,16 @@ constexpr Refusal WRONG_CODE{"code"_L1, {u"验证码不正确或已过期", u"Th
 constexpr Refusal SHORT_PASSWORD{"password"_L1, {u"密码至少 8 位", u"Use at least 8 characters for the password."}};
 constexpr Refusal NO_CONSENT{"agree"_L1,
                              {u"请先同意用户协议和隐私政策", u"Agree to the terms and the privacy policy."}};
-constexpr Wording SIGN_IN_AGAIN{u"密码已重置，请用新密码登录", u"Your password was reset. Sign in with it."};
 constexpr Wording TOO_SOON{u"验证码已发送，请稍后再试", u"A code was sent just now. Wait a moment."};
 constexpr Wording UNKNOWN_OPERATION{u"不支持的操作", u"This operation isn't known."};
+
+constexpr int NEXT_CODE_SECONDS = 60; // from one code to the next
 
 // One request on the way through its checks.
 struct Attempt {
     AccountBook &book;
     QJsonObject request;
-    const SignInRules &rules;
+    bool chinese;
     qint64 now;
 
     QString text(QLatin1StringView key) const { return request.value(key).toString(); }
@@ -45,13 +46,10 @@ struct Attempt {
 };
 
 SignInOutcome failed(const Attempt &attempt, const Refusal &refusal) {
-    return {{{u"ok"_s, false}, {u"error"_s, refusal.text.in(attempt.rules.chinese)}, {u"field"_s, refusal.field}}};
+    return {{{u"ok"_s, false}, {u"error"_s, refusal.text.in(attempt.chinese)}, {u"field"_s, refusal.field}}};
 }
 
-SignInOutcome signedIn(const Attempt &attempt, const QString &account) {
-    const QString &shown = attempt.rules.shownUser;
-    return {{{u"ok"_s, true}, {u"user"_s, shown.isEmpty() ? account : shown}}, account};
-}
+SignInOutcome signedIn(const QString &account) { return {{{u"ok"_s, true}, {u"user"_s, account}}, account}; }
 
 bool matches(const QString &text, const QString &pattern) {
     return QRegularExpression(QRegularExpression::anchoredPattern(pattern)).match(text).hasMatch();
@@ -86,7 +84,7 @@ SignInOutcome logIn(const Attempt &attempt) {
     if (name.isEmpty() || password.isEmpty())
         return failed(attempt, name.isEmpty() ? NO_NAME : NO_PASSWORD);
     const UserAccount *user = findUser(attempt.book, name, password);
-    return user ? signedIn(attempt, user->name) : failed(attempt, NOT_THE_PASSWORD);
+    return user ? signedIn(user->name) : failed(attempt, NOT_THE_PASSWORD);
 }
 
 SignInOutcome logInByCode(const Attempt &attempt) {
@@ -94,7 +92,7 @@ SignInOutcome logInByCode(const Attempt &attempt) {
         return failed(attempt, *trouble);
     if (const Refusal *trouble = codeTrouble(attempt, u"login"_s))
         return failed(attempt, *trouble);
-    return signedIn(attempt, findUser(attempt.book, attempt.phone())->name);
+    return signedIn(findUser(attempt.book, attempt.phone())->name);
 }
 
 SignInOutcome registerUser(const Attempt &attempt) {
@@ -107,7 +105,7 @@ SignInOutcome registerUser(const Attempt &attempt) {
     if (const Refusal *trouble = codeTrouble(attempt, u"register"_s))
         return failed(attempt, *trouble);
     addUser(attempt.book, {attempt.phone(), attempt.phone(), attempt.text("password"_L1)});
-    return signedIn(attempt, attempt.phone());
+    return signedIn(attempt.phone());
 }
 
 SignInOutcome resetPassword(const Attempt &attempt) {
@@ -119,9 +117,7 @@ SignInOutcome resetPassword(const Attempt &attempt) {
         return failed(attempt, *trouble);
     UserAccount *user = findUser(attempt.book, attempt.phone());
     user->password = attempt.text("password"_L1);
-    if (attempt.rules.resetSignsIn)
-        return signedIn(attempt, user->name);
-    return {{{u"ok"_s, false}, {u"reset"_s, true}, {u"error"_s, SIGN_IN_AGAIN.in(attempt.rules.chinese)}}};
+    return signedIn(user->name);
 }
 
 SignInOutcome sendCode(const Attempt &attempt) {
@@ -129,26 +125,25 @@ SignInOutcome sendCode(const Attempt &attempt) {
     if (const Refusal *trouble = phoneTrouble(attempt, purpose == "register"_L1))
         return failed(attempt, *trouble);
     const SmsCode *last = lastCode(attempt.book, attempt.phone());
-    const qint64 waitMs = last ? last->sent + attempt.rules.nextSeconds * 1000LL - attempt.now : 0;
+    const qint64 waitMs = last ? last->sent + NEXT_CODE_SECONDS * 1000LL - attempt.now : 0;
     if (waitMs > 0)
-        return {{{u"ok"_s, false},
-                 {u"retryAfter"_s, (waitMs + 999) / 1000},
-                 {u"error"_s, TOO_SOON.in(attempt.rules.chinese)}}};
+        return {
+            {{u"ok"_s, false}, {u"retryAfter"_s, (waitMs + 999) / 1000}, {u"error"_s, TOO_SOON.in(attempt.chinese)}}};
     sendCode(attempt.book, attempt.phone(), purpose, attempt.now);
-    return {{{u"ok"_s, true}, {u"next"_s, attempt.rules.nextSeconds}}};
+    return {{{u"ok"_s, true}, {u"next"_s, NEXT_CODE_SECONDS}}};
 }
 
 } // namespace
 
-SignInOutcome performSignIn(AccountBook &book, const QJsonObject &request, const SignInRules &rules, qint64 now) {
+SignInOutcome performSignIn(AccountBook &book, const QJsonObject &request, bool chinese, qint64 now) {
     static const std::map<QString, SignInOutcome (*)(const Attempt &)> operations{
         {u"login"_s, logIn},         {u"login-code"_s, logInByCode}, {u"register"_s, registerUser},
         {u"reset"_s, resetPassword}, {u"send-code"_s, sendCode},
     };
     const auto operation = operations.find(request.value("op"_L1).toString());
     if (operation == operations.end())
-        return {{{u"ok"_s, false}, {u"error"_s, UNKNOWN_OPERATION.in(rules.chinese)}}};
-    return operation->second({book, request, rules, now});
+        return {{{u"ok"_s, false}, {u"error"_s, UNKNOWN_OPERATION.in(chinese)}}};
+    return operation->second({book, request, chinese, now});
 }
 
 } // namespace korvel::sim
