@@ -75,10 +75,11 @@ void LoopbackSocket::listen() {
 }
 
 void LoopbackSocket::connected() {
-    int failure = 0;
-    socklen_t size = sizeof failure;
     retire(room);
-    if (::getsockopt(fd, SOL_SOCKET, SO_ERROR, &failure, &size) != 0 || failure != 0)
+    // Not by SO_ERROR, which may have been read, and so cleared, by what watches the socket.
+    sockaddr_in other{};
+    socklen_t size = sizeof other;
+    if (::getpeername(fd, reinterpret_cast<sockaddr *>(&other), &size) != 0)
         return user->closed();
     listen();
     flush();

@@ -4,6 +4,7 @@
 #include <QTcpSocket>
 #include <QTimer>
 #include <algorithm>
+#include <sys/socket.h>
 
 using namespace Qt::StringLiterals;
 
@@ -215,6 +216,20 @@ TEST_P(AgentHttpJourney, AnAnswerMaySendAgainAndEndTheClient) {
     EXPECT_TRUE(eventually([&] { return answers == 2 && !client; }));
     EXPECT_EQ(other, ErrorKind::Dropped);
     QCoreApplication::processEvents();
+}
+
+TEST_P(AgentHttpJourney, ARefusedConnectionIsKnownAlsoWhenItsErrorHasBeenRead) {
+    const QString url = agent.url();
+    agent.server.close();
+    std::optional<ErrorKind> kind;
+    client->send(get(url), Done<HttpReply>([&](const Result<HttpReply> &r) { kind = r.error().kind; }));
+    for (int descriptor = 3; descriptor < 256; ++descriptor) { // as what watches sockets on macOS does
+        int error = 0;
+        socklen_t size = sizeof error;
+        ::getsockopt(descriptor, SOL_SOCKET, SO_ERROR, &error, &size);
+    }
+    EXPECT_TRUE(eventually([&] { return kind.has_value(); }));
+    EXPECT_EQ(kind, ErrorKind::Unreachable);
 }
 
 TEST_P(HttpJourney, ALongRequestArrivesWhole) {
