@@ -1,6 +1,7 @@
 #include "account/cn_login_window.h"
 
 #include "app/wording.h"
+#include "ui/close_key.h"
 #include "ui/link_button.h"
 #include "ui/main_button.h"
 #include "ui/secret_field.h"
@@ -95,6 +96,7 @@ CnLoginWindow::CnLoginWindow(std::function<void(const LoginInput &)> in)
     keepsItsRoom.setRetainSizeWhenHidden(true);
     busyBar->setSizePolicy(keepsItsRoom);
     keepReadable(*this);
+    closeByKey(*this);
     layOut();
     connectControls();
 }

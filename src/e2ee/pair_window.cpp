@@ -1,6 +1,7 @@
 #include "e2ee/pair_window.h"
 
 #include "app/wording.h"
+#include "ui/close_key.h"
 #include "ui/window_front.h"
 #include "ui/window_place.h"
 
@@ -34,6 +35,7 @@ PairWindow::PairWindow(const PairPanel::Events &events)
     setWindowTitle(QStringLiteral("Korvel"));
     setAttribute(Qt::WA_QuitOnClose, false);
     keepReadable(*this);
+    closeByKey(*this);
     pairCodeF->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     auto *buttons = new QHBoxLayout;
     buttons->setSpacing(10);

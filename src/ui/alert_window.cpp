@@ -1,6 +1,7 @@
 #include "ui/alert_window.h"
 
 #include "status/icon_view.h"
+#include "ui/close_key.h"
 #include "ui/code_field.h"
 #include "ui/icon_image.h"
 #include "ui/secret_field.h"
@@ -91,6 +92,7 @@ AlertDialog::AlertDialog(const AlertView &v, std::function<void(const AlertAnswe
     setWindowTitle(QStringLiteral("Korvel"));
     setAccessibleDescription(view.title);
     keepReadable(*this);
+    closeByKey(*this);
     auto *text = new QVBoxLayout;
     text->setSpacing(8);
     text->addWidget(sentences(view, this));

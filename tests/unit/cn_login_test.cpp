@@ -1,6 +1,7 @@
 #include "account/cn_login_view.h"
 #include "account/cn_login_window.h"
 #include "support/tray_fixture.h"
+#include "ui/picture.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -262,7 +263,7 @@ struct CnLoginWindowTest : ::testing::Test {
     LoginInput::Kind last() const { return inputs.isEmpty() ? LoginInput::Kind::Agree : inputs.last().kind; }
 };
 
-TEST_F(CnLoginWindowTest, ReturnSubmitsFromEveryFieldAndEscapeCloses) {
+TEST_F(CnLoginWindowTest, ReturnSubmitsFromEveryFieldAndEscapeAndTheCloseKeyClose) {
     form.page = Page::Register;
     CnLoginWindow &window = show();
     for (QLineEdit *field : window.findChildren<QLineEdit *>()) {
@@ -278,6 +279,10 @@ TEST_F(CnLoginWindowTest, ReturnSubmitsFromEveryFieldAndEscapeCloses) {
     QTest::keyClick(&window, Qt::Key_Escape);
     EXPECT_EQ(last(), LoginInput::Kind::Close);
     EXPECT_FALSE(window.isVisible());
+    CnLoginWindow &again = show();
+    settleWindows();
+    QTest::keySequence(&again, QKeySequence::Close);
+    EXPECT_EQ(last(), LoginInput::Kind::Close);
 }
 
 TEST_F(CnLoginWindowTest, WhatIsTypedStaysWhileTheWindowChangesAroundIt) {

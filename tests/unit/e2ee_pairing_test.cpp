@@ -3,6 +3,7 @@
 #include "support/tray_fixture.h"
 #include "ui/alert_window.h"
 #include "ui/code_field.h"
+#include "ui/picture.h"
 
 #include <QPushButton>
 #include <QSignalSpy>
@@ -245,12 +246,13 @@ TEST_F(AlertTest, AllowNeedsSixDigitsAndReturnPressesIt) {
     EXPECT_EQ(answers[0].texts, QStringList{u"123 456"_s});
 }
 
-TEST_F(AlertTest, EscapeAndClosingAreTheHarmlessAnswerAndCountOnce) {
+TEST_F(AlertTest, EscapeAndTheKeyThatClosesAreTheHarmlessAnswerAndCountOnce) {
     QTest::keyClick(open(view), Qt::Key_Escape);
     AlertDialog *dialog = open(view);
     EXPECT_FALSE(
         alerts.open({.title = u"other"_s, .text = {}, .buttons = {u"OK"_s}}, [](const AlertAnswer &) { FAIL(); }));
-    dialog->close();
+    settleWindows();
+    QTest::keySequence(dialog, QKeySequence::Close);
     ASSERT_EQ(answers.size(), 2);
     EXPECT_EQ(answers[0].button, 2);
     EXPECT_EQ(answers[1].button, 2);
@@ -292,6 +294,9 @@ TEST(PairWindowTest, ItsHeightFollowsItsTextAndReturnPressesTheMainButton) {
     EXPECT_TRUE(window.isVisible());
     QTest::keyClick(&window, Qt::Key_Return);
     EXPECT_EQ(pressed, 1);
+    settleWindows();
+    QTest::keySequence(&window, QKeySequence::Close);
+    EXPECT_FALSE(window.isVisible());
 }
 
 } // namespace
