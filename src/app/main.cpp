@@ -3,6 +3,7 @@
 #include "app/deployment.h"
 #include "app/paths.h"
 #include "app/platform_app.h"
+#include "app/system_parts.h"
 #include "app/wording.h"
 #include "platform/standard_streams.h"
 
@@ -24,6 +25,7 @@ QStringList argumentList(int argc, char **argv) {
 
 int main(int argc, char **argv) {
     openStandardStreams();
+    logToSystem();
     // A program that exits without reading its input must not end the tray.
     std::signal(SIGPIPE, SIG_IGN);
     const LaunchEnvironment environment = readLaunchEnvironment();

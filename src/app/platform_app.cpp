@@ -29,7 +29,7 @@ namespace {
 /// The arguments for Qt: none of the tray's own, which are ignored.
 std::vector<char *> qtArguments(char **argv) {
     std::vector<char *> arguments{argv[0]};
-    for (const char *argument : toolkitArguments())
+    for (const char *argument : prepareToolkit())
         arguments.push_back(const_cast<char *>(argument)); // Qt moves the pointers, never the characters
     arguments.push_back(nullptr);
     return arguments;

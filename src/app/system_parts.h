@@ -12,8 +12,12 @@ namespace korvel {
 
 /// What differs between the systems that the tray runs on; one implementation each, chosen by CMake.
 
-/// Qt's own arguments for a start around which this system provides what the toolkit needs; static text.
-QList<const char *> toolkitArguments();
+/// Sends the log to the system's own as well, where it has one. Before any thread starts.
+void logToSystem();
+
+/// Sets up what the toolkit reads before there is an application object. Returns Qt's own arguments for it; static
+/// text.
+QList<const char *> prepareToolkit();
 
 /// What the application object, just made, is on this system.
 void settleApplication();

@@ -19,8 +19,10 @@ bool hasDisplay() {
 
 } // namespace
 
+void logToSystem() {}
+
 // Off screen is chosen here and not through the environment, which the agent's programs inherit.
-QList<const char *> toolkitArguments() {
+QList<const char *> prepareToolkit() {
     return hasDisplay() ? QList<const char *>() : QList<const char *>{"-platform", "offscreen"};
 }
 

@@ -7,14 +7,28 @@
 #include "platform/running_copies_mac.h"
 #include "platform/status_item_mac.h"
 
+#include <QtGlobal>
+
 namespace korvel {
 
-QList<const char *> toolkitArguments() { return {}; }
-
-void settleApplication() {
-    setLogSink([](const QString &line) { native::writeSystemLog(line.toStdString()); });
-    native::becomeAccessory();
+namespace {
+constexpr qsizetype MAX_LOG_CHARACTERS = 300; // at most 900 bytes of UTF-8: the system log cuts a line after 1024
 }
+
+void logToSystem() {
+    setLogSink([](const QString &line) {
+        for (qsizetype at = 0; at < line.size(); at += MAX_LOG_CHARACTERS)
+            native::writeSystemLog(line.mid(at, MAX_LOG_CHARACTERS).toStdString());
+    });
+}
+
+QList<const char *> prepareToolkit() {
+    // Without it Qt activates the application at every start, also one at login or after an update.
+    qputenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM", "1");
+    return {};
+}
+
+void settleApplication() { native::becomeAccessory(); }
 
 std::shared_ptr<void> listenForReopen(std::function<void()> reopened) {
     return std::make_shared<native::ReopenListener>(std::move(reopened));

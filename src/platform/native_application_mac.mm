@@ -31,7 +31,12 @@ namespace korvel::native {
 
 void becomeAccessory() { [NSApp setActivationPolicy:NSApplicationActivationPolicyAccessory]; }
 
-void activateApplication() { [NSApp activateIgnoringOtherApps:YES]; }
+void activateApplication() {
+    [NSApp unhideWithoutActivation];
+    [NSApp activateIgnoringOtherApps:YES];
+}
+
+void hideApplication() { [NSApp hide:nil]; }
 
 struct ReopenListener::Native {
     KorvelReopenHandler *handler;

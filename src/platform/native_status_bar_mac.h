@@ -29,6 +29,8 @@ public:
 
     /// `nsMenu` is an NSMenu that lives on elsewhere.
     void setMenu(void *nsMenu);
+    /// Makes an open menu show its entries as they are: those inserted while it opens may look enabled.
+    void updateMenu();
     /// How many entries the menu has at this moment.
     std::size_t menuLength() const;
     /// `at` is less than menuLength().

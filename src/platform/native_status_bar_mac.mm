@@ -43,6 +43,8 @@ StatusBarItem::~StatusBarItem() { [[NSStatusBar systemStatusBar] removeStatusIte
 
 void StatusBarItem::setMenu(void *nsMenu) { native->item.menu = (__bridge NSMenu *)nsMenu; }
 
+void StatusBarItem::updateMenu() { [native->item.menu update]; }
+
 std::size_t StatusBarItem::menuLength() const { return static_cast<std::size_t>(native->item.menu.numberOfItems); }
 
 void StatusBarItem::setMenuToolTip(std::size_t at, const std::string &text) {

@@ -2,6 +2,11 @@
 
 #import <AppKit/AppKit.h>
 
+// Not public. AppKit calls it for the mask of a non-activating panel, but only when it makes the panel, which is Qt's.
+@interface NSWindow (KorvelActivation)
+- (void)_setPreventsActivation:(BOOL)prevents;
+@end
+
 namespace korvel::native {
 
 namespace {
@@ -14,7 +19,14 @@ void makeNotice(void *nsView) {
     window.level = NSStatusWindowLevel;
     window.hidesOnDeactivate = NO;
     window.hasShadow = YES;
+    window.canHide = NO;
 }
+
+bool canPreventActivation(void *nsView) {
+    return [windowOf(nsView) respondsToSelector:@selector(_setPreventsActivation:)];
+}
+
+void preventActivation(void *nsView) { [windowOf(nsView) _setPreventsActivation:YES]; }
 
 void makeFloating(void *nsView) {
     NSWindow *window = windowOf(nsView);
@@ -24,6 +36,9 @@ void makeFloating(void *nsView) {
 
 void makeKeyAndOrderFront(void *nsView) { [windowOf(nsView) makeKeyAndOrderFront:nil]; }
 
-void orderFrontRegardless(void *nsView) { [windowOf(nsView) orderFrontRegardless]; }
+void orderFrontRegardless(void *nsView) {
+    [NSApp unhideWithoutActivation];
+    [windowOf(nsView) orderFrontRegardless];
+}
 
 } // namespace korvel::native

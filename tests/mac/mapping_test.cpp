@@ -8,6 +8,7 @@
 #include "ui/menu_view.h"
 #include "ui/notice_view.h"
 #include "ui/notice_window.h"
+#include "ui/picture.h"
 #include "ui/window_front.h"
 
 #include <QApplication>
@@ -71,10 +72,10 @@ TEST_F(MacParts, TheNativeMenuIsTheOneThatFollowsTheState) {
     const MenuView view{
         .entries = {{.title = u"A & B"_s, .action = Action::QuitAll, .enabled = true, .toolTip = u"Ends it"_s}}};
     item->apply(view); // before Qt has filled the native menu
-    EXPECT_EQ(mac.takeCalls(), Calls());
+    EXPECT_EQ(mac.takeCalls(), Calls{"update menu"});
     mac.menuLength = 1;
     item->apply(view);
-    EXPECT_EQ(mac.takeCalls(), Calls{"tip of entry Ends it 0"});
+    EXPECT_EQ(mac.takeCalls(), (Calls{"update menu", "tip of entry Ends it 0"}));
     Q_EMIT menu->aboutToShow();
     EXPECT_EQ(opened, 1);
     EXPECT_EQ(menu->actions().value(0)->text(), u"A && B"_s) << "Qt takes a single one for a mnemonic";
@@ -118,25 +119,52 @@ TEST_F(MacParts, LanguagesKeepTheirOrder) {
     EXPECT_EQ(preferredLanguages(), (QStringList{u"zh-Hans-CN"_s, u"en-US"_s}));
 }
 
-TEST_F(MacParts, ANoticeNeverActivatesTheTrayAndAWindowDoes) {
+TEST_F(MacParts, ANoticeNeverActivatesTheTray) {
     NoticeWindow notice;
     notice.show({.text = u"Signed out"_s}, {});
+    EXPECT_EQ(mac.takeCalls(), (Calls{"notice", "front"}));
+    mac.preventsActivation = true;
     notice.show({.text = u"Paused"_s}, {});
-    EXPECT_EQ(mac.takeCalls(), (Calls{"notice", "front", "notice", "front"}));
-    QWidget window;
-    bringToFront(window);
-    EXPECT_TRUE(window.isVisible());
-    EXPECT_EQ(mac.takeCalls(), (Calls{"activate", "key and front"}));
-    bringToFront(window, WindowLevel::Floating);
-    EXPECT_EQ(mac.takeCalls(), (Calls{"floating", "activate", "key and front"}));
+    EXPECT_EQ(mac.takeCalls(), (Calls{"notice", "prevents activation", "front"}));
 }
 
-TEST_F(MacParts, TheApplicationIsAnAccessoryLogsToTheSystemAndHearsThatItIsOpenedAgain) {
+TEST_F(MacParts, AWindowTakesTheKeyboardAndTheLastOneGivesItBack) {
+    NoticeWindow notice;
+    notice.show({.text = u"Signed out"_s}, {});
+    mac.takeCalls();
+    QWidget window, floating;
+    bringToFront(window);
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_EQ(mac.takeCalls(), (Calls{"activate", "key and front", "front"}));
+    bringToFront(floating, WindowLevel::Floating);
+    EXPECT_EQ(mac.takeCalls(), (Calls{"floating", "activate", "key and front", "front"}));
+    window.hide();
+    settleWindows();
+    floating.close();
+    bringToFront(window); // in the same turn of the event loop
+    settleWindows();
+    EXPECT_EQ(mac.takeCalls(), (Calls{"activate", "key and front", "front"}));
+    window.hide();
+    settleWindows();
+    EXPECT_EQ(mac.takeCalls(), Calls{"hide"});
+}
+
+TEST_F(MacParts, LongLinesReachTheSystemLogInPieces) {
+    logToSystem();
+    log(u"[tray] a line"_s);
+    log(QString(301, u'安'));
+    setLogSink({});
+    ASSERT_EQ(mac.calls.size(), 3u);
+    EXPECT_EQ(mac.calls[0], "log [tray] a line");
+    EXPECT_EQ(mac.calls[1].size(), 4u + 900u);
+    EXPECT_EQ(mac.calls[2], "log 安");
+}
+
+TEST_F(MacParts, TheApplicationIsAnAccessoryThatStartsInTheBackgroundAndHearsThatItIsOpenedAgain) {
+    EXPECT_TRUE(prepareToolkit().isEmpty());
+    EXPECT_EQ(qgetenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM"), "1");
     settleApplication();
     EXPECT_EQ(mac.takeCalls(), Calls{"accessory"});
-    log(u"[tray] a line"_s);
-    EXPECT_EQ(mac.takeCalls(), Calls{"log [tray] a line"});
-    setLogSink({});
     int reopened = 0;
     auto listener = listenForReopen([&] { ++reopened; });
     mac.reopen();

@@ -35,6 +35,7 @@ struct StatusBarItem::Native {};
 StatusBarItem::StatusBarItem() : native(std::make_unique<Native>()) { note("item"); }
 StatusBarItem::~StatusBarItem() { note("item gone"); }
 void StatusBarItem::setMenu(void *nsMenu) { fake().menu = nsMenu; }
+void StatusBarItem::updateMenu() { note("update menu"); }
 std::size_t StatusBarItem::menuLength() const { return fake().menuLength; }
 void StatusBarItem::setMenuToolTip(std::size_t at, const std::string &text) { noteAt("tip of entry " + text, at); }
 void StatusBarItem::setPicture(const TemplatePicture &picture) { note(picture.native->name); }
@@ -44,6 +45,7 @@ void *menuHandle(QMenu &menu) { return &menu; }
 
 void becomeAccessory() { note("accessory"); }
 void activateApplication() { note("activate"); }
+void hideApplication() { note("hide"); }
 struct ReopenListener::Native {};
 ReopenListener::ReopenListener(std::function<void()> reopened) { fake().reopen = std::move(reopened); }
 ReopenListener::~ReopenListener() { fake().reopen = nullptr; }
@@ -62,6 +64,8 @@ std::string computerName() { return fake().name; }
 std::string preferredLanguageLines() { return fake().languages; }
 
 void makeNotice(void *) { note("notice"); }
+bool canPreventActivation(void *) { return fake().preventsActivation; }
+void preventActivation(void *) { note("prevents activation"); }
 void makeFloating(void *) { note("floating"); }
 void makeKeyAndOrderFront(void *) { note("key and front"); }
 void orderFrontRegardless(void *) { note("front"); }

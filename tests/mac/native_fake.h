@@ -19,6 +19,7 @@ struct Fake {
     std::string languages;
     std::vector<long long> processes;
     std::map<std::size_t, bool> terminated;
+    bool preventsActivation = false;
     std::function<void()> reopen;
 
     /// The calls since the last time.
