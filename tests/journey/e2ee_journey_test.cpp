@@ -30,19 +30,6 @@ TEST_F(E2eeJourney, AMacIsPairedFromTheWaitingPhoneToTheEncryptedSync) {
     ASSERT_TRUE(showsSoon(CONNECTED));
 }
 
-TEST_F(E2eeJourney, AnExpiredCodeIsRenewedAndARefreshGivesANewOne) {
-    startIn(u"pending"_s);
-    ASSERT_TRUE(eventually([&] { return pairPanel.view.refreshVisible; }));
-    const QString first = pairPanel.view.code;
-    ASSERT_TRUE(home.encryption().expire());
-    ASSERT_TRUE(eventually([&] { return pairPanel.view.refreshVisible && pairPanel.view.code != first; }));
-    const QString second = pairPanel.view.code;
-    pairPanel.events.renewClicked();
-    pairPanel.events.renewClicked();
-    ASSERT_TRUE(eventually([&] { return pairPanel.view.code != second && pairPanel.view.refreshEnabled; }));
-    EXPECT_EQ(requestsTo(u"/e2ee/pair/new"_s), 1);
-}
-
 TEST_F(E2eeJourney, TwoDevicesAndTwoAlarmsAreAskedAboutOneAfterTheOther) {
     startIn(u"active"_s);
     const sim::AskedDevice anna = home.encryption().askDevice(u"Anna's phone"_s, u"ios"_s);
@@ -64,21 +51,6 @@ TEST_F(E2eeJourney, TwoDevicesAndTwoAlarmsAreAskedAboutOneAfterTheOther) {
     ASSERT_TRUE(eventually([&] { return item.entry(Action::E2Alarm) == MenuEntry(); }));
     EXPECT_EQ(item.entry(Action::E2Pending), MenuEntry());
     EXPECT_FALSE(alerts.isOpen());
-}
-
-TEST_F(E2eeJourney, AWrongCodeAsksAgainAndAReissuedRequestComesBack) {
-    startIn(u"active"_s);
-    const sim::AskedDevice device = home.encryption().askDevice(u"Anna's phone"_s, u"ios"_s);
-    ASSERT_TRUE(eventually([&] { return alerts.isOpen(); }));
-    alerts.answer(0, device.code == u"000000" ? u"111111"_s : u"000000"_s);
-    ASSERT_TRUE(eventually([&] { return alerts.isOpen(); }));
-    EXPECT_TRUE(alerts.view.warning);
-    alerts.dismiss();
-    const int opened = alerts.opened;
-    ASSERT_TRUE(home.encryption().reissueDevice(device.pendingId));
-    ASSERT_TRUE(eventually([&] { return alerts.opened > opened; }));
-    alerts.answer(0, home.encryption().deviceCode(device.pendingId));
-    ASSERT_TRUE(eventually([&] { return notices.last() == u"✓ Allowed Anna's phone"; }));
 }
 
 TEST_F(E2eeJourney, AnAgentThatDiesWhileItVerifiesEndsInOneNotice) {
@@ -106,35 +78,6 @@ TEST_F(E2eeJourney, AnAgentThatDiesWhileItVerifiesEndsInOneNotice) {
     ASSERT_TRUE(eventually([&] { return notices.last() == u"✓ Allowed Anna's phone"; }))
         << notices.last().toStdString();
 }
-
-TEST_F(E2eeJourney, AResetLeadsToANewPairing) {
-    startIn(u"active"_s);
-    home.encryption().raiseResetAlarm();
-    ASSERT_TRUE(eventually([&] { return alerts.isOpen(); }));
-    alerts.answer(0);
-    ASSERT_TRUE(eventually([&] { return pairPanel.visible && pairPanel.view.refreshVisible; }))
-        << notices.last().toStdString() << item.statusLine().toStdString();
-    ASSERT_TRUE(home.encryption().typeRight());
-    ASSERT_TRUE(eventually([&] { return !pairPanel.visible; }));
-    ASSERT_TRUE(showsSoon(CONNECTED));
-}
-
-TEST_F(E2eeJourney, SpeechRecognitionIsInstalledWithItsProgressInTheMenu) {
-    home.setScenario({{u"e2ee"_s, QJsonObject{{u"asrMs"_s, 1500}}}});
-    startIn(u"active"_s);
-    ASSERT_TRUE(eventually([&] { return item.entry(Action::E2AsrInstall).enabled; }));
-    item.choose(Action::E2AsrInstall);
-    const auto shows = [&](const QString &title) {
-        return eventually([&] {
-            return std::any_of(item.menu.entries.begin(), item.menu.entries.end(),
-                               [&](const MenuEntry &e) { return e.title.startsWith(title); });
-        });
-    };
-    EXPECT_TRUE(shows(u"Installing speech recognition… "_s));
-    EXPECT_TRUE(shows(u"Speech recognition is installed."_s));
-}
-
-TEST_F(E2eeJourney, NoAnswerOfTheUserIsEverSentTwice) { answerEachOnce(6, 1); }
 
 } // namespace
 } // namespace korvel::test

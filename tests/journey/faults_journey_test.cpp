@@ -47,35 +47,5 @@ TEST_F(Journey, AnAnswerJustInTimeCountsAndALateOneDoesNot) {
     ASSERT_TRUE(eventually([&] { return !item.icon.on; }));
 }
 
-TEST_F(Journey, WhateverLiesInPlaceOfTheConfigurationTheTrayRunsAndSaysWhatIsTrue) {
-    installAndSignIn();
-    launch();
-    ASSERT_TRUE(showsSoon(CONNECTED));
-    QFile file(home.configPath());
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    const QByteArray good = file.readAll();
-    file.close();
-    const auto put = [&](const QByteArray &content) {
-        QFile::remove(home.configPath());
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(content);
-        file.close();
-    };
-    for (const QByteArray &content :
-         {QByteArray("[]"), good.first(good.size() / 2), QByteArray("\x00\xff\x13", 3), QByteArray(100 << 20, ' ')}) {
-        put(content);
-        ASSERT_TRUE(showsSoon(u"Not signed in"_s));
-        put(good);
-        ASSERT_TRUE(showsSoon(CONNECTED));
-    }
-    QFile::remove(home.configPath());
-    QDir().mkpath(home.configPath());
-    ASSERT_TRUE(showsSoon(u"Not signed in"_s));
-    QDir().rmdir(home.configPath());
-    ASSERT_TRUE(showsSoon(u"Not signed in"_s));
-    put(good);
-    ASSERT_TRUE(showsSoon(CONNECTED));
-}
-
 } // namespace
 } // namespace korvel::test

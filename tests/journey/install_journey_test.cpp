@@ -37,29 +37,6 @@ TEST_F(RepairJourney, ALaunchWithoutAJobFileRepairsAndTheAgentComesUp) {
     EXPECT_EQ(item.entry(Action::Repair), MenuEntry());
 }
 
-TEST_F(RepairJourney, AFailingInstallationSaysReinstallAndTheMenuWorksOn) {
-    home.setScenario({{u"installService"_s, failing(u"not allowed"_s)}});
-    launch();
-    ASSERT_TRUE(showsSoon(u"Korvel isn't installed correctly. Reinstall Korvel."_s));
-    item.choose(Action::Repair);
-    ASSERT_TRUE(tells(u"Couldn't repair Korvel. Download it from the website and reinstall."_s));
-    home.setScenario({});
-    item.choose(Action::Repair);
-    ASSERT_TRUE(tells(u"✓ Repaired"_s));
-    ASSERT_TRUE(showsSoon(CONNECTED));
-}
-
-TEST_F(RepairJourney, AResumeWithoutAJobFileRepairsFirst) {
-    ASSERT_TRUE(home.installJobFile());
-    launch();
-    ASSERT_TRUE(showsSoon(CONNECTED));
-    ASSERT_EQ(home.launchctl({u"bootout"_s, sim::Home::agentTarget()}), 0);
-    ASSERT_TRUE(QFile::remove(home.jobFilePath()));
-    tray->reopen();
-    ASSERT_TRUE(showsSoon(CONNECTED));
-    EXPECT_TRUE(QFileInfo::exists(home.jobFilePath()));
-}
-
 struct PermissionJourney : Journey {
     /// A connected Mac whose agent has been granted nothing, and whose user takes `promptMs` for each prompt.
     void start(int promptMs) {
@@ -101,21 +78,6 @@ TEST_F(PermissionJourney, TheRestGoesOnWhileTheUserAnswersThePrompts) {
     ASSERT_TRUE(showsSoon(CONNECTED));
     item.events.menuOpening();
     ASSERT_TRUE(eventually([&] { return titles().filter(u"✓ "_s).size() == home.permissions().names().size(); }));
-}
-
-TEST_F(PermissionJourney, AnAgentThatDiesMeanwhileEndsInOneNotice) {
-    start(60000);
-    item.choose(Action::AskPerms);
-    ASSERT_TRUE(eventually([&] { return requestsTo(u"/perms/request"_s) == 1; }));
-    notices.shown.clear();
-    ASSERT_TRUE(home.killAgent(SIGKILL));
-    const QString sentence = u"Couldn't request permissions. Korvel isn't responding. Try again later."_s;
-    ASSERT_TRUE(eventually([&] { return !notices.shown.empty(); }));
-    EXPECT_EQ(notices.last(), sentence);
-    EXPECT_TRUE(notices.shown.back().error);
-    ASSERT_TRUE(eventually([&] { return item.entry(Action::AskPerms).title == u"Request Permissions…"; }));
-    EXPECT_EQ(notices.shown.size(), 1u);
-    EXPECT_EQ(requestsTo(u"/perms/request"_s), 1);
 }
 
 } // namespace

@@ -43,32 +43,6 @@ TEST_F(Journey, APauseKeepsTheAgentDownAndAResumeBringsItBack) {
     EXPECT_NE(home.agentPid(), 0);
 }
 
-TEST_F(Journey, AJobThatNeverGoesAwayEndsInANotice) {
-    installAndSignIn();
-    launch();
-    ASSERT_TRUE(showsSoon(CONNECTED));
-    home.changeScenario({{u"launchctl"_s, QJsonObject{{u"bootout"_s, QJsonObject{{u"ignore"_s, true}}}}}});
-    item.choose(Action::MenuToggle);
-    ASSERT_TRUE(eventually([&] { return notices.last() == u"Couldn't pause sync. Try again."; }));
-    ASSERT_TRUE(showsSoon(CONNECTED));
-    home.changeScenario({{u"launchctl"_s, QJsonValue()}});
-}
-
-TEST_F(Journey, AResumeThatNeedsItsSecondAttemptSucceeds) {
-    installAndSignIn();
-    launch();
-    ASSERT_TRUE(showsSoon(CONNECTED));
-    item.choose(Action::MenuToggle);
-    ASSERT_TRUE(showsSoon(u"⏻ Sync paused · ann"_s));
-    const int before = launchctlCalls(u"bootstrap"_s);
-    home.changeScenario(
-        {{u"launchctl"_s, QJsonObject{{u"bootstrap"_s, QJsonObject{{u"status"_s, 5}, {u"times"_s, 1}}}}}});
-    item.choose(Action::MenuToggle);
-    ASSERT_TRUE(showsSoon(CONNECTED));
-    EXPECT_EQ(launchctlCalls(u"bootstrap"_s), before + 2);
-    EXPECT_EQ(launchctlCalls(u"kickstart"_s), 1);
-}
-
 TEST_F(Journey, QuittingStopsTheAgentAndLeavesItEnabled) {
     installAndSignIn();
     launch();
@@ -77,19 +51,6 @@ TEST_F(Journey, QuittingStopsTheAgentAndLeavesItEnabled) {
     ASSERT_TRUE(eventually([&] { return desktop.terminated == 1; }));
     EXPECT_EQ(home.agentPid(), 0);
     EXPECT_EQ(home.launchctl({u"bootstrap"_s, sim::Home::domain(), home.jobFilePath()}), 0);
-}
-
-TEST_F(Journey, ASignInThatIsLostAndAReportAreShown) {
-    installAndSignIn();
-    launch();
-    ASSERT_TRUE(showsSoon(CONNECTED));
-    home.changeScenario({{u"health"_s, QJsonObject{{u"authDead"_s, true}, {u"online"_s, false}}}});
-    ASSERT_TRUE(showsSoon(u"Signed out. Sign in again."_s));
-    EXPECT_EQ(item.entry(Action::BrowserLogin).title, u"Sign In Again…"_s);
-    home.changeScenario({{u"health"_s, QJsonObject{{u"authDead"_s, QJsonValue()},
-                                                   {u"e2ee"_s, QJsonObject{{u"state"_s, u"waiting"_s}}}}}});
-    ASSERT_TRUE(showsSoon(u"○ Sign in to Korvel on your phone, then pair this Mac · ann"_s));
-    EXPECT_EQ(item.icon.toolTip, u"Korvel · Not paired"_s);
 }
 
 } // namespace

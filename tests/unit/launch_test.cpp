@@ -12,14 +12,6 @@ struct LaunchTest : TrayFixture {
     int checks() const { return requestsTo(u"/v1/dl/manifest"_s); }
 };
 
-TEST_F(LaunchTest, MakingATrayHasNoEffect) {
-    makeTray();
-    scheduler.advance(60s);
-    EXPECT_EQ(http.count, 0);
-    EXPECT_EQ(item.menuChanges, 0);
-    EXPECT_TRUE(services.calls.isEmpty());
-}
-
 TEST_F(LaunchTest, AFreshUserIsRepairedFirstAndThenPolled) {
     placeAgent();
     agentIsSilent();

@@ -87,6 +87,14 @@ TEST_F(SyncToggleTest, AResumeBringsTheJobBackAndTellsWhetherTheAgentAnswers) {
     EXPECT_EQ(item.statusLine(), u"● Connected · ann · 1 session"_s);
 }
 
+TEST_F(SyncToggleTest, AResumeMaySucceedWithItsSecondAttempt) {
+    launchPaused();
+    services.failBootstraps = 1;
+    toggle();
+    scheduler.advance(2500ms);
+    EXPECT_EQ(notices.last(), u"● Sync resumed. Connecting…"_s);
+}
+
 TEST_F(SyncToggleTest, AResumeThatFailsTwiceTellsWhereToAllowIt) {
     launchPaused();
     services.failBootstraps = 10;

@@ -1,9 +1,0 @@
-#include "journey/flapping.h"
-
-namespace korvel::test {
-namespace {
-
-TEST_F(FlappingJourney, NothingGrowsWhileTheAgentComesAndGoes) { flap(200, 1); }
-
-} // namespace
-} // namespace korvel::test
