@@ -16,7 +16,7 @@ struct Sample {
 std::shared_ptr<void> show(const CnLoginForm &form) {
     auto panel = std::make_shared<CnLoginPanel>();
     panel->connect([](const LoginInput &) {});
-    panel->present(cnLoginView(form));
+    panel->present(cnLoginView(form), OpenedBy::User);
     panel->focus(firstEmptyField(form));
     return panel;
 }
@@ -58,6 +58,8 @@ QList<Case> loginCases() {
                                 .agree = true,
                                 .error = longRefusal()};
          }},
+        {"refused-beyond-measure",
+         [phone] { return CnLoginForm{.account = phone, .error = (refusal() + u'\n').repeated(60)}; }},
         {"busy", [phone] { return CnLoginForm{.busy = true, .account = phone, .password = u"secret"_s}; }},
         {"busy-registering",
          [phone] {

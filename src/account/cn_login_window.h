@@ -3,6 +3,7 @@
 #include "account/cn_login_view.h"
 #include "platform/login_panel.h"
 #include "ui/esc_window.h"
+#include "ui/key_filter.h"
 #include "ui/text_styles.h"
 
 #include <memory>
@@ -16,7 +17,9 @@ class QPushButton;
 namespace korvel {
 
 class LinkButton;
+class ScrollingText;
 class SegmentedControl;
+class TextButton;
 
 /// The mainland sign-in window: maps a CnLoginView. Return submits, Escape closes.
 class CnLoginWindow final : public EscWindow {
@@ -25,6 +28,8 @@ public:
 
     void apply(const CnLoginView &view);
     void focus(LoginField field);
+    /// Shows the window in front, with the keyboard.
+    void bringUp(OpenedBy by);
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
@@ -44,12 +49,14 @@ private:
     QWidget *codeGroup, *passGroup;
     ToneLabel *acctL, *codeL, *passL;
     QLineEdit *acctF, *codeF, *passF;
-    QPushButton *sendB;
+    TextButton *sendB;
     QCheckBox *agreeB;
     LinkButton *termsB, *privacyB, *linkA, *linkB;
-    ToneLabel *andF, *infoF, *errF;
+    ToneLabel *andF, *infoF;
+    ScrollingText *errF;
     QPushButton *mainB;
     QProgressBar *busyBar;
+    KeyFilter keys;
 };
 
 /// The window as a port: made when it is shown, gone when it is closed.
@@ -57,7 +64,7 @@ class CnLoginPanel final : public LoginPanel {
 public:
     ~CnLoginPanel() override;
     void connect(std::function<void(const LoginInput &)> input) override;
-    bool present(const CnLoginView &view) override;
+    bool present(const CnLoginView &view, OpenedBy by) override;
     void apply(const CnLoginView &view) override;
     void focus(LoginField field) override;
     void close() override;

@@ -14,8 +14,8 @@ enum Field { Account, Password, Server };
 AlertView loginAlert(const LoginAttempt &attempt, bool isBound, const QString &serverInUse) {
     AlertView view{.title = isBound ? L(u"重新登录 Korvel", u"Sign In to Korvel Again")
                                     : L(u"登录 Korvel", u"Sign In to Korvel"),
-                   .text = singleLine(attempt.error.value_or(QString()), LONGEST_LINE),
-                   .warning = false,
+                   .fromOutside = multiLine(attempt.error.value_or(QString())),
+                   .warning = attempt.error.has_value(),
                    .buttons = {L(u"登录", u"Sign In"), L(u"取消", u"Cancel")},
                    .escape = 1,
                    .fields = {{.label = L(u"邮箱", u"Email"), .text = attempt.user},
@@ -35,12 +35,12 @@ void LoginDialog::showLogin(LoginAttempt attempt) {
         return hooks.showCnLogin();
     if (!attempt.advanced)
         attempt.advanced = desktop.optionKeyHeld();
-    present(std::move(attempt));
+    present(attempt, OpenedBy::User);
 }
 
-bool LoginDialog::present(LoginAttempt attempt) {
+bool LoginDialog::present(const LoginAttempt &attempt, OpenedBy by) {
     const QJsonObject cfg = config.readCfg();
-    return alerts.open(loginAlert(attempt, bound(cfg), serverOf(fixed, cfg)),
+    return alerts.open(loginAlert(attempt, bound(cfg), serverOf(fixed, cfg)), by,
                        alive.guard([this, attempt](const AlertAnswer &answer) {
                            if (answer.button == 0)
                                answered(attempt, answer.texts);
@@ -73,7 +73,7 @@ void LoginDialog::finished(LoginAttempt attempt, bool ok, const QString &message
         hooks.hideHUD();
         attempt.error = message;
         // Another alert may have come up meanwhile.
-        if (!present(attempt))
+        if (!present(attempt, OpenedBy::Itself))
             hooks.showHUD(signInFailedNotice(message));
         return;
     }

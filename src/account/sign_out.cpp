@@ -30,7 +30,7 @@ SignOut::SignOut(TrayState &st, const FixedConfig &f, const AgentConfig &c, Conf
 void SignOut::logoutDialog() {
     if (underWay)
         return;
-    alerts.open(signOutAlert(), alive.guard([this](const AlertAnswer &answer) {
+    alerts.open(signOutAlert(), OpenedBy::User, alive.guard([this](const AlertAnswer &answer) {
         if (answer.button == 0)
             tellAgent();
     }));
@@ -65,6 +65,7 @@ void SignOut::finish(bool cleared) {
     state.health.account.clear();
     state.health.authDead = state.health.accountGone = false;
     state.e2ee.e2 = {}; // it was about the account that is gone
+    state.e2ee.e2Retries.clear();
     hooks.poll();
     hooks.showHUD(cleared ? signedOutNotice() : signOutFailedNotice());
 }

@@ -29,7 +29,7 @@ TrayApp::TrayApp(const FixedConfig &f, const Paths &pa, const TrayPorts &p)
       pairing(state.e2ee, state.pairing, api, p.pairPanel, p.scheduler, pairingHooks()),
       approval(state.e2ee, api, p.alerts, p.scheduler,
                {.poll = [this] { health.poll(); }, .showHUD = showHUD(), .hideHUD = [this] { notices.hideHUD(); }}),
-      alarms(state.e2ee, api, p.alerts,
+      alarms(api, p.alerts,
              {.showHUD = showHUD(), .poll = poll(), .pairAfterLogin = [this] { pairing.pairAfterLogin(); }}),
       speech(api, {.showHUD = showHUD()}), prompts(state.e2ee, state.pairing, promptHooks()),
       afterSignIn(state.health, p.scheduler, afterSignInHooks()),
@@ -96,9 +96,11 @@ Pairing::Hooks TrayApp::pairingHooks() {
 Prompts::Hooks TrayApp::promptHooks() {
     return {.updatePairWindow = [this] { pairing.updatePairWindow(); },
             .pairWindowVisible = [this] { return pairing.isVisible(); },
-            .showPairWindow = [this] { pairing.showPairWindow(); },
-            .showApprove = [this](const QJsonObject &request) { approval.showApprove(request); },
-            .showAlarm = [this](const QJsonObject &alarm) { alarms.showAlarm(alarm); },
+            .alertOpen = [this] { return ports.alerts.isOpen(); },
+            .askAgain = [this] { approval.askAgain(); },
+            .showPairWindow = [this] { pairing.showPairWindow(OpenedBy::Itself); },
+            .showApprove = [this](const QJsonObject &request) { approval.showApprove(request, OpenedBy::Itself); },
+            .showAlarm = [this](const QJsonObject &alarm) { alarms.showAlarm(alarm, OpenedBy::Itself); },
             .showHUD = showHUD()};
 }
 
@@ -221,7 +223,7 @@ void TrayApp::reopen() {
     case ReopenAction::Repair:
         return repair.repairService({});
     case ReopenAction::ShowPairingCode:
-        return pairing.showPairWindow();
+        return pairing.showPairWindow(OpenedBy::User);
     case ReopenAction::ToggleAgent:
         return sync.toggleAgent();
     }
@@ -250,11 +252,11 @@ void TrayApp::perform(const MenuEntry &entry) {
     case Action::AskPerms:
         return permissions.askPerms();
     case Action::ShowPair:
-        return pairing.showPairWindow();
+        return pairing.showPairWindow(OpenedBy::User);
     case Action::E2Pending:
-        return approval.showApprove(entry.payload.toObject());
+        return approval.showApprove(entry.payload.toObject(), OpenedBy::User);
     case Action::E2Alarm:
-        return alarms.showAlarm(entry.payload.toObject());
+        return alarms.showAlarm(entry.payload.toObject(), OpenedBy::User);
     case Action::E2AsrInstall:
         return speech.e2AsrInstall();
     case Action::OpenLog:

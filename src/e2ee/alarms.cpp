@@ -3,6 +3,7 @@
 #include "app/wording.h"
 #include "e2ee/e2ee_notices.h"
 #include "e2ee/requests.h"
+#include "platform/plain_text.h"
 
 namespace korvel {
 
@@ -17,7 +18,7 @@ bool isReset(const QJsonObject &alarm) { return alarm.value(u"kind").toString() 
 AlertView alarmAlert(const QJsonObject &alarm) {
     if (!isReset(alarm))
         return {.title = L(u"安全提醒", u"Security Alert"),
-                .text = alarm.value(u"text").toString(),
+                .fromOutside = multiLine(alarm.value(u"text").toString()),
                 .warning = true,
                 .buttons = {L(u"好", u"OK")},
                 .escape = 0};
@@ -29,17 +30,15 @@ AlertView alarmAlert(const QJsonObject &alarm) {
                   u"not, don't approve any new device, and change your password immediately."),
             .warning = true,
             .buttons = {L(u"是我，重新加入", u"It Was Me, Rejoin"), L(u"不是我", u"It Wasn't Me")},
-            .escape = ItWasNotMe};
+            .escape = ItWasNotMe,
+            .main = ItWasNotMe};
 }
 
-Alarms::Alarms(E2State &e, AgentApi &a, Alerts &al, Hooks h) : e2ee(e), api(a), alerts(al), hooks(std::move(h)) {}
+Alarms::Alarms(AgentApi &a, Alerts &al, Hooks h) : api(a), alerts(al), hooks(std::move(h)) {}
 
-void Alarms::showAlarm(const QJsonObject &alarm) {
-    const bool opened = alerts.open(alarmAlert(alarm), alive.guard([this, alarm](const AlertAnswer &answer) {
-        e2ee.e2Modal = false;
-        answered(alarm, answer);
-    }));
-    e2ee.e2Modal = e2ee.e2Modal || opened;
+void Alarms::showAlarm(const QJsonObject &alarm, OpenedBy by) {
+    alerts.open(alarmAlert(alarm), by,
+                alive.guard([this, alarm](const AlertAnswer &answer) { answered(alarm, answer); }));
 }
 
 void Alarms::answered(const QJsonObject &alarm, const AlertAnswer &answer) {

@@ -5,6 +5,7 @@
 #include "e2ee/pair_code.h"
 #include "e2ee/report.h"
 #include "e2ee/requests.h"
+#include "platform/plain_text.h"
 
 namespace korvel {
 
@@ -13,7 +14,7 @@ namespace {
 enum Button { Allow, Deny, Later };
 constexpr milliseconds ASK_AGAIN_AFTER = 300ms;
 
-QString nameOf(const QJsonObject &request) { return request.value(u"name").toString(L(u"新设备", u"New device")); }
+QString nameOf(const QJsonObject &request) { return deviceName(request, L(u"新设备", u"New device")); }
 
 QString pendingIdOf(const QJsonObject &request) { return request.value(u"pendingId").toString(); }
 
@@ -29,9 +30,10 @@ bool canBeRetried(const QString &code) { return code == u"wrong-code" || code ==
 } // namespace
 
 AlertView approveAlert(const QJsonObject &request, const QString &error) {
-    return {.title = L(u"新设备请求加入：", u"New device: ") + request.value(u"name").toString(QStringLiteral("?")) +
+    return {.title = L(u"新设备请求加入：", u"New device: ") + deviceName(request, QStringLiteral("?")) +
                      QStringLiteral(" · ") + e2Platform(request.value(u"platform")),
-            .text = error.isEmpty() ? instructions() : error + QStringLiteral("\n\n") + instructions(),
+            .fromOutside = multiLine(error),
+            .text = instructions(),
             .warning = !error.isEmpty(),
             .buttons = {L(u"允许", u"Allow"), L(u"拒绝", u"Deny"), L(u"稍后", u"Later")},
             .escape = Later,
@@ -41,15 +43,10 @@ AlertView approveAlert(const QJsonObject &request, const QString &error) {
 Approval::Approval(E2State &e, AgentApi &a, Alerts &al, Scheduler &s, Hooks h)
     : e2ee(e), api(a), alerts(al), scheduler(s), hooks(std::move(h)) {}
 
-void Approval::showApprove(const QJsonObject &request, const QString &error) {
-    if (!request.value(u"pendingId").isString())
-        return;
-    const bool opened =
-        alerts.open(approveAlert(request, error), alive.guard([this, request](const AlertAnswer &answer) {
-            e2ee.e2Modal = false;
-            answered(request, answer);
-        }));
-    e2ee.e2Modal = e2ee.e2Modal || opened;
+void Approval::showApprove(const QJsonObject &request, OpenedBy by, const QString &error) {
+    if (request.value(u"pendingId").isString())
+        alerts.open(approveAlert(request, error), by,
+                    alive.guard([this, request](const AlertAnswer &answer) { answered(request, answer); }));
 }
 
 void Approval::answered(const QJsonObject &request, const AlertAnswer &answer) {
@@ -68,7 +65,7 @@ void Approval::deny(const QJsonObject &request) {
 
 void Approval::allow(const QJsonObject &request, const QString &code) {
     if (code.size() != 6)
-        return showApprove(request, L(u"配对码为 6 位数字", u"The pairing code must be 6 digits."));
+        return showApprove(request, OpenedBy::User, L(u"配对码为 6 位数字", u"The pairing code must be 6 digits."));
     hooks.showHUD(verifyingNotice());
     e2ee.e2Answering.insert(pendingIdOf(request));
     e2Post(api, pairDeviceRequest(pendingIdOf(request), code),
@@ -82,14 +79,23 @@ void Approval::verdict(const QJsonObject &request, const std::optional<QJsonObje
     if (replyOk(reply))
         hooks.showHUD(allowedNotice(nameOf(request)));
     else if (canBeRetried(code))
-        askAgain(request, errText(reply));
+        askAgainSoon(request, errText(reply));
     else
         hooks.showHUD(notAdmittedNotice(reply));
     hooks.poll();
 }
 
-void Approval::askAgain(const QJsonObject &request, const QString &error) {
-    again = scheduler.after(ASK_AGAIN_AFTER, [this, request, error] { showApprove(request, error); });
+void Approval::askAgainSoon(const QJsonObject &request, const QString &error) {
+    e2ee.e2Retries.append({.request = request, .error = error, .due = scheduler.now() + ASK_AGAIN_AFTER});
+    again = scheduler.after(ASK_AGAIN_AFTER, [this] { askAgain(); });
+}
+
+void Approval::askAgain() {
+    QList<E2Retry> &retries = e2ee.e2Retries;
+    if (alerts.isOpen() || retries.isEmpty() || retries.first().due > scheduler.now())
+        return;
+    const E2Retry retry = retries.takeFirst();
+    showApprove(retry.request, OpenedBy::Itself, retry.error);
 }
 
 } // namespace korvel

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/alerts.h"
+#include "ui/key_filter.h"
 
 #include <QDialog>
 #include <QPointer>
@@ -18,13 +19,17 @@ class AlertDialog final : public QDialog {
 public:
     AlertDialog(const AlertView &view, std::function<void(const AlertAnswer &)> answered);
 
+    /// The buttons, in the order of the view.
     QList<QPushButton *> buttons() const { return answers; }
     QList<QLineEdit *> fields() const { return inputs; }
+    /// Shows the dialog in front, with the keyboard.
+    void bringUp(OpenedBy by);
     /// Escape and closing.
     void reject() override;
 
 private:
     void answer(int button);
+    void addWords(QVBoxLayout &column);
     QWidget *buttonRow();
     void addField(const AlertField &field, QVBoxLayout &column);
     void requireWholeCode(PairCodeField &code);
@@ -33,13 +38,15 @@ private:
     std::function<void(const AlertAnswer &)> answered;
     QList<QPushButton *> answers;
     QList<QLineEdit *> inputs;
+    KeyFilter keys;
 };
 
 /// Alerts as windows above all others that let the event loop go on.
 class AlertWindow final : public Alerts {
 public:
     ~AlertWindow() override;
-    bool open(const AlertView &view, std::function<void(const AlertAnswer &)> answered) override;
+    bool isOpen() const override;
+    bool open(const AlertView &view, OpenedBy by, std::function<void(const AlertAnswer &)> answered) override;
 
 private:
     QPointer<AlertDialog> current;

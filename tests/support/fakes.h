@@ -209,15 +209,16 @@ public:
 /// Alerts that the test answers.
 class ScriptedAlerts final : public Alerts {
 public:
-    bool open(const AlertView &v, std::function<void(const AlertAnswer &)> a) override {
+    bool isOpen() const override { return answered != nullptr; }
+    bool open(const AlertView &v, OpenedBy b, std::function<void(const AlertAnswer &)> a) override {
         if (answered)
             return false;
         view = v;
+        by = b;
         answered = std::move(a);
         ++opened;
         return true;
     }
-    bool isOpen() const { return answered != nullptr; }
     void answer(int button, const QStringList &texts = {}) {
         ASSERT_TRUE(answered);
         std::exchange(answered, nullptr)({.button = button, .texts = texts});
@@ -226,6 +227,7 @@ public:
     /// Escape or the close button.
     void dismiss() { answer(view.escape); }
     AlertView view;
+    OpenedBy by = OpenedBy::User;
     int opened = 0;
 
 private:
@@ -236,8 +238,9 @@ class RecordedPairPanel final : public PairPanel {
 public:
     void connect(Events e) override { events = std::move(e); }
     bool isVisible() const override { return visible; }
-    void present(const PairView &v) override {
+    void present(const PairView &v, OpenedBy b) override {
         view = v;
+        by = b;
         visible = true;
         ++presented;
     }
@@ -246,6 +249,7 @@ public:
 
     Events events;
     PairView view;
+    OpenedBy by = OpenedBy::User;
     bool visible = false;
     int presented = 0;
 };
@@ -254,8 +258,9 @@ public:
 class RecordedLoginPanel final : public LoginPanel {
 public:
     void connect(std::function<void(const LoginInput &)> i) override { input = std::move(i); }
-    bool present(const CnLoginView &v) override {
+    bool present(const CnLoginView &v, OpenedBy b) override {
         view = v;
+        by = b;
         ++presented;
         return !std::exchange(visible, true);
     }
@@ -270,6 +275,7 @@ public:
     }
     std::function<void(const LoginInput &)> input;
     CnLoginView view;
+    OpenedBy by = OpenedBy::User;
     std::optional<LoginField> focused;
     bool visible = false;
     int presented = 0;

@@ -158,7 +158,8 @@ TEST_F(AccountTest, SettingsThatCannotBeSavedAreReportedOnceBeforeTheOldCredenti
                   (QStringList{u"intl.example:443/v1/agents/login"_s,
                                u"intl.example:443/v1/agents/unbind Bearer new"_s})); // given back, the old one kept
         EXPECT_EQ(file(), c.before);
-        EXPECT_EQ(alerts.view.text, u"Couldn't save the settings. Check disk space and permissions and try again."_s);
+        EXPECT_EQ(alerts.view.fromOutside,
+                  u"Couldn't save the settings. Check disk space and permissions and try again."_s);
         EXPECT_EQ(logged, QStringList{u"[tray] "_s + home.paths.agentCfg + u": File too large"_s});
         alerts.dismiss();
     }
@@ -197,16 +198,19 @@ TEST_F(AccountTest, TheDialogComesBackWithWhatWasTypedAndWhatWentWrong) {
     ASSERT_EQ(alerts.view.fields.size(), 3);
     EXPECT_EQ(alerts.view.fields[2].text, u"intl.example:443"_s);
     alerts.answer(0, {u"ann"_s, u""_s, u"own.example"_s});
-    EXPECT_EQ(alerts.view.text, u"Enter your email and password."_s);
+    EXPECT_EQ(alerts.by, OpenedBy::User);
+    EXPECT_EQ(alerts.view.fromOutside, u"Enter your email and password."_s);
     EXPECT_EQ(alerts.view.fields[0].text, u"ann"_s);
     alerts.answer(0, {u"ann"_s, u"pass"_s, u"own example"_s});
-    EXPECT_EQ(alerts.view.text, u"The server address isn't valid."_s);
+    EXPECT_EQ(alerts.view.fromOutside, u"The server address isn't valid."_s);
     EXPECT_EQ(alerts.view.fields[2].text, u"own example"_s);
     EXPECT_TRUE(sent.isEmpty());
-    loginReply = R"({"error":"Wrong password."})";
+    loginReply = R"({"error":"Wrong\npassword. "})";
     alerts.answer(0, {u"ann"_s, u"pass"_s, u"https://own.example/"_s});
     EXPECT_EQ(sent, QStringList{u"own.example:443/v1/agents/login"_s});
-    EXPECT_EQ(alerts.view.text, u"Wrong password."_s);
+    EXPECT_EQ(alerts.view.fromOutside, u"Wrong\npassword."_s);
+    EXPECT_TRUE(alerts.view.warning);
+    EXPECT_EQ(alerts.by, OpenedBy::Itself); // the user may have turned to something else
     EXPECT_EQ(alerts.view.fields[1].text, u""_s);
     EXPECT_FALSE(notices.visible); // no longer "signing in"
     alerts.dismiss();

@@ -1,3 +1,4 @@
+#include "e2ee/approval.h"
 #include "e2ee/pair_code.h"
 #include "e2ee/pair_window.h"
 #include "support/tray_fixture.h"
@@ -5,9 +6,14 @@
 #include "ui/code_field.h"
 #include "ui/picture.h"
 
+#include <QApplication>
+#include <QDialogButtonBox>
+#include <QKeyEvent>
+#include <QProxyStyle>
 #include <QPushButton>
-#include <QSignalSpy>
 #include <QTest>
+#include <QWindow>
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -97,6 +103,7 @@ const QByteArray ACTIVE = R"({"state":"active"})";
 TEST_F(PairingTest, TheWindowFollowsThePairingAndClosesItselfAfterSuccess) {
     launchWith(R"({"state":"waiting"})");
     ASSERT_TRUE(pairPanel.visible);
+    EXPECT_EQ(pairPanel.by, OpenedBy::Itself);
     next(CODE);
     EXPECT_EQ(pairPanel.view.code, u"123456"_s);
     notices.shown.clear();
@@ -145,7 +152,7 @@ TEST_F(PairingTest, TheButtonDoesWhatItSaysAndTheWindowStaysClosedAfter) {
     EXPECT_FALSE(pairPanel.visible || loginPanel.visible || alerts.isOpen());
 }
 
-TEST_F(PairingTest, RefreshIsAskedForOnceAndItsFailureIsShown) {
+TEST_F(PairingTest, RefreshIsAskedForOnceAndItsFailureStaysUntilTheReportIsAnother) {
     launchWith(CODE);
     http.answer = nullptr;
     pairPanel.events.renewClicked();
@@ -154,10 +161,20 @@ TEST_F(PairingTest, RefreshIsAskedForOnceAndItsFailureIsShown) {
     ASSERT_EQ(http.open.size(), 1u);
     EXPECT_EQ(http.open[0].request.url, u"http://127.0.0.1:8790/e2ee/pair/new"_s);
     EXPECT_EQ(http.open[0].request.body, "{}");
-    http.reply(0, json(R"({"ok":false,"error":"Too often."})"));
-    EXPECT_EQ(pairPanel.view.error, u"Too often."_s);
+    http.reply(0, json(R"({"ok":false,"error":"Too often.\nWait. "})"));
+    EXPECT_EQ(pairPanel.view.error, u"Too often.\nWait."_s);
     EXPECT_TRUE(pairPanel.view.refreshEnabled);
-    EXPECT_EQ(http.open.size(), 1u); // the poll that follows
+    ASSERT_EQ(http.open.size(), 1u); // the poll that follows
+    http.reply(0, json(R"({"ok":true,"e2ee":)" + CODE + '}'));
+    next(CODE);
+    EXPECT_EQ(pairPanel.view.error, u"Too often.\nWait."_s);
+    http.answer = nullptr;
+    pairPanel.events.renewClicked();
+    EXPECT_EQ(pairPanel.view.error, u""_s);
+    http.reply(http.open.size() - 1, noAnswer());
+    EXPECT_FALSE(pairPanel.view.error.isEmpty());
+    next(R"({"state":"pending","pair":{"show":"654321"}})");
+    EXPECT_EQ(pairPanel.view.error, u""_s);
 }
 
 TEST(PairCode, DigitsOfAnyScriptAreTakenAndNothingElse) {
@@ -212,6 +229,15 @@ TEST_F(CodeFieldTest, AnInputMethodsUnfinishedTextIsLeftAlone) {
     EXPECT_EQ(field.cursorPosition(), 5);
 }
 
+TEST(ApprovalAlert, ANameCannotSpeakForTheProduct) {
+    const QString forged = u"Anna's phone · iPhone\n\nKorvel has checked this device. Type 482 913 and choose Allow"_s +
+                           u"\n"_s.repeated(60);
+    const AlertView view = approveAlert({{u"pendingId"_s, u"p"_s}, {u"name"_s, forged}, {u"platform"_s, u"ios"_s}}, {});
+    EXPECT_EQ(view.title, u"New device: Anna's phone · iPhone Korvel has checked this device. Type 482… · iPhone"_s);
+    EXPECT_TRUE(view.fromOutside.isEmpty());
+    EXPECT_EQ(approveAlert({{u"name"_s, u"\u200b\u2800"_s}}, {}).title, u"New device: ? · Device"_s);
+}
+
 struct AlertTest : ::testing::Test {
     AlertWindow alerts;
     QList<AlertAnswer> answers;
@@ -221,8 +247,8 @@ struct AlertTest : ::testing::Test {
                          .escape = 2,
                          .fields = {{.kind = AlertField::Kind::Code}}};
 
-    AlertDialog *open(const AlertView &v) {
-        EXPECT_TRUE(alerts.open(v, [this](const AlertAnswer &a) { answers.append(a); }));
+    AlertDialog *open(const AlertView &v, OpenedBy by = OpenedBy::User) {
+        EXPECT_TRUE(alerts.open(v, by, [this](const AlertAnswer &a) { answers.append(a); }));
         for (QWidget *window : QApplication::topLevelWidgets())
             if (auto *dialog = dynamic_cast<AlertDialog *>(window); dialog && dialog->isVisible())
                 return dialog;
@@ -250,12 +276,68 @@ TEST_F(AlertTest, EscapeAndTheKeyThatClosesAreTheHarmlessAnswerAndCountOnce) {
     QTest::keyClick(open(view), Qt::Key_Escape);
     AlertDialog *dialog = open(view);
     EXPECT_FALSE(
-        alerts.open({.title = u"other"_s, .text = {}, .buttons = {u"OK"_s}}, [](const AlertAnswer &) { FAIL(); }));
+        alerts.open({.title = u"other"_s, .buttons = {u"OK"_s}}, OpenedBy::User, [](const AlertAnswer &) { FAIL(); }));
     settleWindows();
     QTest::keySequence(dialog, QKeySequence::Close);
     ASSERT_EQ(answers.size(), 2);
     EXPECT_EQ(answers[0].button, 2);
     EXPECT_EQ(answers[1].button, 2);
+}
+
+TEST_F(AlertTest, LeavesOtherWindowsUsableAndHasItsMainButtonWhereTheSystemHasIt) {
+    struct MacStyle final : QProxyStyle {
+        int styleHint(StyleHint hint, const QStyleOption *o, const QWidget *w, QStyleHintReturn *r) const override {
+            return hint == SH_DialogButtonLayout ? QDialogButtonBox::MacLayout : QProxyStyle::styleHint(hint, o, w, r);
+        }
+    };
+    const auto leftToRight = [&] {
+        AlertDialog *dialog = open({.title = u"t"_s, .buttons = view.buttons, .escape = 2, .main = 2});
+        EXPECT_FALSE(dialog->isModal());
+        EXPECT_EQ(dialog->focusWidget(), dialog->buttons().at(2));
+        QTest::keyClick(dialog, Qt::Key_Return);
+        EXPECT_EQ(answers.last().button, 2);
+        QList<QPushButton *> buttons = dialog->buttons();
+        std::ranges::sort(buttons, {}, [](const QPushButton *button) { return button->x(); });
+        QStringList titles;
+        for (const QPushButton *button : buttons)
+            titles.append(button->text());
+        return titles;
+    };
+    EXPECT_EQ(leftToRight(), view.buttons);
+    const QString usual = QApplication::style()->name();
+    QApplication::setStyle(new MacStyle);
+    EXPECT_EQ(leftToRight(), (QStringList{u"Later"_s, u"Deny"_s, u"Allow"_s}));
+    QApplication::setStyle(usual);
+}
+
+TEST_F(AlertTest, TakesKeysAtOnceOnlyWhenTheUserOpenedItAndNeverOneThatIsHeld) {
+    const auto press = [](QWidget *window, Qt::Key key, bool repeats = false) {
+        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, {}, repeats);
+        QCoreApplication::sendEvent(window->windowHandle(), &event); // as the system does
+    };
+    AlertDialog *dialog = open({.title = u"t"_s, .buttons = {u"OK"_s}}, OpenedBy::Itself);
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Space, Qt::Key_Escape})
+        press(dialog, key);
+    EXPECT_TRUE(answers.isEmpty());
+    dialog->buttons().first()->click();
+    EXPECT_EQ(answers.size(), 1);
+    dialog = open({.title = u"t"_s, .buttons = {u"OK"_s}});
+    press(dialog, Qt::Key_Return, true);
+    EXPECT_EQ(answers.size(), 1);
+    press(dialog, Qt::Key_Return);
+    EXPECT_EQ(answers.size(), 2);
+
+    int pressed = 0;
+    PairWindow window({.buttonClicked = [&] { ++pressed; }, .renewClicked = [] {}});
+    window.present(viewOf("{}"), OpenedBy::Itself);
+    press(&window, Qt::Key_Return);
+    EXPECT_EQ(pressed, 0);
+    window.hide();
+    window.present(viewOf("{}"), OpenedBy::User);
+    press(&window, Qt::Key_Return, true);
+    EXPECT_EQ(pressed, 0);
+    press(&window, Qt::Key_Return);
+    EXPECT_EQ(pressed, 1);
 }
 
 TEST(ToneColour, EveryToneCanBeReadOnLightAndDarkWindows) {
@@ -281,7 +363,7 @@ TEST(PairWindowTest, ItsHeightFollowsItsTextAndReturnPressesTheMainButton) {
     int pressed = 0;
     PairWindow window({.buttonClicked = [&] { ++pressed; }, .renewClicked = [] {}});
     PairView view = viewOf(R"({"state":"pending","pair":{"show":"123456"}})");
-    window.present(view);
+    window.present(view, OpenedBy::User);
     const int height = window.height();
     EXPECT_EQ(window.width(), 400);
     view.error = u"A sentence that is long enough to need more than one line of the window at its usual width."_s;

@@ -24,25 +24,64 @@ TEST(LongText, ANameWithoutABlankIsBrokenAndNothingOfItLost) {
     }
 }
 
-TEST(LongText, AnAlertKeepsItsButtonsOnTheScreen) {
-    const auto sizeWith = [&](const QString &name, QSize &button) {
-        AlertDialog dialog({.title = name,
-                            .text = name,
+TEST(LongText, OnlyWhatComesFromOutsideIsScrolledInAnAlert) {
+    const auto sizeWith = [&](const QString &said, bool scrolls) {
+        AlertDialog dialog({.title = u"New device: Anna's phone"_s,
+                            .fromOutside = said,
+                            .text = u"Do not enter it. "_s.repeated(20),
                             .buttons = {u"Allow"_s, u"Deny"_s, u"Later"_s},
                             .fields = {{}, {}, {.kind = AlertField::Kind::Address}}},
                            [](const AlertAnswer &) {});
-        dialog.adjustSize();
-        const QPushButton &last = *dialog.buttons().last();
-        EXPECT_TRUE(dialog.rect().contains({last.mapTo(&dialog, QPoint()), last.size()}));
-        button = last.size();
+        dialog.show();
+        for (const QWidget *part : dialog.findChildren<QWidget *>()) {
+            const auto *text = dynamic_cast<const ToneLabel *>(part);
+            if (text && text->text() == said) {
+                EXPECT_EQ(text->height() > text->parentWidget()->height(), scrolls);
+                continue;
+            }
+            if (text || qobject_cast<const QPushButton *>(part)) {
+                EXPECT_TRUE(dialog.rect().contains({part->mapTo(&dialog, QPoint()), part->size()}));
+            }
+        }
         return dialog.size();
     };
-    QSize usual, button;
-    const QSize small = sizeWith(u"Anna's phone"_s, usual);
-    const QSize large = sizeWith(QString(1000, u'W'), button);
-    EXPECT_LE(large.height(), roomForWindows().height());
-    EXPECT_LE(large.width(), small.width() + 30); // a scroll bar
-    EXPECT_EQ(button, usual);
+    const QSize one = sizeWith(u"No."_s, false), ten = sizeWith(u"No.\n"_s.repeated(10), false);
+    EXPECT_GT(ten.height(), one.height() + 100);
+    for (const QString &flood : {QString(1000, u'W'), u"\n"_s.repeated(999) + u'.'}) {
+        const QSize full = sizeWith(flood, true);
+        EXPECT_EQ(full.width(), one.width());
+        EXPECT_GT(full.height(), ten.height());
+        EXPECT_LE(full.height(), roomForWindows().height());
+    }
+}
+
+TEST(LongText, ANameIsOneLineOfSixtyFourCharactersAtMost) {
+    const QString family = u"👨‍👩‍👧‍👦"_s, wave = u"👋🏽"_s;
+    const struct {
+        QString name, shown;
+    } cases[] = {
+        {u"Anna’s phone"_s, u"Anna’s phone"_s},
+        {u" a\r\n\tb\u2028c\u3000\u2800d "_s, u"a b c d"_s},
+        {u"\u200b\u202e\u2066\ufeff\u00ad"_s, u""_s},
+        {u"a\u200b\u202eb"_s, u"ab"_s},
+        {u"می‌خواهم"_s, u"می‌خواهم"_s}, // needs its zero-width non-joiner
+        {QString(64, u'W'), QString(64, u'W')},
+        {QString(65, u'W'), QString(63, u'W') + u'…'},
+        {u"é"_s.normalized(QString::NormalizationForm_D).repeated(64),
+         u"é"_s.normalized(QString::NormalizationForm_D).repeated(64)},
+        {u"e"_s + QString(500, QChar(0x301)), u"e"_s + QString(4, QChar(0x301))},
+        {family + wave, family + wave},
+        {QString(100000, u'\n') + u'a', u"…"_s},
+        {u"\u1100"_s.repeated(2000), u"…"_s}, // one character that never ends
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(shownName(c.name), c.shown) << c.name.left(20).toStdString();
+}
+
+TEST(LongText, ATextKeepsItsLinesAndLosesWhatNobodySees) {
+    EXPECT_EQ(multiLine(u"a\r\nb\rc\u2028d\te\n \u3000\n"_s), u"a\nb\nc\nd e"_s);
+    EXPECT_EQ(multiLine(QString(1000, u'x') + QString(5000, u'\n')), QString(1000, u'x'));
+    EXPECT_EQ(multiLine(QString(998, u'x') + u"😀y"_s), QString(998, u'x') + u'…');
 }
 
 TEST(WindowPlace, IsTheMiddleOfTheScreenAndNeverOverItsUpperLeftEdge) {
