@@ -1,6 +1,6 @@
 #include "app/deployment.h"
 #include "app/wording.h"
-#include "platform/json_values.h"
+#include "permissions/permission_rules.h"
 #include "simulator/gallery/gallery_case.h"
 #include "status/health.h"
 #include "status/startup_report.h"
@@ -39,8 +39,7 @@ std::shared_ptr<void> in(const Sample &sample, std::shared_ptr<void> (*show)(con
         sample.health.isEmpty() ? std::nullopt : std::optional(QJsonDocument::fromJson(sample.health).object());
     applyHealth(state, answer, {.now = NOW, .bound = sample.bound, .username = u"anna"_s});
     if (answer)
-        state.permissions.permItems =
-            jsonObjects(answer->value(u"perms").toObject().value(u"items")).value_or(QList<QJsonObject>());
+        applyPermReply(state.permissions, answer->value(u"perms").toObject());
     sample.then(state);
     return show({.state = state,
                  .config = config,

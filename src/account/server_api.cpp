@@ -34,7 +34,6 @@ std::optional<HttpRequest> buildServerRequest(const QString &server, const QStri
     HttpRequest request;
     request.url = url.toString(QUrl::FullyEncoded);
     request.timeout = timeout;
-    request.maxBytes = 1 << 20;
     request.reach = Reach::Server;
     return request;
 }

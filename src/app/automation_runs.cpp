@@ -6,9 +6,9 @@
 #include "app/automation_render.h"
 #include "app/bundle.h"
 #include "app/deployment.h"
+#include "permissions/permission_rules.h"
 #include "platform/desktop_qt.h"
 #include "platform/internet.h"
-#include "platform/json_values.h"
 #include "platform/plain_text.h"
 #include "platform/qt_programs.h"
 #include "platform/qt_scheduler.h"
@@ -113,8 +113,7 @@ std::optional<QByteArray> menuDump(const QByteArray &description, const FixedCon
     applyHealth(state, answered ? health : std::nullopt,
                 {.now = now, .bound = isBound, .username = cfgText(cfg, u"username")});
     if (answered)
-        state.permissions.permItems =
-            jsonObjects(health->value(u"perms").toObject().value(u"items")).value_or(QList<QJsonObject>());
+        applyPermReply(state.permissions, health->value(u"perms").toObject());
     const MenuView view = menuView({.state = state,
                                     .config = config,
                                     .timing = timingOf(state.health, now),

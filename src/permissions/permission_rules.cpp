@@ -1,30 +1,29 @@
 #include "permissions/permission_rules.h"
 
 #include "app/wording.h"
+#include "platform/json_bounds.h"
 #include "platform/json_values.h"
 
-#include <algorithm>
-
 namespace korvel {
-
-namespace {
-/// More than any macOS has; each is an entry of the menu.
-constexpr qsizetype MOST_PERMISSIONS = 64;
-} // namespace
 
 bool permissionsMissing(const PermissionState &permissions) {
     return permissions.permsOk == false && !permissions.permsMissing.isEmpty();
 }
 
+void applyPermSummary(PermissionState &permissions, const QJsonObject &perms) {
+    permissions.permsOk = jsonBool(perms.value(u"ok"));
+    permissions.permsMissing = boundedTexts(perms.value(u"missing")).value_or(QStringList());
+}
+
 bool holdsPermItems(const QJsonObject &reply) { return jsonObjects(reply.value(u"items")).has_value(); }
 
 void applyPermReply(PermissionState &permissions, const QJsonObject &reply) {
-    const auto items = jsonObjects(reply.value(u"items"));
+    const auto items =
+        boundedObjects(reply.value(u"items"), {u"name", u"state", u"unknown", u"pane", u"why", u"breaks"});
     if (!items)
         return;
-    permissions.permItems = items->first(std::min(items->size(), MOST_PERMISSIONS));
-    permissions.permsOk = jsonBool(reply.value(u"ok"));
-    permissions.permsMissing = jsonTexts(reply.value(u"missing")).value_or(QStringList());
+    permissions.permItems = jsonObjects(*items).value_or(QList<QJsonObject>());
+    applyPermSummary(permissions, reply);
 }
 
 PermVerdict permVerdict(const QJsonObject &item, const QStringList &missing) {

@@ -10,6 +10,9 @@ namespace korvel {
 /// Whether the agent says that permissions are missing, and which.
 bool permissionsMissing(const PermissionState &permissions);
 
+/// Takes over whether permissions are missing, and which; what `perms` does not say is not known.
+void applyPermSummary(PermissionState &permissions, const QJsonObject &perms);
+
 /// Whether a reply of the agent lists its permissions. An older agent's reply may not.
 bool holdsPermItems(const QJsonObject &reply);
 

@@ -31,14 +31,17 @@ bool staysInName(char32_t c) {
 
 } // namespace
 
+QString shortened(const QString &text, qsizetype maxLength) {
+    if (text.size() <= maxLength)
+        return text;
+    QString start = text.first(maxLength - 1);
+    if (!start.isEmpty() && start.back().isHighSurrogate())
+        start.chop(1);
+    return start + u'…';
+}
+
 QString singleLine(const QString &text, qsizetype maxLength) {
-    QString line = text;
-    if (line.size() > maxLength) {
-        line.truncate(maxLength - 1);
-        if (!line.isEmpty() && line.back().isHighSurrogate())
-            line.chop(1);
-        line += u'…';
-    }
+    QString line = shortened(text, maxLength);
     if (std::any_of(line.cbegin(), line.cend(), breaksLine)) // hardly ever: the text stays shared
         std::replace_if(line.begin(), line.end(), breaksLine, u' ');
     return line;
