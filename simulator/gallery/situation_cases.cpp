@@ -136,16 +136,15 @@ QList<Sample> encryptionSamples() {
 }
 
 QList<Sample> permissionSamples() {
-    const QByteArray items = permission("Screen Recording", "granted") + ',' + permission("Microphone", "denied") +
-                             ',' + permission("Accessibility", "undetermined") + ',' +
-                             permission("Full Disk Access", "notrunning");
+    const QByteArray items = permission("Microphone", "denied") + ',' + permission("Accessibility", "undetermined") +
+                             ',' + permission("Full Disk Access", "notrunning");
     const QByteArray perms =
         online(R"(,"perms":{"ok":false,"missing":["Microphone","Accessibility"],"items":[)" + items + "]}");
     return {
         {"permissions-missing", perms},
         {"permissions-requested", perms, [](TrayState &s) { s.permissions.permsRequesting = true; }},
-        {"permissions-granted",
-         online(R"(,"perms":{"ok":true,"missing":[],"items":[)" + permission("Microphone", "granted") + "]}")},
+        {"one-permission-missing", online(R"(,"perms":{"ok":false,"missing":["Microphone"],"items":[)" +
+                                          permission("Microphone", "denied") + "]}")},
     };
 }
 

@@ -122,8 +122,8 @@ std::optional<QByteArray> menuDump(const QByteArray &description, const FixedCon
                                     .server = serverOf(config, cfg)});
     QByteArray lines;
     for (const MenuEntry &entry : view.entries)
-        lines +=
-            entry.isSeparator() ? QByteArray("---\n") : (entry.enabled ? "on  " : "off ") + entry.title.toUtf8() + '\n';
+        lines += entry.isSeparator() ? QByteArray("---\n")
+                                     : (entry.enabled ? "on  " : "off ") + (entry.title + entry.detail).toUtf8() + '\n';
     return lines;
 }
 

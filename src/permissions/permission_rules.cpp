@@ -26,21 +26,17 @@ void applyPermReply(PermissionState &permissions, const QJsonObject &reply) {
     applyPermSummary(permissions, reply);
 }
 
-PermVerdict permVerdict(const QJsonObject &item, const QStringList &missing) {
-    if (permUnknown(item))
-        return PermVerdict::Unknown;
-    const QString state = item.value(u"state").toString();
-    const bool lacks =
-        missing.contains(item.value(u"name").toString()) || state == u"denied" || state == u"undetermined";
-    return lacks ? PermVerdict::Missing : PermVerdict::Granted;
-}
-
 bool permUnknown(const QJsonObject &item) {
     const QJsonValue unknown = item.value(u"unknown");
     if (unknown.isBool())
         return unknown.toBool();
     const QString state = item.value(u"state").toString();
     return state == u"notrunning" || state.startsWith(u"unknown");
+}
+
+bool permLacks(const QJsonObject &item) {
+    const QString state = item.value(u"state").toString();
+    return !permUnknown(item) && (state == u"denied" || state == u"undetermined");
 }
 
 QString permStateText(const QString &state) {

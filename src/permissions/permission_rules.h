@@ -25,9 +25,8 @@ bool permUnknown(const QJsonObject &item);
 /// A permission's state word as the user reads it.
 QString permStateText(const QString &state);
 
-/// What is known of one permission.
-enum class PermVerdict { Granted, Missing, Unknown };
-PermVerdict permVerdict(const QJsonObject &item, const QStringList &missing);
+/// Whether the agent says for certain that a permission is missing.
+bool permLacks(const QJsonObject &item);
 
 /// Heading of the menu's permission block with `count` missing permissions.
 QString permHeadTitle(qsizetype count);
