@@ -4,6 +4,8 @@
 #include "platform/json_bounds.h"
 #include "platform/json_values.h"
 
+#include <QUrl>
+
 namespace korvel {
 
 bool permissionsMissing(const PermissionState &permissions) {
@@ -37,6 +39,15 @@ bool permUnknown(const QJsonObject &item) {
 bool permLacks(const QJsonObject &item) {
     const QString state = item.value(u"state").toString();
     return !permUnknown(item) && (state == u"denied" || state == u"undetermined");
+}
+
+std::optional<QString> settingsAddress(const QJsonValue &pane) {
+    const QString address = pane.toString();
+    const QUrl url(address, QUrl::StrictMode);
+    // Any other scheme may open a file, mount a share or start a program.
+    const bool opens = url.isValid() && (url.scheme() == u"x-apple.systempreferences" ||
+                                         (url.scheme() == u"https" && !url.host().isEmpty()));
+    return opens ? std::optional(address) : std::nullopt;
 }
 
 QString permStateText(const QString &state) {

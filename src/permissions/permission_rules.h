@@ -3,7 +3,9 @@
 #include "app/tray_state.h"
 
 #include <QJsonObject>
+#include <QJsonValue>
 #include <QString>
+#include <optional>
 
 namespace korvel {
 
@@ -27,6 +29,9 @@ QString permStateText(const QString &state);
 
 /// Whether the agent says for certain that a permission is missing.
 bool permLacks(const QJsonObject &item);
+
+/// The address of a permission's settings, when it is one that may be opened: the system's settings, or a web page.
+std::optional<QString> settingsAddress(const QJsonValue &pane);
 
 /// Heading of the menu's permission block with `count` missing permissions.
 QString permHeadTitle(qsizetype count);
