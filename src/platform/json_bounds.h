@@ -12,8 +12,8 @@
 
 namespace korvel {
 
-// What is kept of JSON from outside. Bounded where a response becomes state, nothing that follows (a comparison, a
-// menu, a window) has more to do than that.
+// What is kept of JSON from outside. A response is bounded where it becomes state, so nothing that follows (a
+// comparison, a menu, a window) has more to do than that.
 
 /// How many elements of a list are kept; each may be an entry of the menu.
 constexpr qsizetype MAX_ELEMENTS = 64;

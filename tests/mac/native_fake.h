@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/native_sockets_mac.h"
+
 #include <functional>
 #include <map>
 #include <string>
@@ -20,6 +22,7 @@ struct Fake {
     std::vector<long long> processes;
     std::map<std::size_t, bool> terminated;
     std::function<void()> reopen;
+    std::map<int, std::vector<TcpSocket>> sockets; ///< By process; a socket's descriptor is its place.
 
     /// The calls since the last time.
     std::vector<std::string> takeCalls() { return std::exchange(calls, {}); }
