@@ -16,7 +16,7 @@ public:
 
     // "ok" and "missing".
     QJsonObject summary(const Scenario &scenario) const;
-    // All of them, or "ok" alone where the scenario says so.
+    // Those that are not granted, or "ok" alone where the scenario says so.
     HttpAnswer list(const Scenario &scenario) const;
     // Has the system ask for each permission that is undetermined, one after the other, and answers as list() once all
     // prompts are through. A request that comes meanwhile is answered with the first. An agent that ends meanwhile

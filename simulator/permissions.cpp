@@ -47,6 +47,10 @@ bool isUnknown(const QJsonObject &item) {
     return item.value("unknown"_L1).toBool(state == "notrunning"_L1 || state.startsWith("unknown"_L1));
 }
 
+bool isGranted(const QJsonObject &item) {
+    return item.value("state"_L1).toString() == "granted"_L1 && !isUnknown(item);
+}
+
 bool isMissing(const QJsonObject &item) {
     const QString state = item.value("state"_L1).toString();
     return (state == "denied"_L1 || state == "undetermined"_L1) && !isUnknown(item);
@@ -122,7 +126,8 @@ QJsonObject permissionReport(const Permissions &permissions, const PermissionRul
         QJsonObject changes = rules.items.value(name).toObject();
         changes.remove("state"_L1); // follow() took it over
         const QJsonObject item = mergePatch(itemOf(name, stateOf(permissions, name), chinese), changes);
-        items.append(item);
+        if (!isGranted(item))
+            items.append(item);
         if (isMissing(item))
             missing.append(item.value("name"_L1));
     }

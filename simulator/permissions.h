@@ -40,7 +40,7 @@ bool isPermissionState(const QString &state);
 // What the user answers to the system's prompt for one permission. Accessibility cannot be granted in a prompt.
 QString promptAnswer(const PermissionRules &rules, const QString &name);
 
-// What the agent says of them: "ok", "missing" (names) and "items".
+// What the agent says of them: "ok", "missing" (names), and "items" with all but those that are granted.
 QJsonObject permissionReport(const Permissions &permissions, const PermissionRules &rules, bool chinese);
 
 } // namespace korvel::sim

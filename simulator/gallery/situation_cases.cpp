@@ -1,6 +1,6 @@
 #include "app/deployment.h"
 #include "app/wording.h"
-#include "platform/json_values.h"
+#include "permissions/permission_rules.h"
 #include "simulator/gallery/gallery_case.h"
 #include "status/health.h"
 #include "status/startup_report.h"
@@ -39,8 +39,7 @@ std::shared_ptr<void> in(const Sample &sample, std::shared_ptr<void> (*show)(con
         sample.health.isEmpty() ? std::nullopt : std::optional(QJsonDocument::fromJson(sample.health).object());
     applyHealth(state, answer, {.now = NOW, .bound = sample.bound, .username = u"anna"_s});
     if (answer)
-        state.permissions.permItems =
-            jsonObjects(answer->value(u"perms").toObject().value(u"items")).value_or(QList<QJsonObject>());
+        applyPermReply(state.permissions, answer->value(u"perms").toObject());
     sample.then(state);
     return show({.state = state,
                  .config = config,
@@ -137,16 +136,15 @@ QList<Sample> encryptionSamples() {
 }
 
 QList<Sample> permissionSamples() {
-    const QByteArray items = permission("Screen Recording", "granted") + ',' + permission("Microphone", "denied") +
-                             ',' + permission("Accessibility", "undetermined") + ',' +
-                             permission("Full Disk Access", "notrunning");
+    const QByteArray items = permission("Microphone", "denied") + ',' + permission("Accessibility", "undetermined") +
+                             ',' + permission("Full Disk Access", "notrunning");
     const QByteArray perms =
         online(R"(,"perms":{"ok":false,"missing":["Microphone","Accessibility"],"items":[)" + items + "]}");
     return {
         {"permissions-missing", perms},
         {"permissions-requested", perms, [](TrayState &s) { s.permissions.permsRequesting = true; }},
-        {"permissions-granted",
-         online(R"(,"perms":{"ok":true,"missing":[],"items":[)" + permission("Microphone", "granted") + "]}")},
+        {"one-permission-missing", online(R"(,"perms":{"ok":false,"missing":["Microphone"],"items":[)" +
+                                          permission("Microphone", "denied") + "]}")},
     };
 }
 

@@ -30,18 +30,15 @@ QString expectLine(Tour &tour, const QString &line, std::chrono::milliseconds wi
     return tour.waitForLine(line, within) ? QString() : u"the line reads "_s + tour.statusLine();
 }
 
-// Waits until the menu has so many permissions with that mark, and no others.
-QString expectMarks(Tour &tour, const QString &mark, int count) {
-    const QStringList marks{u"✓ "_s, u"⚠ "_s, u"? "_s};
+// Waits until the menu lists so many missing permissions.
+QString expectMissing(Tour &tour, int count) {
     const auto matches = [&] {
-        int marked = 0, right = 0;
-        for (const PanelMenuEntry &entry : tour.panel().menu()) {
-            marked += marks.contains(entry.title.left(2)) ? 1 : 0;
-            right += entry.title.startsWith(mark) && entry.enabled ? 1 : 0;
-        }
-        return marked == 4 && right == count;
+        const auto menu = tour.panel().menu();
+        return count == std::count_if(menu.begin(), menu.end(), [](const PanelMenuEntry &entry) {
+                   return entry.enabled && entry.title.startsWith(u"⚠ "_s);
+               });
     };
-    return tour.waitUntil(matches, NEXT_POLL) ? QString() : u"the menu has other marks than "_s + mark;
+    return tour.waitUntil(matches, NEXT_POLL) ? QString() : u"the menu does not list %1 permissions"_s.arg(count);
 }
 
 QString fresh(Tour &tour) {
@@ -57,7 +54,7 @@ QString fresh(Tour &tour) {
                        },
                        [&] {
                            tour.panel().open(); // the list is asked for now
-                           return expectMarks(tour, u"⚠ "_s, 4);
+                           return expectMissing(tour, 4);
                        },
                        [&] { return entryThatBegins(tour, heading).isEmpty() ? u"no heading"_s : QString(); },
                        [&] { return expectEntry(tour, request(tour), true); },
@@ -114,8 +111,9 @@ QString grantByHand(Tour &tour) {
     return firstWrong({[&] { return expectLine(tour, serverConnectedLine(tour)); },
                        [&] {
                            tour.panel().open();
-                           return expectMarks(tour, u"✓ "_s, 4);
+                           return expectMissing(tour, 0);
                        },
+                       [&] { return expectEntry(tour, request(tour), false); },
                        [&] {
                            const bool gone = tour.waitUntil([&] { return !tour.notice(); }, VERDICT_STAYS);
                            return gone ? QString() : u"the notice stays"_s;

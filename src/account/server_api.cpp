@@ -36,7 +36,6 @@ std::optional<HttpRequest> buildServerRequest(const QString &server, const QStri
     if (!ACCEPT_LANGUAGE.isEmpty())
         request.headers.emplace_back("Accept-Language", ACCEPT_LANGUAGE);
     request.timeout = timeout;
-    request.maxBytes = 1 << 20;
     request.reach = Reach::Server;
     return request;
 }

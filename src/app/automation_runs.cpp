@@ -7,8 +7,8 @@
 #include "app/bundle.h"
 #include "app/deployment.h"
 #include "app/system_parts.h"
+#include "permissions/permission_rules.h"
 #include "platform/internet.h"
-#include "platform/json_values.h"
 #include "platform/plain_text.h"
 #include "platform/qt_programs.h"
 #include "platform/qt_scheduler.h"
@@ -117,8 +117,7 @@ std::optional<QByteArray> menuDump(const QByteArray &description, const FixedCon
     applyHealth(state, answered ? health : std::nullopt,
                 {.now = now, .bound = isBound, .username = cfgText(cfg, u"username")});
     if (answered)
-        state.permissions.permItems =
-            jsonObjects(health->value(u"perms").toObject().value(u"items")).value_or(QList<QJsonObject>());
+        applyPermReply(state.permissions, health->value(u"perms").toObject());
     const MenuView view = menuView({.state = state,
                                     .config = config,
                                     .timing = timingOf(state.health, now),
@@ -127,8 +126,8 @@ std::optional<QByteArray> menuDump(const QByteArray &description, const FixedCon
                                     .server = serverOf(config, cfg)});
     QByteArray lines;
     for (const MenuEntry &entry : view.entries)
-        lines +=
-            entry.isSeparator() ? QByteArray("---\n") : (entry.enabled ? "on  " : "off ") + entry.title.toUtf8() + '\n';
+        lines += entry.isSeparator() ? QByteArray("---\n")
+                                     : (entry.enabled ? "on  " : "off ") + (entry.title + entry.detail).toUtf8() + '\n';
     return lines;
 }
 

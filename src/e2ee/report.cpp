@@ -1,6 +1,7 @@
 #include "e2ee/report.h"
 
 #include "app/wording.h"
+#include "platform/json_bounds.h"
 #include "platform/json_values.h"
 #include "platform/plain_text.h"
 
@@ -9,6 +10,9 @@
 namespace korvel {
 
 namespace {
+
+/// Six digits, and room for whatever an agent puts between them.
+constexpr qsizetype MAX_CODE = 16;
 
 QJsonObject pairOf(const QJsonObject &e2) { return e2.value(u"pair").toObject(); }
 
@@ -26,6 +30,23 @@ QString idleText(const QJsonObject &e2) {
 }
 
 } // namespace
+
+QJsonObject boundedReport(const QJsonObject &received) {
+    QJsonObject report = boundedObject(received, {u"state", u"required", u"relay", u"trouble"});
+    const auto copyObject = [&](QStringView key, std::initializer_list<QStringView> keys, qsizetype maxText) {
+        if (const QJsonValue value = received.value(key); value.isObject())
+            report.insert(key, boundedObject(value.toObject(), keys, maxText));
+    };
+    const auto copyList = [&](QStringView key, std::initializer_list<QStringView> keys) {
+        if (const auto objects = boundedObjects(received.value(key), keys))
+            report.insert(key, *objects);
+    };
+    copyObject(u"pair", {u"show", u"wrong", u"paired"}, MAX_CODE);
+    copyObject(u"asr", {u"ready", u"installing", u"pct"}, MAX_TEXT);
+    copyList(u"pending", {u"pendingId", u"attempt", u"name", u"platform", u"ready", u"busy"});
+    copyList(u"alarms", {u"id", u"kind", u"text"});
+    return report;
+}
 
 bool isOneOf(const QString &state, std::initializer_list<QStringView> states) {
     return std::find(states.begin(), states.end(), state) != states.end();

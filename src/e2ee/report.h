@@ -12,6 +12,9 @@ namespace korvel {
 // Read-only views of the agent's encryption report. A key that is absent or of another type counts as its default, so
 // that every window and menu line agrees on what state the Mac is in.
 
+/// The part of a received report that the tray reads, within bounds: what it stores.
+QJsonObject boundedReport(const QJsonObject &received);
+
 /// The report's state; "off" when it says none.
 QString e2State(const QJsonObject &e2);
 /// Whether `state` is one of `states`.

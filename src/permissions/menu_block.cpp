@@ -9,46 +9,21 @@ namespace korvel {
 
 namespace {
 
-QString markOf(PermVerdict verdict) {
-    switch (verdict) {
-    case PermVerdict::Granted:
-        return QStringLiteral("✓ ");
-    case PermVerdict::Missing:
-        return QStringLiteral("⚠ ");
-    case PermVerdict::Unknown:
-        break;
-    }
-    return QStringLiteral("? ");
-}
-
-/// The state in words that agree with the verdict, also where the agent contradicts itself.
-QString stateWords(PermVerdict verdict, const QString &state) {
-    switch (verdict) {
-    case PermVerdict::Granted:
-        return L(u"已授权", u"Allowed");
-    case PermVerdict::Missing:
-        return permStateText(state == u"undetermined" ? state : QStringLiteral("denied"));
-    case PermVerdict::Unknown:
-        break;
-    }
-    return permStateText(state == u"notrunning" ? state : QString());
-}
-
-/// One line: mark, name, state, use, and what breaks where it is not granted; use and breakage also as a tool tip.
-MenuEntry permissionItem(const QJsonObject &item, const QStringList &missing) {
-    const PermVerdict verdict = permVerdict(item, missing);
+/// One line: mark, name, state, use; and what breaks without the permission where there is room, and as a tool tip.
+MenuEntry permissionItem(const QJsonObject &item) {
+    const QString separator = QStringLiteral(" · ");
     const auto labelled = [&item](QStringView key, const QString &label) {
         const QString text = item.value(key).toString();
-        return text.isEmpty() ? QStringList() : QStringList(label + text);
+        return text.isEmpty() ? QString() : label + text;
     };
-    const QStringList use = labelled(u"why", L(u"用于：", u"Used for: "));
-    const QStringList breaks = labelled(u"breaks", L(u"缺少时：", u"Without it: "));
-    const QStringList title{markOf(verdict) + item.value(u"name").toString(),
-                            stateWords(verdict, item.value(u"state").toString())};
-    const QString separator = QStringLiteral(" · ");
-    MenuEntry entry =
-        menuItem((title + use + (verdict == PermVerdict::Granted ? QStringList() : breaks)).join(separator),
-                 Action::OpenPermPane, (use + breaks).join(separator));
+    const QString use = labelled(u"why", separator + L(u"用于：", u"Used for: "));
+    const QString breaks = labelled(u"breaks", L(u"缺少时：", u"Without it: "));
+    const QString mark = permLacks(item) ? QStringLiteral("⚠ ") : QStringLiteral("? ");
+    MenuEntry entry = menuItem(mark + item.value(u"name").toString() + separator +
+                                   permStateText(item.value(u"state").toString()) + use,
+                               Action::OpenPermPane, breaks);
+    if (!breaks.isEmpty())
+        entry.detail = separator + entry.toolTip;
     entry.payload = item.value(u"pane");
     return entry;
 }
@@ -62,7 +37,7 @@ QList<MenuEntry> permMenuItems(const Situation &s) {
     const qsizetype count = std::max(permissions.permItems.size(), permissions.permsMissing.size());
     QList<MenuEntry> list{menuLine(permHeadTitle(count))};
     for (const QJsonObject &item : permissions.permItems)
-        list.append(permissionItem(item, permissions.permsMissing));
+        list.append(permissionItem(item));
     list.append(menuItem(
         permissions.permsRequesting ? L(u"正在申请…", u"Requesting…") : L(u"申请权限…", u"Request Permissions…"),
         Action::AskPerms,

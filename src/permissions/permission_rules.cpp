@@ -1,39 +1,31 @@
 #include "permissions/permission_rules.h"
 
 #include "app/wording.h"
+#include "platform/json_bounds.h"
 #include "platform/json_values.h"
 
-#include <algorithm>
+#include <QUrl>
 
 namespace korvel {
-
-namespace {
-/// More than any macOS has; each is an entry of the menu.
-constexpr qsizetype MOST_PERMISSIONS = 64;
-} // namespace
 
 bool permissionsMissing(const PermissionState &permissions) {
     return permissions.permsOk == false && !permissions.permsMissing.isEmpty();
 }
 
+void applyPermSummary(PermissionState &permissions, const QJsonObject &perms) {
+    permissions.permsOk = jsonBool(perms.value(u"ok"));
+    permissions.permsMissing = boundedTexts(perms.value(u"missing")).value_or(QStringList());
+}
+
 bool holdsPermItems(const QJsonObject &reply) { return jsonObjects(reply.value(u"items")).has_value(); }
 
 void applyPermReply(PermissionState &permissions, const QJsonObject &reply) {
-    const auto items = jsonObjects(reply.value(u"items"));
+    const auto items =
+        boundedObjects(reply.value(u"items"), {u"name", u"state", u"unknown", u"pane", u"why", u"breaks"});
     if (!items)
         return;
-    permissions.permItems = items->first(std::min(items->size(), MOST_PERMISSIONS));
-    permissions.permsOk = jsonBool(reply.value(u"ok"));
-    permissions.permsMissing = jsonTexts(reply.value(u"missing")).value_or(QStringList());
-}
-
-PermVerdict permVerdict(const QJsonObject &item, const QStringList &missing) {
-    if (permUnknown(item))
-        return PermVerdict::Unknown;
-    const QString state = item.value(u"state").toString();
-    const bool lacks =
-        missing.contains(item.value(u"name").toString()) || state == u"denied" || state == u"undetermined";
-    return lacks ? PermVerdict::Missing : PermVerdict::Granted;
+    permissions.permItems = jsonObjects(*items).value_or(QList<QJsonObject>());
+    applyPermSummary(permissions, reply);
 }
 
 bool permUnknown(const QJsonObject &item) {
@@ -42,6 +34,20 @@ bool permUnknown(const QJsonObject &item) {
         return unknown.toBool();
     const QString state = item.value(u"state").toString();
     return state == u"notrunning" || state.startsWith(u"unknown");
+}
+
+bool permLacks(const QJsonObject &item) {
+    const QString state = item.value(u"state").toString();
+    return !permUnknown(item) && (state == u"denied" || state == u"undetermined");
+}
+
+std::optional<QString> settingsAddress(const QJsonValue &pane) {
+    const QString address = pane.toString();
+    const QUrl url(address, QUrl::StrictMode);
+    // Any other scheme may open a file, mount a share or start a program.
+    const bool opens = url.isValid() && (url.scheme() == u"x-apple.systempreferences" ||
+                                         (url.scheme() == u"https" && !url.host().isEmpty()));
+    return opens ? std::optional(address) : std::nullopt;
 }
 
 QString permStateText(const QString &state) {

@@ -3,12 +3,17 @@
 #include "app/tray_state.h"
 
 #include <QJsonObject>
+#include <QJsonValue>
 #include <QString>
+#include <optional>
 
 namespace korvel {
 
 /// Whether the agent says that permissions are missing, and which.
 bool permissionsMissing(const PermissionState &permissions);
+
+/// Takes over whether permissions are missing, and which; what `perms` does not say is not known.
+void applyPermSummary(PermissionState &permissions, const QJsonObject &perms);
 
 /// Whether a reply of the agent lists its permissions. An older agent's reply may not.
 bool holdsPermItems(const QJsonObject &reply);
@@ -22,9 +27,11 @@ bool permUnknown(const QJsonObject &item);
 /// A permission's state word as the user reads it.
 QString permStateText(const QString &state);
 
-/// What is known of one permission.
-enum class PermVerdict { Granted, Missing, Unknown };
-PermVerdict permVerdict(const QJsonObject &item, const QStringList &missing);
+/// Whether the agent says for certain that a permission is missing.
+bool permLacks(const QJsonObject &item);
+
+/// The address of a permission's settings, when it is one that may be opened: the system's settings, or a web page.
+std::optional<QString> settingsAddress(const QJsonValue &pane);
 
 /// Heading of the menu's permission block with `count` missing permissions.
 QString permHeadTitle(qsizetype count);

@@ -4,8 +4,6 @@
 #include "permissions/permission_rules.h"
 #include "platform/log.h"
 
-#include <QUrl>
-
 using namespace Qt::StringLiterals;
 
 namespace korvel {
@@ -71,12 +69,10 @@ void Permissions::asked(const Result<QJsonObject> &reply) {
 }
 
 void Permissions::openPermPane(const QJsonValue &pane) const {
-    const QString address = pane.toString();
-    const QUrl url(address, QUrl::StrictMode);
-    if (!url.isValid() || url.scheme().isEmpty())
-        return;
-    log(u"[perms] opening "_s + address);
-    desktop.openUrl(address);
+    if (const auto address = settingsAddress(pane)) {
+        log(u"[perms] opening "_s + *address);
+        desktop.openUrl(*address);
+    }
 }
 
 } // namespace korvel

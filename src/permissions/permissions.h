@@ -25,7 +25,7 @@ public:
     void fetchPerms(std::function<void()> then = {});
     /// Has the agent bring up the system's prompts; it answers when the user is through with them.
     void askPerms();
-    /// Opens the settings pane of a permission; an address that is none does nothing.
+    /// Opens the settings pane of a permission; does nothing with an address that is not one of settings.
     void openPermPane(const QJsonValue &pane) const;
 
 private:

@@ -20,13 +20,17 @@ enum class Reach {
 /// How many redirects a request that may follow any follows.
 constexpr int MOST_REDIRECTS = 5;
 
+/// The most bytes of a response that holds JSON. Nested as deep as Qt's parser goes, so many take it about 40 MiB and 50
+/// ms of the main thread.
+constexpr qint64 MAX_RESPONSE = 512 << 10;
+
 struct HttpRequest {
     QByteArray method = "GET";
     QString url;
     QList<std::pair<QByteArray, QByteArray>> headers = {};
     QByteArray body = {};
     std::chrono::milliseconds timeout{0};     ///< Hard deadline for the whole exchange.
-    qint64 maxBytes = 8 << 20;                ///< A larger answer (headers included) is refused.
+    qint64 maxBytes = MAX_RESPONSE;           ///< A larger response (headers included) is refused.
     std::chrono::milliseconds idleTimeout{0}; ///< How long nothing may arrive; 0: as long as `timeout`.
     int redirects = 0; ///< How many redirects are followed, to HTTPS only. For a GET without credentials alone.
     Reach reach = Reach::Loopback;

@@ -1,6 +1,7 @@
 #include "platform/loopback_http_client.h"
 
 #include "platform/http_messages.h"
+#include "platform/log.h"
 #include "platform/loopback_socket.h"
 #include "platform/refuse_later.h"
 
@@ -84,7 +85,7 @@ public:
             socket = client.idle->take(message.port);
         isReused = socket != nullptr;
         if (!isReused)
-            socket = std::make_unique<LoopbackSocket>(message.port);
+            socket = client.connectTo(message.port);
         talk();
     }
 
@@ -99,7 +100,7 @@ public:
             return fail(ErrorKind::Unreachable, QStringLiteral("nothing listens"));
         // The agent had closed a connection while nobody used it. Never for a POST, which goes over none of those.
         if (std::exchange(isReused, false) && !response.hasBegun()) {
-            socket = std::make_unique<LoopbackSocket>(message.port);
+            socket = client.connectTo(message.port);
             return talk();
         }
         response.end();
@@ -110,9 +111,10 @@ public:
 
 private:
     void talk() {
-        socket->setUser(*this);
-        if (socket->isOpen())
+        if (socket && socket->isOpen()) {
+            socket->setUser(*this);
             return socket->write(message.bytes);
+        }
         // Nobody is told before send() has returned.
         QMetaObject::invokeMethod(
             deadline.get(),
@@ -152,7 +154,8 @@ private:
     std::unique_ptr<Deadline> deadline;
 };
 
-LoopbackHttpClient::LoopbackHttpClient() : idle(std::make_unique<Idle>()), context(std::make_unique<QObject>()) {}
+LoopbackHttpClient::LoopbackHttpClient(LookUpOwner l)
+    : lookUpOwner(std::move(l)), idle(std::make_unique<Idle>()), context(std::make_unique<QObject>()) {}
 
 LoopbackHttpClient::~LoopbackHttpClient() {
     closing = true;
@@ -175,6 +178,17 @@ void LoopbackHttpClient::send(HttpRequest request, Done<HttpReply> done) {
 void LoopbackHttpClient::download(HttpRequest, const QString &, std::function<void(qint64 got, qint64 expected)>,
                                   Done<HttpReply> done) {
     refuseLater(*context, std::move(done), {ErrorKind::InvalidRequest, {}});
+}
+
+std::unique_ptr<LoopbackSocket> LoopbackHttpClient::connectTo(quint16 port) {
+    const PortOwner owner = lookUpOwner(port);
+    const bool isNew = logged.insert(owner).second;
+    if (isNew && owner == PortOwner::Stranger)
+        log(QStringLiteral("[net] another user's program listens on port %1: it is sent nothing").arg(port));
+    if (isNew && owner == PortOwner::Unknown)
+        log(QStringLiteral("[net] the system does not say who listens on port %1").arg(port));
+    const bool isGiven = owner == PortOwner::Trusted || owner == PortOwner::Unknown;
+    return isGiven ? std::make_unique<LoopbackSocket>(port) : nullptr;
 }
 
 void LoopbackHttpClient::finish(Exchange &exchange, Result<HttpReply> result) {

@@ -36,15 +36,6 @@ bool staysInName(char32_t c) {
            c == U' ';
 }
 
-QString cutTo(qsizetype maxLength, const QString &text) {
-    if (text.size() <= maxLength)
-        return text;
-    QString cut = text.first(maxLength - 1);
-    if (!cut.isEmpty() && cut.back().isHighSurrogate())
-        cut.chop(1);
-    return cut + u'…';
-}
-
 constexpr qsizetype MAX_TEXT = 1000;      // UTF-16 units, as all that follow but clusters and marks
 constexpr qsizetype MAX_NAME_READ = 4096; // what is behind them cannot be seen anyway
 constexpr int MAX_NAME = 64;              // grapheme clusters
@@ -99,6 +90,15 @@ std::u32string visibleLine(const std::u32string &text) {
 
 } // namespace
 
+QString shortened(const QString &text, qsizetype maxLength) {
+    if (text.size() <= maxLength)
+        return text;
+    QString start = text.first(maxLength - 1);
+    if (!start.isEmpty() && start.back().isHighSurrogate())
+        start.chop(1);
+    return start + u'…';
+}
+
 QString shownName(const QString &name) {
     const QString line = QString::fromStdU32String(visibleLine(name.left(MAX_NAME_READ).toStdU32String()));
     QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, line);
@@ -122,7 +122,7 @@ QString multiLine(const QString &text) {
     qsizetype length = text.size();
     while (length > 0 && text.at(length - 1).isSpace())
         --length;
-    QString lines = cutTo(MAX_TEXT, text.first(length));
+    QString lines = shortened(text.first(length), MAX_TEXT);
     lines.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
     for (QChar &c : lines)
         if (breaksLine(c))
@@ -131,7 +131,7 @@ QString multiLine(const QString &text) {
 }
 
 QString singleLine(const QString &text, qsizetype maxLength) {
-    QString line = cutTo(maxLength, text);
+    QString line = shortened(text, maxLength);
     if (std::any_of(line.cbegin(), line.cend(), breaksLine)) // hardly ever: the text stays shared
         std::replace_if(line.begin(), line.end(), breaksLine, u' ');
     return line;

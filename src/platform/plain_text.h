@@ -4,9 +4,15 @@
 
 namespace korvel {
 
+/// The most characters of a text from outside that anything is done with.
+constexpr qsizetype MAX_TEXT = 1000;
+
+/// `text`, cut and ending in "…" when it has more than `maxLength` characters.
+QString shortened(const QString &text, qsizetype maxLength = MAX_TEXT);
+
 /// `text` on one line: tabs, line breaks and other control characters become blanks; what is over `maxLength`
 /// characters is cut and ends in "…".
-QString singleLine(const QString &text, qsizetype maxLength = 1000);
+QString singleLine(const QString &text, qsizetype maxLength = MAX_TEXT);
 
 /// A text from outside as a window shows it: at most 1,000 characters, its line breaks kept, without the white space at
 /// its end. What is over that length is cut and ends in "…".

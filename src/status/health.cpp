@@ -1,7 +1,9 @@
 #include "status/health.h"
 
 #include "app/situation.h"
-#include "platform/json_values.h"
+#include "e2ee/report.h"
+#include "permissions/permission_rules.h"
+#include "platform/plain_text.h"
 
 namespace korvel {
 
@@ -19,11 +21,6 @@ bool applySignIn(HealthState &health, bool dead, bool accountGone) {
     return tell;
 }
 
-void applyPermissionSummary(PermissionState &permissions, const QJsonObject &perms) {
-    permissions.permsOk = jsonBool(perms.value(u"ok"));
-    permissions.permsMissing = jsonTexts(perms.value(u"missing")).value_or(QStringList());
-}
-
 HealthEffects applyAnswer(TrayState &state, const QJsonObject &answer, const HealthContext &context) {
     HealthState &health = state.health;
     HealthEffects effects;
@@ -34,19 +31,19 @@ HealthEffects applyAnswer(TrayState &state, const QJsonObject &answer, const Hea
         health.connectingSince.reset();
     else if (!health.connectingSince)
         health.connectingSince = context.now;
-    const QString ver = answer.value(u"ver").toString();
+    const QString ver = shortened(answer.value(u"ver").toString());
     if (const qsizetype slash = ver.lastIndexOf(u'/'); slash >= 0)
         health.agentVer = ver.sliced(slash + 1);
     health.sessions = answer.value(u"sessions").toInteger();
-    health.account = answer.value(u"account").toString(context.username);
+    health.account = shortened(answer.value(u"account").toString(context.username));
 
     const bool dead = answer.value(u"authDead").toBool() && context.bound;
     if (applySignIn(health, dead, answer.value(u"accountGone").toBool()))
         effects.notice = health.accountGone ? HealthEffects::Notice::AccountDeleted : HealthEffects::Notice::SignedOut;
 
-    state.e2ee.e2 = answer.value(u"e2ee").toObject();
+    state.e2ee.e2 = boundedReport(answer.value(u"e2ee").toObject());
     effects.reactToReport = true;
-    applyPermissionSummary(state.permissions, answer.value(u"perms").toObject());
+    applyPermSummary(state.permissions, answer.value(u"perms").toObject());
     const auto &fetchedAt = state.permissions.permsFetchedAt;
     effects.fetchPerms = !fetchedAt || context.now - *fetchedAt > PERMISSION_FETCH_INTERVAL;
     return effects;

@@ -31,6 +31,7 @@ struct MenuEntry {
     QString title; ///< Plain text; empty together with Action::None: a separator.
     Action action = Action::None;
     bool enabled = false;
+    QString detail = {}; ///< Goes on behind the title where the line has room for both.
     QString toolTip = {};
     QJsonValue payload = QJsonValue::Undefined; ///< What the action is about: a request, an alarm, an address.
 

@@ -41,6 +41,13 @@ QString actionText(const QString &title, MenuHost host) {
     return text;
 }
 
+QString fittedTitle(const MenuEntry &entry, const QFontMetrics &metrics) {
+    const QString whole = entry.title + entry.detail;
+    if (metrics.horizontalAdvance(whole) <= MAX_ENTRY_WIDTH)
+        return whole;
+    return metrics.elidedText(entry.title, Qt::ElideMiddle, MAX_ENTRY_WIDTH);
+}
+
 MenuWidget::MenuWidget(MenuHost h, Chosen c) : host(h), chosen(std::move(c)) {
     qmenu.setToolTipsVisible(true);
     qmenu.setPalette(readablePalette(qmenu.palette()));
@@ -57,44 +64,47 @@ void MenuWidget::apply(const MenuView &view) {
     while (tail < common - head && sameKind(from[from.size() - 1 - tail], to[to.size() - 1 - tail]))
         ++tail;
     // Only what lies between the common head and tail comes or goes.
-    for (qsizetype i = from.size() - tail - 1; i >= head; --i) {
-        delete qmenu.actions().at(i);
-        shown.entries.removeAt(i);
-    }
+    for (qsizetype i = head; i < from.size() - tail; ++i)
+        delete actions.at(i);
+    QAction *const next = tail > 0 ? actions.at(from.size() - tail) : nullptr;
+    QList<QAction *> made;
     for (qsizetype i = head; i < to.size() - tail; ++i)
-        insert(i, to[i]);
-    for (qsizetype i = 0; i < to.size(); ++i)
-        update(i, to[i]);
+        made.append(makeAction(to[i]));
+    qmenu.insertActions(next, made);
+    actions = actions.first(head) + made + actions.last(tail);
+    const auto update = [&](qsizetype at, const MenuEntry &before) {
+        if (to[at] != before)
+            write(*actions.at(at), to[at]);
+    };
+    for (qsizetype i = 0; i < head; ++i)
+        update(i, from[i]);
+    for (qsizetype i = 1; i <= tail; ++i)
+        update(to.size() - i, from[from.size() - i]);
+    shown = view;
 }
 
-void MenuWidget::insert(qsizetype at, const MenuEntry &entry) {
+QAction *MenuWidget::makeAction(const MenuEntry &entry) {
     auto *action = new QAction(&qmenu);
     write(*action, entry);
     if (entry.action != Action::None)
         QObject::connect(action, &QAction::triggered, action, [this, action] {
             // Later: what follows may change the menu and delete this very action.
-            const MenuEntry picked = shown.entries.value(qmenu.actions().indexOf(action));
+            const MenuEntry picked = shown.entries.value(actions.indexOf(action));
             QMetaObject::invokeMethod(
                 &qmenu, [this, picked] { chosen(picked); }, Qt::QueuedConnection);
         });
-    const QList<QAction *> actions = qmenu.actions();
-    qmenu.insertAction(at < actions.size() ? actions.at(at) : nullptr, action);
-    shown.entries.insert(at, entry);
-}
-
-void MenuWidget::update(qsizetype at, const MenuEntry &entry) {
-    if (shown.entries.at(at) == entry)
-        return;
-    write(*qmenu.actions().at(at), entry);
-    shown.entries[at] = entry;
+    return action;
 }
 
 void MenuWidget::write(QAction &action, const MenuEntry &entry) {
+    const QString title = fittedTitle(entry, qmenu.fontMetrics());
+    const QString cutOff = title.startsWith(entry.title) ? QString() : entry.title;
+    const QString separator = cutOff.isEmpty() || entry.toolTip.isEmpty() ? QString() : QStringLiteral(" · ");
     // QAction itself tells the panel of a property only when it changes.
     action.setSeparator(entry.isSeparator());
-    action.setText(actionText(entry.title, host));
+    action.setText(actionText(title, host));
     action.setEnabled(entry.enabled || entry.isSeparator());
-    action.setToolTip(plainToolTip(entry.toolTip));
+    action.setToolTip(plainToolTip(cutOff + separator + entry.toolTip));
     // On macOS Qt would move entries named "Quit" or "Settings" into the application menu.
     action.setMenuRole(QAction::NoRole);
 }

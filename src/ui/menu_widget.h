@@ -2,6 +2,8 @@
 
 #include "ui/menu_entry.h"
 
+#include <QFontMetrics>
+#include <QList>
 #include <QMenu>
 #include <functional>
 
@@ -16,6 +18,13 @@ enum class MenuHost {
 /// A plain title as the text of a QAction that `host` shows.
 QString actionText(const QString &title, MenuHost host);
 
+/// How wide the text of an entry is at most, in points.
+constexpr int MAX_ENTRY_WIDTH = 640;
+
+/// The title of an entry as it is drawn: with its detail where both fit, shortened in the middle where it alone does
+/// not.
+QString fittedTitle(const MenuEntry &entry, const QFontMetrics &metrics);
+
 /// Maps a MenuView to a QMenu. Keeps its actions and changes only what differs, because each change is a message to the
 /// panel, and a rebuilt menu flickers while it is open.
 class MenuWidget {
@@ -27,13 +36,13 @@ public:
     QMenu &menu() { return qmenu; }
 
 private:
-    void insert(qsizetype at, const MenuEntry &entry);
-    void update(qsizetype at, const MenuEntry &entry);
+    QAction *makeAction(const MenuEntry &entry);
     void write(QAction &action, const MenuEntry &entry);
 
     const MenuHost host;
     Chosen chosen;
     QMenu qmenu;
+    QList<QAction *> actions; ///< One for each entry shown, in their order.
     MenuView shown;
 };
 

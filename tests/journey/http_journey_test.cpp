@@ -1,4 +1,5 @@
 #include "journey/journey.h"
+#include "platform/log.h"
 
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -230,6 +231,54 @@ TEST_P(AgentHttpJourney, ARefusedConnectionIsKnownAlsoWhenItsErrorHasBeenRead) {
     }
     EXPECT_TRUE(eventually([&] { return kind.has_value(); }));
     EXPECT_EQ(kind, ErrorKind::Unreachable);
+}
+
+TEST_P(AgentHttpJourney, AStrangersProgramGetsNothingAndAKeptConnectionIsNotLookedUp) {
+    QList<quint16> lookedUp;
+    QStringList lines;
+    PortOwner owner = PortOwner::Stranger;
+    setLogSink([&](const QString &line) { lines.append(line); });
+    client = std::make_unique<LoopbackHttpClient>([&](quint16 port) {
+        lookedUp.append(port);
+        return owner;
+    });
+    agent.onRequest = [](QTcpSocket &s) { s.write("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\n{}"); };
+    for (const HttpRequest &request : {get(agent.url()), post(), get(agent.url())})
+        EXPECT_EQ(send(request)->error().kind, ErrorKind::Unreachable);
+    owner = PortOwner::Nobody;
+    EXPECT_EQ(send(get(agent.url()))->error().kind, ErrorKind::Unreachable);
+    EXPECT_EQ(lookedUp, QList<quint16>(4, agent.server.serverPort()));
+    EXPECT_EQ(lines.size(), 1); // of the stranger
+
+    lookedUp.clear();
+    owner = PortOwner::Trusted;
+    for (int i = 0; i < 3; ++i)
+        ASSERT_TRUE(send(get(agent.url()))->ok());
+    EXPECT_EQ(agent.connections, 1);
+    EXPECT_EQ(lookedUp.size(), 1);
+    // The agent has gone, and another program listens there: the poll is not sent again to that.
+    owner = PortOwner::Stranger;
+    agent.onRequest = [](QTcpSocket &s) { s.abort(); };
+    EXPECT_EQ(send(get(agent.url()))->error().kind, ErrorKind::Unreachable);
+    EXPECT_EQ(agent.connections, 1);
+    // What the system does not say is no reason to refuse.
+    owner = PortOwner::Unknown;
+    lines.clear();
+    agent.onRequest = [](QTcpSocket &s) { s.write("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\n{}"); };
+    EXPECT_TRUE(send(post())->ok());
+    EXPECT_TRUE(send(post())->ok());
+    EXPECT_EQ(lines.size(), 1);
+    setLogSink({});
+}
+
+TEST_P(AgentHttpJourney, TheSystemKnowsWhoListens) {
+    EXPECT_EQ(portOwner(agent.server.serverPort()), PortOwner::Trusted);
+    QTcpSocket bound; // and not listening
+    ASSERT_TRUE(bound.bind(QHostAddress::LocalHost));
+    EXPECT_EQ(portOwner(bound.localPort()), PortOwner::Nobody);
+    QTcpServer wide;
+    ASSERT_TRUE(wide.listen(QHostAddress::Any)); // one socket for both versions of IP, where the system has both
+    EXPECT_EQ(portOwner(wide.serverPort()), PortOwner::Trusted);
 }
 
 TEST_P(HttpJourney, ALongRequestArrivesWhole) {

@@ -1,6 +1,7 @@
 #include "app/system_parts.h"
 #include "mac/native_fake.h"
 #include "platform/log.h"
+#include "platform/port_owner.h"
 #include "platform/preferred_languages.h"
 #include "status/icon_view.h"
 #include "ui/edit_menu.h"
@@ -15,6 +16,7 @@
 #include <QImage>
 #include <QMenu>
 #include <QSysInfo>
+#include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -171,6 +173,31 @@ TEST_F(MacParts, TheApplicationIsAnAccessoryThatStartsInTheBackgroundAndHearsTha
     EXPECT_EQ(reopened, 1);
     listener.reset();
     EXPECT_FALSE(mac.reopen);
+}
+
+TEST_F(MacParts, APortIsTrustedOnlyWhereAProcessOfThisUserListensOnIt) {
+    constexpr quint16 PORT = 8790;
+    EXPECT_EQ(portOwner(PORT), PortOwner::Unknown); // the system names no process
+    const native::TcpSocket good{.kind = native::TCP_SOCKET,
+                                 .state = native::LISTENING,
+                                 .versions = native::SPEAKS_V4 | 2,
+                                 .port = htons(PORT),
+                                 .address = htonl(INADDR_LOOPBACK)};
+    const auto changed = [&good](auto native::TcpSocket::*field, auto value) {
+        native::TcpSocket socket = good;
+        socket.*field = value;
+        return socket;
+    };
+    mac.sockets = {{1, {}},
+                   {2,
+                    {changed(&native::TcpSocket::kind, 1), changed(&native::TcpSocket::state, 4),
+                     changed(&native::TcpSocket::versions, 2u), changed(&native::TcpSocket::port, htons(80)),
+                     changed(&native::TcpSocket::address, htonl(0x7f000002))}}};
+    EXPECT_EQ(portOwner(PORT), PortOwner::Nobody);
+    mac.sockets[2].push_back(good);
+    EXPECT_EQ(portOwner(PORT), PortOwner::Trusted);
+    mac.sockets[2].back().address = htonl(INADDR_ANY);
+    EXPECT_EQ(portOwner(PORT), PortOwner::Trusted);
 }
 
 } // namespace

@@ -59,6 +59,25 @@ bool RunningApplications::isTerminated(std::size_t at) const { return fake().ter
 void RunningApplications::terminate(std::size_t at) { noteAt("terminate", at); }
 void RunningApplications::forceTerminate(std::size_t at) { noteAt("force", at); }
 
+const unsigned SOCKET_DESCRIPTOR = 2;
+const int TCP_SOCKET = 2, LISTENING = 1;
+const unsigned SPEAKS_V4 = 1;
+std::vector<int> processesOf(unsigned) {
+    std::vector<int> processes;
+    for (const auto &[process, sockets] : fake().sockets)
+        processes.push_back(process);
+    return processes;
+}
+std::vector<Descriptor> descriptorsOf(int process) {
+    std::vector<Descriptor> descriptors{{0, 1}};
+    for (int i = 0; i < static_cast<int>(fake().sockets[process].size()); ++i)
+        descriptors.push_back({i, SOCKET_DESCRIPTOR});
+    return descriptors;
+}
+TcpSocket tcpSocket(int process, int descriptor) {
+    return fake().sockets[process].at(static_cast<std::size_t>(descriptor));
+}
+
 unsigned long long heldModifiers() { return fake().modifiers; }
 std::string computerName() { return fake().name; }
 std::string preferredLanguageLines() { return fake().languages; }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/native_sockets_mac.h"
+
 #include <functional>
 #include <map>
 #include <string>
@@ -21,6 +23,7 @@ struct Fake {
     std::map<std::size_t, bool> terminated;
     bool preventsActivation = false;
     std::function<void()> reopen;
+    std::map<int, std::vector<TcpSocket>> sockets; ///< By process; a socket's descriptor is its place.
 
     /// The calls since the last time.
     std::vector<std::string> takeCalls() { return std::exchange(calls, {}); }

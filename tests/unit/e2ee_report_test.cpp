@@ -3,6 +3,8 @@
 #include "e2ee/menu_block.h"
 #include "support/fakes.h"
 
+#include <QJsonArray>
+
 using namespace Qt::StringLiterals;
 
 namespace korvel::test {
@@ -25,6 +27,35 @@ TEST(E2eeReport, EveryWrongTypeCountsAsItsDefault) {
         EXPECT_EQ(e2StatusText(e2), std::nullopt);
     }
     EXPECT_EQ(e2PairShow(report(R"({"pair":{"show":""}})")), std::nullopt);
+}
+
+TEST(E2eeReport, IsStoredWithinBounds) {
+    const QJsonObject usual = report(
+        R"({"state":"pending","required":true,"relay":"ok","trouble":"t","pair":{"show":"482 913","wrong":true,
+            "paired":false},"asr":{"ready":false,"installing":"download","pct":37},
+            "pending":[{"pendingId":"1","attempt":2,"name":"n","platform":"ios","ready":true,"busy":false}],
+            "alarms":[{"id":"1","kind":"reset","text":"t"}]})");
+    EXPECT_EQ(boundedReport(usual), usual);
+    EXPECT_EQ(boundedReport(report(R"({"state":["active"],"pending":[{},1],"alarms":{},"pair":"x","other":[1]})")),
+              QJsonObject());
+
+    const QString text = u"😀"_s.repeated(5000);
+    const QJsonObject entry{{u"pendingId"_s, text}, {u"name"_s, text}, {u"id"_s, text}, {u"text"_s, text}};
+    QJsonArray flood;
+    for (int i = 0; i < 200; ++i)
+        flood.append(entry);
+    const QJsonObject kept = boundedReport({{u"state"_s, text},
+                                            {u"trouble"_s, text},
+                                            {u"pair"_s, QJsonObject{{u"show"_s, text}}},
+                                            {u"pending"_s, flood},
+                                            {u"alarms"_s, flood}});
+    EXPECT_EQ(e2State(kept), u"😀"_s.repeated(499) + u'…'); // no half character
+    EXPECT_LE(kept.value(u"trouble").toString().size(), 1000);
+    EXPECT_LE(e2PairShow(kept)->size(), 16);
+    ASSERT_EQ(e2Pending(kept).size(), 64);
+    ASSERT_EQ(e2Alarms(kept).size(), 64);
+    EXPECT_LE(e2Pending(kept)[63].value(u"name").toString().size(), 1000);
+    EXPECT_LE(e2Alarms(kept)[63].value(u"text").toString().size(), 1000);
 }
 
 TEST(E2eeReport, PairingIsNeededByStateSignInAndRequirement) {

@@ -39,6 +39,23 @@ TEST_F(HealthPollTest, AnAnswerIsCopiedIntoTheState) {
     EXPECT_TRUE(tray->currentState().permissions.permsMissing.isEmpty());
 }
 
+TEST_F(HealthPollTest, OnlyABoundedPartOfAFloodBecomesState) {
+    const QByteArray text(100'000, 'x'), names = "\"" + text.left(2000) + "\"" + QByteArray(",\"n\"").repeated(999);
+    const QByteArray entries = "{}" + QByteArray(",{}").repeated(999);
+    launchWith(R"({"ok":true,"account":")" + text + R"(","ver":"a/)" + text + R"(","perms":{"missing":[)" + names +
+               R"(],"ok":false,"items":[)" + entries + R"(]},"e2ee":{"state":"active","pending":[)" + entries +
+               R"(],"alarms":[)" + entries + "]}}");
+    EXPECT_EQ(health().account.size(), 1000);
+    EXPECT_LE(health().agentVer.size(), 1000);
+    const PermissionState &permissions = tray->currentState().permissions;
+    EXPECT_EQ(permissions.permsMissing.size(), 64);
+    EXPECT_EQ(permissions.permsMissing.first().size(), 1000);
+    agentAnswers(R"({"ok":false,"items":[)" + entries + "]}");
+    item.events.menuOpening();
+    EXPECT_EQ(permissions.permItems.size(), 64);
+    EXPECT_LT(item.menu.entries.size(), 3 * 64 + 20);
+}
+
 TEST_F(HealthPollTest, AnAnswerThatIsTheLastOneAgainLeavesWhatElseChanges) {
     launchWith(R"({"ok":true,"online":false})");
     EXPECT_EQ(item.statusLine(), u"○ Connecting… · ann"_s);

@@ -88,6 +88,24 @@ TEST_F(MenuWidgetTest, TitlesFromOutsideAreShownToTheLetter) {
     EXPECT_EQ(plainToolTip(u"<b>a</b>"_s), u"<span>&lt;b&gt;a&lt;/b&gt;</span>"_s);
 }
 
+TEST_F(MenuWidgetTest, ALineIsNotWiderThanItMayBeAndNothingOfItLost) {
+    const auto shownFor = [&](const MenuEntry &entry) {
+        widget.apply(view({entry}));
+        return widget.menu().actions().first();
+    };
+    MenuEntry entry = menuItem(u"⚠ Microphone · Not allowed"_s, Action::OpenPermPane, u"Without it: silence"_s);
+    entry.detail = u" · Without it: silence"_s;
+    EXPECT_EQ(shownFor(entry)->text(), u"⚠ Microphone · Not allowed · Without it: silence"_s);
+    entry.detail = u" · Without it: "_s + QString(200, u'W');
+    EXPECT_EQ(shownFor(entry)->text(), entry.title);
+    EXPECT_EQ(shownFor(entry)->toolTip(), u"Without it: silence"_s);
+    entry.title = u"⚠ "_s + QString(200, u'W') + u" · Not allowed"_s;
+    const QAction *shortened = shownFor(entry);
+    EXPECT_LE(widget.menu().fontMetrics().horizontalAdvance(shortened->text()), 640);
+    EXPECT_TRUE(shortened->text().startsWith(u"⚠ WW"_s) && shortened->text().endsWith(u"WW · Not allowed"_s));
+    EXPECT_EQ(shortened->toolTip(), entry.title + u" · Without it: silence"_s);
+}
+
 TEST(PanelIcon, TellsItsThreeStatesByShapeAtEverySize) {
     for (const int size : {18, 36, 54}) {
         const auto image = [&](bool on, bool dimmed) {

@@ -7,12 +7,13 @@ namespace korvel::test {
 namespace {
 
 const QByteArray ITEMS = R"([
-    {"name":"Screen","state":"granted","why":"showing the screen","breaks":"the phone sees nothing","pane":"x:screen"},
-    {"name":"Mic","state":"undetermined","why":"voice input","breaks":"dictation fails","pane":"x:mic"},
-    {"name":"Disk","state":"granted","pane":"x:disk"},
-    {"name":"Keys","state":"notrunning","why":"typing"},
+    {"name":"Screen","state":"denied","why":"showing the screen","breaks":"the phone sees nothing",
+     "pane":"x-apple.systempreferences:screen"},
+    {"name":"Mic","state":"undetermined","why":"voice input"},
+    {"name":"Disk","state":"granted"},
+    {"name":"Keys","state":"notrunning"},
     {"name":"Odd","state":"denied","unknown":true},
-    {"name":"Told","state":"notrunning","unknown":false},
+    {"name":"Told","state":"undetermined","unknown":false},
     {"name":"Late","state":"unknown-timeout","unknown":"no"}])";
 const QByteArray LACKING = R"({"ok":false,"missing":["Mic","Disk"],"items":)" + ITEMS + '}';
 const QByteArray GOOD = R"({"ok":true,"missing":[],"items":[{"name":"Screen","state":"granted"}]})";
@@ -40,17 +41,17 @@ struct PermissionsTest : TrayFixture {
     }
 };
 
-TEST_F(PermissionsTest, EachPermissionIsOneLineThatSaysItAll) {
+TEST_F(PermissionsTest, EachPermissionIsOneLineWithNoWordThatTheAgentDidNotSay) {
     launchWith(LACKING);
-    EXPECT_EQ(block(), (QStringList{u"✓ Screen · Allowed · Used for: showing the screen"_s,
-                                    u"⚠ Mic · Not requested · Used for: voice input · Without it: dictation fails"_s,
-                                    u"⚠ Disk · Not allowed"_s, // named as missing
-                                    u"? Keys · Not running, can't check · Used for: typing"_s, u"? Odd · Unknown"_s,
-                                    u"✓ Told · Allowed"_s, u"? Late · Unknown"_s}));
-    EXPECT_EQ(item.entry(Action::OpenPermPane).toolTip,
-              u"Used for: showing the screen · Without it: the phone sees nothing"_s);
+    EXPECT_EQ(block(), (QStringList{u"⚠ Screen · Not allowed · Used for: showing the screen"_s,
+                                    u"⚠ Mic · Not requested · Used for: voice input"_s, u"? Disk · Unknown"_s,
+                                    u"? Keys · Not running, can't check"_s, u"? Odd · Not allowed"_s,
+                                    u"⚠ Told · Not requested"_s, u"? Late · Unknown"_s}));
+    const MenuEntry screen = item.entry(Action::OpenPermPane);
+    EXPECT_EQ(screen.detail, u" · Without it: the phone sees nothing"_s);
+    EXPECT_EQ(screen.toolTip, u"Without it: the phone sees nothing"_s);
     const LanguageScope chinese(true);
-    EXPECT_EQ(permMenuItems(tray->situation()).value(1).title, u"✓ Screen · 已授权 · 用于：showing the screen"_s);
+    EXPECT_EQ(permMenuItems(tray->situation()).value(1).title, u"⚠ Screen · 未授权 · 用于：showing the screen"_s);
 }
 
 TEST_F(PermissionsTest, OneFetchAtATimeAndAPartialReplyKeepsTheLastGoodList) {
@@ -130,16 +131,20 @@ TEST_F(PermissionsTest, EachOutcomeOfARequestIsTold) {
     EXPECT_EQ(requestsTo(u"/perms/request"_s), requests);
 }
 
-TEST_F(PermissionsTest, OnlyAPaneThatIsAnAddressIsOpened) {
+TEST_F(PermissionsTest, OnlyAnAddressOfSettingsIsOpened) {
     launchWith(LACKING);
+    const QStringList addresses{u"x-apple.systempreferences:com.apple.preference.security?Privacy_Camera"_s,
+                                u"https://help.example/camera"_s};
     MenuEntry pane = item.entry(Action::OpenPermPane);
-    item.events.chosen(pane);
-    for (const QJsonValue &bad : {QJsonValue(u"no address"_s), QJsonValue(u"x y:z"_s), QJsonValue(u""_s), QJsonValue(7),
-                                  QJsonValue(QJsonValue::Undefined)}) {
-        pane.payload = bad;
+    for (const QJsonValue &address :
+         {QJsonValue(addresses[0]), QJsonValue(addresses[1]), QJsonValue(u"file:///Applications/Odd.app"_s),
+          QJsonValue(u"smb://host/share"_s), QJsonValue(u"javascript:alert(1)"_s), QJsonValue(u"http://help.example"_s),
+          QJsonValue(u"https:camera"_s), QJsonValue(u"no address"_s), QJsonValue(u"https://x y"_s), QJsonValue(u""_s),
+          QJsonValue(7), QJsonValue(QJsonValue::Undefined)}) {
+        pane.payload = address;
         item.events.chosen(pane);
     }
-    EXPECT_EQ(desktop.opened, QStringList{u"x:screen"_s});
+    EXPECT_EQ(desktop.opened, addresses);
 }
 
 struct RepairTest : TrayFixture {
