@@ -8,8 +8,9 @@ using namespace Qt::StringLiterals;
 
 namespace korvel {
 
-Binding::Binding(HealthState &st, const FixedConfig &f, const AgentConfig &c, HttpClient &h, const Desktop &d, Hooks hk)
-    : health(st), fixed(f), config(c), http(h), desktop(d), hooks(std::move(hk)) {}
+Binding::Binding(HealthState &st, const FixedConfig &f, const AgentConfig &c, ServerClient &sc, const Desktop &d,
+                 Hooks hk)
+    : health(st), fixed(f), config(c), servers(sc), desktop(d), hooks(std::move(hk)) {}
 
 void Binding::performLogin(const QString &user, const QString &pass, const QString &server,
                            std::function<void(bool ok, const QString &message)> done) {
@@ -32,7 +33,7 @@ void Binding::performLogin(const QString &user, const QString &pass, const QStri
         // Overtaken by a sign-out or by another sign-in.
         unbind(credential.agentToken, server, [finished] { finished(false); });
     };
-    http.send(std::move(*request), Done<HttpReply>(alive.guard(std::move(answered))));
+    servers.send(std::move(*request), Done<HttpReply>(alive.guard(std::move(answered))));
 }
 
 void Binding::bind(const Credential &credential, const QString &username, const QString &server,
@@ -81,7 +82,7 @@ void Binding::unbind(const QString &token, const QString &server, std::function<
     auto request = buildUnbind(server, token);
     if (!request)
         return then();
-    http.send(std::move(*request), Done<HttpReply>([then = std::move(then)](const Result<HttpReply> &) { then(); }));
+    servers.send(std::move(*request), Done<HttpReply>([then = std::move(then)](const Result<HttpReply> &) { then(); }));
 }
 
 void Binding::unbindCurrent(std::function<void()> then) {

@@ -19,7 +19,7 @@ public:
         std::function<void(std::function<void()> then)> restartAgent;
         std::function<void()> disregardOpenPolls;
     };
-    Binding(HealthState &health, const FixedConfig &fixed, const AgentConfig &config, HttpClient &http,
+    Binding(HealthState &health, const FixedConfig &fixed, const AgentConfig &config, ServerClient &servers,
             const Desktop &desktop, Hooks hooks);
 
     /// Signs in at `server` (host:port). `done` is called once, with whether this Mac is bound now and the sentence for
@@ -45,7 +45,7 @@ private:
     HealthState &health;
     const FixedConfig &fixed;
     const AgentConfig &config;
-    HttpClient &http;
+    ServerClient &servers;
     const Desktop &desktop;
     Hooks hooks;
     int generation = 0; ///< Of sign-ins: only the newest one binds this Mac.

@@ -7,7 +7,7 @@
 #include "app/bundle.h"
 #include "app/deployment.h"
 #include "platform/desktop_qt.h"
-#include "platform/internet.h"
+#include "platform/exchange_client.h"
 #include "platform/json_values.h"
 #include "platform/plain_text.h"
 #include "platform/qt_programs.h"
@@ -77,7 +77,7 @@ int runLogin(const FixedConfig &config, const Paths &paths) {
     Launchctl services(programs, paths.uid);
     QtScheduler scheduler; // its destructor waits for a repair that still uses both
     DesktopQt desktop(programs, !standInRoot().isEmpty());
-    const auto http = makeServerClient(scheduler);
+    ExchangeClient servers(programs, scheduler, exchangeProgram());
     TrayState state;
     const AgentCommand command(programs, scheduler, bundlePath(), std::nullopt);
     Repair repair(state, config, paths, command, programs, scheduler,
@@ -85,7 +85,7 @@ int runLogin(const FixedConfig &config, const Paths &paths) {
     AgentControl agent(state, config, paths, agentConfig, services, programs, desktop, scheduler,
                        {.showHUD = [](const Notice &) {}, .repairService = [&repair] { repair.repairService({}); }});
     Binding binding(
-        state.health, config, agentConfig, *http, desktop,
+        state.health, config, agentConfig, servers, desktop,
         {.restartAgent = [&agent](auto then) { agent.restartAgent(std::move(then)); }, .disregardOpenPolls = [] {}});
     int status = 1;
     QTimer::singleShot(0, [&] {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "exchange/native_proxy_mac.h"
+
 #include <functional>
 #include <map>
 #include <string>
@@ -21,6 +23,8 @@ struct Fake {
     std::map<std::size_t, bool> terminated;
     bool preventsActivation = false;
     std::function<void()> reopen;
+    Proxy proxy, scriptProxy; ///< By the settings, and by the script whose text is `script`.
+    std::string script;
 
     /// The calls since the last time.
     std::vector<std::string> takeCalls() { return std::exchange(calls, {}); }

@@ -52,8 +52,8 @@ struct AccountTest : TrayFixture {
     QByteArray onUnbind; ///< The configuration at the moment of the last release.
 
     void SetUp() override {
-        http.answer = [this](const HttpRequest &r) -> Result<HttpReply> {
-            if (r.reach == Reach::Loopback)
+        http.answer = [this](const ScriptedHttp::Request &r) -> Result<HttpReply> {
+            if (!r.isForServer)
                 return json(ONLINE);
             const bool isLogin = r.url.endsWith(u"/login");
             QString line = r.url.mid(8);
@@ -236,7 +236,7 @@ TEST_F(AccountTest, ASignInForgetsThatTheLastOneWasLost) {
     home.writeConfig(R"({"agentToken":"old","username":"bob","localToken":"secret"})");
     services.loaded = true;
     const auto servers = http.answer;
-    http.answer = [&](const HttpRequest &r) { return r.reach == Reach::Loopback ? json(SIGNED_OUT) : servers(r); };
+    http.answer = [&](const auto &r) { return r.isForServer ? servers(r) : json(SIGNED_OUT); };
     launch();
     ASSERT_TRUE(health().authDead);
     http.answer = nullptr; // a poll is asked before the sign-in and answered after it
@@ -277,9 +277,9 @@ TEST_F(AccountTest, ASignOutAsksNoServerOfAnotherEditionAndForgetsTheLostSignIn)
     home.writeConfig(R"({"agentToken":"t","server":"intl.example","localToken":"secret"})");
     home.installJobFile();
     const auto servers = http.answer;
-    http.answer = [&](const HttpRequest &r) { return r.reach == Reach::Loopback ? json(SIGNED_OUT) : servers(r); };
+    http.answer = [&](const auto &r) { return r.isForServer ? servers(r) : json(SIGNED_OUT); };
     launch();
-    http.answer = [&](const HttpRequest &r) { return r.reach == Reach::Loopback ? noAnswer() : servers(r); };
+    http.answer = [&](const auto &r) { return r.isForServer ? servers(r) : noAnswer(); };
     signOut();
     EXPECT_EQ(sent, QStringList{u"cn.example:443/v1/agents/unbind Bearer t"_s});
     EXPECT_FALSE(health().authDead);
