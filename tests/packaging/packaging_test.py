@@ -8,9 +8,8 @@ import struct
 import unittest
 from pathlib import Path
 
-from support import SOURCE, InFolder, WithTools, run
+from support import CMAKE, SOURCE, InFolder, WithTools, run
 
-CMAKE = os.environ['CMAKE']
 # What a release has to be given.
 OPERATOR = {'UPDATE_PUBKEY': 'eKxBsing+68IXEJsqtUDzy1sXDOPtetejb3Eq8NNGfg=', 'CN_SERVER': 'relay.korvel.cn:443',
             'INTL_SERVER': 'relay.korvel.com:443', 'INTL_ADDRESS_1': '8.8.8.8:443', 'INTL_ADDRESS_2': '8.8.4.4:443',
