@@ -211,6 +211,7 @@ TEST_F(PublisherTest, TheProgramMakesSignsAndVerifiesAndLeavesTheManifestWhenItR
     EXPECT_EQ(verify(u"intl"_s, u"1.9"_s, cn), 1);
     EXPECT_EQ(verify(u"else"_s, u"1.9"_s, cn), 2);
 
+    EXPECT_FALSE(readManifest(write(u"large"_s, QByteArray((1 << 20) + 1, ' ')))) << "more than a tray reads";
     write(u"manifest"_s, "[]");
     EXPECT_EQ(sign(u"3.0"_s, {cn}), 1);
     EXPECT_EQ(readManifest(manifest).value(), "[]") << "what is no manifest is not replaced";
