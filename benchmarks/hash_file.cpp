@@ -1,6 +1,6 @@
 // Hashes a file as the update does before it installs one: korvel-hash FILE prints the digest.
 
-#include "update/sha256.h"
+#include "exchange/sha256.h"
 
 #include <cstdio>
 

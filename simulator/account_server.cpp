@@ -67,15 +67,17 @@ bool AccountServer::listen(int port) {
 }
 
 std::unique_ptr<QTcpSocket> AccountServer::secureSocket(qintptr descriptor) const {
-    const QString kind = Scenario::read(paths).section("server"_L1).value("certificate"_L1).toString();
-    const TlsIdentity identity = authority.issue(kindNamed(kind));
+    const QJsonObject section = Scenario::read(paths).section("server"_L1);
+    const TlsIdentity identity = authority.issue(kindNamed(section.value("certificate"_L1).toString()));
     auto socket = std::make_unique<QSslSocket>();
     if (!identity.isValid() || !socket->setSocketDescriptor(descriptor))
         return nullptr;
     QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
     configuration.setLocalCertificate(QSslCertificate(identity.certificate));
     configuration.setPrivateKey(QSslKey(identity.key, QSsl::Ec));
-    configuration.setPeerVerifyMode(QSslSocket::VerifyNone);
+    const bool demands = section.value("demandsCertificate"_L1).toBool();
+    configuration.setPeerVerifyMode(demands ? QSslSocket::VerifyPeer : QSslSocket::VerifyNone);
+    configuration.setMissingCertificateIsFatal(demands);
     // A client that went on with an earlier session would not look at the certificate.
     configuration.setSslOption(QSsl::SslOptionDisableSessionTickets, true);
     socket->setSslConfiguration(configuration);

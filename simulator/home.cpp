@@ -111,11 +111,11 @@ bool Home::installJobFile() {
 
 QString Home::assembleBundle(const QString &trayProgram) {
     const QString tray = paths.bundle() + "/Contents/MacOS/korvel-tray"_L1;
-    // What the program loads from beside it, if it has such a thing.
-    const QString module = u"/PlugIns/korvel-internet.so"_s;
-    const QString given = QFileInfo(QFileInfo(trayProgram).canonicalFilePath()).path() + u"/.."_s + module;
-    const bool whole = !QFileInfo::exists(given) || placeProgram(given, paths.bundle() + "/Contents"_L1 + module);
-    return whole && placeProgram(trayProgram, tray) && placeAgent() ? tray : QString();
+    const QString exchange = "/Helpers/korvel-exchange"_L1;
+    const QString built = QFileInfo(QFileInfo(trayProgram).canonicalFilePath()).path() + u"/.."_s + exchange;
+    const bool whole =
+        placeProgram(trayProgram, tray) && placeProgram(built, paths.bundle() + "/Contents"_L1 + exchange);
+    return whole && placeAgent() ? tray : QString();
 }
 
 int Home::launchctl(const QStringList &arguments) {

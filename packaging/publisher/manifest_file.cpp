@@ -1,7 +1,7 @@
 #include "publisher/manifest_file.h"
 
-#include "platform/http_client.h"
 #include "platform/private_file.h"
+#include "platform/server_client.h"
 
 #include <QFileInfo>
 #include <QJsonDocument>
@@ -12,7 +12,7 @@ using namespace Qt::StringLiterals;
 namespace korvel {
 
 Result<QByteArray> readManifest(const QString &path) {
-    const auto bytes = readRegularFile(path, HttpRequest().maxBytes);
+    const auto bytes = readRegularFile(path, ServerRequest().maxBytes);
     if (!bytes)
         return Error{ErrorKind::UnreadableAnswer, u"it cannot be read, or is too large"_s};
     return *bytes;

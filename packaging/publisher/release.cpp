@@ -1,8 +1,9 @@
 #include "publisher/release.h"
 
+#include "exchange/ed25519.h"
+#include "exchange/sha256.h"
 #include "platform/json_values.h"
 #include "update/manifest.h"
-#include "update/sha256.h"
 #include "update/signature.h"
 
 #include <QFileInfo>
@@ -107,7 +108,8 @@ Verdict judge(const FixedConfig &tray, const QByteArray &manifest) {
         return {info, form};
     if (!isNewer(info->ver, tray.VERSION))
         return {info, u"version %1 is not newer than %2"_s.arg(info->ver, tray.VERSION)};
-    if (updateSignatureValid(tray, *info))
+    const auto signature = updateSignature(tray, *info);
+    if (signature && ed25519Valid(*signature))
         return {info};
     return {info, u"the signature is not one of this key over name, version and hash"_s};
 }

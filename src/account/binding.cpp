@@ -8,9 +8,9 @@ using namespace Qt::StringLiterals;
 
 namespace korvel {
 
-Binding::Binding(HealthState &st, const FixedConfig &f, const AgentConfig &c, ConfigWaiter &w, HttpClient &h,
+Binding::Binding(HealthState &st, const FixedConfig &f, const AgentConfig &c, ConfigWaiter &w, ServerClient &sc,
                  const Desktop &d, Hooks hk)
-    : health(st), fixed(f), config(c), waiter(w), http(h), desktop(d), hooks(std::move(hk)) {}
+    : health(st), fixed(f), config(c), waiter(w), servers(sc), desktop(d), hooks(std::move(hk)) {}
 
 void Binding::performLogin(const QString &user, const QString &pass, const QString &server,
                            std::function<void(bool ok, const QString &message)> done) {
@@ -26,7 +26,7 @@ void Binding::performLogin(const QString &user, const QString &pass, const QStri
         };
         bind({number, std::get<Credential>(answer), user, server, finished}, {});
     };
-    http.send(std::move(*request), Done<HttpReply>(alive.guard(std::move(answered))));
+    servers.send(std::move(*request), Done<HttpReply>(alive.guard(std::move(answered))));
 }
 
 QString Binding::message(Outcome outcome, const QString &user) {
@@ -101,7 +101,7 @@ void Binding::unbind(const QString &token, const QString &server, std::function<
     auto request = buildUnbind(server, token);
     if (!request)
         return then();
-    http.send(std::move(*request), Done<HttpReply>([then = std::move(then)](const Result<HttpReply> &) { then(); }));
+    servers.send(std::move(*request), Done<HttpReply>([then = std::move(then)](const Result<HttpReply> &) { then(); }));
 }
 
 void Binding::unbindCurrent(std::function<void()> then, const QString &released) {

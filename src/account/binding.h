@@ -21,7 +21,7 @@ public:
         std::function<void()> disregardOpenPolls;
     };
     Binding(HealthState &health, const FixedConfig &fixed, const AgentConfig &config, ConfigWaiter &waiter,
-            HttpClient &http, const Desktop &desktop, Hooks hooks);
+            ServerClient &servers, const Desktop &desktop, Hooks hooks);
 
     /// Signs in at `server` (host:port). `done` is called once, with whether this Mac is bound now and the sentence for
     /// the user.
@@ -59,7 +59,7 @@ private:
     const FixedConfig &fixed;
     const AgentConfig &config;
     ConfigWaiter &waiter;
-    HttpClient &http;
+    ServerClient &servers;
     const Desktop &desktop;
     Hooks hooks;
     int signIns = 0;     ///< Numbers them.

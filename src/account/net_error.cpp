@@ -9,7 +9,8 @@ QString netErrorText(const std::optional<Error> &error) {
     if (!error)
         return L(u"无法连接服务器，请检查网络后重试",
                  u"Can't connect to the server. Check your network and try again.");
-    log(QStringLiteral("[net] ") + error->detail);
+    if (!error->detail.isEmpty())
+        log(QStringLiteral("[net] ") + error->detail);
     switch (error->kind) {
     case ErrorKind::Offline:
     case ErrorKind::Interrupted:

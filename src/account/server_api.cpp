@@ -17,7 +17,7 @@ namespace {
 
 constexpr qsizetype LONGEST_NAME = 32;
 
-std::optional<HttpRequest> post(const QString &server, const QString &path, std::chrono::milliseconds timeout) {
+std::optional<ServerRequest> post(const QString &server, const QString &path, std::chrono::milliseconds timeout) {
     auto request = buildServerRequest(server, path, timeout);
     if (request)
         request->method = "POST";
@@ -26,22 +26,21 @@ std::optional<HttpRequest> post(const QString &server, const QString &path, std:
 
 } // namespace
 
-std::optional<HttpRequest> buildServerRequest(const QString &server, const QString &path,
-                                              std::chrono::milliseconds timeout) {
+std::optional<ServerRequest> buildServerRequest(const QString &server, const QString &path,
+                                                std::chrono::milliseconds timeout) {
     const QUrl url(u"https://"_s + server + path, QUrl::StrictMode);
     if (!url.isValid() || url.host().isEmpty())
         return std::nullopt;
-    HttpRequest request;
+    ServerRequest request;
     request.url = url.toString(QUrl::FullyEncoded);
     if (!ACCEPT_LANGUAGE.isEmpty())
         request.headers.emplace_back("Accept-Language", ACCEPT_LANGUAGE);
     request.timeout = timeout;
-    request.reach = Reach::Server;
     return request;
 }
 
-std::optional<HttpRequest> buildLogin(const QString &server, const QString &user, const QString &pass,
-                                      const QString &host) {
+std::optional<ServerRequest> buildLogin(const QString &server, const QString &user, const QString &pass,
+                                        const QString &host) {
     auto request = post(server, u"/v1/agents/login"_s, 25s);
     if (!request)
         return std::nullopt;
@@ -64,7 +63,7 @@ std::variant<Credential, QString> parseLogin(const Result<HttpReply> &reply) {
     return jsonText(answer.value(u"error")).value_or(L(u"登录失败，请稍后重试", u"Couldn't sign in. Try again later."));
 }
 
-std::optional<HttpRequest> buildUnbind(const QString &server, const QString &token) {
+std::optional<ServerRequest> buildUnbind(const QString &server, const QString &token) {
     auto request = post(server, u"/v1/agents/unbind"_s, 15s);
     if (request)
         request->headers.emplace_back("Authorization", "Bearer " + token.toUtf8());

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/http_client.h"
+#include "platform/server_client.h"
 
 #include <QString>
 #include <optional>
@@ -16,18 +16,18 @@ struct Credential {
 };
 
 /// A GET of `path` at `server` (host:port) over HTTPS; none when that makes no web address.
-std::optional<HttpRequest> buildServerRequest(const QString &server, const QString &path,
-                                              std::chrono::milliseconds timeout);
+std::optional<ServerRequest> buildServerRequest(const QString &server, const QString &path,
+                                                std::chrono::milliseconds timeout);
 
 /// A password sign-in at `server` (host:port) for the Mac named `host`; none when that makes no web address.
-std::optional<HttpRequest> buildLogin(const QString &server, const QString &user, const QString &pass,
-                                      const QString &host);
+std::optional<ServerRequest> buildLogin(const QString &server, const QString &user, const QString &pass,
+                                        const QString &host);
 
 /// What a sign-in came to: the credential, or the sentence for the user. The HTTP status has no say.
 std::variant<Credential, QString> parseLogin(const Result<HttpReply> &reply);
 
 /// The release of a credential at the server that gave it; its answer is not read. None as above.
-std::optional<HttpRequest> buildUnbind(const QString &server, const QString &token);
+std::optional<ServerRequest> buildUnbind(const QString &server, const QString &token);
 
 /// How this Mac is called, from the name that the system gives: without ".local", at most 32 characters.
 QString computerDisplayName(QString systemName);

@@ -8,7 +8,7 @@
 #include "app/deployment.h"
 #include "app/system_parts.h"
 #include "permissions/permission_rules.h"
-#include "platform/internet.h"
+#include "platform/exchange_client.h"
 #include "platform/plain_text.h"
 #include "platform/qt_programs.h"
 #include "platform/qt_scheduler.h"
@@ -80,7 +80,7 @@ int runLogin(const FixedConfig &config, const Paths &paths) {
     Launchctl services(programs, paths.uid);
     QtScheduler scheduler; // its destructor waits for a repair that still uses both
     const auto desktop = makeDesktop(programs, !standInRoot().isEmpty());
-    const auto http = makeServerClient(scheduler);
+    ExchangeClient servers(programs, scheduler, exchangeProgram());
     TrayState state;
     const AgentCommand command(programs, scheduler, bundlePath(), std::nullopt);
     Repair repair(state, config, paths, command, programs, scheduler,
@@ -89,7 +89,7 @@ int runLogin(const FixedConfig &config, const Paths &paths) {
                        {.showHUD = [](const Notice &) {}, .repairService = [&repair] { repair.repairService({}); }});
     ConfigWaiter configWaiter(agentConfig, scheduler);
     Binding binding(
-        state.health, config, agentConfig, configWaiter, *http, *desktop,
+        state.health, config, agentConfig, configWaiter, servers, *desktop,
         {.restartAgent = [&agent](auto then) { agent.restartAgent(std::move(then)); }, .disregardOpenPolls = [] {}});
     int status = 1;
     QTimer::singleShot(0, [&] {

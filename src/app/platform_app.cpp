@@ -7,8 +7,7 @@
 #include "app/system_parts.h"
 #include "app/tray_app.h"
 #include "e2ee/pair_window.h"
-#include "platform/http_by_reach.h"
-#include "platform/internet.h"
+#include "platform/exchange_client.h"
 #include "platform/loopback_http_client.h"
 #include "platform/qt_programs.h"
 #include "platform/qt_scheduler.h"
@@ -69,8 +68,7 @@ int runTray(char **argv, const FixedConfig &config, const Paths &paths) {
     int status = 0;
     {
         LoopbackHttpClient agentHttp;
-        const auto serverHttp = makeServerClient(scheduler);
-        HttpByReach http(agentHttp, *serverHttp);
+        ExchangeClient servers(programs, scheduler, exchangeProgram());
         Launchctl services(programs, paths.uid);
         const auto desktop = makeDesktop(programs, !standInRoot().isEmpty());
         const auto item = makeStatusItem();
@@ -79,8 +77,8 @@ int runTray(char **argv, const FixedConfig &config, const Paths &paths) {
         PairWindowPanel pairing;
         CnLoginPanel login;
         TrayApp tray(config, paths,
-                     {scheduler, http, programs, services, *desktop, *item, notice, alerts, pairing, login,
-                      bundlePath(), agentOverride()});
+                     {scheduler, agentHttp, servers, programs, services, *desktop, *item, notice, alerts, pairing,
+                      login, bundlePath(), agentOverride()});
         reopen = [&tray] { tray.reopen(); };
         tray.launch(executablePath());
         status = QApplication::exec();

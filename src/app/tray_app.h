@@ -35,7 +35,8 @@ namespace korvel {
 /// The platform that a TrayApp runs on.
 struct TrayPorts {
     Scheduler &scheduler;
-    HttpClient &http;
+    HttpClient &agent;
+    ServerClient &servers;
     Programs &programs;
     ServiceControl &services;
     Desktop &desktop;

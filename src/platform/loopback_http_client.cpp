@@ -3,7 +3,6 @@
 #include "platform/http_messages.h"
 #include "platform/log.h"
 #include "platform/loopback_socket.h"
-#include "platform/refuse_later.h"
 
 #include <QTimer>
 #include <QUrl>
@@ -24,8 +23,8 @@ std::optional<Message> messageOf(const HttpRequest &request) {
     const QUrl url(request.url, QUrl::StrictMode);
     const bool isKnown = request.method == "GET" || request.method == "POST";
     // Nothing may stand in front of the host, whatever a malformed port makes of the address.
-    if (request.reach != Reach::Loopback || !isKnown || !url.isValid() || url.scheme() != u"http" ||
-        url.host() != u"127.0.0.1" || !url.userInfo().isEmpty())
+    if (!isKnown || !url.isValid() || url.scheme() != u"http" || url.host() != u"127.0.0.1" ||
+        !url.userInfo().isEmpty())
         return std::nullopt;
     const QByteArray authority = url.authority(QUrl::FullyEncoded).toLatin1();
     const QUrl target = url.adjusted(QUrl::RemoveScheme | QUrl::RemoveAuthority | QUrl::RemoveFragment);
@@ -170,14 +169,19 @@ void LoopbackHttpClient::send(HttpRequest request, Done<HttpReply> done) {
         return; // the completion reports that itself
     auto message = messageOf(request);
     if (!message)
-        return refuseLater(*context, std::move(done), {ErrorKind::InvalidRequest, {}});
+        return refuseLater(std::move(done));
     auto exchange = std::make_unique<Exchange>(*this, std::move(*message), request, std::move(done));
     exchanges.emplace(exchange.get(), std::move(exchange));
 }
 
-void LoopbackHttpClient::download(HttpRequest, const QString &, std::function<void(qint64 got, qint64 expected)>,
-                                  Done<HttpReply> done) {
-    refuseLater(*context, std::move(done), {ErrorKind::InvalidRequest, {}});
+void LoopbackHttpClient::refuseLater(Done<HttpReply> done) {
+    auto refused = std::make_shared<Done<HttpReply>>(std::move(done));
+    QMetaObject::invokeMethod(
+        context.get(),
+        [refused] {
+            (*refused)(Error{ErrorKind::InvalidRequest, QStringLiteral("not a request to the agent")});
+        },
+        Qt::QueuedConnection);
 }
 
 std::unique_ptr<LoopbackSocket> LoopbackHttpClient::connectTo(quint16 port) {

@@ -22,14 +22,13 @@ public:
     explicit LoopbackHttpClient(LookUpOwner lookUpOwner = [](quint16 port) { return portOwner(port); });
     ~LoopbackHttpClient() override;
     void send(HttpRequest request, Done<HttpReply> done) override;
-    /// The agent has no files: refused.
-    void download(HttpRequest request, const QString &file, std::function<void(qint64 got, qint64 expected)> progress,
-                  Done<HttpReply> done) override;
 
 private:
     class Exchange;
     class Idle;
     std::unique_ptr<LoopbackSocket> connectTo(quint16 port);
+    /// Reports an error once the sender has returned to the event loop, so that callers see one order of events.
+    void refuseLater(Done<HttpReply> done);
     void finish(Exchange &exchange, Result<HttpReply> result);
 
     const LookUpOwner lookUpOwner;

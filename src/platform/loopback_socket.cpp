@@ -1,7 +1,5 @@
 #include "platform/loopback_socket.h"
 
-#include "platform/retire_notifier.h"
-
 #include <arpa/inet.h>
 #include <array>
 #include <cerrno>
@@ -40,6 +38,14 @@ int openSocket() {
     ::setsockopt(fd, SOL_SOCKET, SO_NOSIGPIPE, &on, sizeof on);
 #endif
     return fd;
+}
+
+/// Ends a notifier. The activity that it reports may be what ends it, so it is deleted later.
+void retire(std::unique_ptr<QSocketNotifier> &notifier) {
+    if (!notifier)
+        return;
+    notifier->setEnabled(false);
+    notifier.release()->deleteLater();
 }
 
 } // namespace

@@ -36,7 +36,6 @@ bool staysInName(char32_t c) {
            c == U' ';
 }
 
-constexpr qsizetype MAX_TEXT = 1000;      // UTF-16 units, as all that follow but clusters and marks
 constexpr qsizetype MAX_NAME_READ = 4096; // what is behind them cannot be seen anyway
 constexpr int MAX_NAME = 64;              // grapheme clusters
 constexpr qsizetype MAX_CLUSTER = 24;     // a family of four with its skin tones has 19

@@ -33,7 +33,8 @@ struct ProgramRun {
 
     QString executable;
     QStringList arguments = {};
-    QByteArray input = {}; ///< Written to standard input, which is then closed.
+    QByteArray input = {};      ///< Written to standard input, which is then closed.
+    bool keepInputOpen = false; ///< Instead it stays open, so that its end tells the program that the tray has gone.
     Surroundings surroundings = Surroundings::Inherited;
     QList<std::pair<QString, QString>> extraEnvironment = {}; ///< Set on top of the environment.
     Collect collect = Collect::StandardError;                 ///< The other one goes to the null device.

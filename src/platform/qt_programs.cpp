@@ -131,7 +131,8 @@ ProgramResult QtPrograms::run(const ProgramRun &request) {
     }
     result.launched = true;
     process.write(request.input);
-    process.closeWriteChannel();
+    if (!request.keepInputOpen)
+        process.closeWriteChannel();
     Ending ending(request);
     while (process.state() != QProcess::NotRunning) {
         // Read as it comes, so that a chatty program neither blocks on a full pipe nor fills the memory. One that

@@ -19,7 +19,6 @@ HttpRequest buildAgentRequest(const QString &agentLocal, const QString &localTok
         http.body = QJsonDocument(*request.body).toJson(QJsonDocument::Compact);
     }
     http.timeout = request.timeout;
-    http.reach = Reach::Loopback;
     return http;
 }
 

@@ -1,9 +1,5 @@
 #include "update/signature.h"
 
-#include "update/ed25519.h"
-
-#include <optional>
-
 namespace korvel {
 
 namespace {
@@ -22,10 +18,19 @@ QByteArray signedMessage(const QString &prefix, const UpdateInfo &info) {
     return QStringList{prefix, info.file, info.ver, info.sha}.join(u'\n').toUtf8();
 }
 
-bool updateSignatureValid(const FixedConfig &config, const UpdateInfo &info) {
+std::optional<SignatureProof> updateSignature(const FixedConfig &config, const UpdateInfo &info) {
     const auto rawKey = fromBase64(config.UPDATE_PUBKEY);
     const auto signature = fromBase64(info.sig);
-    return rawKey && signature && ed25519Valid(*rawKey, *signature, signedMessage(config.UPDATE_SIG_PREFIX, info));
+    if (!rawKey || !signature)
+        return std::nullopt;
+    return SignatureProof{*rawKey, *signature, signedMessage(config.UPDATE_SIG_PREFIX, info)};
+}
+
+void verifyUpdate(ServerClient &servers, const FixedConfig &config, const UpdateInfo &info, Done<bool> done) {
+    if (const auto proof = updateSignature(config, info))
+        servers.verify(*proof, std::move(done));
+    else
+        done(false);
 }
 
 } // namespace korvel

@@ -12,23 +12,23 @@ using namespace Qt::StringLiterals;
 
 namespace korvel {
 
-std::optional<HttpRequest> buildManifest(const QString &server) {
+std::optional<ServerRequest> buildManifest(const QString &server) {
     auto request = buildServerRequest(server, u"/v1/dl/manifest"_s, 15s);
     if (request)
-        request->redirects = MOST_REDIRECTS;
+        request->redirects = MAX_REDIRECTS;
     return request;
 }
 
-UpdateCheck::UpdateCheck(UpdateState &u, const FixedConfig &f, const AgentConfig &c, HttpClient &h, const Scheduler &s,
-                         Hooks hk)
-    : update(u), fixed(f), config(c), http(h), scheduler(s), hooks(std::move(hk)) {}
+UpdateCheck::UpdateCheck(UpdateState &u, const FixedConfig &f, const AgentConfig &c, ServerClient &sc,
+                         const Scheduler &s, Hooks hk)
+    : update(u), fixed(f), config(c), servers(sc), scheduler(s), hooks(std::move(hk)) {}
 
 void UpdateCheck::checkUpdate(bool manual) {
     auto request = buildManifest(serverOf(fixed, config.readCfg()));
     if (!request)
         return;
     auto done = [this, manual](const Result<HttpReply> &reply) { answered(reply, manual); };
-    http.send(std::move(*request), Done<HttpReply>(alive.guard(std::move(done))));
+    servers.send(std::move(*request), Done<HttpReply>(alive.guard(std::move(done))));
 }
 
 void UpdateCheck::answered(const Result<HttpReply> &reply, bool manual) {
@@ -37,10 +37,16 @@ void UpdateCheck::answered(const Result<HttpReply> &reply, bool manual) {
     const auto info = good ? packageIn(fixed, reply.value().body) : std::nullopt;
     if (info)
         return found(*info, manual);
-    log(u"[update] 清单取不到:HTTP %1 %2"_s.arg(reply ? reply.value().status : 0)
-            .arg(reply ? QString() : reply.error().detail));
+    if (reply)
+        notChecked(u"HTTP %1 "_s.arg(reply.value().status), {}, manual);
+    else
+        notChecked(u"HTTP 0 "_s + reply.error().detail, netErrorText(reply.error()), manual);
+}
+
+void UpdateCheck::notChecked(const QString &why, const QString &sentence, bool manual) {
+    log(u"[update] 清单取不到:"_s + why);
     if (manual)
-        hooks.showHUD(notCheckedNotice(reply ? QString() : netErrorText(reply.error())));
+        hooks.showHUD(notCheckedNotice(sentence));
 }
 
 void UpdateCheck::found(const UpdateInfo &info, bool manual) {
@@ -50,8 +56,19 @@ void UpdateCheck::found(const UpdateInfo &info, bool manual) {
             hooks.showHUD(upToDateNotice(fixed.VERSION));
         return;
     }
-    if (isWellFormed(info) && updateSignatureValid(fixed, info))
-        return announce(info, manual);
+    if (!isWellFormed(info))
+        return refuse(info, manual);
+    verifyUpdate(servers, fixed, info, Done<bool>(alive.guard([this, info, manual](const Result<bool> &valid) {
+                     if (!valid)
+                         notChecked(valid.error().detail, {}, manual);
+                     else if (valid.value())
+                         announce(info, manual);
+                     else
+                         refuse(info, manual);
+                 })));
+}
+
+void UpdateCheck::refuse(const UpdateInfo &info, bool manual) {
     log(u"[update] %1 没通过签名校验(file=%2 sha=%3 sig=%4),不提供自动更新"_s.arg(info.ver, info.file, info.sha,
                                                                                   info.sig));
     if (manual)

@@ -3,8 +3,8 @@
 #include "app/fixed_config.h"
 #include "app/tray_state.h"
 #include "platform/alive.h"
-#include "platform/http_client.h"
 #include "platform/scheduler.h"
+#include "platform/server_client.h"
 #include "service/agent_config.h"
 #include "ui/notices.h"
 
@@ -14,7 +14,7 @@
 namespace korvel {
 
 /// The request for the manifest at `server` (host:port); none when that makes no web address.
-std::optional<HttpRequest> buildManifest(const QString &server);
+std::optional<ServerRequest> buildManifest(const QString &server);
 
 /// Looks for a newer package on the account server and announces one that the publisher signed.
 class UpdateCheck {
@@ -23,7 +23,7 @@ public:
         std::function<void()> render;
         std::function<void(const Notice &)> showHUD;
     };
-    UpdateCheck(UpdateState &update, const FixedConfig &fixed, const AgentConfig &config, HttpClient &http,
+    UpdateCheck(UpdateState &update, const FixedConfig &fixed, const AgentConfig &config, ServerClient &servers,
                 const Scheduler &scheduler, Hooks hooks);
 
     /// One check; only one that the user asked for (`manual`) speaks of failures.
@@ -31,13 +31,15 @@ public:
 
 private:
     void answered(const Result<HttpReply> &reply, bool manual);
+    void notChecked(const QString &why, const QString &sentence, bool manual);
     void found(const UpdateInfo &info, bool manual);
+    void refuse(const UpdateInfo &info, bool manual);
     void announce(const UpdateInfo &info, bool manual);
 
     UpdateState &update;
     const FixedConfig &fixed;
     const AgentConfig &config;
-    HttpClient &http;
+    ServerClient &servers;
     const Scheduler &scheduler;
     Hooks hooks;
     Alive alive;

@@ -8,7 +8,6 @@
 #include "platform/system_tools.h"
 #include "update/install_script.h"
 #include "update/manifest.h"
-#include "update/sha256.h"
 #include "update/signature.h"
 #include "update/update_notices.h"
 
@@ -24,39 +23,47 @@ namespace korvel {
 namespace {
 
 constexpr milliseconds DOWNLOADED_WITHIN = 6h;
-constexpr milliseconds SILENT_AT_MOST = 60s;
+constexpr std::chrono::seconds SLOW_TIMEOUT = 60s;
 constexpr qint64 LARGEST_PACKAGE = Q_INT64_C(4) << 30;
 const QString UNFINISHED = u".part"_s; ///< Never the name of a package, so that no later try trusts it.
 
 } // namespace
 
-std::optional<HttpRequest> buildDownload(const QString &server, const UpdateInfo &info) {
+std::optional<ServerRequest> buildDownload(const QString &server, const UpdateInfo &info) {
     auto request = buildServerRequest(server, u"/dl/"_s + info.file, DOWNLOADED_WITHIN);
     if (!request)
         return std::nullopt;
-    request->idleTimeout = SILENT_AT_MOST;
-    request->redirects = MOST_REDIRECTS;
+    request->slowTimeout = SLOW_TIMEOUT;
+    request->redirects = MAX_REDIRECTS;
     // The size is not signed: it can make the room smaller, not larger.
     request->maxBytes = info.bytes > 0 ? std::min(info.bytes, LARGEST_PACKAGE) : LARGEST_PACKAGE;
     return request;
 }
 
-UpdateInstall::UpdateInstall(UpdateState &u, const FixedConfig &f, const Paths &p, const AgentConfig &c, HttpClient &h,
-                             Programs &pr, Desktop &d, Scheduler &s, Hooks hk)
-    : update(u), fixed(f), paths(p), config(c), http(h), programs(pr), desktop(d), scheduler(s), hooks(std::move(hk)) {}
+UpdateInstall::UpdateInstall(UpdateState &u, const FixedConfig &f, const Paths &p, const AgentConfig &c,
+                             ServerClient &sc, Programs &pr, Desktop &d, Scheduler &s, Hooks hk)
+    : update(u), fixed(f), paths(p), config(c), servers(sc), programs(pr), desktop(d), scheduler(s),
+      hooks(std::move(hk)) {}
 
 QString UpdateInstall::cached(const UpdateInfo &info) const { return paths.updateDir + u'/' + info.file; }
 
 void UpdateInstall::installUpdate() {
-    if (!update.updateAvail || update.updateBusy || !updateSignatureValid(fixed, *update.updateAvail))
+    if (!update.updateAvail || update.updateBusy)
         return;
     update.updateBusy = true;
     hooks.render();
-    begin();
+    const UpdateInfo info = *update.updateAvail;
+    verifyUpdate(servers, fixed, info, Done<bool>(alive.guard([this, info](const Result<bool> &valid) {
+                     if (!valid)
+                         return end(downloadFailedNotice(netErrorText(valid.error())));
+                     if (valid.value())
+                         return begin(info);
+                     update.updateBusy = false;
+                     hooks.render();
+                 })));
 }
 
-void UpdateInstall::begin() {
-    const UpdateInfo info = *update.updateAvail;
+void UpdateInstall::begin(const UpdateInfo &info) {
     if (!prepareCache(info)) {
         log(u"[update] 存不下安装包:"_s + paths.updateDir);
         return end(notSavedNotice());
@@ -83,9 +90,9 @@ void UpdateInstall::startDownload(const UpdateInfo &info) {
     update.updatePct = 0;
     hooks.render();
     hooks.showHUD(downloadingNotice(info));
-    http.download(*request, cached(info) + UNFINISHED,
-                  alive.guard([this, info](qint64 got, qint64 expected) { progress(got, expected, info); }),
-                  Done<HttpReply>(alive.guard([this, info](const Result<HttpReply> &r) { downloaded(r, info); })));
+    servers.download(*request, cached(info) + UNFINISHED,
+                     alive.guard([this, info](qint64 got, qint64 expected) { progress(got, expected, info); }),
+                     Done<HttpReply>(alive.guard([this, info](const Result<HttpReply> &r) { downloaded(r, info); })));
 }
 
 void UpdateInstall::progress(qint64 got, qint64 expected, const UpdateInfo &info) {
@@ -139,13 +146,17 @@ void UpdateInstall::installPkg(const UpdateInfo &info) {
 }
 
 void UpdateInstall::ifUnchanged(const UpdateInfo &info, std::function<void()> then) {
-    scheduler.background([path = cached(info)] { return sha256File(path); },
-                         alive.guard([this, info, then = std::move(then)](const std::optional<QString> &sha) {
-                             if (sha == info.sha && updateSignatureValid(fixed, info))
-                                 then();
-                             else
-                                 refuseModified(info);
-                         }));
+    auto hashed = [this, info, then = std::move(then)](const Result<QString> &sha) {
+        if (!sha || sha.value() != info.sha)
+            return refuseModified(info);
+        verifyUpdate(servers, fixed, info, Done<bool>(alive.guard([this, info, then](const Result<bool> &valid) {
+                         if (valid && valid.value())
+                             then();
+                         else
+                             refuseModified(info);
+                     })));
+    };
+    servers.hash(cached(info), Done<QString>(alive.guard(std::move(hashed))));
 }
 
 void UpdateInstall::runInstaller(const UpdateInfo &info) {

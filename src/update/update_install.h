@@ -5,9 +5,9 @@
 #include "app/tray_state.h"
 #include "platform/alive.h"
 #include "platform/desktop.h"
-#include "platform/http_client.h"
 #include "platform/programs.h"
 #include "platform/scheduler.h"
+#include "platform/server_client.h"
 #include "service/agent_config.h"
 #include "ui/notices.h"
 
@@ -17,7 +17,7 @@
 namespace korvel {
 
 /// The request for a package at `server`; none when that makes no web address.
-std::optional<HttpRequest> buildDownload(const QString &server, const UpdateInfo &info);
+std::optional<ServerRequest> buildDownload(const QString &server, const UpdateInfo &info);
 
 /// Downloads the announced package into the private cache, checks it, and has it installed with an administrator's
 /// rights. What was checked once is checked again at the next step, because the cache belongs to the user.
@@ -29,12 +29,12 @@ public:
         std::function<void(const Notice &)> showHUD;
     };
     UpdateInstall(UpdateState &update, const FixedConfig &fixed, const Paths &paths, const AgentConfig &config,
-                  HttpClient &http, Programs &programs, Desktop &desktop, Scheduler &scheduler, Hooks hooks);
+                  ServerClient &servers, Programs &programs, Desktop &desktop, Scheduler &scheduler, Hooks hooks);
 
     void installUpdate();
 
 private:
-    void begin();
+    void begin(const UpdateInfo &info);
     bool prepareCache(const UpdateInfo &info) const;
     QString cached(const UpdateInfo &info) const;
     void startDownload(const UpdateInfo &info);
@@ -52,7 +52,7 @@ private:
     const FixedConfig &fixed;
     const Paths &paths;
     const AgentConfig &config;
-    HttpClient &http;
+    ServerClient &servers;
     Programs &programs;
     Desktop &desktop;
     Scheduler &scheduler;

@@ -166,11 +166,7 @@ TEST_F(PasswordJourney, ASignOutNeedsNeitherTheAgentNorTheServer) {
 /// The tray program's own sign-in from the command line.
 struct LoginSwitchJourney : AccountJourney {
     QByteArray output, errors;
-    std::optional<QByteArray> module; ///< Lies in place of the bundle's module for servers; empty: no file does.
-
-    static QString modulePath(const QString &program) {
-        return QFileInfo(program).path() + u"/../PlugIns/korvel-internet.so"_s;
-    }
+    std::optional<QByteArray> exchange; ///< Lies in place of korvel-exchange; empty: no file does.
 
     int login(const QStringList &arguments, const QByteArray &input, const QString &language = u"en"_s) {
         QProcess process;
@@ -181,10 +177,14 @@ struct LoginSwitchJourney : AccountJourney {
         env.insert(u"LANGUAGE"_s, language);
         process.setProcessEnvironment(env);
         const QString program = home.assembleBundle(trayProgram());
-        if (module)
-            QFile::remove(modulePath(program));
-        if (QFile file(modulePath(program)); module && !module->isEmpty() && file.open(QIODevice::WriteOnly))
-            file.write(*module);
+        QFile placed(QFileInfo(program).path() + u"/../Helpers/korvel-exchange"_s);
+        if (exchange)
+            placed.remove();
+        if (exchange && !exchange->isEmpty() && placed.open(QIODevice::WriteOnly)) {
+            placed.write(*exchange);
+            placed.setPermissions(QFile::ReadOwner | QFile::ExeOwner);
+            placed.close();
+        }
         process.start(program, QStringList{u"--login"_s} + arguments);
         process.write(input);
         process.closeWriteChannel();
@@ -215,12 +215,13 @@ TEST_F(LoginSwitchJourney, SignsInOnceAndSaysHowItWent) {
     EXPECT_EQ(output, "Can't establish a secure connection. Try another network.\n");
 }
 
-TEST_F(LoginSwitchJourney, WithoutTheModuleForServersItSaysThatItCannotConnect) {
-    for (const QByteArray &content : {""_ba, "no library"_ba}) {
-        module = content;
+TEST_F(LoginSwitchJourney, WithoutAProgramForServersItSaysThatItCannotConnect) {
+    for (const QByteArray &content : {""_ba, "no program"_ba, "#!/bin/sh\nhead -n 1; echo '{\"status\": 200}'\n"_ba,
+                                      "#!/bin/sh\nread task; cat /dev/zero\n"_ba}) {
+        exchange = content;
         EXPECT_EQ(login({ACCOUNT, home.accountServer()}, "open sesame\n"), 1);
         EXPECT_EQ(output, "Can't connect to the server. Try again later.\n");
-        EXPECT_EQ(errors.count("[internet]"), 1) << errors.toStdString();
+        EXPECT_EQ(errors.count("[net] korvel-exchange"), 1) << errors.toStdString();
         EXPECT_FALSE(errors.contains("sesame"));
     }
 }

@@ -21,10 +21,6 @@ public:
         ++count;
         client.send(std::move(request), std::move(done));
     }
-    void download(HttpRequest request, const QString &file, std::function<void(qint64, qint64)> progress,
-                  Done<HttpReply> done) override {
-        client.download(std::move(request), file, std::move(progress), std::move(done));
-    }
     int count = 0;
 
 private:

@@ -36,15 +36,9 @@ struct Listener {
     qsizetype requests(const QByteArray &method) const { return read.count(method + " /"); }
 };
 
-using MakeClient = std::unique_ptr<HttpClient> (*)(Scheduler &);
-
-std::unique_ptr<HttpClient> agentClient(Scheduler &) { return std::make_unique<LoopbackHttpClient>(); }
-std::unique_ptr<HttpClient> serverClient(Scheduler &scheduler) { return std::make_unique<CurlHttpClient>(scheduler); }
-
-/// What both clients do alike. The tray itself sends to the agent through the one and to servers through the other.
-struct HttpJourney : ::testing::TestWithParam<MakeClient> {
-    QtScheduler scheduler;
-    std::unique_ptr<HttpClient> client = GetParam()(scheduler);
+/// The client for the agent.
+struct HttpJourney : ::testing::Test {
+    std::unique_ptr<LoopbackHttpClient> client = std::make_unique<LoopbackHttpClient>();
     Listener agent;
 
     std::optional<Result<HttpReply>> send(const HttpRequest &request) {
@@ -66,9 +60,7 @@ struct HttpJourney : ::testing::TestWithParam<MakeClient> {
     }
 };
 
-struct AgentHttpJourney : HttpJourney {};
-
-TEST_P(HttpJourney, APostLeavesOnceWhenTheAgentReadsItAndDies) {
+TEST_F(HttpJourney, APostLeavesOnceWhenTheAgentReadsItAndDies) {
     // A connection kept open from a poll is where clients repeat a request by themselves.
     for (int i = 0; i < 20; ++i) {
         agent.read.clear();
@@ -80,14 +72,14 @@ TEST_P(HttpJourney, APostLeavesOnceWhenTheAgentReadsItAndDies) {
     }
 }
 
-TEST_P(HttpJourney, PollsShareOneConnection) {
+TEST_F(HttpJourney, PollsShareOneConnection) {
     agent.onRequest = [](QTcpSocket &s) { s.write("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\n{}"); };
     for (int i = 0; i < 5; ++i)
         ASSERT_TRUE(send(get(agent.url()))->ok());
     EXPECT_EQ(agent.connections, 1);
 }
 
-TEST_P(HttpJourney, ARedirectIsAnAnswerAndIsNotFollowed) {
+TEST_F(HttpJourney, ARedirectIsAnAnswerAndIsNotFollowed) {
     Listener elsewhere;
     elsewhere.onRequest = [](QTcpSocket &) {};
     agent.onRequest = [&](QTcpSocket &s) {
@@ -97,7 +89,7 @@ TEST_P(HttpJourney, ARedirectIsAnAnswerAndIsNotFollowed) {
     EXPECT_EQ(elsewhere.connections, 0);
 }
 
-TEST_P(HttpJourney, AProxyOfTheEnvironmentIsNotUsedForTheAgent) {
+TEST_F(HttpJourney, AProxyOfTheEnvironmentIsNotUsedForTheAgent) {
     Listener proxy;
     proxy.onRequest = [](QTcpSocket &s) { s.abort(); };
     qputenv("http_proxy", proxy.url(u""_s).toUtf8());
@@ -109,7 +101,7 @@ TEST_P(HttpJourney, AProxyOfTheEnvironmentIsNotUsedForTheAgent) {
     qunsetenv("all_proxy");
 }
 
-TEST_P(HttpJourney, TheTokenLeavesForNoOtherPlaceThanTheLoopbackAddress) {
+TEST_F(HttpJourney, TheTokenLeavesForNoOtherPlaceThanTheLoopbackAddress) {
     Listener other;
     other.onRequest = [](QTcpSocket &s) { s.abort(); };
     const QString port = QString::number(other.server.serverPort());
@@ -128,7 +120,7 @@ TEST_P(HttpJourney, TheTokenLeavesForNoOtherPlaceThanTheLoopbackAddress) {
     EXPECT_EQ(send(request)->error().kind, ErrorKind::InvalidRequest);
 }
 
-TEST_P(HttpJourney, TheDeadlineHoldsAgainstADripAndTheSizeAgainstAFlood) {
+TEST_F(HttpJourney, TheDeadlineHoldsAgainstADripAndTheSizeAgainstAFlood) {
     agent.onRequest = [](QTcpSocket &s) {
         s.write("HTTP/1.1 200 OK\r\nContent-Length: 1000\r\n\r\n");
         auto *drip = new QTimer(&s);
@@ -150,7 +142,7 @@ TEST_P(HttpJourney, TheDeadlineHoldsAgainstADripAndTheSizeAgainstAFlood) {
     EXPECT_EQ(send(get(url))->error().kind, ErrorKind::Unreachable);
 }
 
-TEST_P(HttpJourney, RequestsUnderWayAreToldWhenTheClientGoes) {
+TEST_F(HttpJourney, RequestsUnderWayAreToldWhenTheClientGoes) {
     agent.onRequest = [](QTcpSocket &) {};
     std::optional<ErrorKind> kind;
     client->send(get(agent.url()), Done<HttpReply>([&](Result<HttpReply> r) { kind = r.error().kind; }));
@@ -158,7 +150,7 @@ TEST_P(HttpJourney, RequestsUnderWayAreToldWhenTheClientGoes) {
     EXPECT_EQ(kind, ErrorKind::Dropped);
 }
 
-TEST_P(HttpJourney, APollThatFindsItsConnectionClosedIsAskedOnceMoreAndOnlyOnce) {
+TEST_F(HttpJourney, APollThatFindsItsConnectionClosedIsAskedOnceMoreAndOnlyOnce) {
     agent.onRequest = [](QTcpSocket &s) { s.write("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\n{}"); };
     ASSERT_TRUE(send(get(agent.url()))->ok());
     agent.onRequest = [&](QTcpSocket &s) {
@@ -182,7 +174,7 @@ TEST_P(HttpJourney, APollThatFindsItsConnectionClosedIsAskedOnceMoreAndOnlyOnce)
     EXPECT_EQ(agent.requests("GET"), 1);
 }
 
-TEST_P(HttpJourney, RequestsSideBySideGetTheirOwnAnswers) {
+TEST_F(HttpJourney, RequestsSideBySideGetTheirOwnAnswers) {
     QList<QTcpSocket *> asking;
     agent.onRequest = [&](QTcpSocket &s) {
         asking.append(&s);
@@ -201,7 +193,7 @@ TEST_P(HttpJourney, RequestsSideBySideGetTheirOwnAnswers) {
     EXPECT_EQ(statuses, (QList<int>{200, 201, 202}));
 }
 
-TEST_P(AgentHttpJourney, AnAnswerMaySendAgainAndEndTheClient) {
+TEST_F(HttpJourney, AnAnswerMaySendAgainAndEndTheClient) {
     agent.onRequest = [](QTcpSocket &s) { s.write("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\n{}"); };
     std::optional<ErrorKind> other;
     int answers = 0;
@@ -219,7 +211,7 @@ TEST_P(AgentHttpJourney, AnAnswerMaySendAgainAndEndTheClient) {
     QCoreApplication::processEvents();
 }
 
-TEST_P(AgentHttpJourney, ARefusedConnectionIsKnownAlsoWhenItsErrorHasBeenRead) {
+TEST_F(HttpJourney, ARefusedConnectionIsKnownAlsoWhenItsErrorHasBeenRead) {
     const QString url = agent.url();
     agent.server.close();
     std::optional<ErrorKind> kind;
@@ -233,7 +225,7 @@ TEST_P(AgentHttpJourney, ARefusedConnectionIsKnownAlsoWhenItsErrorHasBeenRead) {
     EXPECT_EQ(kind, ErrorKind::Unreachable);
 }
 
-TEST_P(AgentHttpJourney, AStrangersProgramGetsNothingAndAKeptConnectionIsNotLookedUp) {
+TEST_F(HttpJourney, AStrangersProgramGetsNothingAndAKeptConnectionIsNotLookedUp) {
     QList<quint16> lookedUp;
     QStringList lines;
     PortOwner owner = PortOwner::Stranger;
@@ -271,7 +263,7 @@ TEST_P(AgentHttpJourney, AStrangersProgramGetsNothingAndAKeptConnectionIsNotLook
     setLogSink({});
 }
 
-TEST_P(AgentHttpJourney, TheSystemKnowsWhoListens) {
+TEST_F(HttpJourney, TheSystemKnowsWhoListens) {
     EXPECT_EQ(portOwner(agent.server.serverPort()), PortOwner::Trusted);
     QTcpSocket bound; // and not listening
     ASSERT_TRUE(bound.bind(QHostAddress::LocalHost));
@@ -281,7 +273,7 @@ TEST_P(AgentHttpJourney, TheSystemKnowsWhoListens) {
     EXPECT_EQ(portOwner(wide.serverPort()), PortOwner::Trusted);
 }
 
-TEST_P(HttpJourney, ALongRequestArrivesWhole) {
+TEST_F(HttpJourney, ALongRequestArrivesWhole) {
     HttpRequest request = post();
     request.body = QByteArray(4 << 20, 'x'); // more than the system takes at once
     agent.onRequest = [&](QTcpSocket &s) {
@@ -290,10 +282,6 @@ TEST_P(HttpJourney, ALongRequestArrivesWhole) {
     };
     EXPECT_TRUE(send(request)->ok());
 }
-
-INSTANTIATE_TEST_SUITE_P(Agent, HttpJourney, ::testing::Values(&agentClient));
-INSTANTIATE_TEST_SUITE_P(Agent, AgentHttpJourney, ::testing::Values(&agentClient));
-INSTANTIATE_TEST_SUITE_P(Server, HttpJourney, ::testing::Values(&serverClient));
 
 } // namespace
 } // namespace korvel::test

@@ -53,6 +53,7 @@ EnvironmentScope::EnvironmentScope(const sim::SimulatedHome &home) : before(QPro
 EnvironmentScope::~EnvironmentScope() { become(before); }
 
 QString trayProgram() { return QStringLiteral(KORVEL_TRAY_PROGRAM); }
+QString exchangeProgram() { return QStringLiteral(KORVEL_EXCHANGE_PROGRAM); }
 
 Journey::Journey(int speed)
     : launchEnvironment{.preferredLanguages = {},
@@ -88,8 +89,8 @@ void Journey::configure(const QString &key, const QString &value) {
 }
 
 TrayPorts Journey::ports(HttpClient &client) {
-    return {scheduler, client, programs,  services,   desktop, item,
-            notices,   alerts, pairPanel, loginPanel, bundle,  home.agentProgram()};
+    return {scheduler, client,    servers,    programs, services,           desktop, item, notices,
+            alerts,    pairPanel, loginPanel, bundle,   home.agentProgram()};
 }
 
 void Journey::assembleBundle() {

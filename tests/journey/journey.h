@@ -1,8 +1,7 @@
 #pragma once
 
 #include "app/tray_app.h"
-#include "platform/curl_http_client.h"
-#include "platform/http_by_reach.h"
+#include "platform/exchange_client.h"
 #include "platform/loopback_http_client.h"
 #include "platform/qt_programs.h"
 #include "platform/qt_scheduler.h"
@@ -29,8 +28,9 @@ private:
     QProcessEnvironment before;
 };
 
-/// The tray program of this build.
+/// The tray program of this build, and the one that it reaches servers through.
 QString trayProgram();
+QString exchangeProgram();
 
 /// A TrayApp on real sockets, processes and files, in a home of its own whose agent is simulated. Its clock runs
 /// `speed` times as fast as the one on the wall, so that a test does not wait; time limits of programs and requests
@@ -47,9 +47,8 @@ struct Journey : ::testing::Test {
     Paths paths;
     QtPrograms programs;
     QtScheduler scheduler;
-    LoopbackHttpClient agentHttp;
-    CurlHttpClient serverHttp{scheduler};
-    HttpByReach http{agentHttp, serverHttp};
+    LoopbackHttpClient http;
+    ExchangeClient servers{programs, scheduler, exchangeProgram()};
     Launchctl services;
     ScriptedDesktop desktop;
     RecordedItem item;
@@ -70,7 +69,7 @@ struct Journey : ::testing::Test {
     QJsonObject cfg() const;
     /// Changes one key of it.
     void configure(const QString &key, const QString &value);
-    /// Everything that a TrayApp runs on, with `client` for its requests.
+    /// Everything that a TrayApp runs on, with `client` for the agent.
     TrayPorts ports(HttpClient &client);
     void launch();
     bool showsSoon(const QString &statusLine);

@@ -1,61 +1,56 @@
 #include "account/net_error.h"
 #include "account/server_api.h"
+#include "exchange/http_exchange.h"
+#include "journey/exchange_processes.h"
 #include "journey/journey.h"
 
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <QThread>
-#include <atomic>
+#include <csignal>
 
 using namespace Qt::StringLiterals;
 
 namespace korvel::test {
 namespace {
 
-/// A sign-in at the simulated account server through the tray's own client, down to the sentence.
+const QString OFFLINE = u"This Mac is offline. Connect to the internet and try again."_s;
+const QString NO_CONNECTION = u"Can't connect to the server. Try again later."_s;
+
+/// A sign-in at the simulated account server through korvel-exchange, down to the sentence.
 struct ServerJourney : Journey {
-    std::atomic<bool> offline = false;
-    QString proxy;
-    Network network{.isOffline = [this] { return offline.load(); },
-                    .proxyFor = [this](const QString &) { return proxy; },
-                    .authorities = home.authorityFile()};
     QString server;
-    QString otherUrl; ///< Instead of the one that the server's address makes.
 
     void SetUp() override {
         ASSERT_TRUE(home.startAccountServer());
         server = home.accountServer();
     }
-    QString signIn(std::chrono::milliseconds limit = std::chrono::seconds(10), std::chrono::milliseconds idle = {}) {
-        CurlHttpClient client(scheduler, network);
-        auto request = buildLogin(server, u"sam@example.com"_s, u"open sesame"_s, u"Mini"_s);
-        EXPECT_TRUE(request);
-        if (!otherUrl.isEmpty())
-            request->url = otherUrl;
-        request->timeout = limit;
-        request->idleTimeout = idle;
-        std::optional<QString> sentence;
-        client.send(*request, Done<HttpReply>([&](const Result<HttpReply> &reply) {
-            const auto answer = parseLogin(reply);
-            const auto *refusal = std::get_if<QString>(&answer);
-            sentence = refusal ? *refusal : u"signed in"_s;
-        }));
-        EXPECT_TRUE(eventually([&] { return sentence.has_value(); }));
-        return sentence.value_or(QString());
+    ServerRequest login() const { return *buildLogin(server, u"sam@example.com"_s, u"open sesame"_s, u"Mini"_s); }
+    static QString sentence(const Result<HttpReply> &reply) {
+        const auto answer = parseLogin(reply);
+        const auto *refusal = std::get_if<QString>(&answer);
+        return refusal ? *refusal : u"signed in"_s;
+    }
+    QString signIn(std::chrono::milliseconds limit = 10s, std::chrono::seconds slow = {}) {
+        ServerRequest request = login();
+        request.timeout = limit;
+        request.slowTimeout = slow;
+        std::optional<QString> said;
+        servers.send(request, Done<HttpReply>([&](const Result<HttpReply> &reply) { said = sentence(reply); }));
+        EXPECT_FALSE(said.has_value()); // never before send() returned
+        EXPECT_TRUE(eventually([&] { return said.has_value(); }));
+        return said.value_or(QString());
     }
     void setServer(const QJsonObject &section) { ASSERT_TRUE(home.setScenario({{u"server"_s, section}})); }
     void setFault(const QJsonObject &fault) { setServer({{u"faults"_s, QJsonObject{{u"*"_s, fault}}}}); }
 };
 
 TEST_F(ServerJourney, EveryFailureOnTheWayHasItsSentenceInBothLanguages) {
-    const std::pair<QString, QString> offlineText{u"This Mac is offline. Connect to the internet and try again."_s,
-                                                  u"这台 Mac 未连接网络，请连接后重试"_s};
+    const std::pair<QString, QString> offlineText{OFFLINE, u"这台 Mac 未连接网络，请连接后重试"_s};
     const std::pair<QString, QString> timedOut{u"The server timed out. Try again later."_s,
                                                u"服务器响应超时，请稍后重试"_s};
     const std::pair<QString, QString> insecure{u"Can't establish a secure connection. Try another network."_s,
                                                u"无法建立安全连接，请更换网络后重试"_s};
-    const std::pair<QString, QString> noConnection{u"Can't connect to the server. Try again later."_s,
-                                                   u"无法连接服务器，请稍后重试"_s};
+    const std::pair<QString, QString> noConnection{NO_CONNECTION, u"无法连接服务器，请稍后重试"_s};
     const std::pair<QString, QString> noSense{u"The server didn't respond correctly. Try again later."_s,
                                               u"服务器未正常响应，请稍后重试"_s};
     const auto fault = [](const QJsonObject &f) { return QJsonObject{{u"faults"_s, QJsonObject{{u"*"_s, f}}}}; };
@@ -75,6 +70,7 @@ TEST_F(ServerJourney, EveryFailureOnTheWayHasItsSentenceInBothLanguages) {
         {certificate(u"not-yet-valid"_s), insecure},
         {certificate(u"unknown-authority"_s), insecure},
         {certificate(u"wrong-host"_s), insecure},
+        {{{u"demandsCertificate"_s, true}}, insecure},
         {fault({{u"mode"_s, u"html"_s}}), noSense},
         {fault({{u"mode"_s, u"not-http"_s}}), noConnection},
         {fault({{u"mode"_s, u"huge"_s}, {u"bytes"_s, 3'000'000}}), noConnection},
@@ -87,23 +83,47 @@ TEST_F(ServerJourney, EveryFailureOnTheWayHasItsSentenceInBothLanguages) {
         const bool late = c.sentence == timedOut;
         for (const bool chinese : {false, true}) {
             const LanguageScope language(chinese);
-            EXPECT_EQ(signIn(std::chrono::milliseconds(late ? 300 : 10000)),
-                      chinese ? c.sentence.second : c.sentence.first);
+            EXPECT_EQ(signIn(late ? 500ms : 10s), chinese ? c.sentence.second : c.sentence.first);
         }
     }
 }
 
+TEST_F(ServerJourney, LessThanAKilobyteASecondIsTooSlow) {
+    setFault({{u"mode"_s, u"drip"_s}, {u"ms"_s, 20}});
+    QElapsedTimer clock;
+    clock.start();
+    EXPECT_EQ(signIn(1h, 1s), u"The server timed out. Try again later."_s);
+    EXPECT_LT(clock.elapsed(), 10'000);
+}
+
 TEST_F(ServerJourney, OnlyAMacWithoutNetworkIsCalledOffline) {
-    const QString offlineText = u"This Mac is offline. Connect to the internet and try again."_s;
+    bool offline = false;
+    const exchange::Network network{.isOffline = [&] { return offline; },
+                                    .proxyFor = [](const QByteArray &) { return QByteArray(); }};
+    const auto said = [&](const QString &url) {
+        return sentence(exchange::run({.request = {.url = url}}, network, [](const exchange::Progress &) {}));
+    };
     // A label longer than DNS allows is unknown without asking anybody.
-    otherUrl = u"https://"_s + QString(64, u'x') + u".example/"_s;
-    EXPECT_EQ(signIn(), u"Can't find the server. Check your network and try again."_s);
+    const QString unknown = u"https://"_s + QString(64, u'x') + u".example/"_s;
+    EXPECT_EQ(said(unknown), u"Can't find the server. Check your network and try again."_s);
     offline = true;
-    EXPECT_EQ(signIn(), offlineText);
+    EXPECT_EQ(said(unknown), OFFLINE);
     // This Mac can always be reached from itself.
     setServer({{u"refuse"_s, true}});
-    otherUrl.clear();
-    EXPECT_EQ(signIn(), u"Can't connect to the server. Try again later."_s);
+    EXPECT_EQ(said(u"https://"_s + server), NO_CONNECTION);
+}
+
+TEST_F(ServerJourney, NothingLeavesButOverHttps) {
+    for (const QString &url : {u"http://127.0.0.1:%1/x"_s.arg(home.port()), u"file:///etc/passwd"_s, u"https://"_s,
+                               u"https://127.0.0.1\r\nX: y"_s}) {
+        std::optional<ErrorKind> kind;
+        ServerRequest request{.url = url};
+        request.timeout = 10s;
+        servers.send(request, Done<HttpReply>([&](const Result<HttpReply> &reply) { kind = reply.error().kind; }));
+        EXPECT_TRUE(eventually([&] { return kind.has_value(); }));
+        EXPECT_EQ(kind, ErrorKind::InvalidRequest) << url.toStdString();
+    }
+    EXPECT_TRUE(home.requests().isEmpty());
 }
 
 TEST_F(ServerJourney, ARedirectOfAPostIsNotFollowed) {
@@ -119,7 +139,7 @@ TEST_F(ServerJourney, ARedirectOfAPostIsNotFollowed) {
     EXPECT_EQ(home.serverRequests().size(), 5);
 }
 
-TEST_F(ServerJourney, TheSystemsProxyIsAskedForInTheBackgroundAndToldNothingSecret) {
+TEST_F(ServerJourney, TheProxyOfTheEnvironmentIsUsedAndToldNothingSecretAndNoKeysAreLogged) {
     QTcpServer listener;
     ASSERT_TRUE(listener.listen(QHostAddress::LocalHost));
     QByteArray heard;
@@ -130,30 +150,69 @@ TEST_F(ServerJourney, TheSystemsProxyIsAskedForInTheBackgroundAndToldNothingSecr
             socket->write("HTTP/1.1 403 Forbidden\r\nContent-Length: 0\r\n\r\n");
         });
     });
-    std::atomic<int> inMain = 0, elsewhere = 0;
-    network.proxyFor = [&](const QString &) {
-        ++(QThread::currentThread() == QCoreApplication::instance()->thread() ? inMain : elsewhere);
-        return u"http://127.0.0.1:%1"_s.arg(listener.serverPort());
-    };
+    const QString keys = folder.filePath(u"keys"_s);
+    qputenv("SSLKEYLOGFILE", QFile::encodeName(keys));
+    EXPECT_EQ(signIn(), u"signed in"_s);
+    EXPECT_FALSE(QFile::exists(keys));
+    qputenv("https_proxy", "http://127.0.0.1:" + QByteArray::number(listener.serverPort()));
     server = u"account.example:443"_s;
-    EXPECT_EQ(signIn(), u"Can't connect to the server. Try again later."_s);
+    EXPECT_EQ(signIn(), NO_CONNECTION);
     EXPECT_TRUE(heard.startsWith("CONNECT account.example:443 ")) << heard.constData();
     EXPECT_FALSE(heard.contains("sesame"));
-    EXPECT_EQ(inMain, 0);
-    EXPECT_EQ(elsewhere, 1);
 }
 
-TEST_F(ServerJourney, ProxySettingsThatNeverAnswerEndAtTheDeadline) {
-    const auto go = std::make_shared<std::atomic<bool>>(false);
-    network.proxyFor = [go](const QString &) {
-        while (!*go)
-            QThread::msleep(1);
-        return QString();
-    };
-    const auto soon = std::chrono::milliseconds(200);
-    EXPECT_EQ(signIn(soon), u"The server timed out. Try again later."_s);
-    EXPECT_EQ(signIn(std::chrono::hours(6), soon), u"The server timed out. Try again later."_s);
-    *go = true;
+/// What becomes of korvel-exchange itself.
+struct ExchangeJourney : ServerJourney {
+    /// Sends a request that the server reads and never responds to, through `client`.
+    void sendToSilence(ServerClient &client, std::optional<Result<HttpReply>> &result) {
+        setFault({{u"mode"_s, u"silent"_s}});
+        ServerRequest request = login();
+        request.timeout = 1h;
+        client.send(request, Done<HttpReply>([&result](Result<HttpReply> r) { result.emplace(std::move(r)); }));
+        ASSERT_TRUE(eventually([&] { return home.serverRequests().size() == 1; }));
+        ASSERT_EQ(exchangesOf(::getpid()).size(), 1);
+    }
+};
+
+TEST_F(ExchangeJourney, OneThatIsKilledIsAFailureAndTheNextTryWorks) {
+    std::optional<Result<HttpReply>> result;
+    ASSERT_NO_FATAL_FAILURE(sendToSilence(servers, result));
+    const qint64 pid = exchangesOf(::getpid()).first();
+    QFile commandLine(u"/proc/%1/cmdline"_s.arg(pid));
+    ASSERT_TRUE(commandLine.open(QIODevice::ReadOnly));
+    EXPECT_EQ(commandLine.readAll(), QFile::encodeName(exchangeProgram()) + '\0'); // no secret is an argument
+    ::kill(static_cast<pid_t>(pid), SIGKILL);
+    ASSERT_TRUE(eventually([&] { return result.has_value(); }));
+    EXPECT_EQ(sentence(*result), NO_CONNECTION);
+    setServer({});
+    EXPECT_EQ(signIn(), u"signed in"_s);
+}
+
+TEST_F(ExchangeJourney, NoneIsLeftWhenNobodyWaitsForIt) {
+    std::optional<Result<HttpReply>> result;
+    auto client = std::make_unique<ExchangeClient>(programs, scheduler, exchangeProgram());
+    ASSERT_NO_FATAL_FAILURE(sendToSilence(*client, result));
+    client.reset();
+    ASSERT_TRUE(eventually([&] { return result.has_value(); }));
+    EXPECT_EQ(result->error().kind, ErrorKind::Dropped);
+    EXPECT_TRUE(exchangesOf(::getpid()).isEmpty());
+}
+
+TEST_F(ExchangeJourney, NoneIsLeftWhenTheTrayIsKilled) {
+    setFault({{u"mode"_s, u"silent"_s}});
+    QProcess tray;
+    QProcessEnvironment environment = home.environment();
+    environment.insert(u"KORVEL_TRAY_AUTOMATION"_s, u"1"_s);
+    tray.setProcessEnvironment(environment);
+    tray.start(home.assembleBundle(trayProgram()), {u"--login"_s, u"sam@example.com"_s, server});
+    tray.write("open sesame\n");
+    tray.closeWriteChannel();
+    ASSERT_TRUE(eventually([&] { return home.serverRequests().size() == 1; }));
+    const auto exchanges = exchangesOf(tray.processId());
+    ASSERT_EQ(exchanges.size(), 1);
+    tray.kill();
+    EXPECT_TRUE(tray.waitForFinished());
+    EXPECT_TRUE(eventually([&] { return !isRunning(exchanges.first()); }));
 }
 
 } // namespace

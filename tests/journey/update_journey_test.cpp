@@ -1,8 +1,8 @@
+#include "exchange/sha256.h"
 #include "journey/update_journey.h"
 #include "platform/log.h"
 #include "simulator/files.h"
 #include "support/full_disk.h"
-#include "update/sha256.h"
 
 #include <QJsonArray>
 

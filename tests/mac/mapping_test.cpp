@@ -1,4 +1,5 @@
 #include "app/system_parts.h"
+#include "exchange/system_network.h"
 #include "mac/native_fake.h"
 #include "platform/log.h"
 #include "platform/port_owner.h"
@@ -119,6 +120,22 @@ TEST_F(MacParts, LanguagesKeepTheirOrder) {
     EXPECT_EQ(preferredLanguages(), QStringList());
     mac.languages = "zh-Hans-CN\nen-US";
     EXPECT_EQ(preferredLanguages(), (QStringList{u"zh-Hans-CN"_s, u"en-US"_s}));
+}
+
+TEST_F(MacParts, TheSystemsProxyIsNamedAsLibcurlWritesIt) {
+    const auto proxy = [] { return exchange::systemProxyFor("https://a.example/"); };
+    EXPECT_EQ(proxy(), "");
+    mac.proxy = {.isHttp = true, .host = "p", .port = 8080};
+    EXPECT_EQ(proxy(), "http://p:8080");
+    mac.proxy = {.isSocks = true, .host = "s", .port = 1080};
+    EXPECT_EQ(proxy(), "socks5h://s:1080");
+    mac.proxy = {.script = "http://w/wpad.dat"};
+    mac.scriptProxy = {.isHttp = true, .host = "q", .port = 3128};
+    EXPECT_EQ(proxy(), "");
+    mac.takeCalls();
+    mac.script = "function";
+    EXPECT_EQ(proxy(), "http://q:3128");
+    EXPECT_EQ(mac.takeCalls(), (Calls{"get http://w/wpad.dat", "run function"}));
 }
 
 TEST_F(MacParts, ANoticeNeverActivatesTheTray) {

@@ -82,6 +82,16 @@ unsigned long long heldModifiers() { return fake().modifiers; }
 std::string computerName() { return fake().name; }
 std::string preferredLanguageLines() { return fake().languages; }
 
+Proxy proxyFor(const std::string &) { return fake().proxy; }
+Proxy proxyByScript(const std::string &script, const std::string &) {
+    note("run " + script);
+    return fake().scriptProxy;
+}
+std::string textAt(const std::string &url) {
+    note("get " + url);
+    return fake().script;
+}
+
 void makeNotice(void *) { note("notice"); }
 bool canPreventActivation(void *) { return fake().preventsActivation; }
 void preventActivation(void *) { note("prevents activation"); }

@@ -8,9 +8,8 @@ import struct
 import unittest
 from pathlib import Path
 
-from support import SOURCE, InFolder, WithTools, run
+from support import CMAKE, SOURCE, InFolder, WithTools, run
 
-CMAKE = os.environ['CMAKE']
 # What a release has to be given.
 OPERATOR = {'UPDATE_PUBKEY': 'eKxBsing+68IXEJsqtUDzy1sXDOPtetejb3Eq8NNGfg=', 'CN_SERVER': 'relay.korvel.cn:443',
             'INTL_SERVER': 'relay.korvel.com:443', 'INTL_ADDRESS_1': '8.8.8.8:443', 'INTL_ADDRESS_2': '8.8.4.4:443',
@@ -41,11 +40,11 @@ class Bundle(WithTools):
         self.ok(CMAKE, '--install', self.build, '--prefix', self.folder / 'to')
         app = self.folder / 'to' / 'Korvel.app' / 'Contents'
         files = {str(p.relative_to(app)) for p in app.rglob('*') if p.is_file()}
-        self.assertEqual(files, {'Info.plist', 'MacOS/korvel-tray', 'PlugIns/korvel-internet.so',
+        self.assertEqual(files, {'Info.plist', 'MacOS/korvel-tray', 'Helpers/korvel-exchange',
                                  'Resources/Korvel.icns', 'Resources/korvel-agent',
                                  'Resources/en.lproj/InfoPlist.strings', 'Resources/zh-Hans.lproj/InfoPlist.strings'})
         self.assertEqual([p.name for p in (self.folder / 'to').iterdir()], ['Korvel.app'])
-        for program in ['MacOS/korvel-tray', 'Resources/korvel-agent']:
+        for program in ['MacOS/korvel-tray', 'Helpers/korvel-exchange', 'Resources/korvel-agent']:
             self.assertEqual(stat.S_IMODE((app / program).stat().st_mode), 0o755, program)
         info = plistlib.loads((app / 'Info.plist').read_bytes())
         for key, value in {'CFBundleIdentifier': 'dev.korvel.tray', 'LSUIElement': True, 'NSHighResolutionCapable': True,

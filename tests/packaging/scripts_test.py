@@ -1,5 +1,6 @@
 """Tests of the scripts that sign a bundle, have a package notarised and look at one. Apple's tools that only a Mac has
 are fakes; what reads programs is LLVM's on Linux, under the names of Apple's."""
+import os
 import re
 import shutil
 import tempfile
@@ -7,7 +8,8 @@ import unittest
 from pathlib import Path
 from xml.etree import ElementTree
 
-from support import BOTH, ON_MAC, SOURCE, WithTools, llvm, mach_o
+from mach_o import BOTH, ON_MAC, llvm, mach_o
+from support import CMAKE, SOURCE, WithTools
 
 QT_CORE = 'QtCore.framework/Versions/A/QtCore'
 PLUGIN = 'PlugIns/platforms/libqcocoa.dylib'
@@ -94,22 +96,16 @@ def link(contents, architectures=BOTH):
     mach_o(contents / 'Resources/korvel-agent', architectures=architectures)
 
 
-class Inspect(WithTools):
+class WithPackage(WithTools):
     """A package as pkgutil lays it out, for the real template and the real script."""
-
-    @classmethod
-    def setUpClass(cls):
-        cls.linked = Path(tempfile.mkdtemp())
-        cls.addClassCleanup(shutil.rmtree, cls.linked)
-        link(cls.linked)
 
     def setUp(self):
         super().setUp()
         self.expanded = self.folder / 'expanded'
-        self.contents = self.expanded / 'Korvel-tray.pkg/Payload/Applications/Korvel.app/Contents'
+        self.payload = self.expanded / 'Korvel-tray.pkg/Payload'
+        self.contents = self.payload / 'Applications/Korvel.app/Contents'
         self.info = self.expanded / 'Korvel-tray.pkg/PackageInfo'
         self.distribution = self.expanded / 'Distribution'
-        self.lay()
         self.fake('pkgutil', f'cp -R "{self.expanded}" "$3"')
         self.fake('plutil', '')
         self.fake('codesign', '')
@@ -118,15 +114,9 @@ class Inspect(WithTools):
             for name in ['otool', 'lipo']:
                 (self.folder / 'bin' / name).symlink_to(llvm(f'llvm-{name}'))
 
-    def lay(self):
-        shutil.rmtree(self.expanded, ignore_errors=True)
-        shutil.copytree(self.linked, self.contents)
-        (self.contents / 'Info.plist').write_bytes(
-            b'<plist version="1.0"><dict><key>LSMinimumSystemVersion</key><string>14.0</string></dict></plist>')
-        self.info.write_text('<pkg-info><relocate/></pkg-info>')
-        self.tell(','.join(BOTH))
-
     def tell(self, architectures):
+        """Writes what the installer is told."""
+        self.info.write_text('<pkg-info><relocate/></pkg-info>')
         values = {'CPACK_KORVEL_ARCHITECTURES': architectures, 'CPACK_KORVEL_MINIMUM_SYSTEM': '14.0',
                   'CPACK_PACKAGEMAKER_CHOICES': '<choices-outline/>'}
         text = re.sub('@(\\w+)@', lambda match: values.get(match[1], match[1]),
@@ -138,6 +128,25 @@ class Inspect(WithTools):
         package = self.folder / name
         package.write_text('')
         return self.call('inspect', package)
+
+
+class Inspect(WithPackage):
+    @classmethod
+    def setUpClass(cls):
+        cls.linked = Path(tempfile.mkdtemp())
+        cls.addClassCleanup(shutil.rmtree, cls.linked)
+        link(cls.linked)
+
+    def setUp(self):
+        super().setUp()
+        self.lay()
+
+    def lay(self):
+        shutil.rmtree(self.expanded, ignore_errors=True)
+        shutil.copytree(self.linked, self.contents)
+        (self.contents / 'Info.plist').write_bytes(
+            b'<plist version="1.0"><dict><key>LSMinimumSystemVersion</key><string>14.0</string></dict></plist>')
+        self.tell(','.join(BOTH))
 
     def test_accepts_a_release_and_starts_it_on_each_processor_with_each_platform(self):
         done = self.look()
@@ -199,6 +208,26 @@ class Inspect(WithTools):
                 done = self.look('Korvel-1.2.0-trial-cn.pkg')
                 self.assertEqual(done.returncode, 0, done.stderr)
                 self.assertIn('a trial', done.stdout)
+
+
+class Linked(WithPackage):
+    """The build for macOS that tests/mac/link makes in the folder LINKED, in the steps of a Mac."""
+
+    def test_is_packed_signed_and_whole(self):
+        build = Path(os.environ['LINKED']).resolve()
+        (build / 'Korvel.app/Contents/Resources/Korvel.icns').write_text('')  # drawn by a program that cannot run here
+        tool = 'llvm-install-name-tool'
+        (self.folder / 'bin' / tool).symlink_to(llvm(tool))
+        self.ok(Path(CMAKE).with_name('cpack'), '--config', build / 'CPackConfig.cmake', '-G', 'TGZ', '-B', self.folder,
+                '-D', 'CPACK_ARCHIVE_COMPONENT_INSTALL=ON', '-D', 'CPACK_COMPONENTS_GROUPING=ALL_COMPONENTS_IN_ONE',
+                env=self.environment)
+        self.assertTrue({'korvel-agent', 'Korvel.app'} <= {Path(call).name for call in self.lines()}, self.lines())
+        (packed,) = self.folder.glob('Korvel-*-trial-cn.tar.gz')
+        self.payload.mkdir(parents=True)
+        self.ok('tar', '-xzf', packed, '-C', self.payload)
+        self.tell('arm64')
+        done = self.look(packed.name.replace('.tar.gz', '.pkg'))
+        self.assertEqual(done.returncode, 0, done.stderr)
 
 
 if __name__ == '__main__':

@@ -1,7 +1,7 @@
+#include "exchange/sha256.h"
 #include "journey/journey.h"
 #include "simulator/desktop/panel_probe.h"
 #include "soak/seed.h"
-#include "update/sha256.h"
 
 #include <QElapsedTimer>
 #include <QProcess>

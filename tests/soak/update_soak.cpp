@@ -1,6 +1,6 @@
+#include "exchange/sha256.h"
 #include "journey/update_journey.h"
 #include "soak/seed.h"
-#include "update/sha256.h"
 
 #include <QElapsedTimer>
 #include <QProcess>

@@ -11,6 +11,7 @@
 #include "platform/notice_panel.h"
 #include "platform/pair_panel.h"
 #include "platform/programs.h"
+#include "platform/server_client.h"
 #include "platform/status_item.h"
 #include "service/service_control.h"
 #include "status/icon_view.h"
@@ -18,7 +19,9 @@
 #include "ui/menu_entry.h"
 #include "ui/notice_view.h"
 
+#include <QCryptographicHash>
 #include <QDir>
+#include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTemporaryDir>
@@ -83,14 +86,55 @@ public:
     void installJobFile() const { write(paths.agentPlist, "<plist/>"); }
 };
 
-/// An HttpClient whose answers the test gives: at once, late, out of order, never.
-class ScriptedHttp final : public HttpClient {
+/// The agent and all servers, whose answers the test gives: at once, late, out of order, never.
+class ScriptedHttp final : public HttpClient, public ServerClient {
 public:
+    struct Request : HttpRequest {
+        bool isForServer = false;
+    };
     struct Sent {
-        HttpRequest request;
+        Request request;
         Done<HttpReply> done;
     };
-    void send(HttpRequest request, Done<HttpReply> done) override {
+    void send(HttpRequest request, Done<HttpReply> done) override { take({std::move(request)}, std::move(done)); }
+    void send(ServerRequest request, Done<HttpReply> done) override {
+        Request common{{request.method, request.url, request.headers, request.body}, true};
+        common.timeout = request.timeout;
+        common.maxBytes = request.maxBytes;
+        lastForServer = std::move(request);
+        take(std::move(common), std::move(done));
+    }
+    void download(ServerRequest request, const QString &file, std::function<void(qint64, qint64)> progress,
+                  Done<HttpReply> done) override {
+        downloadTo = file;
+        onProgress = std::move(progress);
+        send(std::move(request), std::move(done));
+    }
+    void hash(const QString &file, Done<QString> done) override {
+        QFile content(file);
+        if (!content.open(QIODevice::ReadOnly))
+            return done(Error{ErrorKind::UnreadableAnswer, {}});
+        done(QString::fromLatin1(QCryptographicHash::hash(content.readAll(), QCryptographicHash::Sha256).toHex()));
+    }
+    void verify(const SignatureProof &proof, Done<bool> done) override { done(verdict(proof)); }
+    /// Answers the request number `index` of those that are open.
+    void reply(size_t index, Result<HttpReply> result) {
+        Sent sent = std::move(open.at(index));
+        open.erase(open.begin() + static_cast<std::ptrdiff_t>(index));
+        sent.done(std::move(result));
+    }
+    std::function<Result<HttpReply>(const Request &)> answer; ///< Where set, every request is answered at once.
+    std::function<Result<bool>(const SignatureProof &)> verdict = [](const SignatureProof &) { return true; };
+    std::deque<Sent> open;
+    Request last;
+    ServerRequest lastForServer;
+    int count = 0;
+    QStringList paths;
+    QString downloadTo; ///< The file of the last download, which the test writes.
+    std::function<void(qint64, qint64)> onProgress;
+
+private:
+    void take(Request request, Done<HttpReply> done) {
         ++count;
         last = request;
         paths.append(QUrl(request.url).path());
@@ -98,25 +142,6 @@ public:
             return done(answer(request));
         open.push_back({std::move(request), std::move(done)});
     }
-    void download(HttpRequest request, const QString &file, std::function<void(qint64, qint64)> progress,
-                  Done<HttpReply> done) override {
-        downloadTo = file;
-        onProgress = std::move(progress);
-        send(std::move(request), std::move(done));
-    }
-    /// Answers the request number `index` of those that are open.
-    void reply(size_t index, Result<HttpReply> result) {
-        Sent sent = std::move(open.at(index));
-        open.erase(open.begin() + static_cast<std::ptrdiff_t>(index));
-        sent.done(std::move(result));
-    }
-    std::function<Result<HttpReply>(const HttpRequest &)> answer; ///< Where set, every request is answered at once.
-    std::deque<Sent> open;
-    HttpRequest last;
-    int count = 0;
-    QStringList paths;
-    QString downloadTo; ///< The file of the last download, which the test writes.
-    std::function<void(qint64, qint64)> onProgress;
 };
 
 inline Result<HttpReply> json(const QByteArray &body) { return HttpReply{200, body}; }

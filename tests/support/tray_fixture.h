@@ -42,8 +42,8 @@ struct TrayFixture : ::testing::Test {
     }
     void makeTray() {
         tray = std::make_unique<TrayApp>(home.fixed, home.paths,
-                                         TrayPorts{scheduler, http, programs, services, desktop, item, notices, alerts,
-                                                   pairPanel, loginPanel, home.home(),
+                                         TrayPorts{scheduler, http, http, programs, services, desktop, item, notices,
+                                                   alerts, pairPanel, loginPanel, home.home(),
                                                    QStringLiteral("/opt/korvel-agent")});
     }
     void launch() {

@@ -57,8 +57,8 @@ struct AccountTest : TrayFixture {
     void TearDown() override { setLogSink({}); }
     void SetUp() override {
         setLogSink([this](const QString &line) { logged.append(line); });
-        http.answer = [this](const HttpRequest &r) -> Result<HttpReply> {
-            if (r.reach == Reach::Loopback)
+        http.answer = [this](const ScriptedHttp::Request &r) -> Result<HttpReply> {
+            if (!r.isForServer)
                 return json(ONLINE);
             const bool isLogin = r.url.endsWith(u"/login");
             QString line = r.url.mid(8);
@@ -284,7 +284,7 @@ TEST_F(AccountTest, ASignInForgetsThatTheLastOneWasLost) {
     home.writeConfig(R"({"agentToken":"old","username":"bob","localToken":"secret"})");
     services.loaded = true;
     const auto servers = http.answer;
-    http.answer = [&](const HttpRequest &r) { return r.reach == Reach::Loopback ? json(SIGNED_OUT) : servers(r); };
+    http.answer = [&](const auto &r) { return r.isForServer ? servers(r) : json(SIGNED_OUT); };
     launch();
     ASSERT_TRUE(health().authDead);
     http.answer = nullptr; // a poll is asked before the sign-in and answered after it
@@ -401,16 +401,15 @@ TEST_F(AccountTest, ASignOutAsksNoServerOfAnotherEditionAndForgetsWhatTheAgentSa
     home.writeConfig(R"({"agentToken":"t","server":"intl.example","localToken":"secret"})");
     home.installJobFile();
     const auto servers = http.answer;
-    http.answer = [&](const HttpRequest &r) {
-        return r.reach == Reach::Loopback ? json(R"({"ok":true,"authDead":true,"e2ee":{"state":"active"}})")
-                                          : servers(r);
+    http.answer = [&](const auto &r) {
+        return r.isForServer ? servers(r) : json(R"({"ok":true,"authDead":true,"e2ee":{"state":"active"}})");
     };
     launch();
     const auto isEncrypted = [this] {
         return std::ranges::any_of(item.menu.entries, [](const MenuEntry &e) { return e.title.startsWith(u"🔒"); });
     };
     EXPECT_TRUE(isEncrypted());
-    http.answer = [&](const HttpRequest &r) { return r.reach == Reach::Loopback ? noAnswer() : servers(r); };
+    http.answer = [&](const auto &r) { return r.isForServer ? servers(r) : noAnswer(); };
     signOut();
     EXPECT_EQ(sent, QStringList{u"cn.example:443/v1/agents/unbind Bearer t"_s});
     EXPECT_FALSE(health().authDead);

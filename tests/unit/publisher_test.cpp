@@ -1,8 +1,9 @@
+#include "exchange/ed25519.h"
+#include "exchange/sha256.h"
 #include "publisher/manifest_file.h"
 #include "publisher/release.h"
 #include "publisher/signing_key.h"
 #include "update/manifest.h"
-#include "update/sha256.h"
 #include "update/signature.h"
 
 #include <QDir>
@@ -84,7 +85,8 @@ TEST_F(PublisherTest, SignsAsThePublishedVectorsDo) {
 
         UpdateInfo info{.ver = u"2.0"_s, .file = u"a.pkg"_s, .sha = QString(64, u'0')};
         info.sig = signatureOf(known, info);
-        EXPECT_TRUE(updateSignatureValid(trayWith(u"cn"_s, publicKey, {}), info));
+        const auto proof = updateSignature(trayWith(u"cn"_s, publicKey, {}), info);
+        EXPECT_TRUE(proof && ed25519Valid(*proof));
     }
     EXPECT_FALSE(SigningKey::fromSeed(QByteArray(31, 'x')));
 }
@@ -209,6 +211,7 @@ TEST_F(PublisherTest, TheProgramMakesSignsAndVerifiesAndLeavesTheManifestWhenItR
     EXPECT_EQ(verify(u"intl"_s, u"1.9"_s, cn), 1);
     EXPECT_EQ(verify(u"else"_s, u"1.9"_s, cn), 2);
 
+    EXPECT_FALSE(readManifest(write(u"large"_s, QByteArray((1 << 20) + 1, ' ')))) << "more than a tray reads";
     write(u"manifest"_s, "[]");
     EXPECT_EQ(sign(u"3.0"_s, {cn}), 1);
     EXPECT_EQ(readManifest(manifest).value(), "[]") << "what is no manifest is not replaced";

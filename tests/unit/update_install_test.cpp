@@ -1,3 +1,4 @@
+#include "exchange/ed25519.h"
 #include "support/signing.h"
 #include "support/tray_fixture.h"
 #include "update/signature.h"
@@ -26,6 +27,7 @@ struct UpdateTest : TrayFixture {
         home.fixed = makeFixedConfig(deployment, environment);
         offer(u"2.0"_s);
         installAndBind();
+        http.verdict = ed25519Valid;
         http.answer = [this](const HttpRequest &r) {
             return r.url.endsWith(u"/v1/dl/manifest") ? json(manifest) : json(ONLINE);
         };

@@ -42,6 +42,24 @@ typedef unsigned int AEEventID;
 enum : AEEventClass { kCoreEventClass = 'aevt' };
 enum : AEEventID { kAEReopenApplication = 'rapp' };
 
+// corefoundation/cfstring, cfurl, cfarray, cfdictionary, cferror; foundation/cfbridgingrelease(_:)
+typedef const void *CFTypeRef;
+typedef const struct __CFString *CFStringRef;
+typedef const struct __CFURL *CFURLRef;
+typedef const struct __CFArray *CFArrayRef;
+typedef const struct __CFDictionary *CFDictionaryRef;
+typedef struct __CFError *CFErrorRef;
+id CFBridgingRelease(CFTypeRef __attribute__((cf_consumed)) object);
+
+// cfnetwork/cfnetworkcopysystemproxysettings(), cfnetworkcopyproxiesforurl(_:_:),
+// cfnetworkcopyproxiesforautoconfigurationscript(_:_:_:), cfnetwork/property-keys
+CFDictionaryRef CFNetworkCopySystemProxySettings(void);
+CFArrayRef CFNetworkCopyProxiesForURL(CFURLRef url, CFDictionaryRef proxySettings);
+CFArrayRef CFNetworkCopyProxiesForAutoConfigurationScript(CFStringRef proxyAutoConfigurationScript, CFURLRef targetURL,
+                                                          CFErrorRef *error);
+extern "C" const CFStringRef kCFProxyTypeKey, kCFProxyTypeHTTP, kCFProxyTypeHTTPS, kCFProxyTypeSOCKS,
+    kCFProxyHostNameKey, kCFProxyPortNumberKey, kCFProxyAutoConfigurationURLKey;
+
 // os/os_log_default, os/os_log
 #define OS_LOG_DEFAULT static_cast<void *>(nullptr)
 void os_log(void *log, const char *format, ...);

@@ -1,4 +1,4 @@
-#include "update/ed25519.h"
+#include "exchange/ed25519.h"
 
 #include <memory>
 #include <openssl/evp.h>
@@ -15,7 +15,8 @@ const unsigned char *bytesOf(const QByteArray &bytes) {
 
 } // namespace
 
-bool ed25519Valid(const QByteArray &rawKey, const QByteArray &signature, const QByteArray &message) {
+bool ed25519Valid(const SignatureProof &proof) {
+    const auto &[rawKey, signature, message] = proof;
     if (signature.size() != SIGNATURE_BYTES)
         return false;
     const std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)> key(

@@ -1,4 +1,4 @@
-#include "update/sha256.h"
+#include "exchange/sha256.h"
 
 #include "platform/private_file.h"
 

@@ -1,0 +1,99 @@
+// korvel-exchange: does one thing that the tray asks for and ends. Reads one line of JSON from standard input and
+// prints JSON lines, the last of which says what it came to (messages.h). Ends at once when standard input does:
+// whoever started it has gone.
+
+#include "exchange/ed25519.h"
+#include "exchange/limits.h"
+#include "exchange/sha256.h"
+#include "exchange/system_network.h"
+
+#include <QElapsedTimer>
+#include <cerrno>
+#include <csignal>
+#include <thread>
+#include <unistd.h>
+
+using namespace korvel;
+using namespace korvel::exchange;
+
+namespace {
+
+constexpr qint64 PROGRESS_INTERVAL = 100; // milliseconds
+
+/// What one read gives; 0 at the end.
+size_t readSome(char *buffer, size_t size) {
+    ssize_t got = 0;
+    do
+        got = ::read(STDIN_FILENO, buffer, size);
+    while (got < 0 && errno == EINTR);
+    return got > 0 ? static_cast<size_t>(got) : 0;
+}
+
+/// The first line of standard input; empty when it is too long.
+QByteArray readTask() {
+    QByteArray line;
+    char buffer[4096];
+    while (!line.contains('\n')) {
+        const size_t got = readSome(buffer, sizeof buffer);
+        if (got == 0)
+            ::_exit(EXIT_FAILURE);
+        line.append(buffer, static_cast<qsizetype>(got));
+        if (line.size() > MAX_TASK)
+            return {};
+    }
+    return line;
+}
+
+void endWithStandardInput() {
+    char buffer[64];
+    while (readSome(buffer, sizeof buffer) > 0) {
+    }
+    ::_exit(EXIT_FAILURE);
+}
+
+void print(const Line &line) {
+    const QByteArray text = toJson(line);
+    for (qsizetype written = 0; written < text.size();) {
+        const ssize_t n =
+            ::write(STDOUT_FILENO, text.constData() + written, static_cast<size_t>(text.size() - written));
+        if (n < 0 && errno != EINTR)
+            ::_exit(EXIT_FAILURE);
+        written += std::max<ssize_t>(n, 0);
+    }
+}
+
+/// What a result is as a line.
+template <class Value>
+Line lineOf(Result<Value> result) {
+    return result ? Line(std::move(result.value())) : Line(result.error());
+}
+
+Line perform(const HttpTask &task) {
+    QElapsedTimer sinceLast;
+    return lineOf(run(task, systemNetwork(), [&sinceLast](const Progress &progress) {
+        if (sinceLast.isValid() && sinceLast.elapsed() < PROGRESS_INTERVAL)
+            return;
+        sinceLast.start();
+        print(progress);
+    }));
+}
+
+Line perform(const HashTask &task) {
+    const auto sha = sha256File(task.file);
+    return sha ? Line(Hash{*sha}) : Line(Error{ErrorKind::UnreadableAnswer, QStringLiteral("no readable file")});
+}
+
+Line perform(const SignatureProof &proof) { return Verdict{ed25519Valid(proof)}; }
+
+} // namespace
+
+int main() {
+    giveUpRights();
+    std::signal(SIGPIPE, SIG_IGN); // of connections
+    std::signal(SIGXFSZ, SIG_IGN); // a disk's limit is a failed write
+    const auto task = parseTask(readTask());
+    std::thread(endWithStandardInput).detach();
+    print(task ? std::visit([](const auto &t) { return perform(t); }, *task)
+               : Line(Error{ErrorKind::InvalidRequest, QStringLiteral("no task")}));
+    ::_exit(EXIT_SUCCESS); // the thread that waits for the end of standard input is not waited for
+}

@@ -1,0 +1,1 @@
+#include "apple_additions.h"
