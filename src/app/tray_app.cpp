@@ -39,7 +39,8 @@ TrayApp::TrayApp(const FixedConfig &f, const Paths &pa, const TrayPorts &p)
       loginDialog(fixed, config, p.desktop, p.alerts, loginDialogHooks()),
       signOut(state, fixed, config, configWaiter, api, p.alerts, p.services, p.scheduler, signOutHooks()),
       updateCheck(state.update, fixed, config, p.servers, p.scheduler, checkHooks()),
-      updateInstall(state.update, fixed, paths, config, p.servers, p.programs, p.desktop, p.scheduler, installHooks()) {}
+      updateInstall(state.update, fixed, paths, config, p.servers, p.programs, p.desktop, p.scheduler, installHooks()) {
+}
 
 std::function<void(const Notice &)> TrayApp::showHUD() {
     return [this](const Notice &notice) { notices.showHUD(notice); };

@@ -10,8 +10,8 @@
 
 namespace korvel {
 
-/// The most bytes of a response that holds JSON. Nested as deep as Qt's parser goes, so many take it about 40 MiB and 50
-/// ms of the main thread.
+/// The most bytes of a response that holds JSON. Nested as deep as Qt's parser goes, so many take it about 40 MiB and
+/// 50 ms of the main thread.
 constexpr qint64 MAX_RESPONSE = 512 << 10;
 
 struct HttpRequest {

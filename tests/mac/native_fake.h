@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/native_sockets_mac.h"
 #include "exchange/native_proxy_mac.h"
+#include "platform/native_sockets_mac.h"
 
 #include <functional>
 #include <map>
@@ -25,7 +25,7 @@ struct Fake {
     bool preventsActivation = false;
     std::function<void()> reopen;
     std::map<int, std::vector<TcpSocket>> sockets; ///< By process; a socket's descriptor is its place.
-    Proxy proxy, scriptProxy; ///< By the settings, and by the script whose text is `script`.
+    Proxy proxy, scriptProxy;                      ///< By the settings, and by the script whose text is `script`.
     std::string script;
 
     /// The calls since the last time.
