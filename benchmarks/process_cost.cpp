@@ -41,7 +41,10 @@ Used usedBy(qint64 pid) {
 
 Held heldBy(qint64 pid) {
     const QByteArray rollup = content(u"/proc/%1/smaps_rollup"_s.arg(pid));
-    return {.pss = valueOf(rollup, "Pss:"), .privateDirty = valueOf(rollup, "Private_Dirty:")};
+    Held held{.pss = valueOf(rollup, "Pss:"), .privateDirty = valueOf(rollup, "Private_Dirty:")};
+    for (const QString &other : QDir(u"/proc"_s).entryList({u"[0-9]*"_s}, QDir::Dirs))
+        held.sharers += other.toLongLong() != pid && content(u"/proc/%1/maps"_s.arg(other)).contains("libQt6Widgets");
+    return held;
 }
 
 } // namespace korvel::bench

@@ -15,6 +15,7 @@ Used usedBy(qint64 pid);
 struct Held {
     qint64 pss = 0;
     qint64 privateDirty = 0;
+    int sharers = 0; ///< Other programs with Qt's widgets: they make its share of that library's pages smaller.
 };
 Held heldBy(qint64 pid);
 

@@ -8,8 +8,10 @@
 #include "exchange/system_network.h"
 
 #include <QElapsedTimer>
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <thread>
 #include <unistd.h>
 

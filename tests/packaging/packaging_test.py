@@ -35,6 +35,11 @@ class Bundle(WithTools):
         return run(cpack, '--config', self.build / 'CPackConfig.cmake', '-B', self.folder / 'packages', *settings,
                    cwd=self.build, env=self.environment)
 
+    def test_the_tray_links_nothing_that_talks_to_the_internet(self):
+        linked = self.ok('ldd', Path(os.environ['APP']) / 'Contents/MacOS/korvel-tray')
+        self.assertIn('libQt6Widgets', linked)
+        self.assertNotRegex(linked, 'lib(curl|ssl|crypto|gnutls|Qt6Network)')
+
     def test_holds_what_macos_and_the_tray_look_for(self):
         self.configure('-DCMAKE_OSX_DEPLOYMENT_TARGET=15.1')
         self.ok(CMAKE, '--install', self.build, '--prefix', self.folder / 'to')

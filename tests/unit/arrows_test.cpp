@@ -81,14 +81,6 @@ TEST(Arrows, RulesAndFeaturesKnowNoWidgetNoSocketAndNoBus) {
         }
 }
 
-TEST(Arrows, TheTrayKnowsNoLibraryThatTalksToTheInternet) {
-    static const QRegularExpression LIBRARY(u"^(curl/|openssl/|Q(Network|Tcp|Ssl))"_s);
-    for (QDirIterator it(SOURCES, {u"*.h"_s, u"*.cpp"_s}, QDir::Files, QDirIterator::Subdirectories); it.hasNext();) {
-        const QString path = it.next();
-        EXPECT_EQ(violation(QDir(SOURCES).relativeFilePath(path), includesOf(path), LIBRARY).toStdString(), "");
-    }
-}
-
 TEST(Arrows, WidgetsKnowNoPlatformImplementationAndNoFeature) {
     const QSet<QString> platform = sourcesOf(u"korvel_platform"_s);
     const auto features = featureHeaders();
