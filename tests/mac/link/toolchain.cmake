@@ -15,10 +15,12 @@ foreach(language IN ITEMS CXX OBJCXX)
     set(CMAKE_${language}_COMPILER_ID Clang)
     set(CMAKE_${language}_COMPILER_VERSION 16.0.6)
     set(CMAKE_${language}_STANDARD_COMPUTED_DEFAULT 17)
+    # Else no search paths for libraries: CMake asks the system that it runs on whether it is new enough for them.
+    set(CMAKE_SHARED_LIBRARY_RUNTIME_${language}_FLAG -Wl,-rpath,)
     # macOS 13 is the newest whose headers zig has.
     set(CMAKE_${language}_FLAGS_INIT "-target aarch64-macos.13.0 -g0 -fno-sanitize=all -Werror")
     set(CMAKE_${language}_LINK_EXECUTABLE "clang -target arm64-apple-macos${CMAKE_OSX_DEPLOYMENT_TARGET} -fuse-ld=lld \
--nostdlib -Wl,--error-limit=0 -F${tools}/stubs -L${tools}/stubs <OBJECTS> -o <TARGET> <LINK_LIBRARIES> -lc++ -lobjc -lSystem")
+-nostdlib -Wl,-headerpad_max_install_names -Wl,--error-limit=0 -F${tools}/stubs -L${tools}/stubs <OBJECTS> -o <TARGET> <LINK_LIBRARIES> -lc++ -lobjc -lSystem")
 endforeach()
 string(APPEND CMAKE_OBJCXX_FLAGS_INIT " -Wno-unused-command-line-argument -Wno-unused-parameter -I${tools}/objc \
 -isystem /usr/include/GNUstep -isystem ${CMAKE_CURRENT_LIST_DIR}/../headers -include apple_additions.h")
