@@ -62,10 +62,4 @@ extern "C" const CFStringRef kCFProxyTypeKey, kCFProxyTypeHTTP, kCFProxyTypeHTTP
 
 // os/os_log_default, os/os_log
 #define OS_LOG_DEFAULT static_cast<void *>(nullptr)
-void os_log(void *log, const char *format, ...);
-
-// Not Apple's: what doc.qt.io/qt-6/qmenu.html says of toNSMenu on macOS.
-class QMenu {
-public:
-    NSMenu *toNSMenu();
-};
+extern "C" void os_log(void *log, const char *format, ...);
