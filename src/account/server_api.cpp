@@ -33,6 +33,8 @@ std::optional<HttpRequest> buildServerRequest(const QString &server, const QStri
         return std::nullopt;
     HttpRequest request;
     request.url = url.toString(QUrl::FullyEncoded);
+    if (!ACCEPT_LANGUAGE.isEmpty())
+        request.headers.emplace_back("Accept-Language", ACCEPT_LANGUAGE);
     request.timeout = timeout;
     request.maxBytes = 1 << 20;
     request.reach = Reach::Server;

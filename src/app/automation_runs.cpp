@@ -6,7 +6,7 @@
 #include "app/automation_render.h"
 #include "app/bundle.h"
 #include "app/deployment.h"
-#include "platform/desktop_qt.h"
+#include "app/system_parts.h"
 #include "platform/internet.h"
 #include "platform/json_values.h"
 #include "platform/plain_text.h"
@@ -29,10 +29,12 @@ namespace korvel {
 
 namespace {
 
-/// One line of standard input without its end; empty when there is none.
+/// One line of standard input without its end, LF or CR LF; empty when there is none.
 QByteArray readLine() {
     std::string line;
     std::getline(std::cin, line);
+    if (line.ends_with('\r'))
+        line.pop_back();
     return QByteArray::fromStdString(line);
 }
 
@@ -76,16 +78,16 @@ int runLogin(const FixedConfig &config, const Paths &paths) {
     QtPrograms programs(standInRoot());
     Launchctl services(programs, paths.uid);
     QtScheduler scheduler; // its destructor waits for a repair that still uses both
-    DesktopQt desktop(programs, !standInRoot().isEmpty());
+    const auto desktop = makeDesktop(programs, !standInRoot().isEmpty());
     const auto http = makeServerClient(scheduler);
     TrayState state;
     const AgentCommand command(programs, scheduler, bundlePath(), std::nullopt);
     Repair repair(state, config, paths, command, programs, scheduler,
                   {.render = [] {}, .poll = [](const auto &then) { then(); }, .showHUD = [](const Notice &) {}});
-    AgentControl agent(state, config, paths, agentConfig, services, programs, desktop, scheduler,
+    AgentControl agent(state, config, paths, agentConfig, services, programs, *desktop, scheduler,
                        {.showHUD = [](const Notice &) {}, .repairService = [&repair] { repair.repairService({}); }});
     Binding binding(
-        state.health, config, agentConfig, *http, desktop,
+        state.health, config, agentConfig, *http, *desktop,
         {.restartAgent = [&agent](auto then) { agent.restartAgent(std::move(then)); }, .disregardOpenPolls = [] {}});
     int status = 1;
     QTimer::singleShot(0, [&] {

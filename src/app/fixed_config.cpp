@@ -3,12 +3,26 @@
 #include "platform/preferred_languages.h"
 
 #include <QDir>
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
 namespace korvel {
 
 namespace {
+constexpr qsizetype MAX_LANGUAGES = 10; // the eleventh would have quality 0, which means "not this one"
+constexpr qsizetype MAX_LANGUAGE_LETTERS = 8;
+constexpr qsizetype MAX_LANGUAGE_LENGTH = 35;
+
+/// Whether a header may name `language`: subtags of ASCII letters and digits, joined by "-", the first one the name of
+/// a language. What systems call their neutral language ("C") is none.
+bool isLanguageTag(const QString &language) {
+    const qsizetype name = language.indexOf(u'-') < 0 ? language.size() : language.indexOf(u'-');
+    const auto isOfTag = [](QChar c) { return c == u'-' || (c.unicode() < 128 && c.isLetterOrNumber()); };
+    return name >= 2 && name <= MAX_LANGUAGE_LETTERS && language.size() <= MAX_LANGUAGE_LENGTH &&
+           std::all_of(language.begin(), language.end(), isOfTag);
+}
+
 std::optional<QString> environmentValue(const char *name) {
     if (!qEnvironmentVariableIsSet(name))
         return std::nullopt;
@@ -20,9 +34,21 @@ bool prefersChinese(const QStringList &preferredLanguages) {
     return !preferredLanguages.isEmpty() && preferredLanguages.first().startsWith(u"zh", Qt::CaseInsensitive);
 }
 
+QByteArray acceptLanguage(const QStringList &preferredLanguages) {
+    QStringList named;
+    for (const QString &language : preferredLanguages)
+        if (named.size() < MAX_LANGUAGES && isLanguageTag(language) && !named.contains(language, Qt::CaseInsensitive))
+            named.append(language);
+    QByteArray value;
+    for (qsizetype i = 0; i < named.size(); ++i)
+        value += i == 0 ? named[i].toLatin1() : ", " + named[i].toLatin1() + ";q=0." + QByteArray::number(10 - i);
+    return value;
+}
+
 FixedConfig makeFixedConfig(const Deployment &deployment, const LaunchEnvironment &environment) {
     FixedConfig config;
     config.ZH = prefersChinese(environment.preferredLanguages);
+    config.ACCEPT_LANGUAGE = acceptLanguage(environment.preferredLanguages);
     config.EDITION = deployment.edition;
     config.EDITION_MARK = u"korvel-tray-edition="_s + deployment.edition;
     config.IS_CN = deployment.edition == u"cn";

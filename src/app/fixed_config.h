@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QMap>
 #include <QString>
 #include <QStringList>
@@ -28,9 +29,10 @@ struct LaunchEnvironment {
 
 /// Values settled once in the entry point and never changed afterwards.
 struct FixedConfig {
-    bool ZH = false;      ///< Language of every text; does not depend on the edition.
-    QString EDITION;      ///< "cn" or "intl", a key of OFFICIAL_SERVERS
-    QString EDITION_MARK; ///< Tells a build's edition from its log.
+    bool ZH = false;            ///< Language of every text; does not depend on the edition.
+    QByteArray ACCEPT_LANGUAGE; ///< The user's languages, as requests to servers name them.
+    QString EDITION;            ///< "cn" or "intl", a key of OFFICIAL_SERVERS
+    QString EDITION_MARK;       ///< Tells a build's edition from its log.
     bool IS_CN = false;
     QString DEFAULT_SERVER; ///< host:port
     QString SITE_URL;
@@ -47,6 +49,10 @@ struct FixedConfig {
 
 /// Whether texts are Chinese for this list of preferred languages.
 bool prefersChinese(const QStringList &preferredLanguages);
+
+/// The user's languages as the value of an Accept-Language header (RFC 9110): at most ten, each less wanted than the
+/// one before; empty when there is none.
+QByteArray acceptLanguage(const QStringList &preferredLanguages);
 
 FixedConfig makeFixedConfig(const Deployment &deployment, const LaunchEnvironment &environment);
 

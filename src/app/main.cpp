@@ -31,6 +31,7 @@ int main(int argc, char **argv) {
     const LaunchEnvironment environment = readLaunchEnvironment();
     const FixedConfig config = makeFixedConfig(builtDeployment(), environment);
     ZH = config.ZH;
+    ACCEPT_LANGUAGE = config.ACCEPT_LANGUAGE;
     const Paths paths = makePaths(config, environment.home, ::getuid());
     if (const auto mode = automationMode(argumentList(argc, argv), environment.automation))
         return runAutomation(*mode, argc, argv, config, paths);

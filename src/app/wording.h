@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QJsonObject>
 #include <QString>
 #include <QStringView>
@@ -10,6 +11,10 @@ namespace korvel {
 
 /// Language of every text the user sees, settled once in the entry point.
 inline bool ZH = false;
+
+/// Value of the header by which servers choose the language of their sentences, settled once in the entry point; empty:
+/// they choose themselves.
+inline QByteArray ACCEPT_LANGUAGE;
 
 /// The one of the two texts that is in the user's language. Both are literals: the value refers to them, not to a copy.
 template <std::size_t Zh, std::size_t En>

@@ -172,13 +172,13 @@ struct LoginSwitchJourney : AccountJourney {
         return QFileInfo(program).path() + u"/../PlugIns/korvel-internet.so"_s;
     }
 
-    int login(const QStringList &arguments, const QByteArray &input) {
+    int login(const QStringList &arguments, const QByteArray &input, const QString &language = u"en"_s) {
         QProcess process;
         QProcessEnvironment env = home.environment();
         for (const QString &name : {u"DISPLAY"_s, u"WAYLAND_DISPLAY"_s, u"QT_QPA_PLATFORM"_s})
             env.remove(name);
         env.insert(u"KORVEL_TRAY_AUTOMATION"_s, u"1"_s);
-        env.insert(u"LANGUAGE"_s, u"en"_s);
+        env.insert(u"LANGUAGE"_s, language);
         process.setProcessEnvironment(env);
         const QString program = home.assembleBundle(trayProgram());
         if (module)
@@ -198,7 +198,9 @@ struct LoginSwitchJourney : AccountJourney {
 TEST_F(LoginSwitchJourney, SignsInOnceAndSaysHowItWent) {
     EXPECT_EQ(login({ACCOUNT, home.accountServer()}, "close sesame\n"), 1);
     EXPECT_EQ(output, "Incorrect account or password.\n");
-    EXPECT_EQ(login({ACCOUNT, u"https://"_s + home.accountServer() + u'/'}, "open sesame\nmore\n"), 0);
+    EXPECT_EQ(login({ACCOUNT, home.accountServer()}, "close sesame\n", u"zh_CN"_s), 1);
+    EXPECT_EQ(output, "账号或密码不正确\n"_ba);
+    EXPECT_EQ(login({ACCOUNT, u"https://"_s + home.accountServer() + u'/'}, "open sesame\r\nmore\n"), 0);
     EXPECT_EQ(output, "● Signed in as sam@example.com\n"_ba);
     EXPECT_FALSE(errors.contains("sesame"));
     ASSERT_EQ(home.accounts().liveCredentials().size(), 1);

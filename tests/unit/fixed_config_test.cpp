@@ -22,6 +22,17 @@ TEST(FixedConfig, TextsFollowTheFirstPreferredLanguageAlone) {
     EXPECT_FALSE(prefersChinese({}));
 }
 
+TEST(FixedConfig, ServersAreToldTheLanguagesOfTheUserTheMostWantedFirst) {
+    EXPECT_EQ(acceptLanguage({u"zh-Hans-CN"_s, u"en-CN"_s}), "zh-Hans-CN, en-CN;q=0.9");
+    EXPECT_EQ(acceptLanguage({u"C"_s, u"de"_s, u"DE"_s, u"fr\r\nX: y"_s, u"-"_s, u""_s, u"日本"_s, u"en"_s}),
+              "de, en;q=0.9");
+    EXPECT_EQ(acceptLanguage({}), "");
+    QStringList many;
+    for (char c = 'a'; c <= 'z'; ++c)
+        many.append(u"x"_s + QLatin1Char(c));
+    EXPECT_TRUE(acceptLanguage(many).endsWith(", xj;q=0.1"));
+}
+
 TEST(FixedConfig, TheEditionChoosesServerAndPagesButNotTheLanguage) {
     const FixedConfig cn = makeFixedConfig(testDeployment(u"cn"_s), environment());
     EXPECT_TRUE(cn.IS_CN);
