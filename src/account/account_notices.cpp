@@ -33,8 +33,9 @@ Notice signingOutNotice() { return {.text = L(u"⏻ 正在退出…", u"⏻ Sign
 Notice signedOutNotice() { return {.text = L(u"⏻ 已退出账号", u"⏻ Signed out"), .secs = Seconds(2.5)}; }
 
 Notice signOutFailedNotice() {
-    return {
-        .text = L(u"退出失败，请稍后重试", u"Couldn't sign out. Try again later."), .secs = Seconds(4), .error = true};
+    return {.text = L(u"无法退出账号，请稍后重试", u"Couldn't sign out. Try again later."),
+            .secs = Seconds(4),
+            .error = true};
 }
 
 } // namespace korvel
