@@ -3,7 +3,6 @@
 #include "app/wording.h"
 #include "platform/json_values.h"
 
-#include <QRegularExpression>
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -28,9 +27,17 @@ void clearLines(CnLoginForm &form) {
     form.error.clear();
 }
 
-QString withoutBlanks(QString text) {
-    static const QRegularExpression BLANKS(u"\\s+"_s);
-    return text.remove(BLANKS); // "123 456" is how messages write a code
+/// A code as the server knows it. Messages write it as "123 456", with blanks of any kind, and some keyboards in
+/// full-width digits.
+QString plainCode(const QString &typed) {
+    QString code;
+    for (const QChar c : typed) {
+        if (c.category() == QChar::Number_DecimalDigit)
+            code += QString::number(c.digitValue());
+        else if (!c.isSpace() && c.category() != QChar::Other_Format) // the latter: blanks of no width
+            code += c;
+    }
+    return code;
 }
 
 QString purpose(Page page) {
@@ -47,7 +54,7 @@ QString purpose(Page page) {
 
 QJsonObject submission(const CnLoginForm &form) {
     const QString account = form.account.trimmed();
-    const QString code = withoutBlanks(form.code);
+    const QString code = plainCode(form.code);
     switch (form.page) {
     case Page::Register:
         return {{u"op"_s, u"register"_s},
@@ -98,7 +105,6 @@ void setPage(CnLoginForm &form, Page page) {
 
 void setCodeMode(CnLoginForm &form, bool codeMode) {
     form.codeMode = codeMode;
-    form.password.clear();
     clearLines(form);
 }
 

@@ -32,8 +32,9 @@ struct CnLoginForm {
 /// A form as it opens, for an account that may be known. A masked name is no account.
 CnLoginForm openCnLoginForm(bool again, const QString &account, const QString &notice = {});
 
-/// Turns to a page, or to the other way of signing in. The password and both lines are cleared.
+/// Turns to a page. The password and both lines are cleared.
 void setPage(CnLoginForm &form, Page page);
+/// Chooses the other way of signing in. What was typed stays; both lines are cleared.
 void setCodeMode(CnLoginForm &form, bool codeMode);
 
 /// Whether a code may be asked for now.

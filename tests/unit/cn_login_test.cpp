@@ -1,3 +1,4 @@
+#include "account/cn_login.h"
 #include "account/cn_login_view.h"
 #include "account/cn_login_window.h"
 #include "support/tray_fixture.h"
@@ -8,6 +9,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
+#include <stdexcept>
 
 using namespace Qt::StringLiterals;
 
@@ -19,7 +21,7 @@ QJsonObject object(const char *json) { return QJsonDocument::fromJson(json).obje
 TEST(CnLoginForm, EachPageSendsItsOwnRequest) {
     CnLoginForm form = openCnLoginForm(false, {});
     form.account = u" 13800000000\n"_s;
-    form.code = u"123 456"_s;
+    form.code = u"1２3\u3000４\u00A05\u200B\t6 "_s; // full-width digits; every kind of blank
     form.password = u" p w "_s;
     form.agree = true;
     const auto request = [&form](Page page, bool codeMode = false) {
@@ -186,10 +188,6 @@ TEST_F(CnLoginTest, TheCountdownRunsAcrossPagesAndOnlyWhileTheWindowIsOpen) {
 
 TEST_F(CnLoginTest, NothingTurnsWhileARequestIsUnderWay) {
     openWindow();
-    loginPanel.does(Kind::Tab, {}, 0);
-    loginPanel.does(Kind::Password, u"secret"_s);
-    loginPanel.does(Kind::Tab, {}, 1);
-    EXPECT_EQ(loginPanel.view.password.text, u""_s); // kept in no hidden field
     scheduler.holdBackground(true);
     loginPanel.does(Kind::Submit);
     loginPanel.does(Kind::LinkA);
@@ -198,6 +196,18 @@ TEST_F(CnLoginTest, NothingTurnsWhileARequestIsUnderWay) {
     EXPECT_EQ(loginPanel.view.tab, 1);
     scheduler.holdBackground(false);
     scheduler.settle();
+}
+
+TEST_F(CnLoginTest, WhatWasTypedStaysOnTheOtherWayOfSigningInAndThePasswordOnNoOtherPage) {
+    openWindow();
+    loginPanel.does(Kind::Password, u"secret"_s);
+    loginPanel.does(Kind::Tab, {}, 0);
+    loginPanel.does(Kind::Code, u"123"_s);
+    loginPanel.does(Kind::Tab, {}, 1);
+    EXPECT_EQ(loginPanel.view.password.text, u"secret"_s);
+    EXPECT_EQ(loginPanel.view.code.text, u"123"_s);
+    loginPanel.does(Kind::LinkA);
+    EXPECT_EQ(loginPanel.view.password.text, u""_s);
 }
 
 TEST_F(CnLoginTest, AnAnswerForAClosedWindowIsToldOnlyWhenItSignedIn) {
@@ -243,6 +253,69 @@ TEST_F(CnLoginTest, TheWindowKnowsWhoSignsInAgainUnlessTheNameIsMasked) {
     item.choose(Action::BrowserLogin);
     EXPECT_EQ(loginPanel.view.account.text, u"bob"_s);
     EXPECT_EQ(loginPanel.presented, 4);
+}
+
+/// The sign-in with its real window; the agent refuses whatever is asked of it.
+struct CnLoginControlsTest : ::testing::Test {
+    TestHome home;
+    ManualScheduler scheduler;
+    ScriptedDesktop desktop;
+    HealthState health;
+    AgentConfig config{home.paths};
+    CnLoginPanel panel;
+    QJsonObject request; ///< The last one.
+    CnLogin login{health,
+                  home.fixed,
+                  config,
+                  panel,
+                  desktop,
+                  scheduler,
+                  {.runOp =
+                       [this](const QJsonObject &r, const auto &done) {
+                           request = r;
+                           done(QJsonObject());
+                       },
+                   .signedIn = [](const QString &) {}}};
+
+    template <class Control>
+    static Control *find(const QString &text) {
+        for (QWidget *widget : QApplication::allWidgets())
+            if (auto *control = qobject_cast<Control *>(widget);
+                control && control->isVisible() && control->text() == text)
+                return control;
+        throw std::runtime_error("no such control: " + text.toStdString());
+    }
+    static void click(const QString &text) { QTest::mouseClick(find<QAbstractButton>(text), Qt::LeftButton); }
+    static void type(const QString &label, const QString &text) {
+        QTest::keyClicks(find<QLabel>(label)->buddy(), text);
+    }
+};
+
+TEST_F(CnLoginControlsTest, EveryControlReachesItsRequest) {
+    login.showCnLogin();
+    click(u"Code"_s);
+    type(u"Phone number"_s, u"138"_s);
+    type(u"Code"_s, u"123456"_s);
+    click(u"Sign In"_s);
+    EXPECT_EQ(request, object(R"({"op":"login-code","phone":"138","code":"123456"})"));
+    click(u"Password"_s);
+    type(u"Password"_s, u"old"_s);
+    click(u"Sign In"_s);
+    EXPECT_EQ(request, object(R"({"op":"login","username":"138","password":"old"})"));
+    click(u"Forgot password?"_s);
+    type(u"New password"_s, u"new"_s);
+    click(u"Sign In"_s);
+    EXPECT_EQ(request, object(R"({"op":"reset","phone":"138","code":"123456","password":"new"})"));
+    click(u"Back to sign in"_s);
+    click(u"Sign up"_s);
+    click(u"Get Code"_s);
+    EXPECT_EQ(request, object(R"({"op":"send-code","phone":"138","purpose":"register"})"));
+    find<QCheckBox>(u"I agree to the"_s)->click();
+    click(u"Sign Up"_s);
+    EXPECT_EQ(request, object(R"({"op":"register","phone":"138","code":"123456","password":"","agree":true})"));
+    click(u"Terms of Service"_s);
+    click(u"Privacy Policy"_s);
+    EXPECT_EQ(desktop.opened, (QStringList{u"https://site.example/cn/terms"_s, u"https://site.example/cn/privacy"_s}));
 }
 
 struct CnLoginWindowTest : ::testing::Test {
