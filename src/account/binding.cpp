@@ -8,68 +8,88 @@ using namespace Qt::StringLiterals;
 
 namespace korvel {
 
-Binding::Binding(HealthState &st, const FixedConfig &f, const AgentConfig &c, HttpClient &h, const Desktop &d, Hooks hk)
-    : health(st), fixed(f), config(c), http(h), desktop(d), hooks(std::move(hk)) {}
+Binding::Binding(HealthState &st, const FixedConfig &f, const AgentConfig &c, ConfigWaiter &w, HttpClient &h,
+                 const Desktop &d, Hooks hk)
+    : health(st), fixed(f), config(c), waiter(w), http(h), desktop(d), hooks(std::move(hk)) {}
 
 void Binding::performLogin(const QString &user, const QString &pass, const QString &server,
                            std::function<void(bool ok, const QString &message)> done) {
     auto request = buildLogin(server, user, pass, computerDisplayName(desktop.computerName()));
     if (!request)
         return done(false, L(u"服务器地址不正确", u"The server address isn't valid."));
-    auto answered = [this, asked = ++generation, user, server, done = std::move(done)](const Result<HttpReply> &reply) {
+    auto answered = [this, number = ++signIns, user, server, done = std::move(done)](const Result<HttpReply> &reply) {
         const auto answer = parseLogin(reply);
         if (const auto *refusal = std::get_if<QString>(&answer))
             return done(false, *refusal);
-        const auto finished = [user, done](bool stored) {
-            if (stored)
-                done(true, signedInNotice(user).text);
-            else
-                done(false, L(u"登录失败，请稍后重试", u"Couldn't sign in. Try again later."));
+        const auto finished = [user, done](Outcome outcome) {
+            done(outcome == Outcome::Bound, message(outcome, user));
         };
-        const auto &credential = std::get<Credential>(answer);
-        if (asked == generation)
-            return bind(credential, user, server, finished);
-        // Overtaken by a sign-out or by another sign-in.
-        unbind(credential.agentToken, server, [finished] { finished(false); });
+        bind({number, std::get<Credential>(answer), user, server, finished}, {});
     };
     http.send(std::move(*request), Done<HttpReply>(alive.guard(std::move(answered))));
 }
 
-void Binding::bind(const Credential &credential, const QString &username, const QString &server,
-                   std::function<void(bool stored)> then) {
-    const QJsonObject cfg = config.readCfg();
-    const QString oldToken = cfgText(cfg, u"agentToken");
-    if (oldToken.isEmpty() || oldToken == credential.agentToken)
-        return store(credential, username, server, std::move(then));
-    // The server that holds it, also when it is another edition's.
-    const QString oldServer = normalizeServer(cfgText(cfg, u"server")).value_or(fixed.DEFAULT_SERVER);
-    unbind(oldToken, oldServer, alive.guard([this, oldToken, credential, username, server, then = std::move(then)] {
-        // Another sign-in may have ended meanwhile: its credential is the older one now.
-        if (cfgText(config.readCfg(), u"agentToken") != oldToken)
-            return bind(credential, username, server, then);
-        store(credential, username, server, then);
+QString Binding::message(Outcome outcome, const QString &user) {
+    switch (outcome) {
+    case Outcome::Bound:
+        return signedInNotice(user).text;
+    case Outcome::NotSaved:
+        return L(u"无法保存设置，请检查磁盘空间和权限后重试",
+                 u"Couldn't save the settings. Check disk space and permissions and try again.");
+    case Outcome::Overtaken:
+        break;
+    }
+    return L(u"登录失败，请稍后重试", u"Couldn't sign in. Try again later.");
+}
+
+bool Binding::isOvertaken(const SignIn &signIn) const {
+    return signIn.number <= abandoned || signIn.number < newestBound;
+}
+
+void Binding::bind(const SignIn &signIn, const QString &released) {
+    waiter.whenWhole(alive.guard([this, signIn, released] {
+        if (isOvertaken(signIn))
+            return giveBack(signIn, Outcome::Overtaken);
+        const QJsonObject cfg = config.readCfg();
+        const QString old = cfgText(cfg, u"agentToken");
+        if (old.isEmpty() || old == signIn.credential.agentToken || old == released)
+            return store(signIn);
+        // Once it is released there is no way back to it.
+        if (!config.canChangeCfg([&](QJsonObject &changed) { write(signIn, changed); }))
+            return giveBack(signIn, Outcome::NotSaved);
+        // The server that holds it, also when it is another edition's.
+        const QString oldServer = normalizeServer(cfgText(cfg, u"server")).value_or(fixed.DEFAULT_SERVER);
+        // Somebody else may bind this Mac meanwhile: that credential is the older one then.
+        unbind(old, oldServer, alive.guard([this, signIn, old] { bind(signIn, old); }));
     }));
 }
 
-void Binding::store(const Credential &credential, const QString &username, const QString &server,
-                    std::function<void(bool stored)> then) {
-    const bool stored = config.changeCfg([&](QJsonObject &cfg) {
-        cfg[u"server"_s] = server;
-        cfg[u"agentId"_s] = credential.agentId;
-        cfg[u"agentToken"_s] = credential.agentToken;
-        cfg[u"host"_s] = computerDisplayName(desktop.computerName());
-        for (const QString &key : {u"username"_s, u"loginName"_s})
-            cfg[key] = username;
-    });
-    // Nobody could ever release a credential that is kept nowhere.
-    if (!stored)
-        return unbind(credential.agentToken, server, [then = std::move(then)] { then(false); });
+void Binding::store(const SignIn &signIn) {
+    if (!config.changeCfg([&](QJsonObject &cfg) { write(signIn, cfg); }))
+        return giveBack(signIn, Outcome::NotSaved);
+    newestBound = signIn.number;
     forgetLostSignIn();
-    health.account = username;
-    hooks.restartAgent(alive.guard([this, then = std::move(then)] {
+    health.account = signIn.username;
+    hooks.restartAgent(alive.guard([this, signIn] {
+        if (isOvertaken(signIn)) // whoever did that has released its credential
+            return signIn.then(Outcome::Overtaken);
         forgetLostSignIn(); // the agent of before may have repeated it meanwhile
-        then(true);
+        signIn.then(Outcome::Bound);
     }));
+}
+
+void Binding::write(const SignIn &signIn, QJsonObject &cfg) const {
+    cfg[u"server"_s] = signIn.server;
+    cfg[u"agentId"_s] = signIn.credential.agentId;
+    cfg[u"agentToken"_s] = signIn.credential.agentToken;
+    cfg[u"host"_s] = computerDisplayName(desktop.computerName());
+    for (const QString &key : {u"username"_s, u"loginName"_s})
+        cfg[key] = signIn.username;
+}
+
+/// Nobody could ever release a credential that is kept nowhere.
+void Binding::giveBack(const SignIn &signIn, Outcome why) {
+    unbind(signIn.credential.agentToken, signIn.server, [then = signIn.then, why] { then(why); });
 }
 
 void Binding::forgetLostSignIn() {
@@ -84,16 +104,14 @@ void Binding::unbind(const QString &token, const QString &server, std::function<
     http.send(std::move(*request), Done<HttpReply>([then = std::move(then)](const Result<HttpReply> &) { then(); }));
 }
 
-void Binding::unbindCurrent(std::function<void()> then) {
-    const QJsonObject cfg = config.readCfg();
-    const QString token = cfgText(cfg, u"agentToken");
-    if (token.isEmpty())
-        return then();
-    unbind(token, serverOf(fixed, cfg), alive.guard([this, token, then = std::move(then)] {
-        // A sign-in that ended meanwhile left another credential.
-        if (cfgText(config.readCfg(), u"agentToken") == token)
+void Binding::unbindCurrent(std::function<void()> then, const QString &released) {
+    waiter.whenWhole(alive.guard([this, then = std::move(then), released] {
+        const QJsonObject cfg = config.readCfg();
+        const QString token = cfgText(cfg, u"agentToken");
+        if (token.isEmpty() || token == released)
             return then();
-        unbindCurrent(then);
+        // A sign-in that ends meanwhile leaves another credential.
+        unbind(token, serverOf(fixed, cfg), alive.guard([this, then, token] { unbindCurrent(then, token); }));
     }));
 }
 

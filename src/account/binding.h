@@ -6,6 +6,7 @@
 #include "platform/alive.h"
 #include "platform/desktop.h"
 #include "service/agent_config.h"
+#include "service/config_waiter.h"
 
 #include <functional>
 
@@ -19,36 +20,51 @@ public:
         std::function<void(std::function<void()> then)> restartAgent;
         std::function<void()> disregardOpenPolls;
     };
-    Binding(HealthState &health, const FixedConfig &fixed, const AgentConfig &config, HttpClient &http,
-            const Desktop &desktop, Hooks hooks);
+    Binding(HealthState &health, const FixedConfig &fixed, const AgentConfig &config, ConfigWaiter &waiter,
+            HttpClient &http, const Desktop &desktop, Hooks hooks);
 
     /// Signs in at `server` (host:port). `done` is called once, with whether this Mac is bound now and the sentence for
     /// the user.
     void performLogin(const QString &user, const QString &pass, const QString &server,
                       std::function<void(bool ok, const QString &message)> done);
     /// From now on no sign-in that is under way binds this Mac; the credential that it may get is given back.
-    void abandonLogins() { ++generation; }
-    /// Releases an older, different credential where it is held, stores `credential` and restarts the agent with it.
-    /// `then` is called once, with whether it could be stored.
-    void bind(const Credential &credential, const QString &username, const QString &server,
-              std::function<void(bool stored)> then);
-    /// Releases `token` at `server`, then calls `then` once, whatever came of it.
-    void unbind(const QString &token, const QString &server, std::function<void()> then);
+    void abandonLogins() { abandoned = signIns; }
     /// Releases the stored credential, if there is one.
-    void unbindCurrent(std::function<void()> then);
+    void unbindCurrent(std::function<void()> then) { unbindCurrent(std::move(then), {}); }
 
 private:
+    enum class Outcome { Bound, NotSaved, Overtaken };
+    struct SignIn {
+        int number = 0;
+        Credential credential;
+        QString username;
+        QString server;
+        std::function<void(Outcome)> then; ///< Called once.
+    };
+
+    /// Releases an older, different credential where it is held, stores the new one and restarts the agent with it.
+    /// `released` is the credential for which the first has been done.
+    void bind(const SignIn &signIn, const QString &released);
+    void store(const SignIn &signIn);
+    static QString message(Outcome outcome, const QString &user);
+    void write(const SignIn &signIn, QJsonObject &cfg) const;
+    void giveBack(const SignIn &signIn, Outcome why);
+    bool isOvertaken(const SignIn &signIn) const;
     void forgetLostSignIn();
-    void store(const Credential &credential, const QString &username, const QString &server,
-               std::function<void(bool stored)> then);
+    /// Releases `token` at `server`, then calls `then` once, whatever came of it.
+    void unbind(const QString &token, const QString &server, std::function<void()> then);
+    void unbindCurrent(std::function<void()> then, const QString &released);
 
     HealthState &health;
     const FixedConfig &fixed;
     const AgentConfig &config;
+    ConfigWaiter &waiter;
     HttpClient &http;
     const Desktop &desktop;
     Hooks hooks;
-    int generation = 0; ///< Of sign-ins: only the newest one binds this Mac.
+    int signIns = 0;     ///< Numbers them.
+    int abandoned = 0;   ///< The last one that a sign-out overtook.
+    int newestBound = 0; ///< No older one binds this Mac any more.
     Alive alive;
 };
 

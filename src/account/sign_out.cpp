@@ -23,9 +23,9 @@ AlertView signOutAlert() {
             .escape = 1};
 }
 
-SignOut::SignOut(TrayState &st, const FixedConfig &f, const AgentConfig &c, AgentApi &a, Alerts &al, ServiceControl &sv,
-                 Scheduler &s, Hooks h)
-    : state(st), fixed(f), config(c), api(a), alerts(al), services(sv), scheduler(s), hooks(std::move(h)) {}
+SignOut::SignOut(TrayState &st, const FixedConfig &f, const AgentConfig &c, ConfigWaiter &w, AgentApi &a, Alerts &al,
+                 ServiceControl &sv, Scheduler &s, Hooks h)
+    : state(st), fixed(f), config(c), waiter(w), api(a), alerts(al), services(sv), scheduler(s), hooks(std::move(h)) {}
 
 void SignOut::logoutDialog() {
     if (underWay)
@@ -45,7 +45,7 @@ void SignOut::tellAgent() {
 
 void SignOut::signOutRest() {
     hooks.stopBrowserLogin();
-    hooks.unbindCurrent(alive.guard([this] { clear(); }));
+    hooks.unbindCurrent(alive.guard([this] { waiter.whenWhole(alive.guard([this] { clear(); })); }));
 }
 
 void SignOut::clear() {

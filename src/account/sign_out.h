@@ -6,6 +6,7 @@
 #include "platform/alive.h"
 #include "platform/scheduler.h"
 #include "service/agent_api.h"
+#include "service/config_waiter.h"
 #include "service/service_control.h"
 #include "ui/notices.h"
 
@@ -26,8 +27,8 @@ public:
         std::function<void()> poll;
         std::function<void(const Notice &)> showHUD;
     };
-    SignOut(TrayState &state, const FixedConfig &fixed, const AgentConfig &config, AgentApi &api, Alerts &alerts,
-            ServiceControl &services, Scheduler &scheduler, Hooks hooks);
+    SignOut(TrayState &state, const FixedConfig &fixed, const AgentConfig &config, ConfigWaiter &waiter, AgentApi &api,
+            Alerts &alerts, ServiceControl &services, Scheduler &scheduler, Hooks hooks);
 
     /// Asks the user, then signs out.
     void logoutDialog();
@@ -41,6 +42,7 @@ private:
     TrayState &state;
     const FixedConfig &fixed;
     const AgentConfig &config;
+    ConfigWaiter &waiter;
     AgentApi &api;
     Alerts &alerts;
     ServiceControl &services;

@@ -14,6 +14,7 @@
 #include "platform/qt_scheduler.h"
 #include "service/agent_command.h"
 #include "service/agent_control.h"
+#include "service/config_waiter.h"
 #include "service/launchctl.h"
 #include "service/repair.h"
 #include "status/health.h"
@@ -86,8 +87,9 @@ int runLogin(const FixedConfig &config, const Paths &paths) {
                   {.render = [] {}, .poll = [](const auto &then) { then(); }, .showHUD = [](const Notice &) {}});
     AgentControl agent(state, config, paths, agentConfig, services, programs, *desktop, scheduler,
                        {.showHUD = [](const Notice &) {}, .repairService = [&repair] { repair.repairService({}); }});
+    ConfigWaiter configWaiter(agentConfig, scheduler);
     Binding binding(
-        state.health, config, agentConfig, *http, *desktop,
+        state.health, config, agentConfig, configWaiter, *http, *desktop,
         {.restartAgent = [&agent](auto then) { agent.restartAgent(std::move(then)); }, .disregardOpenPolls = [] {}});
     int status = 1;
     QTimer::singleShot(0, [&] {

@@ -17,7 +17,7 @@ constexpr milliseconds UPDATE_CHECK_PERIOD = 6h;
 } // namespace
 
 TrayApp::TrayApp(const FixedConfig &f, const Paths &pa, const TrayPorts &p)
-    : fixed(f), paths(pa), ports(p), config(paths), api(p.http, fixed, config),
+    : fixed(f), paths(pa), ports(p), config(paths), configWaiter(config, p.scheduler), api(p.http, fixed, config),
       notices(p.noticePanel, p.desktop, p.scheduler),
       health(state, fixed, config, api, p.services, p.scheduler, healthHooks()),
       command(p.programs, p.scheduler, p.bundlePath, p.agentBin),
@@ -33,11 +33,11 @@ TrayApp::TrayApp(const FixedConfig &f, const Paths &pa, const TrayPorts &p)
              {.showHUD = showHUD(), .poll = poll(), .pairAfterLogin = [this] { pairing.pairAfterLogin(); }}),
       speech(api, {.showHUD = showHUD()}), prompts(state.e2ee, state.pairing, promptHooks()),
       afterSignIn(state.health, p.scheduler, afterSignInHooks()),
-      binding(state.health, fixed, config, p.http, p.desktop, bindingHooks()),
+      binding(state.health, fixed, config, configWaiter, p.http, p.desktop, bindingHooks()),
       cnLogin(state.health, fixed, config, p.loginPanel, p.desktop, p.scheduler, cnLoginHooks()),
       browserLogin(state.browserLogin, state.health, fixed, api, p.desktop, p.scheduler, browserLoginHooks()),
       loginDialog(fixed, config, p.desktop, p.alerts, loginDialogHooks()),
-      signOut(state, fixed, config, api, p.alerts, p.services, p.scheduler, signOutHooks()),
+      signOut(state, fixed, config, configWaiter, api, p.alerts, p.services, p.scheduler, signOutHooks()),
       updateCheck(state.update, fixed, config, p.http, p.scheduler, checkHooks()),
       updateInstall(state.update, fixed, paths, config, p.http, p.programs, p.desktop, p.scheduler, installHooks()) {}
 

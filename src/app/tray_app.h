@@ -17,6 +17,7 @@
 #include "platform/status_item.h"
 #include "service/agent_command.h"
 #include "service/agent_control.h"
+#include "service/config_waiter.h"
 #include "service/repair.h"
 #include "service/sync_toggle.h"
 #include "status/health_poll.h"
@@ -98,6 +99,7 @@ private:
 
     TrayState state;
     AgentConfig config;
+    ConfigWaiter configWaiter;
     AgentApi api;
     Notices notices;
     HealthPoll health;

@@ -1,11 +1,11 @@
 #include "platform/private_file.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -13,18 +13,29 @@ namespace korvel {
 
 namespace {
 
-/// Reads or writes all bytes, going on after a signal; false at the end of the file or on an error.
+std::error_code lastError() { return {errno, std::generic_category()}; }
+
+/// What a transfer came to; less than all bytes without an error: the file ended.
+struct Transfer {
+    qsizetype bytes = 0;
+    std::error_code error = {};
+};
+
+/// Reads or writes `size` bytes, going on after a signal.
 template <class Step>
-bool transferAll(qsizetype size, Step step) {
-    for (qsizetype moved = 0; moved < size;) {
-        const ssize_t n = step(moved, static_cast<size_t>(size - moved));
+Transfer transferAll(qsizetype size, Step step) {
+    Transfer done;
+    while (done.bytes < size) {
+        const ssize_t n = step(done.bytes, static_cast<size_t>(size - done.bytes));
         if (n < 0 && errno == EINTR)
             continue;
+        if (n < 0)
+            done.error = lastError();
         if (n <= 0)
-            return false;
-        moved += n;
+            break;
+        done.bytes += n;
     }
-    return true;
+    return done;
 }
 
 /// The file that `path` names in the end: a user may keep the configuration elsewhere behind a link.
@@ -36,13 +47,50 @@ QString linkTarget(const QString &path) {
     return info.isSymLink() ? info.symLinkTarget() : path; // a link to what is still to be made
 }
 
+/// Sets errno where it gives -1.
 int openRegularFile(const QString &path, struct stat &info) {
     // O_NONBLOCK: opening a pipe that nobody writes would wait for ever.
     const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (fd < 0 || (::fstat(fd, &info) == 0 && S_ISREG(info.st_mode)))
         return fd;
     ::close(fd);
+    errno = EINVAL;
     return -1;
+}
+
+std::error_code makeFolder(const QString &path) {
+    const QFileInfo info(path);
+    if (info.isDir())
+        return {};
+    std::error_code error;
+    std::filesystem::create_directories(QFile::encodeName(info.absolutePath()).toStdString(), error);
+    if (!error && ::mkdir(QFile::encodeName(path).constData(), 0700) != 0 && !QFileInfo(path).isDir())
+        error = lastError();
+    return error;
+}
+
+std::error_code writeAll(int fd, const QByteArray &content) {
+    const Transfer written =
+        transferAll(content.size(), [&](qsizetype at, size_t n) { return ::write(fd, content.constData() + at, n); });
+    if (written.error || written.bytes == content.size())
+        return written.error;
+    return std::make_error_code(std::errc::io_error);
+}
+
+/// Writes a new file beside `target` and gives its name through `temporary`; after an error there is none.
+std::error_code writeBeside(const QString &target, const QByteArray &content, QByteArray &temporary) {
+    temporary = QFile::encodeName(target) + ".XXXXXX";
+    const int fd = ::mkstemp(temporary.data()); // mode 0600 from the first byte
+    if (fd < 0)
+        return lastError();
+    std::error_code error = writeAll(fd, content);
+    if (!error && (::fchmod(fd, 0600) != 0 || ::fsync(fd) != 0))
+        error = lastError();
+    if (::close(fd) != 0 && !error)
+        error = lastError();
+    if (error)
+        ::unlink(temporary.constData());
+    return error;
 }
 
 } // namespace
@@ -52,21 +100,27 @@ int openRegularFile(const QString &path) {
     return openRegularFile(path, info);
 }
 
-std::optional<QByteArray> readRegularFile(const QString &path, qint64 maxBytes) {
+std::optional<QByteArray> readRegularFile(const QString &path, qint64 maxBytes, std::error_code *why) {
     struct stat info {};
     const int fd = openRegularFile(path, info);
-    if (fd < 0)
-        return std::nullopt;
-    std::optional<QByteArray> content;
-    if (info.st_size <= maxBytes) {
-        QByteArray bytes(static_cast<qsizetype>(info.st_size), Qt::Uninitialized);
-        const bool whole =
-            transferAll(bytes.size(), [&](qsizetype at, size_t n) { return ::read(fd, bytes.data() + at, n); });
-        if (whole)
-            content = std::move(bytes);
+    std::error_code error;
+    QByteArray content;
+    if (fd < 0) {
+        error = lastError();
+    } else if (info.st_size > maxBytes) {
+        error = std::make_error_code(std::errc::file_too_large);
+    } else {
+        content.resize(static_cast<qsizetype>(info.st_size));
+        const Transfer read =
+            transferAll(content.size(), [&](qsizetype at, size_t n) { return ::read(fd, content.data() + at, n); });
+        content.truncate(read.bytes); // somebody may have shortened the file meanwhile
+        error = read.error;
     }
-    ::close(fd);
-    return content;
+    if (fd >= 0)
+        ::close(fd);
+    if (why)
+        *why = error;
+    return error ? std::nullopt : std::optional(content);
 }
 
 bool FileStamp::isSettled(std::time_t now) const {
@@ -81,14 +135,7 @@ std::optional<FileStamp> stampOf(const QString &path) {
     return FileStamp{.device = info.st_dev, .inode = info.st_ino, .size = info.st_size, .changedAt = info.st_ctime};
 }
 
-bool makePrivateFolder(const QString &path) {
-    const QFileInfo info(path);
-    if (info.isDir())
-        return true;
-    if (!QDir().mkpath(info.absolutePath()))
-        return false;
-    return ::mkdir(QFile::encodeName(path).constData(), 0700) == 0 || QFileInfo(path).isDir();
-}
+bool makePrivateFolder(const QString &path) { return !makeFolder(path); }
 
 bool closeFolder(const QString &path) {
     const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
@@ -99,20 +146,27 @@ bool closeFolder(const QString &path) {
     return closed;
 }
 
-bool replacePrivateFile(const QString &path, const QByteArray &content) {
+std::error_code replacePrivateFile(const QString &path, const QByteArray &content) {
+    if (const std::error_code noFolder = makeFolder(QFileInfo(path).absolutePath()))
+        return noFolder;
     const QString target = linkTarget(path);
-    QByteArray temporary = QFile::encodeName(target) + ".XXXXXX";
-    const int fd = ::mkstemp(temporary.data()); // mode 0600 from the first byte
-    if (fd < 0)
-        return false;
-    bool good =
-        transferAll(content.size(), [&](qsizetype at, size_t n) { return ::write(fd, content.constData() + at, n); });
-    good = good && ::fchmod(fd, 0600) == 0 && ::fsync(fd) == 0;
-    good = ::close(fd) == 0 && good;
-    good = good && ::rename(temporary.constData(), QFile::encodeName(target).constData()) == 0;
-    if (!good)
+    QByteArray temporary;
+    std::error_code error = writeBeside(target, content, temporary);
+    if (error || ::rename(temporary.constData(), QFile::encodeName(target).constData()) == 0)
+        return error;
+    error = lastError();
+    ::unlink(temporary.constData());
+    return error;
+}
+
+std::error_code tryPrivateFile(const QString &path, const QByteArray &content) {
+    if (const std::error_code noFolder = makeFolder(QFileInfo(path).absolutePath()))
+        return noFolder;
+    QByteArray temporary;
+    const std::error_code error = writeBeside(linkTarget(path), content, temporary);
+    if (!error)
         ::unlink(temporary.constData());
-    return good;
+    return error;
 }
 
 } // namespace korvel

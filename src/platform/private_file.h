@@ -5,6 +5,7 @@
 #include <ctime>
 #include <optional>
 #include <sys/types.h>
+#include <system_error>
 
 namespace korvel {
 
@@ -12,9 +13,9 @@ namespace korvel {
 /// device.
 int openRegularFile(const QString &path);
 
-/// The content of a regular file of at most `maxBytes`; none when it is anything else or cannot be read. Never blocks
-/// on a pipe or a device.
-std::optional<QByteArray> readRegularFile(const QString &path, qint64 maxBytes);
+/// The content of a regular file of at most `maxBytes`; none when it is anything else or cannot be read, and then `why`
+/// gets the reason. Never blocks on a pipe or a device.
+std::optional<QByteArray> readRegularFile(const QString &path, qint64 maxBytes, std::error_code *why = nullptr);
 
 /// What one state of a file has and no later one will have, except one that follows within the same second: no program
 /// can set the time of the last change to the file or its description.
@@ -39,7 +40,12 @@ bool makePrivateFolder(const QString &path);
 bool closeFolder(const QString &path);
 
 /// Replaces a file by a new one of mode 0600, through a temporary file in the same folder and a rename: whoever reads
-/// sees the old content or the new, whole, also when the disk is full. False when it could not; the old file stays.
-bool replacePrivateFile(const QString &path, const QByteArray &content);
+/// sees the old content or the new, whole, also when the disk is full. A missing folder is made, mode 0700. Gives the
+/// system's error when it could not; the old file stays.
+std::error_code replacePrivateFile(const QString &path, const QByteArray &content);
+
+/// The error with which replacePrivateFile() would fail now, as far as writing the temporary file shows; the file
+/// itself stays as it is.
+std::error_code tryPrivateFile(const QString &path, const QByteArray &content);
 
 } // namespace korvel

@@ -1,7 +1,11 @@
 #include "service/agent_config.h"
 
+#include "platform/log.h"
+
 #include <QFileInfo>
 #include <QJsonDocument>
+
+using namespace Qt::StringLiterals;
 
 namespace korvel {
 
@@ -21,21 +25,42 @@ QJsonObject AgentConfig::readCfg() const {
     return content;
 }
 
-bool AgentConfig::writeCfg(const QJsonObject &cfg) const {
+bool AgentConfig::writeCfg(const QJsonObject &cfg) const { return succeeded(writeBy(replacePrivateFile, cfg)); }
+
+bool AgentConfig::changeCfg(const std::function<void(QJsonObject &cfg)> &change) const {
+    return succeeded(changeBy(replacePrivateFile, change));
+}
+
+bool AgentConfig::canChangeCfg(const std::function<void(QJsonObject &cfg)> &change) const {
+    return succeeded(changeBy(tryPrivateFile, change));
+}
+
+bool AgentConfig::isHalfWritten() const {
+    const auto bytes = readRegularFile(paths.agentCfg, MAX_CONFIG_BYTES);
+    return bytes && !QJsonDocument::fromJson(*bytes).isObject();
+}
+
+std::error_code AgentConfig::writeBy(Put put, const QJsonObject &cfg) const {
     // QJsonObject keeps its keys sorted, so the indented form is stable.
     const QByteArray text = QJsonDocument(cfg).toJson(QJsonDocument::Indented);
     // A file that could not be read again would never be replaced either.
-    return text.size() <= MAX_CONFIG_BYTES && makePrivateFolder(paths.cfgDir) &&
-           replacePrivateFile(paths.agentCfg, text);
+    return text.size() > MAX_CONFIG_BYTES ? std::make_error_code(std::errc::file_too_large) : put(paths.agentCfg, text);
 }
 
-bool AgentConfig::changeCfg(const std::function<void(QJsonObject &cfg)> &change) const {
-    const auto bytes = readRegularFile(paths.agentCfg, MAX_CONFIG_BYTES);
+std::error_code AgentConfig::changeBy(Put put, const std::function<void(QJsonObject &cfg)> &change) const {
+    std::error_code unreadable;
+    const auto bytes = readRegularFile(paths.agentCfg, MAX_CONFIG_BYTES, &unreadable);
     if (!bytes && QFileInfo::exists(paths.agentCfg))
-        return false;
+        return unreadable;
     QJsonObject cfg = bytes ? QJsonDocument::fromJson(*bytes).object() : QJsonObject();
     change(cfg);
-    return writeCfg(cfg);
+    return writeBy(put, cfg);
+}
+
+bool AgentConfig::succeeded(const std::error_code &error) const {
+    if (error)
+        log(u"[tray] %1: %2"_s.arg(paths.agentCfg, QString::fromLocal8Bit(error.message())));
+    return !error;
 }
 
 QString cfgText(const QJsonObject &cfg, QStringView key) { return cfg.value(key).toString(); }

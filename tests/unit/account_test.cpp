@@ -1,9 +1,11 @@
 #include "account/net_error.h"
 #include "account/server_api.h"
+#include "platform/log.h"
 #include "support/full_disk.h"
 #include "support/tray_fixture.h"
 
 #include <QFile>
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -50,8 +52,11 @@ struct AccountTest : TrayFixture {
     std::optional<Error> loginError, unbindError;
     HttpRequest login;   ///< The last sign-in.
     QByteArray onUnbind; ///< The configuration at the moment of the last release.
+    QStringList logged;
 
+    void TearDown() override { setLogSink({}); }
     void SetUp() override {
+        setLogSink([this](const QString &line) { logged.append(line); });
         http.answer = [this](const HttpRequest &r) -> Result<HttpReply> {
             if (r.reach == Reach::Loopback)
                 return json(ONLINE);
@@ -133,15 +138,54 @@ TEST_F(AccountTest, AnOlderCredentialIsReleasedOnceWhereItIsHeldBeforeTheNewOneI
     EXPECT_EQ(sent.last(), u"intl.example:443/v1/agents/unbind Bearer old"_s);
 }
 
-TEST_F(AccountTest, AConfigurationThatCannotBeReadIsNotReplaced) {
+TEST_F(AccountTest, SettingsThatCannotBeSavedAreReportedOnceBeforeTheOldCredentialIsReleased) {
     makeInternational();
-    home.write(home.paths.agentCfg, QByteArray(2 << 20, ' ')); // larger than the tray reads
+    const struct {
+        QByteArray before;
+        rlim_t room; ///< For a file, in bytes.
+    } cases[] = {{R"({"agentToken":"old"})", 10},
+                 {QByteArray(2 << 20, ' '), RLIM_INFINITY}}; // larger than the tray reads
     launch();
-    signIn();
-    EXPECT_EQ(file().size(), 2 << 20);
-    EXPECT_TRUE(alerts.isOpen());
-    EXPECT_EQ(alerts.view.text, u"Couldn't sign in. Try again later."_s);
-    EXPECT_EQ(sent.last(), u"intl.example:443/v1/agents/unbind Bearer new"_s); // kept nowhere, so given back
+    for (const auto &c : cases) {
+        home.writeConfig(c.before);
+        sent.clear();
+        logged.clear();
+        {
+            const FullDisk full(c.room);
+            signIn();
+        }
+        EXPECT_EQ(sent,
+                  (QStringList{u"intl.example:443/v1/agents/login"_s,
+                               u"intl.example:443/v1/agents/unbind Bearer new"_s})); // given back, the old one kept
+        EXPECT_EQ(file(), c.before);
+        EXPECT_EQ(alerts.view.text, u"Couldn't save the settings. Check disk space and permissions and try again."_s);
+        EXPECT_EQ(logged, QStringList{u"[tray] "_s + home.paths.agentCfg + u": File too large"_s});
+        alerts.dismiss();
+    }
+}
+
+TEST_F(AccountTest, AFileThatTheAgentIsWritingIsReadAgainBeforeItCountsAsEmpty) {
+    makeInternational();
+    const QByteArray whole = R"({"agentToken":"t","server":"own.example","localToken":"secret"})";
+    const QByteArray half = whole.first(20);
+    home.writeConfig(whole);
+    launch();
+    for (const bool signsIn : {false, true}) {
+        home.writeConfig(half);
+        sent.clear();
+        signsIn ? signIn() : signOut();
+        scheduler.advance(100ms);
+        EXPECT_EQ(file(), half);
+        home.writeConfig(whole);
+        scheduler.advance(100ms);
+        EXPECT_TRUE(sent.contains(u"own.example:443/v1/agents/unbind Bearer t"_s));
+        EXPECT_EQ(cfg().value(u"localToken"), u"secret"_s);
+        EXPECT_EQ(cfg().value(u"agentToken").toString(), signsIn ? u"new"_s : QString());
+    }
+    home.writeConfig(half); // and nobody writes the rest
+    signOut();
+    scheduler.advance(1s);
+    EXPECT_EQ(notices.last(), u"⏻ Signed out"_s);
 }
 
 TEST_F(AccountTest, TheDialogComesBackWithWhatWasTypedAndWhatWentWrong) {
@@ -253,36 +297,120 @@ TEST_F(AccountTest, ASignInForgetsThatTheLastOneWasLost) {
     EXPECT_TRUE(notices.shown.empty());
 }
 
-TEST_F(AccountTest, ACredentialThatIsOvertakenIsGivenBack) {
-    makeInternational();
-    installAndBind();
-    launch();
-    http.answer = nullptr;
-    item.events.chosen(menuItem(u"x"_s, Action::LoginDialog));
-    alerts.answer(0, QStringList{u"ann"_s, u"pass"_s});
-    item.events.chosen(menuItem(u"x"_s, Action::LogoutDialog));
-    alerts.answer(0);
-    answerOpen(u"/login"_s, json(loginReply)); // it must not bind the Mac that is being signed out
-    EXPECT_EQ(http.last.headers.last().second, "Bearer new");
-    answerOpen(u"/e2ee/logout"_s, json("{}"));
-    EXPECT_EQ(http.last.headers.last().second, "Bearer t");
-    answerOpen(u"/unbind"_s, json("{}"));
-    answerOpen(u"/unbind"_s, json("{}"));
-    scheduler.settle();
-    EXPECT_FALSE(cfg().contains(u"agentToken"));
-    EXPECT_EQ(health().account, u""_s);
+/// Two things at a time, each request answered when the test says so.
+struct AccountRaceTest : AccountTest {
+    void SetUp() override {
+        AccountTest::SetUp();
+        makeInternational();
+        installAndBind();
+        launch();
+        http.answer = nullptr;
+    }
+    void beginSignIn(const QString &user) {
+        item.events.chosen(menuItem(u"x"_s, Action::LoginDialog));
+        alerts.answer(0, {user, u"pass"_s});
+    }
+    void beginSignOut() {
+        item.events.chosen(menuItem(u"x"_s, Action::LogoutDialog));
+        alerts.answer(0);
+    }
+    void signedInAs(const QByteArray &token) {
+        answerOpen(u"/login"_s, json(R"({"agentToken":")" + token + R"(","agentId":"i"})"));
+    }
+    /// Answers a release of `token` that is under way, after `skipped` others of them.
+    void released(const QByteArray &token, int skipped = 0) {
+        for (size_t i = 0; i < http.open.size(); ++i)
+            if (http.open[i].request.headers.contains(std::pair("Authorization"_ba, "Bearer " + token)) &&
+                skipped-- == 0)
+                return http.reply(i, json("{}"));
+        ADD_FAILURE() << "not released: " << token.constData();
+    }
+    QString token() const { return cfg().value(u"agentToken").toString(); }
+};
+
+TEST_F(AccountRaceTest, ASignOutWinsOverASignInWhereverThatIs) {
+    enum Where { Asking, Releasing, Restarting };
+    for (const Where where : {Asking, Releasing, Restarting}) {
+        SCOPED_TRACE(where);
+        home.bind();
+        scheduler.holdBackground(true);
+        beginSignIn(u"bob"_s);
+        if (where >= Releasing)
+            signedInAs("new");
+        if (where == Restarting)
+            released("t");
+        beginSignOut();
+        notices.shown.clear();
+        if (where == Asking)
+            signedInAs("new");
+        if (where == Releasing)
+            released("t");
+        if (where != Restarting)
+            released("new"); // given back
+        EXPECT_EQ(token(), where == Restarting ? u"new"_s : u"t"_s);
+        answerOpen(u"/e2ee/logout"_s, json("{}"));
+        released(where == Restarting ? "new" : "t");
+        scheduler.holdBackground(false);
+        EXPECT_EQ(token(), u""_s);
+        EXPECT_EQ(health().account, u""_s);
+        EXPECT_EQ(std::ranges::count(notices.shown, u"● Signed in as bob"_s, &NoticeView::text), 0);
+        EXPECT_EQ(notices.last(), u"⏻ Signed out"_s);
+        alerts.dismiss();
+        http.open.clear();
+    }
 }
 
-TEST_F(AccountTest, ASignOutAsksNoServerOfAnotherEditionAndForgetsTheLostSignIn) {
+TEST_F(AccountRaceTest, OfTwoSignInsTheNewerOneStaysAndTheOtherOneIsReleased) {
+    for (const bool olderEndsFirst : {true, false}) {
+        SCOPED_TRACE(olderEndsFirst);
+        home.bind();
+        beginSignIn(u"bob"_s);
+        signedInAs("older");
+        beginSignIn(u"kim"_s);
+        signedInAs("newer"); // both wait for the release of the same credential
+        released("t", olderEndsFirst ? 0 : 1);
+        EXPECT_EQ(token(), olderEndsFirst ? u"older"_s : u"newer"_s);
+        released("t");
+        released("older");
+        EXPECT_EQ(token(), u"newer"_s);
+        scheduler.settle();
+        EXPECT_EQ(notices.last(), u"● Signed in as kim"_s);
+        http.open.clear();
+    }
+}
+
+TEST_F(AccountRaceTest, ACredentialThatAppearsDuringTheReleaseOfAnotherIsReleasedToo) {
+    for (const bool signsOut : {true, false}) {
+        home.bind();
+        signsOut ? beginSignOut() : beginSignIn(u"bob"_s);
+        signsOut ? answerOpen(u"/e2ee/logout"_s, json("{}")) : signedInAs("new");
+        home.writeConfig(R"({"agentToken":"another","server":"own.example"})"); // the agent has signed this Mac in
+        released("t");
+        EXPECT_EQ(token(), u"another"_s);
+        released("another");
+        EXPECT_EQ(token(), signsOut ? u""_s : u"new"_s);
+        scheduler.settle();
+    }
+}
+
+TEST_F(AccountTest, ASignOutAsksNoServerOfAnotherEditionAndForgetsWhatTheAgentSaid) {
     home.writeConfig(R"({"agentToken":"t","server":"intl.example","localToken":"secret"})");
     home.installJobFile();
     const auto servers = http.answer;
-    http.answer = [&](const HttpRequest &r) { return r.reach == Reach::Loopback ? json(SIGNED_OUT) : servers(r); };
+    http.answer = [&](const HttpRequest &r) {
+        return r.reach == Reach::Loopback ? json(R"({"ok":true,"authDead":true,"e2ee":{"state":"active"}})")
+                                          : servers(r);
+    };
     launch();
+    const auto isEncrypted = [this] {
+        return std::ranges::any_of(item.menu.entries, [](const MenuEntry &e) { return e.title.startsWith(u"🔒"); });
+    };
+    EXPECT_TRUE(isEncrypted());
     http.answer = [&](const HttpRequest &r) { return r.reach == Reach::Loopback ? noAnswer() : servers(r); };
     signOut();
     EXPECT_EQ(sent, QStringList{u"cn.example:443/v1/agents/unbind Bearer t"_s});
     EXPECT_FALSE(health().authDead);
+    EXPECT_FALSE(isEncrypted());
 }
 
 } // namespace
