@@ -11,8 +11,11 @@ AfterSignIn::AfterSignIn(HealthState &st, const Scheduler &s, Hooks h)
 void AfterSignIn::signedIn(const QString &user) {
     // What was asked, or seen of the job, before this sign-in says nothing about it.
     hooks.disregardOpenPolls();
+    // The agent may repeat the loss of the sign-in before; the user has been told of it.
+    health.authDead = health.accountGone = false;
     if (!health.running)
         expectNewJob(health, scheduler.now());
+    hooks.render();
     hooks.stopBrowserLogin();
     hooks.showHUD(signedInNotice(user));
     hooks.poll();

@@ -13,6 +13,7 @@ class AfterSignIn {
 public:
     struct Hooks {
         std::function<void()> disregardOpenPolls;
+        std::function<void()> render;
         std::function<void()> stopBrowserLogin;
         std::function<void(const Notice &)> showHUD;
         std::function<void()> poll;

@@ -104,6 +104,7 @@ Prompts::Hooks TrayApp::promptHooks() {
 
 AfterSignIn::Hooks TrayApp::afterSignInHooks() {
     return {.disregardOpenPolls = [this] { health.disregardOpenPolls(); },
+            .render = [this] { render(); },
             .stopBrowserLogin = [this] { browserLogin.stopBrowserLogin(); },
             .showHUD = showHUD(),
             .poll = [this] { health.poll(); },

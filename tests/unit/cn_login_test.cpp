@@ -210,6 +210,38 @@ TEST_F(CnLoginTest, WhatWasTypedStaysOnTheOtherWayOfSigningInAndThePasswordOnNoO
     EXPECT_EQ(loginPanel.view.password.text, u""_s);
 }
 
+TEST_F(CnLoginTest, AfterASignInNothingSaysThatItWasLost) {
+    installAndBind();
+    for (const QByteArray &lost : {SIGNED_OUT, QByteArray(R"({"ok":true,"authDead":true,"accountGone":true})")}) {
+        agentAnswers(lost);
+        openWindow();
+        ASSERT_TRUE(health().authDead);
+        notices.shown.clear();
+        http.answer = nullptr; // the agent has not yet said anything new
+        answer(R"({"ok":true,"user":"ann"})");
+        loginPanel.does(Kind::Submit);
+        scheduler.settle();
+        EXPECT_EQ(item.statusLine(), u"○ Connecting… · ann"_s);
+        EXPECT_EQ(pairPanel.view.line, u"Turning on encryption…"_s);
+        answerOpen(u"/health"_s, json(SIGNED_OUT)); // as long as the agent has not taken note, which is no news
+        EXPECT_EQ(notices.shown.size(), 1u);
+        http.open.clear();
+    }
+}
+
+TEST_F(CnLoginTest, ASignInWhileTheAgentIsSilentCountsAsItsStart) {
+    home.installJobFile();
+    agentIsSilent();
+    openWindow();
+    scheduler.advance(30s);
+    home.bind();
+    answer(R"({"ok":true,"user":"ann"})");
+    loginPanel.does(Kind::Submit);
+    http.answer = nullptr;
+    scheduler.settle();
+    EXPECT_EQ(item.statusLine(), u"○ Starting…"_s);
+}
+
 TEST_F(CnLoginTest, AnAnswerForAClosedWindowIsToldOnlyWhenItSignedIn) {
     openWindow();
     loginPanel.does(Kind::Account, u"ann"_s);
