@@ -8,6 +8,7 @@ namespace korvel {
 
 Paths makePaths(const FixedConfig &config, const QString &home, quint32 uid) {
     const QString agents = home + u"/Library/LaunchAgents/"_s;
+    const QString caches = home + u"/Library/Caches/Korvel/"_s;
     const QString logs = home + u"/Library/Logs/"_s;
     return {.uid = uid,
             .agentPlist = agents + config.AGENT_LABEL + u".plist"_s,
@@ -15,7 +16,8 @@ Paths makePaths(const FixedConfig &config, const QString &home, quint32 uid) {
             .cfgDir = config.KORVEL_HOME,
             .agentCfg = config.KORVEL_HOME + u"/agent.json"_s,
             .logFile = logs + u"korvel-agent.log"_s,
-            .updateDir = home + u"/Library/Caches/Korvel/update"_s,
+            .updateDir = caches + u"update"_s,
+            .turnFile = caches + u"tray.lock"_s,
             .trayLog = logs + u"korvel-tray.log"_s};
 }
 

@@ -15,6 +15,7 @@ struct Paths {
     QString agentCfg;  ///< The agent's configuration file.
     QString logFile;   ///< The agent's log.
     QString updateDir; ///< Private cache of downloaded packages.
+    QString turnFile;  ///< Locked by an instance of the tray while it starts.
     QString trayLog;   ///< The tray's standard error when launchd starts it.
 };
 

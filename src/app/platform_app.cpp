@@ -59,7 +59,7 @@ int runTray(char **argv, const FixedConfig &config, const Paths &paths) {
         quit = true;
         QCoreApplication::exit(0);
     });
-    endOtherCopies(*makeRunningCopies(), runLoopFor, Clock::now);
+    endOtherCopies(*makeRunningCopies(paths), runLoopFor, Clock::now);
     if (quit) // asked to go while an older copy was still going
         return 0;
 

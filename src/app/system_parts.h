@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/paths.h"
 #include "platform/desktop.h"
 #include "platform/programs.h"
 #include "platform/running_copies.h"
@@ -26,7 +27,7 @@ void settleApplication();
 /// for before there is an application object.
 std::shared_ptr<void> listenForReopen(std::function<void()> reopened);
 
-std::unique_ptr<RunningCopies> makeRunningCopies();
+std::unique_ptr<RunningCopies> makeRunningCopies(const Paths &paths);
 std::unique_ptr<StatusItem> makeStatusItem();
 std::unique_ptr<Desktop> makeDesktop(Programs &programs, bool hasStandIns);
 

@@ -32,7 +32,9 @@ std::shared_ptr<void> listenForReopen(std::function<void()>) {
     return nullptr; // a second start is a new copy here, which replaces this one
 }
 
-std::unique_ptr<RunningCopies> makeRunningCopies() { return std::make_unique<RunningCopiesLinux>(); }
+std::unique_ptr<RunningCopies> makeRunningCopies(const Paths &paths) {
+    return std::make_unique<RunningCopiesLinux>(paths.turnFile);
+}
 
 std::unique_ptr<StatusItem> makeStatusItem() { return std::make_unique<StatusItemLinux>(); }
 

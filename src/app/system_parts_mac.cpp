@@ -34,7 +34,7 @@ std::shared_ptr<void> listenForReopen(std::function<void()> reopened) {
     return std::make_shared<native::ReopenListener>(std::move(reopened));
 }
 
-std::unique_ptr<RunningCopies> makeRunningCopies() { return std::make_unique<RunningCopiesMac>(); }
+std::unique_ptr<RunningCopies> makeRunningCopies(const Paths &) { return std::make_unique<RunningCopiesMac>(); }
 
 std::unique_ptr<StatusItem> makeStatusItem() { return std::make_unique<StatusItemMac>(); }
 

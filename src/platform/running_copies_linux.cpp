@@ -1,24 +1,22 @@
 #include "platform/running_copies_linux.h"
 
 #include "app/automation.h"
+#include "platform/private_file.h"
 
-#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QStringList>
+#include <cerrno>
 #include <chrono>
 #include <csignal>
-#include <cstddef>
-#include <cstring>
 #include <fcntl.h>
 #include <optional>
 #include <poll.h>
+#include <sys/file.h>
 #include <sys/prctl.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
-#include <sys/un.h>
 #include <thread>
 #include <unistd.h>
 
@@ -86,24 +84,21 @@ std::optional<Copy> inspect(qint64 pid) {
 } // namespace
 
 RunningCopiesLinux::~RunningCopiesLinux() {
-    if (turn >= 0) {
+    if (hadTurn)
         ::prctl(PR_SET_NAME, ESTABLISHED); // before the turn is given on
+    if (turn >= 0)
         ::close(turn);
-    }
     for (const auto &[pid, descriptor] : descriptors)
         ::close(descriptor);
 }
 
 void RunningCopiesLinux::takeTurn() {
-    const QByteArray home = QCryptographicHash::hash(qgetenv("HOME"), QCryptographicHash::Sha1).toHex();
-    const QByteArray name = "korvel-tray." + QByteArray::number(::getuid()) + '.' + home;
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    std::memcpy(address.sun_path + 1, name.constData(), static_cast<size_t>(name.size())); // no file: a leading zero
-    const auto size = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + static_cast<size_t>(name.size()));
-    turn = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    hadTurn = true;
+    makePrivateFolder(QFileInfo(turnFile).path());
+    turn = ::open(QFile::encodeName(turnFile).constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
     const auto deadline = std::chrono::steady_clock::now() + LONGEST_TURN;
-    while (::bind(turn, reinterpret_cast<const sockaddr *>(&address), size) != 0 &&
+    // Where no lock can be had, copies that start together may both stay: better than none that starts.
+    while (turn >= 0 && ::flock(turn, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK &&
            std::chrono::steady_clock::now() < deadline)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
 }

@@ -2,7 +2,9 @@
 
 #include "platform/running_copies.h"
 
+#include <QString>
 #include <map>
+#include <utility>
 
 namespace korvel {
 
@@ -10,10 +12,11 @@ namespace korvel {
 /// process descriptor, so that a signal never reaches another process that got its number.
 ///
 /// Copies that start together take turns, from others() to the end of this object's life, and end only copies that have
-/// had their turn: so they cannot end each other, and the one whose turn comes last stays.
+/// had their turn: so they cannot end each other, and the one whose turn comes last stays. The turn is a lock on a file
+/// that nobody else can open, so that no other user can hold up a start.
 class RunningCopiesLinux final : public RunningCopies {
 public:
-    RunningCopiesLinux() = default;
+    explicit RunningCopiesLinux(QString lockedFile) : turnFile(std::move(lockedFile)) {}
     RunningCopiesLinux(const RunningCopiesLinux &) = delete;
     RunningCopiesLinux &operator=(const RunningCopiesLinux &) = delete;
     ~RunningCopiesLinux() override;
@@ -26,7 +29,9 @@ public:
 private:
     void takeTurn();
 
-    int turn = -1; ///< A socket whose address is the turn; the system frees it with the process.
+    const QString turnFile; ///< In a folder of this user.
+    int turn = -1;          ///< The file, locked; the system unlocks it with the process.
+    bool hadTurn = false;
     std::map<qint64, int> descriptors;
 };
 

@@ -1,5 +1,6 @@
 #include "journey/journey.h"
 
+#include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <algorithm>
@@ -109,6 +110,16 @@ TEST_F(CopiesJourney, OfCopiesThatStartTogetherExactlyOneStays) {
                 end(*copy);
             }
     }
+}
+
+TEST_F(CopiesJourney, ACopyThatCannotTakeATurnStartsAllTheSameAndIsReplaced) {
+    ASSERT_TRUE(QDir().mkpath(paths.turnFile)); // a folder, which no program can lock for writing
+    const auto first = start();
+    ASSERT_TRUE(isUp(*first));
+    const auto second = start();
+    EXPECT_TRUE(hasEnded(*first));
+    EXPECT_TRUE(isUp(*second));
+    end(*second);
 }
 
 TEST_F(CopiesJourney, ACopyWhoseProcessIsOlderThanItselfReplacesTheOneThatRuns) {
