@@ -1,11 +1,12 @@
 #include "account/account_notices.h"
 
 #include "app/wording.h"
+#include "platform/plain_text.h"
 
 namespace korvel {
 
 Notice signedInNotice(const QString &user) {
-    return {.text = L(u"● 已登录 ", u"● Signed in as ") + user, .secs = Seconds(3)};
+    return {.text = L(u"● 已登录 ", u"● Signed in as ") + shownName(user), .secs = Seconds(3)};
 }
 
 Notice signingInNotice() { return {.text = L(u"正在登录…", u"Signing in…"), .secs = Seconds(40)}; }

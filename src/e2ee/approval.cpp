@@ -13,7 +13,7 @@ namespace {
 enum Button { Allow, Deny, Later };
 constexpr milliseconds ASK_AGAIN_AFTER = 300ms;
 
-QString nameOf(const QJsonObject &request) { return request.value(u"name").toString(L(u"新设备", u"New device")); }
+QString nameOf(const QJsonObject &request) { return deviceName(request, L(u"新设备", u"New device")); }
 
 QString pendingIdOf(const QJsonObject &request) { return request.value(u"pendingId").toString(); }
 
@@ -29,7 +29,7 @@ bool canBeRetried(const QString &code) { return code == u"wrong-code" || code ==
 } // namespace
 
 AlertView approveAlert(const QJsonObject &request, const QString &error) {
-    return {.title = L(u"新设备请求加入：", u"New device: ") + request.value(u"name").toString(QStringLiteral("?")) +
+    return {.title = L(u"新设备请求加入：", u"New device: ") + deviceName(request, QStringLiteral("?")) +
                      QStringLiteral(" · ") + e2Platform(request.value(u"platform")),
             .text = error.isEmpty() ? instructions() : error + QStringLiteral("\n\n") + instructions(),
             .warning = !error.isEmpty(),

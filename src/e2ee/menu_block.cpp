@@ -28,7 +28,7 @@ void appendSituation(QList<MenuEntry> &list, const Situation &s, const QString &
 
 MenuEntry pendingItem(const QJsonObject &request) {
     MenuEntry item =
-        menuItem(L(u"新设备请求加入：", u"New device: ") + request.value(u"name").toString(QStringLiteral("?")) +
+        menuItem(L(u"新设备请求加入：", u"New device: ") + deviceName(request, QStringLiteral("?")) +
                      QStringLiteral(" · ") + e2Platform(request.value(u"platform")) + u'…',
                  Action::E2Pending, L(u"请输入该设备上显示的配对码", u"Enter the pairing code shown on that device."));
     item.payload = request;

@@ -2,6 +2,7 @@
 
 #include "app/wording.h"
 #include "platform/json_values.h"
+#include "platform/plain_text.h"
 
 #include <algorithm>
 
@@ -60,6 +61,11 @@ bool e2NeedsPairing(const QJsonObject &e2, bool bound, bool authDead) {
 
 bool canShowPairCode(const QJsonObject &e2, bool bound, bool authDead) {
     return e2NeedsPairing(e2, bound, authDead) && e2State(e2) == u"pending" && e2PairShow(e2) && !e2PairDone(e2);
+}
+
+QString deviceName(const QJsonObject &request, const QString &unnamed) {
+    const QString name = shownName(request.value(u"name").toString());
+    return name.isEmpty() ? unnamed : name;
 }
 
 QString e2Platform(const QJsonValue &platform) {

@@ -33,6 +33,8 @@ QList<QJsonObject> e2Alarms(const QJsonObject &e2);
 bool e2NeedsPairing(const QJsonObject &e2, bool bound, bool authDead);
 bool canShowPairCode(const QJsonObject &e2, bool bound, bool authDead);
 
+/// The name of the device that asks to join, as the screen shows it; `unnamed` when it gave none.
+QString deviceName(const QJsonObject &request, const QString &unnamed);
 /// Display name of a device platform word such as "ios".
 QString e2Platform(const QJsonValue &platform);
 

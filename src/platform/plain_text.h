@@ -11,6 +11,15 @@ QString singleLine(const QString &text, qsizetype maxLength = 1000);
 /// How long a sentence from outside may be, in characters, where a window shows it.
 constexpr qsizetype LONGEST_LINE = 300;
 
+/// A text from outside as a window shows it: at most 1,000 characters, its line breaks kept, without the white space at
+/// its end. What is over that length is cut and ends in "…".
+QString multiLine(const QString &text);
+
+/// A name from outside as titles, notices and the menu show it: one line of at most 64 characters as a reader counts
+/// them (grapheme clusters, Unicode Standard Annex 29). A longer one ends in "…"; what cannot be seen is left out, and
+/// white space of any kind and length is one space. Empty when nothing of it can be seen.
+QString shownName(const QString &name);
+
 /// `text` for the screen: words in a script from right to left are isolated and marks that change the direction left
 /// out, so that the sentence around a name keeps its order.
 QString keepOrder(const QString &text);

@@ -3,13 +3,15 @@
 #include "app/wording.h"
 #include "e2ee/report.h"
 #include "permissions/permission_rules.h"
+#include "platform/plain_text.h"
 
 namespace korvel {
 
 namespace {
 
 QString accountPart(const HealthState &health) {
-    return health.account.isEmpty() ? QString() : QStringLiteral(" · ") + health.account;
+    const QString account = shownName(health.account);
+    return account.isEmpty() ? QString() : QStringLiteral(" · ") + account;
 }
 
 QString permissionPart(const PermissionState &permissions) {

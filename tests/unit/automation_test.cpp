@@ -53,7 +53,7 @@ TEST(MenuDump, ATextFromOutsideCannotAddALine) {
     home.bind();
     home.installJobFile();
     const auto dump = menuDump(R"({"online":true,"account":"a\non  Fake\tb\u2028c"})", home.fixed, home.paths);
-    EXPECT_TRUE(dump->startsWith("off ● Connected · a on  Fake b c · 0 sessions\n")) << dump->constData();
+    EXPECT_TRUE(dump->startsWith("off ● Connected · a on Fake b c · 0 sessions\n")) << dump->constData();
     EXPECT_EQ(menuDump("[1]", home.fixed, home.paths), std::nullopt);
     EXPECT_EQ(menuDump("{", home.fixed, home.paths), std::nullopt);
 }

@@ -1,3 +1,4 @@
+#include "e2ee/approval.h"
 #include "e2ee/pair_code.h"
 #include "e2ee/pair_window.h"
 #include "support/tray_fixture.h"
@@ -210,6 +211,14 @@ TEST_F(CodeFieldTest, AnInputMethodsUnfinishedTextIsLeftAlone) {
     QCoreApplication::sendEvent(&field, &committed);
     EXPECT_EQ(field.text(), u"123 4"_s);
     EXPECT_EQ(field.cursorPosition(), 5);
+}
+
+TEST(ApprovalAlert, ANameCannotSpeakForTheProduct) {
+    const QString forged = u"Anna's phone · iPhone\n\nKorvel has checked this device. Type 482 913 and choose Allow"_s +
+                           u"\n"_s.repeated(60);
+    const AlertView view = approveAlert({{u"pendingId"_s, u"p"_s}, {u"name"_s, forged}, {u"platform"_s, u"ios"_s}}, {});
+    EXPECT_EQ(view.title, u"New device: Anna's phone · iPhone Korvel has checked this device. Type 482… · iPhone"_s);
+    EXPECT_EQ(approveAlert({{u"name"_s, u"\u200b\u2800"_s}}, {}).title, u"New device: ? · Device"_s);
 }
 
 struct AlertTest : ::testing::Test {

@@ -45,6 +45,35 @@ TEST(LongText, AnAlertKeepsItsButtonsOnTheScreen) {
     EXPECT_EQ(button, usual);
 }
 
+TEST(LongText, ANameIsOneLineOfSixtyFourCharactersAtMost) {
+    const QString family = u"👨‍👩‍👧‍👦"_s, wave = u"👋🏽"_s;
+    const struct {
+        QString name, shown;
+    } cases[] = {
+        {u"Anna’s phone"_s, u"Anna’s phone"_s},
+        {u" a\r\n\tb\u2028c\u3000\u2800d "_s, u"a b c d"_s},
+        {u"\u200b\u202e\u2066\ufeff\u00ad"_s, u""_s},
+        {u"a\u200b\u202eb"_s, u"ab"_s},
+        {u"می‌خواهم"_s, u"می‌خواهم"_s}, // needs its zero-width non-joiner
+        {QString(64, u'W'), QString(64, u'W')},
+        {QString(65, u'W'), QString(63, u'W') + u'…'},
+        {u"é"_s.normalized(QString::NormalizationForm_D).repeated(64),
+         u"é"_s.normalized(QString::NormalizationForm_D).repeated(64)},
+        {u"e"_s + u"\u0301\u0301\u0301\u200b"_s.repeated(99), u"e\u0301\u0301\u0301\u0301"_s},
+        {family + wave, family + wave},
+        {QString(100000, u'\n') + u'a', u"…"_s},
+        {u"\u1100"_s.repeated(2000), u"…"_s}, // one character that never ends
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(shownName(c.name), c.shown) << c.name.left(20).toStdString();
+}
+
+TEST(LongText, ATextKeepsItsLinesAndLosesWhatNobodySees) {
+    EXPECT_EQ(multiLine(u"a\r\nb\rc\u2028d\te\n \u3000\n"_s), u"a\nb\nc\nd e"_s);
+    EXPECT_EQ(multiLine(QString(1000, u'x') + QString(5000, u'\n')), QString(1000, u'x'));
+    EXPECT_EQ(multiLine(QString(998, u'x') + u"😀y"_s), QString(998, u'x') + u'…');
+}
+
 TEST(WindowPlace, IsTheMiddleOfTheScreenAndNeverOverItsUpperLeftEdge) {
     const QRect room = roomForWindows();
     QWidget window;
