@@ -65,6 +65,7 @@ void SignOut::finish(bool cleared) {
     state.health.account.clear();
     state.health.authDead = state.health.accountGone = false;
     state.e2ee.e2 = {}; // it was about the account that is gone
+    state.e2ee.e2Retries.clear();
     hooks.poll();
     hooks.showHUD(cleared ? signedOutNotice() : signOutFailedNotice());
 }

@@ -29,7 +29,7 @@ TrayApp::TrayApp(const FixedConfig &f, const Paths &pa, const TrayPorts &p)
       pairing(state.e2ee, state.pairing, api, p.pairPanel, p.scheduler, pairingHooks()),
       approval(state.e2ee, api, p.alerts, p.scheduler,
                {.poll = [this] { health.poll(); }, .showHUD = showHUD(), .hideHUD = [this] { notices.hideHUD(); }}),
-      alarms(state.e2ee, api, p.alerts,
+      alarms(api, p.alerts,
              {.showHUD = showHUD(), .poll = poll(), .pairAfterLogin = [this] { pairing.pairAfterLogin(); }}),
       speech(api, {.showHUD = showHUD()}), prompts(state.e2ee, state.pairing, promptHooks()),
       afterSignIn(state.health, p.scheduler, afterSignInHooks()),
@@ -97,6 +97,8 @@ Pairing::Hooks TrayApp::pairingHooks() {
 Prompts::Hooks TrayApp::promptHooks() {
     return {.updatePairWindow = [this] { pairing.updatePairWindow(); },
             .pairWindowVisible = [this] { return pairing.isVisible(); },
+            .alertOpen = [this] { return ports.alerts.isOpen(); },
+            .askAgain = [this] { approval.askAgain(); },
             .showPairWindow = [this] { pairing.showPairWindow(); },
             .showApprove = [this](const QJsonObject &request) { approval.showApprove(request); },
             .showAlarm = [this](const QJsonObject &alarm) { alarms.showAlarm(alarm); },

@@ -66,14 +66,22 @@ struct UpdateState {
     bool operator==(const UpdateState &) const = default;
 };
 
+/// A device whose code was wrong and is to be asked for again.
+struct E2Retry {
+    QJsonObject request = {};
+    QString error = {};         ///< What the agent says of the last code.
+    Instant due = DISTANT_PAST; ///< Not before.
+    bool operator==(const E2Retry &) const = default;
+};
+
 /// The agent's encryption report as received, and which of its prompts were shown.
 struct E2State {
     QJsonObject e2 = {};
     QSet<QString> e2ShownPending = {};
     QSet<QString> e2ShownAlarms = {};
     QSet<QString> e2Answering = {};
-    bool e2Modal = false;     ///< An approval or alarm alert is open.
-    QString e2LastState = {}; ///< The state that the last reaction saw.
+    QList<E2Retry> e2Retries = {}; ///< In the order of their verdicts.
+    QString e2LastState = {};      ///< The state that the last reaction saw.
     bool operator==(const E2State &) const = default;
 };
 

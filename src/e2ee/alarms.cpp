@@ -32,14 +32,10 @@ AlertView alarmAlert(const QJsonObject &alarm) {
             .escape = ItWasNotMe};
 }
 
-Alarms::Alarms(E2State &e, AgentApi &a, Alerts &al, Hooks h) : e2ee(e), api(a), alerts(al), hooks(std::move(h)) {}
+Alarms::Alarms(AgentApi &a, Alerts &al, Hooks h) : api(a), alerts(al), hooks(std::move(h)) {}
 
 void Alarms::showAlarm(const QJsonObject &alarm) {
-    const bool opened = alerts.open(alarmAlert(alarm), alive.guard([this, alarm](const AlertAnswer &answer) {
-        e2ee.e2Modal = false;
-        answered(alarm, answer);
-    }));
-    e2ee.e2Modal = e2ee.e2Modal || opened;
+    alerts.open(alarmAlert(alarm), alive.guard([this, alarm](const AlertAnswer &answer) { answered(alarm, answer); }));
 }
 
 void Alarms::answered(const QJsonObject &alarm, const AlertAnswer &answer) {

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "app/tray_state.h"
 #include "platform/alerts.h"
 #include "platform/alive.h"
 #include "service/agent_api.h"
 #include "ui/notices.h"
 
+#include <QJsonObject>
 #include <functional>
 
 namespace korvel {
@@ -21,7 +21,7 @@ public:
         std::function<void(std::function<void()> then)> poll;
         std::function<void()> pairAfterLogin;
     };
-    Alarms(E2State &e2ee, AgentApi &api, Alerts &alerts, Hooks hooks);
+    Alarms(AgentApi &api, Alerts &alerts, Hooks hooks);
 
     /// Opens the alert for an alarm, unless one is open.
     void showAlarm(const QJsonObject &alarm);
@@ -30,7 +30,6 @@ private:
     void answered(const QJsonObject &alarm, const AlertAnswer &answer);
     void rejoin();
 
-    E2State &e2ee;
     AgentApi &api;
     Alerts &alerts;
     Hooks hooks;

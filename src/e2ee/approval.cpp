@@ -42,14 +42,9 @@ Approval::Approval(E2State &e, AgentApi &a, Alerts &al, Scheduler &s, Hooks h)
     : e2ee(e), api(a), alerts(al), scheduler(s), hooks(std::move(h)) {}
 
 void Approval::showApprove(const QJsonObject &request, const QString &error) {
-    if (!request.value(u"pendingId").isString())
-        return;
-    const bool opened =
-        alerts.open(approveAlert(request, error), alive.guard([this, request](const AlertAnswer &answer) {
-            e2ee.e2Modal = false;
-            answered(request, answer);
-        }));
-    e2ee.e2Modal = e2ee.e2Modal || opened;
+    if (request.value(u"pendingId").isString())
+        alerts.open(approveAlert(request, error),
+                    alive.guard([this, request](const AlertAnswer &answer) { answered(request, answer); }));
 }
 
 void Approval::answered(const QJsonObject &request, const AlertAnswer &answer) {
@@ -82,14 +77,23 @@ void Approval::verdict(const QJsonObject &request, const std::optional<QJsonObje
     if (replyOk(reply))
         hooks.showHUD(allowedNotice(nameOf(request)));
     else if (canBeRetried(code))
-        askAgain(request, errText(reply));
+        askAgainSoon(request, errText(reply));
     else
         hooks.showHUD(notAdmittedNotice(reply));
     hooks.poll();
 }
 
-void Approval::askAgain(const QJsonObject &request, const QString &error) {
-    again = scheduler.after(ASK_AGAIN_AFTER, [this, request, error] { showApprove(request, error); });
+void Approval::askAgainSoon(const QJsonObject &request, const QString &error) {
+    e2ee.e2Retries.append({.request = request, .error = error, .due = scheduler.now() + ASK_AGAIN_AFTER});
+    again = scheduler.after(ASK_AGAIN_AFTER, [this] { askAgain(); });
+}
+
+void Approval::askAgain() {
+    QList<E2Retry> &retries = e2ee.e2Retries;
+    if (alerts.isOpen() || retries.isEmpty() || retries.first().due > scheduler.now())
+        return;
+    const E2Retry retry = retries.takeFirst();
+    showApprove(retry.request, retry.error);
 }
 
 } // namespace korvel

@@ -27,13 +27,15 @@ public:
 
     /// Opens the alert for an approval request, unless one is open; `error` is what went wrong with the last try.
     void showApprove(const QJsonObject &request, const QString &error = {});
+    /// Asks again for a code that was wrong, if one is due and no alert is open.
+    void askAgain();
 
 private:
     void answered(const QJsonObject &request, const AlertAnswer &answer);
     void allow(const QJsonObject &request, const QString &code);
     void deny(const QJsonObject &request);
     void verdict(const QJsonObject &request, const std::optional<QJsonObject> &reply);
-    void askAgain(const QJsonObject &request, const QString &error);
+    void askAgainSoon(const QJsonObject &request, const QString &error);
 
     E2State &e2ee;
     AgentApi &api;

@@ -29,7 +29,7 @@ E2Prompt takePrompt(E2State &e2ee, PairState &pairing, const PromptContext &cont
     prompt.announceActive = state == u"active" && !context.pairWindowVisible &&
                             (e2ee.e2LastState == u"pending" || e2ee.e2LastState == u"approved");
     e2ee.e2LastState = state;
-    if (e2ee.e2Modal)
+    if (context.e2Modal)
         return prompt;
     if (wantsPairWindow(e2ee, pairing, context)) {
         pairing.pairAutoShown = true;

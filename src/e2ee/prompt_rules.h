@@ -20,6 +20,7 @@ struct PromptContext {
     bool bound = false;
     bool authDead = false;
     bool pairWindowVisible = false;
+    bool e2Modal = false; ///< An alert is open, whatever it is about: nothing is shown beside it, nor marked as shown.
 };
 
 /// Identity of an approval request: a re-issued one counts as new.

@@ -6,9 +6,12 @@ namespace korvel {
 
 void Prompts::e2Prompt(const PairContext &context) {
     hooks.updatePairWindow();
-    const E2Prompt prompt = takePrompt(
-        e2ee, pairing,
-        {.bound = context.bound, .authDead = context.authDead, .pairWindowVisible = hooks.pairWindowVisible()});
+    hooks.askAgain();
+    const E2Prompt prompt = takePrompt(e2ee, pairing,
+                                       {.bound = context.bound,
+                                        .authDead = context.authDead,
+                                        .pairWindowVisible = hooks.pairWindowVisible(),
+                                        .e2Modal = hooks.alertOpen()});
     if (prompt.announceActive)
         hooks.showHUD(encryptedNotice());
     switch (prompt.kind) {

@@ -15,6 +15,8 @@ public:
     struct Hooks {
         std::function<void()> updatePairWindow;
         std::function<bool()> pairWindowVisible;
+        std::function<bool()> alertOpen;
+        std::function<void()> askAgain; ///< For a code that was wrong, if that could not be done at its time.
         std::function<void()> showPairWindow;
         std::function<void(const QJsonObject &)> showApprove;
         std::function<void(const QJsonObject &)> showAlarm;

@@ -42,6 +42,8 @@ struct AlertAnswer {
 class Alerts {
 public:
     virtual ~Alerts() = default;
+    /// Whether an alert is open, whichever feature opened it.
+    virtual bool isOpen() const = 0;
     /// Opens an alert and calls `answered` once. While another one is open, brings that to the front instead, does
     /// nothing more and gives false.
     virtual bool open(const AlertView &view, std::function<void(const AlertAnswer &)> answered) = 0;

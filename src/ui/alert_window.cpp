@@ -178,8 +178,10 @@ void AlertDialog::answer(int button) {
 
 AlertWindow::~AlertWindow() { delete current; }
 
+bool AlertWindow::isOpen() const { return current && current->isVisible(); }
+
 bool AlertWindow::open(const AlertView &view, std::function<void(const AlertAnswer &)> answered) {
-    const bool isFirst = !current || !current->isVisible();
+    const bool isFirst = !isOpen();
     if (isFirst) {
         current = new AlertDialog(view, std::move(answered));
         // A dialog would place itself, too far left by what it takes for its frame.

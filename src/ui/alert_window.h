@@ -39,6 +39,7 @@ private:
 class AlertWindow final : public Alerts {
 public:
     ~AlertWindow() override;
+    bool isOpen() const override;
     bool open(const AlertView &view, std::function<void(const AlertAnswer &)> answered) override;
 
 private:

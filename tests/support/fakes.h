@@ -234,6 +234,7 @@ public:
 /// Alerts that the test answers.
 class ScriptedAlerts final : public Alerts {
 public:
+    bool isOpen() const override { return answered != nullptr; }
     bool open(const AlertView &v, std::function<void(const AlertAnswer &)> a) override {
         if (answered)
             return false;
@@ -242,7 +243,6 @@ public:
         ++opened;
         return true;
     }
-    bool isOpen() const { return answered != nullptr; }
     void answer(int button, const QStringList &texts = {}) {
         ASSERT_TRUE(answered);
         std::exchange(answered, nullptr)({.button = button, .texts = texts});

@@ -180,6 +180,36 @@ TEST_F(E2eeOperations, WhileOneAlertIsOpenNothingOpensAnother) {
     EXPECT_FALSE(alerts.isOpen());
 }
 
+TEST_F(E2eeOperations, WhatAnotherAlertKeptFromBeingShownComesWhenThatIsClosed) {
+    launchActive();
+    const char *const REPORT = R"({"state":"active","alarms":[{"id":"1","text":"Knock."}],
+        "pending":[{"pendingId":"p","name":"P","ready":true},{"pendingId":"q","name":"Q","ready":true}]})";
+    const auto shown = [this] {
+        return alerts.view.title.section(u" · "_s, 0, 0) + u' ' + alerts.view.text.section(u"\n\n"_s, 0, -2);
+    };
+    item.choose(Action::LogoutDialog);
+    next(REPORT);
+    next(REPORT);
+    EXPECT_EQ(shown(), u"Sign Out? "_s);
+    alerts.dismiss();
+    next(REPORT);
+    EXPECT_EQ(shown(), u"New device: P "_s);
+    replies[u"/e2ee/pair"_s] = R"({"ok":false,"code":"wrong-code","error":"No match."})";
+    alerts.answer(0, u"111111"_s); // to be asked for again 0.3 s later; the next report is quicker
+    EXPECT_EQ(shown(), u"New device: Q "_s);
+    next(REPORT);
+    EXPECT_EQ(shown(), u"New device: Q "_s);
+    for (const QString &waiting : {u"New device: P No match."_s, u"Security Alert "_s}) {
+        alerts.dismiss();
+        next(REPORT);
+        ASSERT_TRUE(alerts.isOpen());
+        EXPECT_EQ(shown(), waiting);
+    }
+    alerts.dismiss();
+    next(REPORT);
+    EXPECT_FALSE(alerts.isOpen());
+}
+
 TEST_F(E2eeOperations, AnAlarmIsDismissedAtTheAgentByItsIdentity) {
     launchActive();
     next(R"({"state":"active","alarms":[{"id":"7","text":"Keys <b>changed</b>"}]})");
