@@ -18,7 +18,16 @@ Pairing::Pairing(const E2State &e, PairState &p, AgentApi &a, PairPanel &w, Sche
 
 void Pairing::updatePairWindow() {
     if (window.isVisible())
-        follow(pairView(e2ee.e2, pairing, hooks.context()));
+        follow(update());
+}
+
+PairUpdate Pairing::update() {
+    PairUpdate update = pairView(e2ee.e2, pairing, hooks.context());
+    if (renewFailure && (renewFailure->report != e2ee.e2 || !update.view.refreshVisible))
+        renewFailure.reset();
+    if (renewFailure)
+        update.view.error = renewFailure->error;
+    return update;
 }
 
 void Pairing::follow(const PairUpdate &update) {
@@ -43,13 +52,13 @@ void Pairing::follow(const PairUpdate &update) {
 }
 
 void Pairing::showPairWindow() {
-    const PairUpdate update = pairView(e2ee.e2, pairing, hooks.context());
-    if (update.step == PairUpdate::Step::Show)
-        shown = update.view;
+    if (!window.isVisible())
+        renewFailure.reset();
+    const PairUpdate now = update();
     // A window whose news is old goes again at once, silently; it is not even brought up.
-    if (update.step != PairUpdate::Step::Vanish)
-        window.present(shown);
-    follow(update);
+    if (now.step != PairUpdate::Step::Vanish)
+        window.present(now.step == PairUpdate::Step::Keep ? shown : now.view);
+    follow(now);
 }
 
 void Pairing::pairAfterLogin() {
@@ -71,17 +80,16 @@ void Pairing::pairRenewClicked() {
     if (pairing.pairRenewing)
         return;
     pairing.pairRenewing = true;
+    renewFailure.reset();
     updatePairWindow();
     e2Post(api, renewCodeRequest(), alive.guard([this](const std::optional<QJsonObject> &reply) { renewed(reply); }));
 }
 
 void Pairing::renewed(const std::optional<QJsonObject> &reply) {
     pairing.pairRenewing = false;
+    if (!replyOk(reply))
+        renewFailure = {.error = multiLine(errText(reply)), .report = e2ee.e2};
     updatePairWindow();
-    if (!replyOk(reply) && window.isVisible()) {
-        shown.error = singleLine(errText(reply), LONGEST_LINE);
-        window.apply(shown);
-    }
     hooks.poll();
 }
 

@@ -37,7 +37,14 @@ private:
     void pairButtonClicked();
     void pairRenewClicked();
     void renewed(const std::optional<QJsonObject> &reply);
+    PairUpdate update();
     void follow(const PairUpdate &update);
+
+    /// A code could not be renewed.
+    struct RenewFailure {
+        QString error;
+        QJsonObject report; ///< The one that was shown then: the next one takes the sentence away.
+    };
 
     const E2State &e2ee;
     PairState &pairing;
@@ -45,6 +52,7 @@ private:
     PairPanel &window;
     Scheduler &scheduler;
     Hooks hooks;
+    std::optional<RenewFailure> renewFailure;
     PairView shown;
     Timer closing;
     Alive alive;

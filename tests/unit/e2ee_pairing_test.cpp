@@ -146,7 +146,7 @@ TEST_F(PairingTest, TheButtonDoesWhatItSaysAndTheWindowStaysClosedAfter) {
     EXPECT_FALSE(pairPanel.visible || loginPanel.visible || alerts.isOpen());
 }
 
-TEST_F(PairingTest, RefreshIsAskedForOnceAndItsFailureIsShown) {
+TEST_F(PairingTest, RefreshIsAskedForOnceAndItsFailureStaysUntilTheReportIsAnother) {
     launchWith(CODE);
     http.answer = nullptr;
     pairPanel.events.renewClicked();
@@ -155,10 +155,20 @@ TEST_F(PairingTest, RefreshIsAskedForOnceAndItsFailureIsShown) {
     ASSERT_EQ(http.open.size(), 1u);
     EXPECT_EQ(http.open[0].request.url, u"http://127.0.0.1:8790/e2ee/pair/new"_s);
     EXPECT_EQ(http.open[0].request.body, "{}");
-    http.reply(0, json(R"({"ok":false,"error":"Too often."})"));
-    EXPECT_EQ(pairPanel.view.error, u"Too often."_s);
+    http.reply(0, json(R"({"ok":false,"error":"Too often.\nWait. "})"));
+    EXPECT_EQ(pairPanel.view.error, u"Too often.\nWait."_s);
     EXPECT_TRUE(pairPanel.view.refreshEnabled);
-    EXPECT_EQ(http.open.size(), 1u); // the poll that follows
+    ASSERT_EQ(http.open.size(), 1u); // the poll that follows
+    http.reply(0, json(R"({"ok":true,"e2ee":)" + CODE + '}'));
+    next(CODE);
+    EXPECT_EQ(pairPanel.view.error, u"Too often.\nWait."_s);
+    http.answer = nullptr;
+    pairPanel.events.renewClicked();
+    EXPECT_EQ(pairPanel.view.error, u""_s);
+    http.reply(http.open.size() - 1, noAnswer());
+    EXPECT_FALSE(pairPanel.view.error.isEmpty());
+    next(R"({"state":"pending","pair":{"show":"654321"}})");
+    EXPECT_EQ(pairPanel.view.error, u""_s);
 }
 
 TEST(PairCode, DigitsOfAnyScriptAreTakenAndNothingElse) {
