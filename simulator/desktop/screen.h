@@ -6,6 +6,8 @@
 #include <QRect>
 #include <QString>
 
+#include <chrono>
+
 // The X screen as its user sees and uses it; needs a QGuiApplication and xdotool. All measures are in pixels.
 namespace korvel::sim {
 
@@ -33,7 +35,10 @@ void movePointer(QPoint to);
 void clickButton(int button);
 // A key by its X name, such as "Escape".
 void pressKey(const QString &name);
+// Presses a key and leaves it down, and lets it go.
+void holdKey(const QString &name);
+void releaseKey(const QString &name);
 // A text, key by key.
-void typeText(const QString &text);
+void typeText(const QString &text, std::chrono::milliseconds betweenKeys = std::chrono::milliseconds(12));
 
 } // namespace korvel::sim

@@ -82,7 +82,7 @@ QList<Case> alertCases() {
     for (const Sample &sample : samples)
         cases.append({u"Alerts"_s, QLatin1StringView(sample.name), [sample] {
                           auto alerts = std::make_shared<AlertWindow>();
-                          alerts->open(sample.view(), [](const AlertAnswer &) {});
+                          alerts->open(sample.view(), OpenedBy::User, [](const AlertAnswer &) {});
                           return std::shared_ptr<void>(alerts);
                       }});
     return cases;

@@ -16,7 +16,7 @@ struct Sample {
 std::shared_ptr<void> show(const CnLoginForm &form) {
     auto panel = std::make_shared<CnLoginPanel>();
     panel->connect([](const LoginInput &) {});
-    panel->present(cnLoginView(form));
+    panel->present(cnLoginView(form), OpenedBy::User);
     panel->focus(firstEmptyField(form));
     return panel;
 }

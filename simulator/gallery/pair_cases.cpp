@@ -24,7 +24,7 @@ std::shared_ptr<void> show(const Sample &sample) {
     if (!sample.error.isEmpty())
         view.error = sample.error;
     auto window = std::make_shared<PairWindow>(PairPanel::Events{.buttonClicked = [] {}, .renewClicked = [] {}});
-    window->present(view);
+    window->present(view, OpenedBy::User);
     return window;
 }
 

@@ -2,6 +2,7 @@
 
 #include "simulator/desktop/screen.h"
 #include "simulator/tour/window_checks.h"
+#include "simulator/tour/window_controls.h"
 
 #include <QJsonObject>
 
@@ -24,6 +25,7 @@ QString plainAlarm(Tour &tour) {
                                 [&] { return expectEntry(tour, menuEntry(tour), true); }});
     if (!wrong.isEmpty())
         return wrong;
+    readWindow(tour);
     pressKey(u"Return"_s);
     wrong =
         firstWrong({[&] { return expectNoWindow(tour); }, [&] { return expectEntry(tour, menuEntry(tour), false); }});
@@ -42,9 +44,10 @@ QString reset(Tour &tour) {
                  u"If you did this, click It Was Me, Rejoin, then enter this Mac's pairing code on your phone.\nIf "
                  u"not, don't approve any new device, and change your password immediately."_s),
         tour.say(u"是我，重新加入"_s, u"It Was Me, Rejoin"_s), tour.say(u"不是我"_s, u"It Wasn't Me"_s)};
-    if (QString wrong = expectWindow(tour, texts, u"reset"_s); !wrong.isEmpty())
+    const QString wrong = firstWrong({[&] { return expectWindow(tour, texts, u"reset"_s); },
+                                      [&] { return clickControl(tour, role::BUTTON, texts.at(2)); }});
+    if (!wrong.isEmpty())
         return wrong;
-    pressKey(u"Return"_s);
     if (!tour.waitUntil([&] { return !tour.home().encryption().pairCode().isEmpty(); }, NEXT_POLL))
         return u"the Mac does not rejoin"_s;
     const QStringList pairing{tour.say(u"配对这台 Mac"_s, u"Pair This Mac"_s),

@@ -27,9 +27,10 @@ QString instructions(const Tour &tour) {
 }
 
 // The alert with its field in the focus, empty, and nothing to allow yet.
-QString expectAlert(Tour &tour, const QString &title, const QString &text, const QString &name) {
-    if (QString wrong = expectWindow(tour, {title, text, allow(tour)}, name); !wrong.isEmpty())
+QString expectAlert(Tour &tour, const QStringList &texts, const QString &name) {
+    if (QString wrong = expectWindow(tour, texts + QStringList{allow(tour)}, name); !wrong.isEmpty())
         return wrong;
+    readWindow(tour);
     const auto window = tour.window();
     const auto focus = window ? window->focus() : std::nullopt;
     if (!focus || focus->role != "text"_L1 || !focus->text.isEmpty())
@@ -63,7 +64,9 @@ QString allowDevice(Tour &tour) {
     const AskedDevice asked = tour.home().encryption().askDevice(device, u"ios"_s);
     const int before = requestsTo(tour, u"/e2ee/pair"_s);
     QString wrong = firstWrong(
-        {[&] { return expectAlert(tour, titleFor(tour, device, u"iPhone"_s), instructions(tour), u"device-asks"_s); },
+        {[&] {
+             return expectAlert(tour, {titleFor(tour, device, u"iPhone"_s), instructions(tour)}, u"device-asks"_s);
+         },
          [&] { return typeCode(tour, asked.code); }});
     if (!wrong.isEmpty())
         return wrong;
@@ -87,24 +90,28 @@ QString mistypeCode(Tour &tour, AskedDevice &asked, const QString &device) {
     const QString error =
         tour.say(u"配对码与新设备上显示的不一致"_s, u"That isn't the code shown on the new device."_s);
     const int before = requestsTo(tour, u"/e2ee/pair"_s);
-    return firstWrong({[&] { return expectAlert(tour, title, instructions(tour), u"second-device-asks"_s); },
+    return firstWrong({[&] {
+                           return expectAlert(tour, {title, instructions(tour)}, u"second-device-asks"_s);
+                       },
                        [&] { return typeCode(tour, otherCode(asked.code)); }, [&] { return send(tour, before); },
                        [&] {
-                           return expectAlert(tour, title, error + u"\n\n"_s + instructions(tour),
-                                              u"second-device-wrong-code"_s);
+                           return expectAlert(tour, {title, error, instructions(tour)}, u"second-device-wrong-code"_s);
                        }});
 }
 
-// From the field the next stop that can be used is the button that denies.
+// From the field Tab leads over the buttons that can be used, in the system's order, to the one that denies.
 QString denyDevice(Tour &tour, const QString &device) {
-    pressKey(u"Tab"_s);
-    const QString deny = tour.say(u"拒绝"_s, u"Deny"_s);
-    const auto isNext = [&] {
+    const QString deny = tour.say(u"拒绝"_s, u"Deny"_s), later = tour.say(u"稍后"_s, u"Later"_s);
+    const auto focus = [&] {
         const auto window = tour.window();
-        const auto focus = window ? window->focus() : std::nullopt;
-        return focus && focus->name == deny;
+        return window ? window->focus().value_or(AccessibleElement()).name : QString();
     };
-    if (!tour.waitUntil(isNext, NEXT_POLL))
+    for (int stops = 0; stops < 2 && focus() != deny; ++stops) {
+        const QString before = focus();
+        pressKey(u"Tab"_s);
+        tour.waitUntil([&] { return focus() != before && (focus() == deny || focus() == later); }, NEXT_POLL);
+    }
+    if (focus() != deny)
         return u"Tab does not lead to "_s + deny;
     pressKey(u"space"_s);
     const QString notice = tour.say(u"已拒绝「"_s, u"Denied "_s) + device +

@@ -55,6 +55,12 @@ QString expectWindow(Tour &tour, const QStringList &texts, const QString &name) 
     return isCentred(area) ? QString() : u"the window stands at %1, %2"_s.arg(area.left()).arg(area.top());
 }
 
+void readWindow(Tour &tour) {
+    constexpr auto TAKES_NO_KEY = 1s;
+    const auto begin = tour.time();
+    tour.waitUntil([&] { return tour.time() > begin + TAKES_NO_KEY; }, NEXT_POLL);
+}
+
 QString expectNoWindow(Tour &tour) {
     return tour.waitUntil([&] { return tour.windowArea().isEmpty(); }, NEXT_POLL) ? QString() : shownTexts(tour);
 }

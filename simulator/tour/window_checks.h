@@ -14,6 +14,8 @@ inline constexpr auto NEXT_POLL = std::chrono::milliseconds(4500);
 QString expectTexts(Tour &tour, const QStringList &texts, const QString &name);
 // The same of a window that has just opened, in the middle of the screen.
 QString expectWindow(Tour &tour, const QStringList &texts, const QString &name);
+// Waits until a window that came up by itself takes keys, as somebody does who reads it.
+void readWindow(Tour &tour);
 // Waits until no window shows.
 QString expectNoWindow(Tour &tour);
 // Waits until the notice reads so.

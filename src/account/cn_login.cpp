@@ -21,7 +21,7 @@ void CnLogin::showCnLogin() {
         const bool again = bound(config.readCfg()) && health.authDead && !health.accountGone;
         form = openCnLoginForm(again, again ? health.account : QString());
     }
-    if (window.present(cnLoginView(*form)))
+    if (window.present(cnLoginView(*form), OpenedBy::User))
         window.focus(firstEmptyField(*form));
 }
 
@@ -111,7 +111,7 @@ void CnLogin::answered(const std::optional<QJsonObject> &answer) {
     if (outcome.user)
         return cnLoggedIn(*outcome.user);
     if (outcome.bringToFront)
-        window.present(cnLoginView(*form));
+        window.present(cnLoginView(*form), OpenedBy::Itself);
     else
         show();
     if (outcome.focus)

@@ -74,7 +74,7 @@ CnLoginWindow::CnLoginWindow(std::function<void(const LoginInput &)> in)
       privacyB(new LinkButton(L(u"《隐私政策》", u"Privacy Policy"), this)), linkA(new LinkButton({}, this)),
       linkB(new LinkButton({}, this)), andF(new ToneLabel(uiFont(12), Tone::Normal, this)),
       infoF(message(Tone::Secondary, this)), errF(message(Tone::Error, this)), mainB(new MainButton(this)),
-      busyBar(new QProgressBar(this)) {
+      busyBar(new QProgressBar(this)), keys(*this) {
     setWindowTitle(QStringLiteral("Korvel"));
     setAttribute(Qt::WA_QuitOnClose, false);
     onEsc = [this] { close(); };
@@ -243,6 +243,11 @@ void CnLoginWindow::focus(LoginField field) {
     }
 }
 
+void CnLoginWindow::bringUp(OpenedBy by) {
+    keys.comesUp(by);
+    bringToFront(*this);
+}
+
 void CnLoginWindow::keyPressEvent(QKeyEvent *event) {
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
         return mainB->click();
@@ -258,7 +263,7 @@ CnLoginPanel::~CnLoginPanel() = default;
 
 void CnLoginPanel::connect(std::function<void(const LoginInput &)> input) { sink = std::move(input); }
 
-bool CnLoginPanel::present(const CnLoginView &view) {
+bool CnLoginPanel::present(const CnLoginView &view, OpenedBy by) {
     if (!window)
         window = std::make_unique<CnLoginWindow>([this](const LoginInput &input) {
             if (input.kind == LoginInput::Kind::Close)
@@ -269,7 +274,7 @@ bool CnLoginPanel::present(const CnLoginView &view) {
     const bool appears = !window->isVisible();
     if (appears)
         centreOnScreen(*window);
-    bringToFront(*window);
+    window->bringUp(by);
     return appears;
 }
 

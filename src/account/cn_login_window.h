@@ -3,6 +3,7 @@
 #include "account/cn_login_view.h"
 #include "platform/login_panel.h"
 #include "ui/esc_window.h"
+#include "ui/key_filter.h"
 #include "ui/text_styles.h"
 
 #include <memory>
@@ -25,6 +26,8 @@ public:
 
     void apply(const CnLoginView &view);
     void focus(LoginField field);
+    /// Shows the window in front, with the keyboard.
+    void bringUp(OpenedBy by);
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
@@ -50,6 +53,7 @@ private:
     ToneLabel *andF, *infoF, *errF;
     QPushButton *mainB;
     QProgressBar *busyBar;
+    KeyFilter keys;
 };
 
 /// The window as a port: made when it is shown, gone when it is closed.
@@ -57,7 +61,7 @@ class CnLoginPanel final : public LoginPanel {
 public:
     ~CnLoginPanel() override;
     void connect(std::function<void(const LoginInput &)> input) override;
-    bool present(const CnLoginView &view) override;
+    bool present(const CnLoginView &view, OpenedBy by) override;
     void apply(const CnLoginView &view) override;
     void focus(LoginField field) override;
     void close() override;

@@ -35,12 +35,12 @@ void LoginDialog::showLogin(LoginAttempt attempt) {
         return hooks.showCnLogin();
     if (!attempt.advanced)
         attempt.advanced = desktop.optionKeyHeld();
-    present(std::move(attempt));
+    present(attempt, OpenedBy::User);
 }
 
-bool LoginDialog::present(LoginAttempt attempt) {
+bool LoginDialog::present(const LoginAttempt &attempt, OpenedBy by) {
     const QJsonObject cfg = config.readCfg();
-    return alerts.open(loginAlert(attempt, bound(cfg), serverOf(fixed, cfg)),
+    return alerts.open(loginAlert(attempt, bound(cfg), serverOf(fixed, cfg)), by,
                        alive.guard([this, attempt](const AlertAnswer &answer) {
                            if (answer.button == 0)
                                answered(attempt, answer.texts);
@@ -73,7 +73,7 @@ void LoginDialog::finished(LoginAttempt attempt, bool ok, const QString &message
         hooks.hideHUD();
         attempt.error = message;
         // Another alert may have come up meanwhile.
-        if (!present(attempt))
+        if (!present(attempt, OpenedBy::Itself))
             hooks.showHUD(signInFailedNotice(message));
         return;
     }

@@ -43,7 +43,7 @@ public:
 
 private:
     /// False when another alert is open: that one comes to the front instead.
-    bool present(LoginAttempt attempt);
+    bool present(const LoginAttempt &attempt, OpenedBy by);
     void answered(LoginAttempt attempt, const QStringList &texts);
     void finished(LoginAttempt attempt, bool ok, const QString &message);
 

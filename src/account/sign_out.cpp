@@ -30,7 +30,7 @@ SignOut::SignOut(TrayState &st, const FixedConfig &f, const AgentConfig &c, Agen
 void SignOut::logoutDialog() {
     if (underWay)
         return;
-    alerts.open(signOutAlert(), alive.guard([this](const AlertAnswer &answer) {
+    alerts.open(signOutAlert(), OpenedBy::User, alive.guard([this](const AlertAnswer &answer) {
         if (answer.button == 0)
             tellAgent();
     }));

@@ -60,7 +60,7 @@ int renderE2ee(const QString &kind, const QString &file, const QByteArray &json)
     const PictureApplication app;
     if (kind == u"pair") {
         PairWindow window({});
-        window.present(previewOf(*given));
+        window.present(previewOf(*given), OpenedBy::User);
         return draw(window, file, "--e2ee-render");
     }
     AlertDialog alert(approveAlert(*given, given->value(u"error").toString()), [](const AlertAnswer &) {});

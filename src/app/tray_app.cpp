@@ -99,9 +99,9 @@ Prompts::Hooks TrayApp::promptHooks() {
             .pairWindowVisible = [this] { return pairing.isVisible(); },
             .alertOpen = [this] { return ports.alerts.isOpen(); },
             .askAgain = [this] { approval.askAgain(); },
-            .showPairWindow = [this] { pairing.showPairWindow(); },
-            .showApprove = [this](const QJsonObject &request) { approval.showApprove(request); },
-            .showAlarm = [this](const QJsonObject &alarm) { alarms.showAlarm(alarm); },
+            .showPairWindow = [this] { pairing.showPairWindow(OpenedBy::Itself); },
+            .showApprove = [this](const QJsonObject &request) { approval.showApprove(request, OpenedBy::Itself); },
+            .showAlarm = [this](const QJsonObject &alarm) { alarms.showAlarm(alarm, OpenedBy::Itself); },
             .showHUD = showHUD()};
 }
 
@@ -223,7 +223,7 @@ void TrayApp::reopen() {
     case ReopenAction::Repair:
         return repair.repairService({});
     case ReopenAction::ShowPairingCode:
-        return pairing.showPairWindow();
+        return pairing.showPairWindow(OpenedBy::User);
     case ReopenAction::ToggleAgent:
         return sync.toggleAgent();
     }
@@ -252,11 +252,11 @@ void TrayApp::perform(const MenuEntry &entry) {
     case Action::AskPerms:
         return permissions.askPerms();
     case Action::ShowPair:
-        return pairing.showPairWindow();
+        return pairing.showPairWindow(OpenedBy::User);
     case Action::E2Pending:
-        return approval.showApprove(entry.payload.toObject());
+        return approval.showApprove(entry.payload.toObject(), OpenedBy::User);
     case Action::E2Alarm:
-        return alarms.showAlarm(entry.payload.toObject());
+        return alarms.showAlarm(entry.payload.toObject(), OpenedBy::User);
     case Action::E2AsrInstall:
         return speech.e2AsrInstall();
     case Action::OpenLog:

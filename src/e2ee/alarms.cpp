@@ -29,13 +29,15 @@ AlertView alarmAlert(const QJsonObject &alarm) {
                   u"not, don't approve any new device, and change your password immediately."),
             .warning = true,
             .buttons = {L(u"是我，重新加入", u"It Was Me, Rejoin"), L(u"不是我", u"It Wasn't Me")},
-            .escape = ItWasNotMe};
+            .escape = ItWasNotMe,
+            .main = ItWasNotMe};
 }
 
 Alarms::Alarms(AgentApi &a, Alerts &al, Hooks h) : api(a), alerts(al), hooks(std::move(h)) {}
 
-void Alarms::showAlarm(const QJsonObject &alarm) {
-    alerts.open(alarmAlert(alarm), alive.guard([this, alarm](const AlertAnswer &answer) { answered(alarm, answer); }));
+void Alarms::showAlarm(const QJsonObject &alarm, OpenedBy by) {
+    alerts.open(alarmAlert(alarm), by,
+                alive.guard([this, alarm](const AlertAnswer &answer) { answered(alarm, answer); }));
 }
 
 void Alarms::answered(const QJsonObject &alarm, const AlertAnswer &answer) {

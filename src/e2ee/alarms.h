@@ -24,7 +24,7 @@ public:
     Alarms(AgentApi &api, Alerts &alerts, Hooks hooks);
 
     /// Opens the alert for an alarm, unless one is open.
-    void showAlarm(const QJsonObject &alarm);
+    void showAlarm(const QJsonObject &alarm, OpenedBy by);
 
 private:
     void answered(const QJsonObject &alarm, const AlertAnswer &answer);

@@ -41,9 +41,9 @@ AlertView approveAlert(const QJsonObject &request, const QString &error) {
 Approval::Approval(E2State &e, AgentApi &a, Alerts &al, Scheduler &s, Hooks h)
     : e2ee(e), api(a), alerts(al), scheduler(s), hooks(std::move(h)) {}
 
-void Approval::showApprove(const QJsonObject &request, const QString &error) {
+void Approval::showApprove(const QJsonObject &request, OpenedBy by, const QString &error) {
     if (request.value(u"pendingId").isString())
-        alerts.open(approveAlert(request, error),
+        alerts.open(approveAlert(request, error), by,
                     alive.guard([this, request](const AlertAnswer &answer) { answered(request, answer); }));
 }
 
@@ -63,7 +63,7 @@ void Approval::deny(const QJsonObject &request) {
 
 void Approval::allow(const QJsonObject &request, const QString &code) {
     if (code.size() != 6)
-        return showApprove(request, L(u"配对码为 6 位数字", u"The pairing code must be 6 digits."));
+        return showApprove(request, OpenedBy::User, L(u"配对码为 6 位数字", u"The pairing code must be 6 digits."));
     hooks.showHUD(verifyingNotice());
     e2ee.e2Answering.insert(pendingIdOf(request));
     e2Post(api, pairDeviceRequest(pendingIdOf(request), code),
@@ -93,7 +93,7 @@ void Approval::askAgain() {
     if (alerts.isOpen() || retries.isEmpty() || retries.first().due > scheduler.now())
         return;
     const E2Retry retry = retries.takeFirst();
-    showApprove(retry.request, retry.error);
+    showApprove(retry.request, OpenedBy::Itself, retry.error);
 }
 
 } // namespace korvel

@@ -26,7 +26,7 @@ public:
     Approval(E2State &e2ee, AgentApi &api, Alerts &alerts, Scheduler &scheduler, Hooks hooks);
 
     /// Opens the alert for an approval request, unless one is open; `error` is what went wrong with the last try.
-    void showApprove(const QJsonObject &request, const QString &error = {});
+    void showApprove(const QJsonObject &request, OpenedBy by, const QString &error = {});
     /// Asks again for a code that was wrong, if one is due and no alert is open.
     void askAgain();
 

@@ -31,7 +31,7 @@ PairWindow::PairWindow(const PairPanel::Events &events)
       pairCodeF(new ToneLabel(codeFont(46, QFont::DemiBold), Tone::Normal, this)),
       pairLineF(wrapping(13, Tone::Normal, this)), pairHintF(wrapping(11, Tone::Secondary, this)),
       pairErrF(wrapping(12, Tone::Error, this)), pairNewBtn(new QPushButton(L(u"刷新", u"Refresh"), this)),
-      pairBtn(new QPushButton(this)) {
+      pairBtn(new QPushButton(this)), keys(*this) {
     setWindowTitle(QStringLiteral("Korvel"));
     setAttribute(Qt::WA_QuitOnClose, false);
     keepReadable(*this);
@@ -71,8 +71,9 @@ void PairWindow::apply(const PairView &view) {
     fitHeight(*this, WIDTH);
 }
 
-void PairWindow::present(const PairView &view) {
+void PairWindow::present(const PairView &view, OpenedBy by) {
     apply(view);
+    keys.comesUp(by);
     if (!isVisible()) {
         centreOnScreen(*this);
         pairBtn->setFocus();
@@ -88,10 +89,10 @@ void PairWindow::keyPressEvent(QKeyEvent *event) {
 
 void PairWindowPanel::connect(Events e) { events = std::move(e); }
 
-void PairWindowPanel::present(const PairView &view) {
+void PairWindowPanel::present(const PairView &view, OpenedBy by) {
     if (!window)
         window = std::make_unique<PairWindow>(events);
-    window->present(view);
+    window->present(view, by);
 }
 
 void PairWindowPanel::apply(const PairView &view) {

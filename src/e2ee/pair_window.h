@@ -2,6 +2,7 @@
 
 #include "e2ee/pair_view.h"
 #include "platform/pair_panel.h"
+#include "ui/key_filter.h"
 #include "ui/text_styles.h"
 
 #include <QPushButton>
@@ -15,7 +16,7 @@ class PairWindow final : public QWidget {
 public:
     explicit PairWindow(const PairPanel::Events &events);
 
-    void present(const PairView &view);
+    void present(const PairView &view, OpenedBy by);
     void apply(const PairView &view);
 
 protected:
@@ -29,6 +30,7 @@ private:
     ToneLabel *pairErrF;
     QPushButton *pairNewBtn;
     QPushButton *pairBtn;
+    KeyFilter keys;
 };
 
 /// The window as a port: made when it is first shown.
@@ -36,7 +38,7 @@ class PairWindowPanel final : public PairPanel {
 public:
     void connect(Events events) override;
     bool isVisible() const override { return window && window->isVisible(); }
-    void present(const PairView &view) override;
+    void present(const PairView &view, OpenedBy by) override;
     void apply(const PairView &view) override;
     void hide() override;
 

@@ -51,19 +51,19 @@ void Pairing::follow(const PairUpdate &update) {
     window.apply(shown);
 }
 
-void Pairing::showPairWindow() {
+void Pairing::showPairWindow(OpenedBy by) {
     if (!window.isVisible())
         renewFailure.reset();
     const PairUpdate now = update();
     // A window whose news is old goes again at once, silently; it is not even brought up.
     if (now.step != PairUpdate::Step::Vanish)
-        window.present(now.step == PairUpdate::Step::Keep ? shown : now.view);
+        window.present(now.step == PairUpdate::Step::Keep ? shown : now.view, by);
     follow(now);
 }
 
 void Pairing::pairAfterLogin() {
     pairing.pairSawCode = false;
-    showPairWindow();
+    showPairWindow(OpenedBy::Itself);
     // A report from before the sign-in may have sent the window away: then it opens by itself with the next one.
     pairing.pairAutoShown = window.isVisible();
 }

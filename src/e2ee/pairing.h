@@ -28,7 +28,7 @@ public:
 
     /// Recomputes the window; nothing while it is not on the screen.
     void updatePairWindow();
-    void showPairWindow();
+    void showPairWindow(OpenedBy by);
     /// Shows the window after a sign-in, when it has no past yet.
     void pairAfterLogin();
     bool isVisible() const { return window.isVisible(); }

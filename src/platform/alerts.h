@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/opened_by.h"
+
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -24,11 +26,12 @@ struct AlertField {
 /// An alert as data: what it says and which answers it offers.
 struct AlertView {
     QString title;
-    QString text;                  ///< Plain text; may hold line breaks.
+    QString text = {};             ///< Plain text; may hold line breaks.
     bool warning = false;          ///< Looks like a warning.
-    QList<QString> buttons;        ///< The first is the default one.
+    QList<QString> buttons;        ///< In the order of their weight.
     int escape = 0;                ///< The harmless button, which Escape and closing stand for; -1: none of them.
-    QList<AlertField> fields = {}; ///< The first has the keyboard when the alert opens.
+    int main = 0;                  ///< The button that Return presses, and that has the focus where there is no field.
+    QList<AlertField> fields = {}; ///< The first has the focus when the alert opens.
     bool operator==(const AlertView &) const = default;
 };
 
@@ -44,9 +47,9 @@ public:
     virtual ~Alerts() = default;
     /// Whether an alert is open, whichever feature opened it.
     virtual bool isOpen() const = 0;
-    /// Opens an alert and calls `answered` once. While another one is open, brings that to the front instead, does
-    /// nothing more and gives false.
-    virtual bool open(const AlertView &view, std::function<void(const AlertAnswer &)> answered) = 0;
+    /// Opens an alert and calls `answered` once, when it is closed. While another one is open, brings that to the front
+    /// instead, does nothing more and gives false.
+    virtual bool open(const AlertView &view, OpenedBy by, std::function<void(const AlertAnswer &)> answered) = 0;
 };
 
 } // namespace korvel

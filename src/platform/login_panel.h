@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/opened_by.h"
+
 #include <QString>
 #include <functional>
 
@@ -36,7 +38,7 @@ public:
     virtual void connect(std::function<void(const LoginInput &)> input) = 0;
     /// Brings the window to the front, made if there is none. True when it was not on the screen before; then it is
     /// centred too.
-    virtual bool present(const CnLoginView &view) = 0;
+    virtual bool present(const CnLoginView &view, OpenedBy by) = 0;
     virtual void apply(const CnLoginView &view) = 0;
     virtual void focus(LoginField field) = 0;
     /// Closes the window without an input of Kind::Close, and forgets what was typed into it.

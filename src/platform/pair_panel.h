@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/opened_by.h"
+
 #include <functional>
 
 namespace korvel {
@@ -17,7 +19,7 @@ public:
     virtual void connect(Events events) = 0;
     virtual bool isVisible() const = 0;
     /// Shows the window in front with the keyboard, centred if it was not on the screen.
-    virtual void present(const PairView &view) = 0;
+    virtual void present(const PairView &view, OpenedBy by) = 0;
     virtual void apply(const PairView &view) = 0;
     virtual void hide() = 0;
 };

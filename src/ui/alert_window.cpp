@@ -86,7 +86,7 @@ QLabel *symbol(const AlertView &view, QWidget *parent) {
 
 AlertDialog::AlertDialog(const AlertView &v, std::function<void(const AlertAnswer &)> a)
     : QDialog(nullptr, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint | Qt::WindowStaysOnTopHint),
-      view(v), answered(std::move(a)) {
+      view(v), answered(std::move(a)), keys(*this) {
     setAttribute(Qt::WA_DeleteOnClose);
     setAttribute(Qt::WA_QuitOnClose, false);
     setWindowTitle(QStringLiteral("Korvel"));
@@ -149,17 +149,22 @@ QWidget *AlertDialog::buttonRow() {
     layout->addStretch();
     for (qsizetype i = 0; i < view.buttons.size(); ++i) {
         auto *button = new QPushButton(view.buttons.at(i), row);
-        // Return is for the first button alone, wherever the focus is; a disabled one does nothing.
+        // Return is for one button alone, wherever the focus is; a disabled one does nothing.
         button->setAutoDefault(false);
         button->setMinimumWidth(button->fontMetrics().horizontalAdvance(button->text()) + BUTTON_MARGINS);
         connect(button, &QPushButton::clicked, this, [this, i] { answer(static_cast<int>(i)); });
         layout->addWidget(button);
         answers.append(button);
     }
-    answers.first()->setDefault(true);
+    answers.at(view.main)->setDefault(true);
     if (view.fields.isEmpty())
-        answers.first()->setFocus();
+        answers.at(view.main)->setFocus();
     return row;
+}
+
+void AlertDialog::bringUp(OpenedBy by) {
+    keys.comesUp(by);
+    bringToFront(*this); // not as a modal dialog, beside which macOS greys the status menu
 }
 
 void AlertDialog::reject() { answer(view.escape); }
@@ -180,16 +185,15 @@ AlertWindow::~AlertWindow() { delete current; }
 
 bool AlertWindow::isOpen() const { return current && current->isVisible(); }
 
-bool AlertWindow::open(const AlertView &view, std::function<void(const AlertAnswer &)> answered) {
+bool AlertWindow::open(const AlertView &view, OpenedBy by, std::function<void(const AlertAnswer &)> answered) {
     const bool isFirst = !isOpen();
     if (isFirst) {
         current = new AlertDialog(view, std::move(answered));
         // A dialog would place itself, too far left by what it takes for its frame.
         current->adjustSize();
         centreOnScreen(*current);
-        current->open();
     }
-    bringToFront(*current);
+    current->bringUp(by);
     return isFirst;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/alerts.h"
+#include "ui/key_filter.h"
 
 #include <QDialog>
 #include <QPointer>
@@ -20,6 +21,8 @@ public:
 
     QList<QPushButton *> buttons() const { return answers; }
     QList<QLineEdit *> fields() const { return inputs; }
+    /// Shows the dialog in front, with the keyboard.
+    void bringUp(OpenedBy by);
     /// Escape and closing.
     void reject() override;
 
@@ -33,6 +36,7 @@ private:
     std::function<void(const AlertAnswer &)> answered;
     QList<QPushButton *> answers;
     QList<QLineEdit *> inputs;
+    KeyFilter keys;
 };
 
 /// Alerts as windows above all others that let the event loop go on.
@@ -40,7 +44,7 @@ class AlertWindow final : public Alerts {
 public:
     ~AlertWindow() override;
     bool isOpen() const override;
-    bool open(const AlertView &view, std::function<void(const AlertAnswer &)> answered) override;
+    bool open(const AlertView &view, OpenedBy by, std::function<void(const AlertAnswer &)> answered) override;
 
 private:
     QPointer<AlertDialog> current;

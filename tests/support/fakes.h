@@ -235,10 +235,11 @@ public:
 class ScriptedAlerts final : public Alerts {
 public:
     bool isOpen() const override { return answered != nullptr; }
-    bool open(const AlertView &v, std::function<void(const AlertAnswer &)> a) override {
+    bool open(const AlertView &v, OpenedBy b, std::function<void(const AlertAnswer &)> a) override {
         if (answered)
             return false;
         view = v;
+        by = b;
         answered = std::move(a);
         ++opened;
         return true;
@@ -251,6 +252,7 @@ public:
     /// Escape or the close button.
     void dismiss() { answer(view.escape); }
     AlertView view;
+    OpenedBy by = OpenedBy::User;
     int opened = 0;
 
 private:
@@ -261,8 +263,9 @@ class RecordedPairPanel final : public PairPanel {
 public:
     void connect(Events e) override { events = std::move(e); }
     bool isVisible() const override { return visible; }
-    void present(const PairView &v) override {
+    void present(const PairView &v, OpenedBy b) override {
         view = v;
+        by = b;
         visible = true;
         ++presented;
     }
@@ -271,6 +274,7 @@ public:
 
     Events events;
     PairView view;
+    OpenedBy by = OpenedBy::User;
     bool visible = false;
     int presented = 0;
 };
@@ -279,8 +283,9 @@ public:
 class RecordedLoginPanel final : public LoginPanel {
 public:
     void connect(std::function<void(const LoginInput &)> i) override { input = std::move(i); }
-    bool present(const CnLoginView &v) override {
+    bool present(const CnLoginView &v, OpenedBy b) override {
         view = v;
+        by = b;
         ++presented;
         return !std::exchange(visible, true);
     }
@@ -295,6 +300,7 @@ public:
     }
     std::function<void(const LoginInput &)> input;
     CnLoginView view;
+    OpenedBy by = OpenedBy::User;
     std::optional<LoginField> focused;
     bool visible = false;
     int presented = 0;

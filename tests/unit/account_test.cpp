@@ -153,6 +153,7 @@ TEST_F(AccountTest, TheDialogComesBackWithWhatWasTypedAndWhatWentWrong) {
     ASSERT_EQ(alerts.view.fields.size(), 3);
     EXPECT_EQ(alerts.view.fields[2].text, u"intl.example:443"_s);
     alerts.answer(0, {u"ann"_s, u""_s, u"own.example"_s});
+    EXPECT_EQ(alerts.by, OpenedBy::User);
     EXPECT_EQ(alerts.view.text, u"Enter your email and password."_s);
     EXPECT_EQ(alerts.view.fields[0].text, u"ann"_s);
     alerts.answer(0, {u"ann"_s, u"pass"_s, u"own example"_s});
@@ -163,6 +164,7 @@ TEST_F(AccountTest, TheDialogComesBackWithWhatWasTypedAndWhatWentWrong) {
     alerts.answer(0, {u"ann"_s, u"pass"_s, u"https://own.example/"_s});
     EXPECT_EQ(sent, QStringList{u"own.example:443/v1/agents/login"_s});
     EXPECT_EQ(alerts.view.text, u"Wrong password."_s);
+    EXPECT_EQ(alerts.by, OpenedBy::Itself); // the user may have turned to something else
     EXPECT_EQ(alerts.view.fields[1].text, u""_s);
     EXPECT_FALSE(notices.visible); // no longer "signing in"
     alerts.dismiss();

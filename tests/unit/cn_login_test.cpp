@@ -254,7 +254,7 @@ struct CnLoginWindowTest : ::testing::Test {
         panel.connect([this](const LoginInput &i) { inputs.append(i); });
     }
     CnLoginWindow &show() {
-        panel.present(cnLoginView(form));
+        panel.present(cnLoginView(form), OpenedBy::User);
         for (QWidget *window : QApplication::topLevelWidgets())
             if (auto *login = dynamic_cast<CnLoginWindow *>(window); login && login->isVisible())
                 return *login;

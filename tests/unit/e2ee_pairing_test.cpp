@@ -6,9 +6,11 @@
 #include "ui/code_field.h"
 #include "ui/picture.h"
 
+#include <QApplication>
+#include <QKeyEvent>
 #include <QPushButton>
-#include <QSignalSpy>
 #include <QTest>
+#include <QWindow>
 
 using namespace Qt::StringLiterals;
 
@@ -98,6 +100,7 @@ const QByteArray ACTIVE = R"({"state":"active"})";
 TEST_F(PairingTest, TheWindowFollowsThePairingAndClosesItselfAfterSuccess) {
     launchWith(R"({"state":"waiting"})");
     ASSERT_TRUE(pairPanel.visible);
+    EXPECT_EQ(pairPanel.by, OpenedBy::Itself);
     next(CODE);
     EXPECT_EQ(pairPanel.view.code, u"123456"_s);
     notices.shown.clear();
@@ -240,8 +243,8 @@ struct AlertTest : ::testing::Test {
                          .escape = 2,
                          .fields = {{.kind = AlertField::Kind::Code}}};
 
-    AlertDialog *open(const AlertView &v) {
-        EXPECT_TRUE(alerts.open(v, [this](const AlertAnswer &a) { answers.append(a); }));
+    AlertDialog *open(const AlertView &v, OpenedBy by = OpenedBy::User) {
+        EXPECT_TRUE(alerts.open(v, by, [this](const AlertAnswer &a) { answers.append(a); }));
         for (QWidget *window : QApplication::topLevelWidgets())
             if (auto *dialog = dynamic_cast<AlertDialog *>(window); dialog && dialog->isVisible())
                 return dialog;
@@ -269,12 +272,43 @@ TEST_F(AlertTest, EscapeAndTheKeyThatClosesAreTheHarmlessAnswerAndCountOnce) {
     QTest::keyClick(open(view), Qt::Key_Escape);
     AlertDialog *dialog = open(view);
     EXPECT_FALSE(
-        alerts.open({.title = u"other"_s, .text = {}, .buttons = {u"OK"_s}}, [](const AlertAnswer &) { FAIL(); }));
+        alerts.open({.title = u"other"_s, .buttons = {u"OK"_s}}, OpenedBy::User, [](const AlertAnswer &) { FAIL(); }));
     settleWindows();
     QTest::keySequence(dialog, QKeySequence::Close);
     ASSERT_EQ(answers.size(), 2);
     EXPECT_EQ(answers[0].button, 2);
     EXPECT_EQ(answers[1].button, 2);
+}
+
+TEST_F(AlertTest, TakesKeysAtOnceOnlyWhenTheUserOpenedItAndNeverOneThatIsHeld) {
+    const auto press = [](QWidget *window, Qt::Key key, bool repeats = false) {
+        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, {}, repeats);
+        QCoreApplication::sendEvent(window->windowHandle(), &event); // as the system does
+    };
+    AlertDialog *dialog = open({.title = u"t"_s, .buttons = {u"OK"_s}}, OpenedBy::Itself);
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Space, Qt::Key_Escape})
+        press(dialog, key);
+    QTest::keySequence(dialog, QKeySequence::Close);
+    EXPECT_TRUE(answers.isEmpty());
+    dialog->buttons().first()->click();
+    EXPECT_EQ(answers.size(), 1);
+    dialog = open({.title = u"t"_s, .buttons = {u"OK"_s}});
+    press(dialog, Qt::Key_Return, true);
+    EXPECT_EQ(answers.size(), 1);
+    press(dialog, Qt::Key_Return);
+    EXPECT_EQ(answers.size(), 2);
+
+    int pressed = 0;
+    PairWindow window({.buttonClicked = [&] { ++pressed; }, .renewClicked = [] {}});
+    window.present(viewOf("{}"), OpenedBy::Itself);
+    press(&window, Qt::Key_Return);
+    EXPECT_EQ(pressed, 0);
+    window.hide();
+    window.present(viewOf("{}"), OpenedBy::User);
+    press(&window, Qt::Key_Return, true);
+    EXPECT_EQ(pressed, 0);
+    press(&window, Qt::Key_Return);
+    EXPECT_EQ(pressed, 1);
 }
 
 TEST(ToneColour, EveryToneCanBeReadOnLightAndDarkWindows) {
@@ -300,7 +334,7 @@ TEST(PairWindowTest, ItsHeightFollowsItsTextAndReturnPressesTheMainButton) {
     int pressed = 0;
     PairWindow window({.buttonClicked = [&] { ++pressed; }, .renewClicked = [] {}});
     PairView view = viewOf(R"({"state":"pending","pair":{"show":"123456"}})");
-    window.present(view);
+    window.present(view, OpenedBy::User);
     const int height = window.height();
     EXPECT_EQ(window.width(), 400);
     view.error = u"A sentence that is long enough to need more than one line of the window at its usual width."_s;

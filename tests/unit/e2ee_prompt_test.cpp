@@ -120,6 +120,7 @@ TEST_F(E2eeOperations, ACodeLetsADeviceInAndTheAgentIsAskedAtOnce) {
     ASSERT_TRUE(alerts.isOpen());
     EXPECT_EQ(alerts.view.title, u"New device: Anna's phone · iPhone"_s);
     EXPECT_EQ(alerts.view.escape, 2);
+    EXPECT_EQ(alerts.by, OpenedBy::Itself);
     replies[u"/e2ee/pair"_s] = R"({"ok":true})";
     const int polls = http.count;
     alerts.answer(0, u"１２３ 456"_s);
@@ -146,6 +147,7 @@ TEST_F(E2eeOperations, AWrongCodeAsksAgainWithTheAgentsSentence) {
         ASSERT_TRUE(alerts.isOpen());
         EXPECT_TRUE(alerts.view.text.startsWith(u"No match.\n\nEnter the pairing code"_s));
         EXPECT_TRUE(alerts.view.warning);
+        EXPECT_EQ(alerts.by, OpenedBy::Itself);
         alerts.dismiss();
     }
 }
@@ -227,6 +229,7 @@ TEST_F(E2eeOperations, AResetIsRejoinedOrLeftStanding) {
     next(RESET);
     EXPECT_EQ(alerts.view.title, u"Encryption Was Reset"_s);
     EXPECT_FALSE(alerts.view.text.contains(u"ignored"_s));
+    EXPECT_EQ(alerts.view.main, alerts.view.escape); // Return does not accept it
     alerts.dismiss();
     EXPECT_TRUE(posts.isEmpty());
     EXPECT_EQ(notices.last(), u"Don't approve any new device, and change your password immediately."_s);
