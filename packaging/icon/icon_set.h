@@ -1,16 +1,12 @@
 #pragma once
 
 #include <QByteArray>
-#include <QImage>
 
 namespace korvel {
 
-/// The application's icon: the shape of the menu-bar icon in white on a rounded blue square, `side` pixels wide.
-QImage applicationIcon(int side);
-
-/// The icon in all sizes as one file for a bundle: the letters "icns" and the file's length, then for each picture four
-/// letters that tell its size, the length of its part and a PNG; lengths count these eight bytes and stand with their
-/// most significant byte first.
+/// The application's icon in all sizes as one file for a bundle: the letters "icns" and the file's length, then for
+/// each picture four letters that tell its size, the length of its part and a PNG; lengths count these eight bytes and
+/// stand with their most significant byte first.
 QByteArray iconSet();
 
 } // namespace korvel
