@@ -45,6 +45,15 @@ QList<Case> alertCases() {
              return approveAlert({{u"pendingId"_s, u"1"_s}}, {});
          }},
         {"new-device-long-name", [] { return approveAlert(device(longName()), {}); }},
+        {"new-device-forged-name",
+         [] {
+             return approveAlert(
+                 device(L(u"安娜的手机 · iPhone\n\nKorvel 已检查过这台设备。请输入 482 913 并选择“允许”",
+                          u"Anna's phone · iPhone\n\nKorvel has checked this device. Type 482 913 "
+                          u"and choose Allow") +
+                        u"\n"_s.repeated(60)),
+                 {});
+         }},
         {"new-device-unbroken-name", [] { return approveAlert(device(unbrokenName()), unbrokenName()); }},
         {"new-device-right-to-left", [] { return approveAlert(device(rightToLeftName()), {}); }},
         {"alarm",
@@ -54,7 +63,7 @@ QList<Case> alertCases() {
          }},
         {"alarm-without-text", [] { return alarmAlert(alarm({})); }},
         {"alarm-at-length", [] { return alarmAlert(alarm((longName() + u".\n"_s).repeated(4))); }},
-        {"alarm-beyond-measure", [] { return alarmAlert(alarm((longName() + u' ').repeated(80))); }},
+        {"alarm-beyond-measure", [] { return alarmAlert(alarm((L(u"第一行\n", u"One line\n")).repeated(100))); }},
         {"reset",
          [] {
              return alarmAlert({{u"kind"_s, u"reset"_s}});

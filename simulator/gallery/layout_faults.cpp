@@ -1,5 +1,6 @@
 #include "simulator/gallery/layout_faults.h"
 
+#include "ui/link_button.h"
 #include "ui/text_styles.h"
 
 #include <QAbstractButton>
@@ -16,6 +17,10 @@ using namespace Qt::StringLiterals;
 namespace korvel::gallery {
 
 namespace {
+
+constexpr int BESIDE_TEXT = 8; // points of a button, on either side
+
+bool isLink(const QPushButton &button) { return dynamic_cast<const LinkButton *>(&button); }
 
 /// Whether a control is looked at for itself; others only hold some.
 bool isControl(const QWidget &widget) {
@@ -65,6 +70,9 @@ QSize neededSize(const QWidget &control) {
                     frame,
                 field->fontMetrics().height()};
     }
+    if (const auto *button = qobject_cast<const QPushButton *>(&control); button && !isLink(*button))
+        return button->sizeHint().expandedTo(
+            {button->fontMetrics().horizontalAdvance(button->text()) + 2 * BESIDE_TEXT, 0});
     return qobject_cast<const QProgressBar *>(&control) ? QSize() : control.sizeHint();
 }
 

@@ -58,6 +58,8 @@ QList<Case> loginCases() {
                                 .agree = true,
                                 .error = longRefusal()};
          }},
+        {"refused-beyond-measure",
+         [phone] { return CnLoginForm{.account = phone, .error = (refusal() + u'\n').repeated(60)}; }},
         {"busy", [phone] { return CnLoginForm{.busy = true, .account = phone, .password = u"secret"_s}; }},
         {"busy-registering",
          [phone] {

@@ -57,8 +57,8 @@ CnLoginView cnLoginView(const CnLoginForm &form) {
     view.agree = form.agree;
     view.linkA = form.page == Page::Login ? L(u"注册账号", u"Sign up") : L(u"返回登录", u"Back to sign in");
     view.linkB = form.page == Page::Login ? L(u"忘记密码？", u"Forgot password?") : QString();
-    view.info = singleLine(form.info, LONGEST_LINE);
-    view.error = singleLine(form.error, LONGEST_LINE);
+    view.info = form.info;
+    view.error = multiLine(form.error);
     view.mainText = form.page == Page::Register ? L(u"注册", u"Sign Up") : L(u"登录", u"Sign In");
     view.busy = form.busy;
     return view;

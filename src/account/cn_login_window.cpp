@@ -4,8 +4,10 @@
 #include "ui/close_key.h"
 #include "ui/link_button.h"
 #include "ui/main_button.h"
+#include "ui/scrolling_text.h"
 #include "ui/secret_field.h"
 #include "ui/segmented_control.h"
+#include "ui/text_button.h"
 #include "ui/text_field.h"
 #include "ui/window_front.h"
 #include "ui/window_place.h"
@@ -15,6 +17,7 @@
 #include <QKeyEvent>
 #include <QProgressBar>
 #include <QPushButton>
+#include <algorithm>
 
 namespace korvel {
 
@@ -27,7 +30,6 @@ constexpr int FIELD_HEIGHT = 30;
 constexpr int MESSAGE_LINES = 2;
 constexpr int WAYS_TO_SIGN_IN = 2;
 constexpr int BUSY_HEIGHT = 3;
-constexpr int BUTTON_MARGINS = 28;
 
 ToneLabel *leftLabel(const QFont &font, Tone tone, QWidget *parent) {
     auto *label = new ToneLabel(font, tone, parent);
@@ -37,7 +39,7 @@ ToneLabel *leftLabel(const QFont &font, Tone tone, QWidget *parent) {
 
 ToneLabel *caption(QWidget *parent) { return leftLabel(uiFont(12), Tone::Secondary, parent); }
 
-/// A line below the fields whose room is always there, so that nothing moves when it speaks.
+/// A line below the fields.
 ToneLabel *message(Tone tone, QWidget *parent) {
     ToneLabel *label = leftLabel(uiFont(12), tone, parent);
     label->setWordWrap(true);
@@ -54,13 +56,6 @@ QLineEdit *lineEdit(QLabel *label, QWidget *parent) {
     return field;
 }
 
-int widest(const QWidget &control, const QStringList &texts) {
-    int width = 0;
-    for (const QString &text : texts)
-        width = std::max(width, control.fontMetrics().horizontalAdvance(text));
-    return width;
-}
-
 } // namespace
 
 CnLoginWindow::CnLoginWindow(std::function<void(const LoginInput &)> in)
@@ -68,13 +63,13 @@ CnLoginWindow::CnLoginWindow(std::function<void(const LoginInput &)> in)
       input(std::move(in)), titleF(new ToneLabel(uiFont(20, QFont::DemiBold), Tone::Normal, this)),
       noticeF(new ToneLabel(uiFont(12), Tone::Secondary, this)), tabs(new SegmentedControl(WAYS_TO_SIGN_IN, this)),
       acctL(caption(this)), codeL(caption(this)), passL(caption(this)), acctF(lineEdit(acctL, this)),
-      codeF(lineEdit(codeL, this)), passF(lineEdit(passL, this)), sendB(new QPushButton(this)),
+      codeF(lineEdit(codeL, this)), passF(lineEdit(passL, this)), sendB(new TextButton(this)),
       agreeB(new QCheckBox(L(u"我已阅读并同意", u"I agree to the"), this)),
       termsB(new LinkButton(L(u"《用户协议》", u"Terms of Service"), this)),
       privacyB(new LinkButton(L(u"《隐私政策》", u"Privacy Policy"), this)), linkA(new LinkButton({}, this)),
       linkB(new LinkButton({}, this)), andF(new ToneLabel(uiFont(12), Tone::Normal, this)),
-      infoF(message(Tone::Secondary, this)), errF(message(Tone::Error, this)), mainB(new MainButton(this)),
-      busyBar(new QProgressBar(this)), keys(*this) {
+      infoF(message(Tone::Secondary, this)), errF(new ScrollingText(message(Tone::Error, this), CONTENT, this)),
+      mainB(new MainButton(this)), busyBar(new QProgressBar(this)), keys(*this) {
     setWindowTitle(QStringLiteral("Korvel"));
     setAttribute(Qt::WA_QuitOnClose, false);
     onEsc = [this] { close(); };
@@ -86,8 +81,8 @@ CnLoginWindow::CnLoginWindow(std::function<void(const LoginInput &)> in)
     andF->setText(L(u"和", u"and"));
     sendB->setAutoDefault(false);
     // As wide as its longest countdown of the usual length, so that the field beside it keeps its width.
-    sendB->setMinimumWidth(BUTTON_MARGINS +
-                           widest(*sendB, {L(u"获取验证码", u"Get Code"), L(u"60 秒后重新获取", u"Resend in 60s")}));
+    sendB->setMinimumWidth(std::max(sendB->widthFor(L(u"获取验证码", u"Get Code")),
+                                    sendB->widthFor(L(u"60 秒后重新获取", u"Resend in 60s"))));
     sendB->setFixedHeight(FIELD_HEIGHT);
     busyBar->setRange(0, 0);
     busyBar->setTextVisible(false);

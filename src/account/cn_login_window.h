@@ -17,7 +17,9 @@ class QPushButton;
 namespace korvel {
 
 class LinkButton;
+class ScrollingText;
 class SegmentedControl;
+class TextButton;
 
 /// The mainland sign-in window: maps a CnLoginView. Return submits, Escape closes.
 class CnLoginWindow final : public EscWindow {
@@ -47,10 +49,11 @@ private:
     QWidget *codeGroup, *passGroup;
     ToneLabel *acctL, *codeL, *passL;
     QLineEdit *acctF, *codeF, *passF;
-    QPushButton *sendB;
+    TextButton *sendB;
     QCheckBox *agreeB;
     LinkButton *termsB, *privacyB, *linkA, *linkB;
-    ToneLabel *andF, *infoF, *errF;
+    ToneLabel *andF, *infoF;
+    ScrollingText *errF;
     QPushButton *mainB;
     QProgressBar *busyBar;
     KeyFilter keys;

@@ -14,8 +14,8 @@ enum Field { Account, Password, Server };
 AlertView loginAlert(const LoginAttempt &attempt, bool isBound, const QString &serverInUse) {
     AlertView view{.title = isBound ? L(u"重新登录 Korvel", u"Sign In to Korvel Again")
                                     : L(u"登录 Korvel", u"Sign In to Korvel"),
-                   .text = singleLine(attempt.error.value_or(QString()), LONGEST_LINE),
-                   .warning = false,
+                   .fromOutside = multiLine(attempt.error.value_or(QString())),
+                   .warning = attempt.error.has_value(),
                    .buttons = {L(u"登录", u"Sign In"), L(u"取消", u"Cancel")},
                    .escape = 1,
                    .fields = {{.label = L(u"邮箱", u"Email"), .text = attempt.user},

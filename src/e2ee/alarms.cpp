@@ -3,6 +3,7 @@
 #include "app/wording.h"
 #include "e2ee/e2ee_notices.h"
 #include "e2ee/requests.h"
+#include "platform/plain_text.h"
 
 namespace korvel {
 
@@ -17,7 +18,7 @@ bool isReset(const QJsonObject &alarm) { return alarm.value(u"kind").toString() 
 AlertView alarmAlert(const QJsonObject &alarm) {
     if (!isReset(alarm))
         return {.title = L(u"安全提醒", u"Security Alert"),
-                .text = alarm.value(u"text").toString(),
+                .fromOutside = multiLine(alarm.value(u"text").toString()),
                 .warning = true,
                 .buttons = {L(u"好", u"OK")},
                 .escape = 0};

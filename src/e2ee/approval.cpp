@@ -5,6 +5,7 @@
 #include "e2ee/pair_code.h"
 #include "e2ee/report.h"
 #include "e2ee/requests.h"
+#include "platform/plain_text.h"
 
 namespace korvel {
 
@@ -31,7 +32,8 @@ bool canBeRetried(const QString &code) { return code == u"wrong-code" || code ==
 AlertView approveAlert(const QJsonObject &request, const QString &error) {
     return {.title = L(u"新设备请求加入：", u"New device: ") + deviceName(request, QStringLiteral("?")) +
                      QStringLiteral(" · ") + e2Platform(request.value(u"platform")),
-            .text = error.isEmpty() ? instructions() : error + QStringLiteral("\n\n") + instructions(),
+            .fromOutside = multiLine(error),
+            .text = instructions(),
             .warning = !error.isEmpty(),
             .buttons = {L(u"允许", u"Allow"), L(u"拒绝", u"Deny"), L(u"稍后", u"Later")},
             .escape = Later,

@@ -110,8 +110,8 @@ PairUpdate pairView(const QJsonObject &e2, PairState &pairing, const PairContext
     view.title = L(u"配对这台 Mac", u"Pair This Mac");
     const bool showsCode = showCode(view, e2, pairing);
     const Sentences sentences = sentencesOf(e2, pairing, context);
-    view.line = singleLine(sentences.line, LONGEST_LINE);
-    view.hint = singleLine(sentences.hint, LONGEST_LINE);
+    view.line = multiLine(sentences.line);
+    view.hint = multiLine(sentences.hint);
     view.error = sentences.error;
     pairing.pairRelogin = sentences.relogin;
     // An approved Mac holds no keys: it gets them by signing out and in. A lapsed sign-in only has to be renewed.

@@ -2,11 +2,13 @@
 
 #include "app/wording.h"
 #include "ui/close_key.h"
+#include "ui/text_button.h"
 #include "ui/window_front.h"
 #include "ui/window_place.h"
 
 #include <QBoxLayout>
 #include <QKeyEvent>
+#include <initializer_list>
 
 namespace korvel {
 
@@ -15,11 +17,8 @@ namespace {
 constexpr int WIDTH = 400;
 constexpr int TEXT_WIDTH = 352;
 
-ToneLabel *wrapping(int points, Tone tone, QWidget *parent) {
-    auto *label = new ToneLabel(uiFont(points), tone, parent);
-    label->setWordWrap(true);
-    label->setFixedWidth(TEXT_WIDTH);
-    return label;
+ScrollingText *wrapping(int points, Tone tone, QWidget *parent) {
+    return new ScrollingText(new ToneLabel(uiFont(points), tone), TEXT_WIDTH, parent);
 }
 
 } // namespace
@@ -30,8 +29,8 @@ PairWindow::PairWindow(const PairPanel::Events &events)
       pairTitleF(new ToneLabel(uiFont(15, QFont::DemiBold), Tone::Normal, this)),
       pairCodeF(new ToneLabel(codeFont(46, QFont::DemiBold), Tone::Normal, this)),
       pairLineF(wrapping(13, Tone::Normal, this)), pairHintF(wrapping(11, Tone::Secondary, this)),
-      pairErrF(wrapping(12, Tone::Error, this)), pairNewBtn(new QPushButton(L(u"刷新", u"Refresh"), this)),
-      pairBtn(new QPushButton(this)), keys(*this) {
+      pairErrF(wrapping(12, Tone::Error, this)), pairNewBtn(new TextButton(L(u"刷新", u"Refresh"), this)),
+      pairBtn(new TextButton(this)), keys(*this) {
     setWindowTitle(QStringLiteral("Korvel"));
     setAttribute(Qt::WA_QuitOnClose, false);
     keepReadable(*this);
@@ -47,8 +46,8 @@ PairWindow::PairWindow(const PairPanel::Events &events)
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(24, 22, 24, 20);
     column->setSpacing(8);
-    for (ToneLabel *label : {pairTitleF, pairCodeF, pairLineF, pairHintF, pairErrF})
-        column->addWidget(label, 0, Qt::AlignHCenter);
+    for (QWidget *text : std::initializer_list<QWidget *>{pairTitleF, pairCodeF, pairLineF, pairHintF, pairErrF})
+        column->addWidget(text, 0, Qt::AlignHCenter);
     column->addSpacing(14);
     column->addLayout(buttons);
     connect(pairBtn, &QPushButton::clicked, this, events.buttonClicked);
@@ -62,7 +61,7 @@ void PairWindow::apply(const PairView &view) {
     pairCodeF->setAccessibleName(view.codeName);
     // A code can be reached with Tab, to be copied without a mouse; a placeholder is no stop.
     pairCodeF->setFocusPolicy(view.codeName.isEmpty() ? Qt::NoFocus : Qt::StrongFocus);
-    pairLineF->setText(view.line);
+    pairLineF->setTextOrHide(view.line);
     pairHintF->setTextOrHide(view.hint);
     pairErrF->setTextOrHide(view.error);
     pairBtn->setText(view.button);

@@ -3,7 +3,7 @@
 #include "e2ee/pair_view.h"
 #include "platform/pair_panel.h"
 #include "ui/key_filter.h"
-#include "ui/text_styles.h"
+#include "ui/scrolling_text.h"
 
 #include <QPushButton>
 #include <QWidget>
@@ -25,9 +25,9 @@ protected:
 private:
     ToneLabel *pairTitleF;
     ToneLabel *pairCodeF;
-    ToneLabel *pairLineF;
-    ToneLabel *pairHintF;
-    ToneLabel *pairErrF;
+    ScrollingText *pairLineF;
+    ScrollingText *pairHintF;
+    ScrollingText *pairErrF;
     QPushButton *pairNewBtn;
     QPushButton *pairBtn;
     KeyFilter keys;

@@ -25,8 +25,9 @@ struct AlertField {
 
 /// An alert as data: what it says and which answers it offers.
 struct AlertView {
-    QString title;
-    QString text = {};             ///< Plain text; may hold line breaks.
+    QString title;                 ///< The product's own words; a name in it is a shownName().
+    QString fromOutside = {};      ///< What the agent or a server says, above `text`; all that may be scrolled.
+    QString text = {};             ///< The product's own words. Both are plain and may hold line breaks.
     bool warning = false;          ///< Looks like a warning.
     QList<QString> buttons;        ///< In the order of their weight.
     int escape = 0;                ///< The harmless button, which Escape and closing stand for; -1: none of them.

@@ -8,9 +8,6 @@ namespace korvel {
 /// characters is cut and ends in "…".
 QString singleLine(const QString &text, qsizetype maxLength = 1000);
 
-/// How long a sentence from outside may be, in characters, where a window shows it.
-constexpr qsizetype LONGEST_LINE = 300;
-
 /// A text from outside as a window shows it: at most 1,000 characters, its line breaks kept, without the white space at
 /// its end. What is over that length is cut and ends in "…".
 QString multiLine(const QString &text);

@@ -1,85 +1,47 @@
 #include "ui/alert_window.h"
 
-#include "status/icon_view.h"
+#include "ui/alert_symbol.h"
 #include "ui/close_key.h"
 #include "ui/code_field.h"
-#include "ui/icon_image.h"
+#include "ui/scrolling_text.h"
 #include "ui/secret_field.h"
+#include "ui/text_button.h"
 #include "ui/text_field.h"
 #include "ui/text_styles.h"
 #include "ui/window_front.h"
 #include "ui/window_place.h"
 
 #include <QBoxLayout>
-#include <QPainter>
-#include <QPushButton>
-#include <QScrollArea>
-#include <QScrollBar>
+#include <QDialogButtonBox>
+#include <QStyle>
+#include <utility>
 
 namespace korvel {
 
 namespace {
 
 constexpr int TEXT_WIDTH = 368;
-constexpr int SYMBOL_SIZE = 40;
 constexpr QSize FIELD_SIZE(280, 24);
-constexpr int ROOM_BESIDES_TEXT = 290;   // title bar, margins, as many fields as there are, buttons
-constexpr qsizetype MOST_SHOWN = 10'000; // characters; to lay out a megabyte takes seconds
-constexpr int BUTTON_MARGINS = 32;       // left and right together; some styles leave a long title hardly any
 
 ToneLabel *paragraph(const QString &text, const QFont &font, Tone tone, QWidget *parent) {
     auto *label = new ToneLabel(font, tone, parent);
-    label->setText(text.left(MOST_SHOWN));
+    label->setText(text);
     label->setWordWrap(true);
     label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     label->setFixedWidth(TEXT_WIDTH);
     return label;
 }
 
-/// What the alert says. It scrolls where it would push the buttons off the screen.
-QWidget *sentences(const AlertView &view, QWidget *parent) {
-    auto *all = new QWidget(parent);
-    auto *column = new QVBoxLayout(all);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(8);
-    column->addWidget(paragraph(view.title, uiFont(14, QFont::DemiBold), Tone::Normal, all));
-    if (!view.text.isEmpty())
-        column->addWidget(paragraph(view.text, uiFont(13), Tone::Normal, all));
-    fitHeight(*all, TEXT_WIDTH);
-    const int highest = roomForWindows().height() - ROOM_BESIDES_TEXT;
-    if (all->height() <= highest)
-        return all;
-    auto *scroller = new QScrollArea(parent);
-    scroller->setFrameShape(QFrame::NoFrame);
-    scroller->setWidget(all);
-    scroller->setFixedSize(TEXT_WIDTH + scroller->verticalScrollBar()->sizeHint().width(), highest);
-    return scroller;
-}
-
-/// A triangle with an exclamation mark, sharp at every scale and clear on light and dark.
-QPixmap warningSign(qreal pixelsPerPoint) {
-    const int pixels = qRound(SYMBOL_SIZE * pixelsPerPoint);
-    QPixmap pixmap(pixels, pixels);
-    pixmap.setDevicePixelRatio(pixelsPerPoint);
-    pixmap.fill(Qt::transparent);
-    QPainter painter(&pixmap);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const QColor amber(0xf5, 0xa6, 0x23), ink(0x24, 0x29, 0x30);
-    painter.setPen(QPen(amber, 5, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    painter.setBrush(amber);
-    painter.drawPolygon(QPolygonF{{20, 6}, {36, 34}, {4, 34}});
-    painter.setPen(QPen(ink, 4, Qt::SolidLine, Qt::RoundCap));
-    painter.drawLine(QPointF(20, 15), QPointF(20, 24));
-    painter.drawPoint(QPointF(20, 31));
-    return pixmap;
-}
-
 QLabel *symbol(const AlertView &view, QWidget *parent) {
     auto *label = new QLabel(parent);
-    const IconView active{.on = true, .dimmed = false, .toolTip = {}};
-    label->setPixmap(view.warning ? warningSign(parent->devicePixelRatioF())
-                                  : panelIcon(active).pixmap(QSize(SYMBOL_SIZE, SYMBOL_SIZE)));
+    label->setPixmap(alertSymbol(view.warning, parent->devicePixelRatioF()));
     return label;
+}
+
+/// Whether the system has the main button at the right end of a row.
+bool mainButtonIsLast(const QWidget &window) {
+    const int layout = window.style()->styleHint(QStyle::SH_DialogButtonLayout, nullptr, &window);
+    return layout == QDialogButtonBox::MacLayout || layout == QDialogButtonBox::GnomeLayout;
 }
 
 } // namespace
@@ -93,24 +55,37 @@ AlertDialog::AlertDialog(const AlertView &v, std::function<void(const AlertAnswe
     setAccessibleDescription(view.title);
     keepReadable(*this);
     closeByKey(*this);
-    auto *text = new QVBoxLayout;
-    text->setSpacing(8);
-    text->addWidget(sentences(view, this));
+    auto *column = new QVBoxLayout;
+    column->setSpacing(8);
+    addWords(*column);
     for (const AlertField &field : view.fields)
-        addField(field, *text);
-    text->addSpacing(10);
-    text->addWidget(buttonRow());
+        addField(field, *column);
+    column->addSpacing(10);
+    column->addWidget(buttonRow());
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(22, 22, 24, 20);
     row->setSpacing(16);
     row->addWidget(symbol(view, this), 0, Qt::AlignTop);
-    row->addLayout(text);
-    row->setSizeConstraint(QLayout::SetFixedSize);
+    row->addLayout(column);
+    fitHeight(*this, sizeHint().width());
     if (inputs.isEmpty())
         return;
     if (auto *code = dynamic_cast<PairCodeField *>(inputs.first()))
         requireWholeCode(*code);
     inputs.first()->setFocus();
+}
+
+void AlertDialog::addWords(QVBoxLayout &column) {
+    column.addWidget(paragraph(view.title, uiFont(14, QFont::DemiBold), Tone::Normal, this));
+    if (!view.fromOutside.isEmpty()) {
+        auto *said = new ScrollingText(paragraph({}, uiFont(13), Tone::Normal, this), TEXT_WIDTH, this);
+        said->setTextOrHide(view.fromOutside);
+        column.addWidget(said);
+    }
+    if (!view.fromOutside.isEmpty() && !view.text.isEmpty())
+        column.addSpacing(6); // two who speak
+    if (!view.text.isEmpty())
+        column.addWidget(paragraph(view.text, uiFont(13), Tone::Normal, this));
 }
 
 void AlertDialog::addField(const AlertField &field, QVBoxLayout &column) {
@@ -147,15 +122,17 @@ QWidget *AlertDialog::buttonRow() {
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(10);
     layout->addStretch();
+    const bool lastIsMain = mainButtonIsLast(*this);
     for (qsizetype i = 0; i < view.buttons.size(); ++i) {
-        auto *button = new QPushButton(view.buttons.at(i), row);
+        auto *button = new TextButton(view.buttons.at(i), row);
         // Return is for one button alone, wherever the focus is; a disabled one does nothing.
         button->setAutoDefault(false);
-        button->setMinimumWidth(button->fontMetrics().horizontalAdvance(button->text()) + BUTTON_MARGINS);
         connect(button, &QPushButton::clicked, this, [this, i] { answer(static_cast<int>(i)); });
-        layout->addWidget(button);
+        layout->insertWidget(lastIsMain ? 1 : layout->count(), button);
         answers.append(button);
     }
+    for (int i = 2; i < layout->count(); ++i) // Tab goes as people read
+        setTabOrder(layout->itemAt(i - 1)->widget(), layout->itemAt(i)->widget());
     answers.at(view.main)->setDefault(true);
     if (view.fields.isEmpty())
         answers.at(view.main)->setFocus();
@@ -190,7 +167,6 @@ bool AlertWindow::open(const AlertView &view, OpenedBy by, std::function<void(co
     if (isFirst) {
         current = new AlertDialog(view, std::move(answered));
         // A dialog would place itself, too far left by what it takes for its frame.
-        current->adjustSize();
         centreOnScreen(*current);
     }
     current->bringUp(by);

@@ -19,6 +19,7 @@ class AlertDialog final : public QDialog {
 public:
     AlertDialog(const AlertView &view, std::function<void(const AlertAnswer &)> answered);
 
+    /// The buttons, in the order of the view.
     QList<QPushButton *> buttons() const { return answers; }
     QList<QLineEdit *> fields() const { return inputs; }
     /// Shows the dialog in front, with the keyboard.
@@ -28,6 +29,7 @@ public:
 
 private:
     void answer(int button);
+    void addWords(QVBoxLayout &column);
     QWidget *buttonRow();
     void addField(const AlertField &field, QVBoxLayout &column);
     void requireWholeCode(PairCodeField &code);

@@ -128,7 +128,7 @@ TEST_F(PasswordJourney, AtMostOneCredentialIsGoodWhateverHappensToTheOldOne) {
     launch();
     signIn(ACCOUNT, u"wrong"_s);
     ASSERT_TRUE(eventually([&] { return alerts.isOpen(); }));
-    EXPECT_EQ(alerts.view.text, u"Incorrect account or password."_s);
+    EXPECT_EQ(alerts.view.fromOutside, u"Incorrect account or password."_s);
     alerts.dismiss();
     signIn(ACCOUNT, PASSWORD);
     ASSERT_TRUE(tells(u"● Signed in as "_s + ACCOUNT));

@@ -58,7 +58,7 @@ TEST_F(E2eeJourney, TwoDevicesAndTwoAlarmsAreAskedAboutOneAfterTheOther) {
     alerts.answer(1);
     for (const QString &text : {u"First"_s, u"Second"_s}) {
         ASSERT_TRUE(eventually([&] { return alerts.isOpen(); }));
-        EXPECT_EQ(alerts.view.text, text);
+        EXPECT_EQ(alerts.view.fromOutside, text);
         alerts.dismiss();
     }
     ASSERT_TRUE(eventually([&] { return item.entry(Action::E2Alarm) == MenuEntry(); }));

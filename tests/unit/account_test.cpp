@@ -140,7 +140,7 @@ TEST_F(AccountTest, AConfigurationThatCannotBeReadIsNotReplaced) {
     signIn();
     EXPECT_EQ(file().size(), 2 << 20);
     EXPECT_TRUE(alerts.isOpen());
-    EXPECT_EQ(alerts.view.text, u"Couldn't sign in. Try again later."_s);
+    EXPECT_EQ(alerts.view.fromOutside, u"Couldn't sign in. Try again later."_s);
     EXPECT_EQ(sent.last(), u"intl.example:443/v1/agents/unbind Bearer new"_s); // kept nowhere, so given back
 }
 
@@ -154,16 +154,17 @@ TEST_F(AccountTest, TheDialogComesBackWithWhatWasTypedAndWhatWentWrong) {
     EXPECT_EQ(alerts.view.fields[2].text, u"intl.example:443"_s);
     alerts.answer(0, {u"ann"_s, u""_s, u"own.example"_s});
     EXPECT_EQ(alerts.by, OpenedBy::User);
-    EXPECT_EQ(alerts.view.text, u"Enter your email and password."_s);
+    EXPECT_EQ(alerts.view.fromOutside, u"Enter your email and password."_s);
     EXPECT_EQ(alerts.view.fields[0].text, u"ann"_s);
     alerts.answer(0, {u"ann"_s, u"pass"_s, u"own example"_s});
-    EXPECT_EQ(alerts.view.text, u"The server address isn't valid."_s);
+    EXPECT_EQ(alerts.view.fromOutside, u"The server address isn't valid."_s);
     EXPECT_EQ(alerts.view.fields[2].text, u"own example"_s);
     EXPECT_TRUE(sent.isEmpty());
-    loginReply = R"({"error":"Wrong password."})";
+    loginReply = R"({"error":"Wrong\npassword. "})";
     alerts.answer(0, {u"ann"_s, u"pass"_s, u"https://own.example/"_s});
     EXPECT_EQ(sent, QStringList{u"own.example:443/v1/agents/login"_s});
-    EXPECT_EQ(alerts.view.text, u"Wrong password."_s);
+    EXPECT_EQ(alerts.view.fromOutside, u"Wrong\npassword."_s);
+    EXPECT_TRUE(alerts.view.warning);
     EXPECT_EQ(alerts.by, OpenedBy::Itself); // the user may have turned to something else
     EXPECT_EQ(alerts.view.fields[1].text, u""_s);
     EXPECT_FALSE(notices.visible); // no longer "signing in"

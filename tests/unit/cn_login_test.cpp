@@ -2,6 +2,7 @@
 #include "account/cn_login_window.h"
 #include "support/tray_fixture.h"
 #include "ui/picture.h"
+#include "ui/window_place.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -307,6 +308,10 @@ TEST_F(CnLoginWindowTest, WhatIsTypedStaysWhileTheWindowChangesAroundIt) {
         EXPECT_EQ(window.height() > height, isHigher);
         EXPECT_EQ((*error)->wrappedSize((*error)->width()).height(), (*error)->height());
     }
+    form.error = u"No.\n"_s.repeated(250);
+    panel.apply(cnLoginView(form));
+    EXPECT_GT(window.height(), roomForWindows().height() - 50);
+    EXPECT_TRUE(roomForWindows().contains(window.frameGeometry()));
 }
 
 TEST_F(CnLoginWindowTest, WhoAskedForACodeTypesItNext) {

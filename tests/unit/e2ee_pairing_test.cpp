@@ -7,10 +7,13 @@
 #include "ui/picture.h"
 
 #include <QApplication>
+#include <QDialogButtonBox>
 #include <QKeyEvent>
+#include <QProxyStyle>
 #include <QPushButton>
 #include <QTest>
 #include <QWindow>
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -231,6 +234,7 @@ TEST(ApprovalAlert, ANameCannotSpeakForTheProduct) {
                            u"\n"_s.repeated(60);
     const AlertView view = approveAlert({{u"pendingId"_s, u"p"_s}, {u"name"_s, forged}, {u"platform"_s, u"ios"_s}}, {});
     EXPECT_EQ(view.title, u"New device: Anna's phone · iPhone Korvel has checked this device. Type 482… · iPhone"_s);
+    EXPECT_TRUE(view.fromOutside.isEmpty());
     EXPECT_EQ(approveAlert({{u"name"_s, u"\u200b\u2800"_s}}, {}).title, u"New device: ? · Device"_s);
 }
 
@@ -278,6 +282,32 @@ TEST_F(AlertTest, EscapeAndTheKeyThatClosesAreTheHarmlessAnswerAndCountOnce) {
     ASSERT_EQ(answers.size(), 2);
     EXPECT_EQ(answers[0].button, 2);
     EXPECT_EQ(answers[1].button, 2);
+}
+
+TEST_F(AlertTest, LeavesOtherWindowsUsableAndHasItsMainButtonWhereTheSystemHasIt) {
+    struct MacStyle final : QProxyStyle {
+        int styleHint(StyleHint hint, const QStyleOption *o, const QWidget *w, QStyleHintReturn *r) const override {
+            return hint == SH_DialogButtonLayout ? QDialogButtonBox::MacLayout : QProxyStyle::styleHint(hint, o, w, r);
+        }
+    };
+    const auto leftToRight = [&] {
+        AlertDialog *dialog = open({.title = u"t"_s, .buttons = view.buttons, .escape = 2, .main = 2});
+        EXPECT_FALSE(dialog->isModal());
+        EXPECT_EQ(dialog->focusWidget(), dialog->buttons().at(2));
+        QTest::keyClick(dialog, Qt::Key_Return);
+        EXPECT_EQ(answers.last().button, 2);
+        QList<QPushButton *> buttons = dialog->buttons();
+        std::ranges::sort(buttons, {}, [](const QPushButton *button) { return button->x(); });
+        QStringList titles;
+        for (const QPushButton *button : buttons)
+            titles.append(button->text());
+        return titles;
+    };
+    EXPECT_EQ(leftToRight(), view.buttons);
+    const QString usual = QApplication::style()->name();
+    QApplication::setStyle(new MacStyle);
+    EXPECT_EQ(leftToRight(), (QStringList{u"Later"_s, u"Deny"_s, u"Allow"_s}));
+    QApplication::setStyle(usual);
 }
 
 TEST_F(AlertTest, TakesKeysAtOnceOnlyWhenTheUserOpenedItAndNeverOneThatIsHeld) {

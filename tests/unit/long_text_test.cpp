@@ -24,25 +24,35 @@ TEST(LongText, ANameWithoutABlankIsBrokenAndNothingOfItLost) {
     }
 }
 
-TEST(LongText, AnAlertKeepsItsButtonsOnTheScreen) {
-    const auto sizeWith = [&](const QString &name, QSize &button) {
-        AlertDialog dialog({.title = name,
-                            .text = name,
+TEST(LongText, OnlyWhatComesFromOutsideIsScrolledInAnAlert) {
+    const auto sizeWith = [&](const QString &said, bool scrolls) {
+        AlertDialog dialog({.title = u"New device: Anna's phone"_s,
+                            .fromOutside = said,
+                            .text = u"Do not enter it. "_s.repeated(20),
                             .buttons = {u"Allow"_s, u"Deny"_s, u"Later"_s},
                             .fields = {{}, {}, {.kind = AlertField::Kind::Address}}},
                            [](const AlertAnswer &) {});
-        dialog.adjustSize();
-        const QPushButton &last = *dialog.buttons().last();
-        EXPECT_TRUE(dialog.rect().contains({last.mapTo(&dialog, QPoint()), last.size()}));
-        button = last.size();
+        dialog.show();
+        for (const QWidget *part : dialog.findChildren<QWidget *>()) {
+            const auto *text = dynamic_cast<const ToneLabel *>(part);
+            if (text && text->text() == said) {
+                EXPECT_EQ(text->height() > text->parentWidget()->height(), scrolls);
+                continue;
+            }
+            if (text || qobject_cast<const QPushButton *>(part)) {
+                EXPECT_TRUE(dialog.rect().contains({part->mapTo(&dialog, QPoint()), part->size()}));
+            }
+        }
         return dialog.size();
     };
-    QSize usual, button;
-    const QSize small = sizeWith(u"Anna's phone"_s, usual);
-    const QSize large = sizeWith(QString(1000, u'W'), button);
-    EXPECT_LE(large.height(), roomForWindows().height());
-    EXPECT_LE(large.width(), small.width() + 30); // a scroll bar
-    EXPECT_EQ(button, usual);
+    const QSize one = sizeWith(u"No."_s, false), ten = sizeWith(u"No.\n"_s.repeated(10), false);
+    EXPECT_GT(ten.height(), one.height() + 100);
+    for (const QString &flood : {QString(1000, u'W'), u"\n"_s.repeated(999) + u'.'}) {
+        const QSize full = sizeWith(flood, true);
+        EXPECT_EQ(full.width(), one.width());
+        EXPECT_GT(full.height(), ten.height());
+        EXPECT_LE(full.height(), roomForWindows().height());
+    }
 }
 
 TEST(LongText, ANameIsOneLineOfSixtyFourCharactersAtMost) {
