@@ -66,21 +66,19 @@ std::u32string visibleLine(const std::u32string &text) {
     int marks = 0;
     for (const char32_t c : text) {
         const bool atStart = line.empty() || line.back() == U' ';
-        if (looksBlank(c)) {
-            if (!atStart)
-                line += U' ';
-        } else if (isMark(c)) {
+        if (isMark(c)) { // of the letter before it
             if (!atStart && ++marks <= MAX_MARKS)
                 line += c;
-            continue;          // of the letter before it
         } else if (joins(c)) { // emoji and some scripts need one between two of their characters
             if (!atStart && !joins(line.back()))
                 line += c;
-            continue;
+        } else if (looksBlank(c)) {
+            if (!atStart)
+                line += U' ';
         } else if (!isInvisible(c)) {
             line += c;
+            marks = 0;
         }
-        marks = 0;
     }
     while (!line.empty() && (line.back() == U' ' || joins(line.back())))
         line.pop_back();

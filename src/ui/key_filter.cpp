@@ -47,13 +47,13 @@ bool KeyFilter::eventFilter(QObject *watched, QEvent *event) {
         if (watched == &window)
             guard.entered();
         break;
-    case QEvent::ShortcutOverride: // a shortcut would go past the native window
-        if (!guard.isClosed(Clock::now()))
+    case QEvent::ShortcutOverride: // a shortcut goes past the native window
+        if (guard.takes(pressOf(static_cast<QKeyEvent &>(*event)), Clock::now()))
             break;
         event->accept();
         return true;
     case QEvent::KeyPress:
-        return watched != &window && drops(static_cast<QKeyEvent &>(*event));
+        return watched != &window && !guard.press(pressOf(static_cast<QKeyEvent &>(*event)), Clock::now());
     case QEvent::KeyRelease:
         if (watched != &window)
             guard.release(static_cast<QKeyEvent *>(event)->nativeScanCode());
@@ -64,11 +64,10 @@ bool KeyFilter::eventFilter(QObject *watched, QEvent *event) {
     return false;
 }
 
-bool KeyFilter::drops(const QKeyEvent &event) {
-    return !guard.press({.code = event.nativeScanCode(),
-                         .repeats = event.isAutoRepeat(),
-                         .answers = answers(event, window.focusWidget())},
-                        Clock::now());
+KeyPress KeyFilter::pressOf(const QKeyEvent &event) const {
+    return {.code = event.nativeScanCode(),
+            .repeats = event.isAutoRepeat(),
+            .answers = answers(event, window.focusWidget())};
 }
 
 } // namespace korvel

@@ -21,7 +21,7 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    bool drops(const QKeyEvent &event);
+    KeyPress pressOf(const QKeyEvent &event) const;
 
     QWidget &window;
     KeyGuard guard;

@@ -14,6 +14,10 @@ void KeyGuard::close(Instant now) {
     closedUntil = now + FIRST_LOOK;
 }
 
+bool KeyGuard::takes(const KeyPress &key, Instant now) const {
+    return !isClosed(now) && !(key.answers && (key.repeats || held.contains(key.code)));
+}
+
 bool KeyGuard::press(const KeyPress &key, Instant now) {
     if (!held.isEmpty()) {
         // A key that was released while another window had the keyboard is not reported to this one.
@@ -28,7 +32,7 @@ bool KeyGuard::press(const KeyPress &key, Instant now) {
         return false;
     }
     untouched = false;
-    return !key.answers || !(key.repeats || held.contains(key.code));
+    return takes(key, now);
 }
 
 } // namespace korvel

@@ -34,13 +34,15 @@ public:
     }
     /// The window got the keyboard.
     void entered() { held = keysDown(); }
-    /// Whether the window takes no key at all.
-    bool isClosed(Instant now) const { return untouched && (now < closedUntil || !held.isEmpty()); }
-    /// Whether the window takes a key that goes down.
+    /// Whether the window would take a key that goes down.
+    bool takes(const KeyPress &key, Instant now) const;
+    /// The same, of one that does go down.
     bool press(const KeyPress &key, Instant now);
     void release(quint32 code) { held.remove(code); }
 
 private:
+    bool isClosed(Instant now) const { return untouched && (now < closedUntil || !held.isEmpty()); }
+
     std::function<KeyCodes()> keysDown;
     Instant closedUntil = DISTANT_PAST;
     bool untouched = false; ///< It came up by itself and took no key yet.
