@@ -82,7 +82,7 @@ std::optional<FileStamp> stampOf(const QString &path) {
 }
 
 bool makePrivateFolder(const QString &path) {
-    const QFileInfo info(path);
+    const QFileInfo info(path.isEmpty() ? QStringLiteral(".") : path);
     if (info.isDir())
         return true;
     if (!QDir().mkpath(info.absolutePath()))
