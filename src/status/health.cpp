@@ -27,6 +27,8 @@ void applyPermissionSummary(PermissionState &permissions, const QJsonObject &per
 HealthEffects applyAnswer(TrayState &state, const QJsonObject &answer, const HealthContext &context) {
     HealthState &health = state.health;
     HealthEffects effects;
+    if (!health.running)
+        outdateLooks(health);
     health.running = true;
     health.jobLoaded = true;
     health.online = answer.value(u"online").toBool();
