@@ -15,7 +15,7 @@ void AfterSignIn::signedIn(const QString &user) {
         expectNewJob(health, scheduler.now());
     hooks.stopBrowserLogin();
     hooks.showHUD(signedInNotice(user));
-    hooks.poll();
+    hooks.startStoppedAgent(hooks.poll);
     hooks.pairAfterLogin();
 }
 

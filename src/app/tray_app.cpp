@@ -107,6 +107,7 @@ AfterSignIn::Hooks TrayApp::afterSignInHooks() {
     return {.disregardOpenPolls = [this] { health.disregardOpenPolls(); },
             .stopBrowserLogin = [this] { browserLogin.stopBrowserLogin(); },
             .showHUD = showHUD(),
+            .startStoppedAgent = [this](auto then) { agent.startStoppedAgent(std::move(then)); },
             .poll = [this] { health.poll(); },
             .pairAfterLogin = [this] { pairing.pairAfterLogin(); }};
 }
