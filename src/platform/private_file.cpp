@@ -40,7 +40,7 @@ Transfer transferAll(qsizetype size, Step step) {
 
 /// The file that `path` names in the end: a user may keep the configuration elsewhere behind a link.
 QString linkTarget(const QString &path) {
-    const QFileInfo info(path);
+    const QFileInfo info(path.isEmpty() ? QStringLiteral(".") : path);
     const QString target = info.canonicalFilePath();
     if (!target.isEmpty())
         return target;
