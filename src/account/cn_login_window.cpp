@@ -186,6 +186,7 @@ void CnLoginWindow::connectControls() {
     connect(agreeB, &QCheckBox::toggled, this,
             [this](bool on) { input({.kind = LoginInput::Kind::Agree, .index = on ? 1 : 0}); });
     tabs->onChosen = [this](int index) { input({.kind = LoginInput::Kind::Tab, .index = index}); };
+    tabs->onClicked = [this] { input({.kind = LoginInput::Kind::TabClick}); };
 }
 
 void CnLoginWindow::apply(const CnLoginView &view) {
