@@ -4,12 +4,14 @@
 
 #include <QAbstractButton>
 #include <QAbstractScrollArea>
+#include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QProgressBar>
 #include <QScreen>
 #include <QStyle>
+#include <QStyleOption>
 
 using namespace Qt::StringLiterals;
 
@@ -64,6 +66,12 @@ QSize neededSize(const QWidget &control) {
         return {field->fontMetrics().horizontalAdvance(field->placeholderText()) + margins.left() + margins.right() +
                     frame,
                 field->fontMetrics().height()};
+    }
+    if (const auto *box = qobject_cast<const QCheckBox *>(&control)) {
+        QStyleOptionButton option;
+        option.initFrom(box);
+        const QRect text = box->style()->subElementRect(QStyle::SE_CheckBoxContents, &option, box);
+        return {text.left() + box->fontMetrics().horizontalAdvance(box->text()), box->sizeHint().height()};
     }
     return qobject_cast<const QProgressBar *>(&control) ? QSize() : control.sizeHint();
 }

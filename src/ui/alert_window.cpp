@@ -5,12 +5,12 @@
 #include "ui/code_field.h"
 #include "ui/icon_image.h"
 #include "ui/secret_field.h"
-#include "ui/text_field.h"
 #include "ui/text_styles.h"
 #include "ui/window_front.h"
 #include "ui/window_place.h"
 
 #include <QBoxLayout>
+#include <QLineEdit>
 #include <QPainter>
 #include <QPushButton>
 #include <QScrollArea>
@@ -120,7 +120,7 @@ void AlertDialog::addField(const AlertField &field, QVBoxLayout &column) {
         inputs.append(new PairCodeField(this));
         inputs.last()->setAccessibleName(view.title);
     } else {
-        auto *line = new TextField(this);
+        auto *line = new QLineEdit(this);
         line->setText(field.text);
         line->setFixedSize(FIELD_SIZE);
         line->setFont(field.kind == AlertField::Kind::Address ? codeFont(11) : uiFont(13));

@@ -35,7 +35,7 @@ protected:
         painter.setRenderHint(QPainter::Antialiasing);
         const QRectF frame = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
         if (isChecked()) {
-            painter.setPen(hasFocus() ? QPen(palette().color(QPalette::Highlight), 2) : QPen(Qt::NoPen));
+            painter.setPen(hasFocus() ? QPen(palette().color(QPalette::Highlight), 2) : edgeColour(palette()));
             painter.setBrush(groundColour(Ground::Raised, palette()));
             painter.drawRoundedRect(hasFocus() ? frame.adjusted(0.5, 0.5, -0.5, -0.5) : frame, RADIUS - 1, RADIUS - 1);
         }
