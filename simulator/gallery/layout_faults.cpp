@@ -5,12 +5,14 @@
 
 #include <QAbstractButton>
 #include <QAbstractScrollArea>
+#include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QProgressBar>
 #include <QScreen>
 #include <QStyle>
+#include <QStyleOption>
 
 using namespace Qt::StringLiterals;
 
@@ -73,6 +75,12 @@ QSize neededSize(const QWidget &control) {
     if (const auto *button = qobject_cast<const QPushButton *>(&control); button && !isLink(*button))
         return button->sizeHint().expandedTo(
             {button->fontMetrics().horizontalAdvance(button->text()) + 2 * BESIDE_TEXT, 0});
+    if (const auto *box = qobject_cast<const QCheckBox *>(&control)) {
+        QStyleOptionButton option;
+        option.initFrom(box);
+        const QRect text = box->style()->subElementRect(QStyle::SE_CheckBoxContents, &option, box);
+        return {text.left() + box->fontMetrics().horizontalAdvance(box->text()), box->sizeHint().height()};
+    }
     return qobject_cast<const QProgressBar *>(&control) ? QSize() : control.sizeHint();
 }
 

@@ -43,6 +43,8 @@ void CnLogin::input(const LoginInput &i) {
         return;
     case LoginInput::Kind::Tab:
         return chooseMode(i.index == 0);
+    case LoginInput::Kind::TabClick:
+        return window.focus(firstEmptyField(*form));
     case LoginInput::Kind::LinkA:
         return turnTo(form->page == Page::Login ? Page::Register : Page::Login);
     case LoginInput::Kind::LinkB:

@@ -8,15 +8,17 @@
 #include "ui/secret_field.h"
 #include "ui/segmented_control.h"
 #include "ui/text_button.h"
-#include "ui/text_field.h"
 #include "ui/window_front.h"
 #include "ui/window_place.h"
 
 #include <QBoxLayout>
 #include <QCheckBox>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QStyle>
+#include <QStyleOption>
 #include <algorithm>
 
 namespace korvel {
@@ -48,12 +50,20 @@ ToneLabel *message(Tone tone, QWidget *parent) {
 }
 
 QLineEdit *lineEdit(QLabel *label, QWidget *parent) {
-    auto *field = new TextField(parent);
+    auto *field = new QLineEdit(parent);
     field->setFont(uiFont(13));
     field->setFixedHeight(FIELD_HEIGHT);
     field->setTextMargins(5, 0, 5, 0);
     label->setBuddy(field);
     return field;
+}
+
+/// From the box to the end of its text.
+int widthOf(const QCheckBox &box) {
+    QStyleOptionButton option;
+    option.initFrom(&box);
+    const QRect contents = box.style()->subElementRect(QStyle::SE_CheckBoxContents, &option, &box);
+    return contents.left() + box.fontMetrics().horizontalAdvance(box.text());
 }
 
 } // namespace
@@ -148,12 +158,15 @@ QWidget *CnLoginWindow::group(QLabel *label, const QList<QWidget *> &controls) {
 }
 
 QLayout *CnLoginWindow::agreeRows() {
+    // A space between words; the Chinese marks of a title carry theirs.
+    const int space = ZH ? 0 : andF->fontMetrics().horizontalAdvance(u' ');
+    agreeB->setFixedWidth(widthOf(*agreeB) + space); // without the margin that a style leaves behind the text
     auto *links = new QHBoxLayout;
-    links->setSpacing(4);
+    links->setSpacing(space);
     for (QWidget *part : std::initializer_list<QWidget *>{termsB, andF, privacyB})
         links->addWidget(part);
     links->addStretch();
-    const int wanted = agreeB->sizeHint().width() + links->sizeHint().width() + 4;
+    const int wanted = agreeB->width() + links->sizeHint().width();
     auto *rows = new QBoxLayout(wanted <= CONTENT ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
     rows->setSpacing(0);
     rows->addWidget(agreeB);
@@ -181,6 +194,7 @@ void CnLoginWindow::connectControls() {
     connect(agreeB, &QCheckBox::toggled, this,
             [this](bool on) { input({.kind = LoginInput::Kind::Agree, .index = on ? 1 : 0}); });
     tabs->onChosen = [this](int index) { input({.kind = LoginInput::Kind::Tab, .index = index}); };
+    tabs->onClicked = [this] { input({.kind = LoginInput::Kind::TabClick}); };
 }
 
 void CnLoginWindow::apply(const CnLoginView &view) {
@@ -220,7 +234,7 @@ void CnLoginWindow::applyField(QLabel *label, QLineEdit *field, const LoginField
 }
 
 void CnLoginWindow::setBusy(bool busy) {
-    for (QWidget *control : std::initializer_list<QWidget *>{tabs, agreeB, termsB, privacyB, linkA, linkB, mainB})
+    for (QWidget *control : std::initializer_list<QWidget *>{tabs, agreeB, termsB, andF, privacyB, linkA, linkB, mainB})
         control->setEnabled(!busy);
     busyBar->setVisible(busy);
 }

@@ -4,6 +4,7 @@
 #include "platform/running_copies_linux.h"
 #include "platform/status_item_linux.h"
 #include "status/icon_view.h"
+#include "ui/contrast_style.h"
 #include "ui/icon_image.h"
 
 #include <QApplication>
@@ -26,7 +27,10 @@ QList<const char *> prepareToolkit() {
     return hasDisplay() ? QList<const char *>() : QList<const char *>{"-platform", "offscreen"};
 }
 
-void settleApplication() { QApplication::setWindowIcon(panelIcon({.on = true, .dimmed = false, .toolTip = {}})); }
+void settleApplication() {
+    QApplication::setWindowIcon(panelIcon({.on = true, .dimmed = false, .toolTip = {}}));
+    QApplication::setStyle(new ContrastStyle);
+}
 
 std::shared_ptr<void> listenForReopen(std::function<void()>) {
     return nullptr; // a second start is a new copy here, which replaces this one

@@ -18,6 +18,7 @@ struct LoginInput {
         Password, ///< as the password
         Agree,    ///< the agreement was ticked, or not (`index`)
         Tab,      ///< the way of signing in number `index` was chosen
+        TabClick, ///< a tab was clicked with the pointer, after Tab where that chose it
         LinkA,
         LinkB,
         SendCode,

@@ -59,7 +59,7 @@ int openRegularFile(const QString &path, struct stat &info) {
 }
 
 std::error_code makeFolder(const QString &path) {
-    const QFileInfo info(path);
+    const QFileInfo info(path.isEmpty() ? QStringLiteral(".") : path);
     if (info.isDir())
         return {};
     std::error_code error;

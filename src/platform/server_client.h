@@ -21,7 +21,7 @@ struct ServerRequest {
     QList<std::pair<QByteArray, QByteArray>> headers = {};
     QByteArray body = {};
     std::chrono::milliseconds timeout{0}; ///< Hard deadline for the whole exchange.
-    qint64 maxBytes = 1 << 20;            ///< A larger response (headers included) is refused.
+    qint64 maxBytes = 512 << 10;          ///< A larger response (headers included) is refused.
     std::chrono::seconds slowTimeout{0};  ///< For how long less than 1 KiB a second may arrive; 0: no such limit.
     int redirects = 0; ///< How many redirects are followed, to HTTPS only. For a GET without credentials alone.
 

@@ -6,13 +6,14 @@
 #include "ui/scrolling_text.h"
 #include "ui/secret_field.h"
 #include "ui/text_button.h"
-#include "ui/text_field.h"
 #include "ui/text_styles.h"
 #include "ui/window_front.h"
 #include "ui/window_place.h"
 
 #include <QBoxLayout>
 #include <QDialogButtonBox>
+#include <QLineEdit>
+#include <QPushButton>
 #include <QStyle>
 #include <utility>
 
@@ -95,7 +96,7 @@ void AlertDialog::addField(const AlertField &field, QVBoxLayout &column) {
         inputs.append(new PairCodeField(this));
         inputs.last()->setAccessibleName(view.title);
     } else {
-        auto *line = new TextField(this);
+        auto *line = new QLineEdit(this);
         line->setText(field.text);
         line->setFixedSize(FIELD_SIZE);
         line->setFont(field.kind == AlertField::Kind::Address ? codeFont(11) : uiFont(13));

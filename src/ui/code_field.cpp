@@ -3,18 +3,22 @@
 #include "e2ee/pair_code.h"
 #include "ui/text_styles.h"
 
-#include <QInputMethodEvent>
 #include <QKeyEvent>
-#include <QPainter>
+#include <QStyle>
+#include <QStyleOption>
 
 namespace korvel {
 
-PairCodeField::PairCodeField(QWidget *parent) : TextField(parent) {
-    setFont(codeFont(24, QFont::DemiBold));
-    setAlignment(Qt::AlignCenter);
+namespace {
+constexpr int OWN_MARGIN = 2; // of a line edit, between its contents and its text
+}
+
+PairCodeField::PairCodeField(QWidget *parent) : QLineEdit(parent) {
     setPlaceholderText(QStringLiteral("000 000"));
     setInputMethodHints(Qt::ImhPreferNumbers | Qt::ImhNoPredictiveText);
     setFixedSize(220, 36);
+    placeText();
+    connect(this, &QLineEdit::textChanged, this, [this] { placeText(); });
     connect(this, &QLineEdit::textEdited, this, [this] { controlTextDidChange(); });
 }
 
@@ -43,20 +47,20 @@ void PairCodeField::keyPressEvent(QKeyEvent *event) {
     QLineEdit::keyPressEvent(event);
 }
 
-void PairCodeField::inputMethodEvent(QInputMethodEvent *event) {
-    composing = !event->preeditString().isEmpty();
-    QLineEdit::inputMethodEvent(event);
-}
-
-void PairCodeField::paintEvent(QPaintEvent *event) {
-    QLineEdit::paintEvent(event);
-    // A line edit leaves the placeholder of a centred text out while it has the focus, which is all the time here.
-    if (!hasFocus() || composing || !text().isEmpty())
+/// A code is centred. The placeholder stands where a whole code does, and the caret before its first digit: a line edit
+/// would put it in the middle, and leave the placeholder of a centred text out while it has the focus.
+void PairCodeField::placeText() {
+    const bool empty = text().isEmpty();
+    setAlignment(empty ? Qt::AlignLeft | Qt::AlignVCenter : Qt::AlignCenter);
+    setFont(codeFont(24, empty ? QFont::Normal : QFont::DemiBold));
+    setTextMargins({});
+    if (!empty)
         return;
-    QPainter painter(this);
-    painter.setFont(codeFont(24)); // lighter than a code that was typed
-    painter.setPen(toneColour(Tone::Tertiary, palette()));
-    painter.drawText(rect(), Qt::AlignCenter, placeholderText());
+    QStyleOptionFrame frame;
+    initStyleOption(&frame);
+    const QRect contents = style()->subElementRect(QStyle::SE_LineEditContents, &frame, this);
+    const int spare = contents.width() - fontMetrics().horizontalAdvance(placeholderText());
+    setTextMargins(spare / 2 - OWN_MARGIN, 0, 0, 0);
 }
 
 } // namespace korvel

@@ -1,14 +1,13 @@
 #pragma once
 
-#include "ui/text_field.h"
-
+#include <QLineEdit>
 #include <functional>
 
 namespace korvel {
 
 /// A field for a six-digit code: takes digits of any script, typed, pasted or from an input method, shows them in two
 /// groups and leaves the caret where the person has it.
-class PairCodeField : public TextField {
+class PairCodeField : public QLineEdit {
 public:
     explicit PairCodeField(QWidget *parent = nullptr);
     /// Whether it holds a whole code.
@@ -18,13 +17,10 @@ public:
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
-    void inputMethodEvent(QInputMethodEvent *event) override;
-    void paintEvent(QPaintEvent *event) override;
 
 private:
     void controlTextDidChange();
-
-    bool composing = false; // an input method holds a text that is not yet entered
+    void placeText();
 };
 
 } // namespace korvel

@@ -31,8 +31,9 @@ void MainButton::paintEvent(QPaintEvent *) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const QColor colour = colourOf(*this);
-    const QRectF frame = QRectF(rect()).adjusted(1, 1, -1, -1);
-    painter.setPen(QPen(colour, 1));
+    const QRectF frame = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
+    const bool standsOut = contrastRatio(colour, palette().color(QPalette::Window)) >= EDGE_CONTRAST;
+    painter.setPen(standsOut ? colour : edgeColour(palette()));
     painter.setBrush(colour);
     painter.drawRoundedRect(frame, RADIUS, RADIUS);
     if (hasFocus()) {

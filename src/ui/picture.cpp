@@ -1,10 +1,11 @@
 #include "ui/picture.h"
 
+#include "ui/contrast_style.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLoggingCategory>
-#include <QStyleFactory>
 #include <QWidget>
 
 namespace korvel {
@@ -43,7 +44,7 @@ QByteArray prepared(int scale, QSize screen, QTemporaryFile &file) {
 PictureApplication::PictureApplication(int scale, QSize screen)
     : platform(prepared(scale, screen, screens)), arguments{program, option, platform.data(), nullptr},
       app(count, arguments) {
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setStyle(new ContrastStyle(QStringLiteral("Fusion")));
     QApplication::setCursorFlashTime(0);
     QApplication::setQuitOnLastWindowClosed(false);
 }

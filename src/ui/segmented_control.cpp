@@ -3,6 +3,7 @@
 #include "ui/text_styles.h"
 
 #include <QBoxLayout>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QRadioButton>
 
@@ -19,15 +20,22 @@ public:
     using QRadioButton::QRadioButton;
     QSize sizeHint() const override { return {fontMetrics().horizontalAdvance(text()) + 24, HEIGHT - 2 * INSET}; }
     QSize minimumSizeHint() const override { return sizeHint(); }
+    std::function<void()> onPointer;
 
 protected:
     bool hitButton(const QPoint &point) const override { return rect().contains(point); }
+    void mouseReleaseEvent(QMouseEvent *event) override {
+        const bool clicks = isDown() && hitButton(event->position().toPoint());
+        QRadioButton::mouseReleaseEvent(event);
+        if (clicks)
+            onPointer();
+    }
     void paintEvent(QPaintEvent *) override {
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
         const QRectF frame = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
         if (isChecked()) {
-            painter.setPen(hasFocus() ? QPen(palette().color(QPalette::Highlight), 2) : QPen(Qt::NoPen));
+            painter.setPen(hasFocus() ? QPen(palette().color(QPalette::Highlight), 2) : edgeColour(palette()));
             painter.setBrush(groundColour(Ground::Raised, palette()));
             painter.drawRoundedRect(hasFocus() ? frame.adjusted(0.5, 0.5, -0.5, -0.5) : frame, RADIUS - 1, RADIUS - 1);
         }
@@ -54,6 +62,10 @@ SegmentedControl::SegmentedControl(int count, QWidget *parent) : QWidget(parent)
             if (on && onChosen)
                 onChosen(index);
         });
+        segment->onPointer = [this] {
+            if (onClicked)
+                onClicked();
+        };
         row->addWidget(segment);
         segments.append(segment);
     }

@@ -16,6 +16,8 @@ public:
     void setCurrent(int index);
     /// Called with the number of the choice when the user made another one.
     std::function<void(int)> onChosen;
+    /// Called when the user clicked a choice with the pointer, also the one that holds; after onChosen.
+    std::function<void()> onClicked;
 
 protected:
     void paintEvent(QPaintEvent *event) override;

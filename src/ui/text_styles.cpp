@@ -79,7 +79,7 @@ void keepReadable(QWidget &window) {
 
 QColor edgeColour(const QPalette &palette) {
     return mixed(palette.color(QPalette::Active, QPalette::WindowText),
-                 palette.color(QPalette::Active, QPalette::Window), 0.48);
+                 palette.color(QPalette::Active, QPalette::Window), 0.53);
 }
 
 QFont uiFont(int points, QFont::Weight weight) { return sized(QGuiApplication::font(), points, weight); }
@@ -100,7 +100,8 @@ QColor toneColour(Tone tone, const QPalette &palette) {
         return mixed(text, ground, 0.64);
     case Tone::Link: {
         const QColor own = palette.color(QPalette::Active, QPalette::Link);
-        if (contrastRatio(own, ground) >= READABLE)
+        // Pure blue is Qt's default, where the system has no colour of its own.
+        if (own != Qt::blue && contrastRatio(own, ground) >= READABLE)
             return own;
         return ground.lightness() < 128 ? QColor(0x8c, 0xb4, 0xff) : QColor(0x12, 0x55, 0xc4);
     }
@@ -176,6 +177,7 @@ void ToneLabel::paintTone() {
     const QPalette around = parentWidget() ? parentWidget()->palette() : QGuiApplication::palette();
     QPalette own = around;
     own.setColor(QPalette::WindowText, toneColour(tone, around));
+    own.setColor(QPalette::Disabled, QPalette::WindowText, toneColour(Tone::Tertiary, around));
     setPalette(own);
     painting = false;
 }

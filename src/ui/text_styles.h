@@ -29,7 +29,10 @@ QPalette readableColours(const QPalette &palette);
 /// Gives a window these colours, now and after each change of its palette.
 void keepReadable(QWidget &window);
 
-/// The colour of a control's edge on the windows of `palette`; at least 3 to 1 against them (WCAG 2.1, 1.4.11).
+/// What an edge needs against what it stands on (WCAG 2.1, 1.4.11).
+constexpr double EDGE_CONTRAST = 3;
+/// The colour of a control's edge on the windows of `palette`; enough contrast also where a style paints it a little
+/// paler.
 QColor edgeColour(const QPalette &palette);
 
 /// The ratio of contrast between two colours (WCAG 2.1), 1 to 21.

@@ -9,6 +9,7 @@
 #include <QCheckBox>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QTest>
 #include <stdexcept>
 
@@ -144,6 +145,10 @@ TEST_F(CnLoginTest, ASignInGoesThroughTheAgentAndLeadsToThePairingWindow) {
     EXPECT_EQ(loginPanel.focused, LoginField::Password);
     EXPECT_EQ(lastRequest(), object(R"({"op":"login","username":"ann","password":"secret"})"));
     EXPECT_FALSE(programs.runs.back().arguments.join(u' ').contains(u"secret"));
+    loginPanel.does(Kind::Account, {});
+    loginPanel.does(Kind::TabClick);
+    EXPECT_EQ(loginPanel.focused, LoginField::Account);
+    loginPanel.does(Kind::Account, u"ann"_s);
 
     home.bind();
     answer(R"({"ok":true,"user":"Ann"})");
@@ -464,6 +469,30 @@ TEST_F(CnLoginWindowTest, WhoAskedForACodeTypesItNext) {
     const auto *field = qobject_cast<QLineEdit *>(window.focusWidget());
     ASSERT_TRUE(field);
     EXPECT_EQ(field->placeholderText(), u"6 digits");
+}
+
+TEST_F(CnLoginWindowTest, AClickOnATabLeadsToTheFieldsAndAnArrowKeyStays) {
+    CnLoginWindow &window = show();
+    const auto tabs = window.findChildren<QRadioButton *>();
+    ASSERT_EQ(tabs.size(), 2);
+    const auto kinds = [this] {
+        QList<LoginInput::Kind> all;
+        for (const LoginInput &i : std::exchange(inputs, {}))
+            all.append(i.kind);
+        return all;
+    };
+    using Kind = LoginInput::Kind;
+    QTest::mouseClick(tabs.first(), Qt::LeftButton);
+    EXPECT_EQ(kinds(), (QList<Kind>{Kind::Tab, Kind::TabClick}));
+    QTest::mouseClick(tabs.first(), Qt::LeftButton);
+    EXPECT_EQ(kinds(), QList<Kind>{Kind::TabClick});
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    tabs.first()->setFocus();
+    QTest::keyClick(tabs.first(), Qt::Key_Right);
+    EXPECT_EQ(kinds(), QList<Kind>{Kind::Tab});
+    form.codeMode = false;
+    panel.apply(cnLoginView(form));
+    EXPECT_EQ(window.focusWidget(), tabs.last());
 }
 
 TEST_F(CnLoginWindowTest, TabGoesThroughTheControlsInTheirOrderOnTheScreen) {

@@ -341,25 +341,6 @@ TEST_F(AlertTest, TakesKeysAtOnceOnlyWhenTheUserOpenedItAndNeverOneThatIsHeld) {
     EXPECT_EQ(pressed, 1);
 }
 
-TEST(ToneColour, EveryToneCanBeReadOnLightAndDarkWindows) {
-    EXPECT_NEAR(contrastRatio(Qt::black, QColor(0x77, 0x77, 0x77)), 4.69, 0.01); // a published value
-    for (const auto &[text, ground] :
-         {std::pair{QColor(Qt::black), QColor(0xef, 0xef, 0xef)}, std::pair{QColor(Qt::black), QColor(Qt::white)},
-          std::pair{QColor(Qt::white), QColor(0x32, 0x32, 0x32)},
-          std::pair{QColor(0xee, 0xee, 0xec), QColor(0x35, 0x35, 0x35)}}) {
-        QPalette palette;
-        palette.setColor(QPalette::WindowText, text);
-        palette.setColor(QPalette::Window, ground);
-        palette.setColor(QPalette::Text, text);
-        palette.setColor(QPalette::Base, ground.darker(120));
-        for (const Tone tone : {Tone::Normal, Tone::Secondary, Tone::Tertiary, Tone::Link, Tone::Error})
-            EXPECT_GE(contrastRatio(toneColour(tone, palette), ground), 4.5) << static_cast<int>(tone);
-        const QPalette colours = readableColours(palette);
-        EXPECT_GE(contrastRatio(colours.color(QPalette::Disabled, QPalette::ButtonText), ground), 4.5);
-        EXPECT_GE(contrastRatio(colours.color(QPalette::Active, QPalette::PlaceholderText), ground.darker(120)), 4.5);
-    }
-}
-
 TEST(PairWindowTest, ItsHeightFollowsItsTextAndReturnPressesTheMainButton) {
     int pressed = 0;
     PairWindow window({.buttonClicked = [&] { ++pressed; }, .renewClicked = [] {}});
