@@ -75,7 +75,10 @@ QList<Sample> encryptionSamples() {
 
 QList<Sample> serviceSamples() {
     const auto toggled = [](ToggleDirection direction, bool loaded, bool running) {
-        return [=] { return toggleNotice(direction, loaded, running, L(u"● 已连接", u"● Connected")); };
+        return [=] {
+            const ServiceResult found = loaded ? ServiceResult::Succeeded : ServiceResult::Failed;
+            return toggleNotice(direction, found, running, L(u"● 已连接", u"● Connected"));
+        };
     };
     return {
         {"quitting", quittingNotice},
