@@ -47,4 +47,19 @@ Held heldBy(qint64 pid) {
     return held;
 }
 
+Resident residentOf(qint64 pid) {
+    const QByteArray status = content(u"/proc/%1/status"_s.arg(pid));
+    return {.now = valueOf(status, "VmRSS:"), .peak = valueOf(status, "VmHWM:")};
+}
+
+void forgetPeak(qint64 pid) {
+    QFile file(u"/proc/%1/clear_refs"_s.arg(pid));
+    if (file.open(QIODevice::WriteOnly))
+        file.write("5");
+}
+
+qint64 mainThreadNs(qint64 pid) {
+    return content(u"/proc/%1/task/%1/schedstat"_s.arg(pid)).split(' ').first().toLongLong();
+}
+
 } // namespace korvel::bench

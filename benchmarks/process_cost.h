@@ -19,4 +19,15 @@ struct Held {
 };
 Held heldBy(qint64 pid);
 
+/// What of it lies in memory, in KiB: now, and the most since the peak was forgotten.
+struct Resident {
+    qint64 now = 0;
+    qint64 peak = 0;
+};
+Resident residentOf(qint64 pid);
+void forgetPeak(qint64 pid);
+
+/// Nanoseconds that its main thread has been on a processor.
+qint64 mainThreadNs(qint64 pid);
+
 } // namespace korvel::bench

@@ -106,18 +106,19 @@ int runLogin(const FixedConfig &config, const Paths &paths) {
 } // namespace
 
 std::optional<QByteArray> menuDump(const QByteArray &description, const FixedConfig &config, const Paths &paths) {
-    const auto health = parseObject(description.trimmed().isEmpty() ? QByteArray("{}") : description);
-    if (!health)
+    const auto parsed = parseObject(description.trimmed().isEmpty() ? QByteArray("{}") : description);
+    if (!parsed)
         return std::nullopt;
+    const QJsonObject health = boundedHealth(*parsed);
     const QJsonObject cfg = AgentConfig(paths).readCfg();
     const bool isBound = bound(cfg);
     const Instant now = Clock::now();
     TrayState state;
-    const bool answered = health->value(u"ok").toBool(true);
-    applyHealth(state, answered ? health : std::nullopt,
+    const bool answered = health.value(u"ok").toBool(true);
+    applyHealth(state, answered ? std::optional(health) : std::nullopt,
                 {.now = now, .bound = isBound, .username = cfgText(cfg, u"username")});
     if (answered)
-        applyPermReply(state.permissions, health->value(u"perms").toObject());
+        applyPermReply(state.permissions, health.value(u"perms").toObject());
     const MenuView view = menuView({.state = state,
                                     .config = config,
                                     .timing = timingOf(state.health, now),

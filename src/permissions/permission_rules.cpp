@@ -12,19 +12,28 @@ bool permissionsMissing(const PermissionState &permissions) {
     return permissions.permsOk == false && !permissions.permsMissing.isEmpty();
 }
 
+QJsonObject boundedPerms(const QJsonObject &reply) {
+    QJsonObject kept = boundedObject(reply, {u"ok"});
+    if (const auto missing = boundedTexts(reply.value(u"missing")))
+        kept.insert(u"missing", *missing);
+    if (const auto items =
+            boundedObjects(reply.value(u"items"), {u"name", u"state", u"unknown", u"pane", u"why", u"breaks"}))
+        kept.insert(u"items", *items);
+    return kept;
+}
+
 void applyPermSummary(PermissionState &permissions, const QJsonObject &perms) {
     permissions.permsOk = jsonBool(perms.value(u"ok"));
-    permissions.permsMissing = boundedTexts(perms.value(u"missing")).value_or(QStringList());
+    permissions.permsMissing = jsonTexts(perms.value(u"missing")).value_or(QStringList());
 }
 
 bool holdsPermItems(const QJsonObject &reply) { return jsonObjects(reply.value(u"items")).has_value(); }
 
 void applyPermReply(PermissionState &permissions, const QJsonObject &reply) {
-    const auto items =
-        boundedObjects(reply.value(u"items"), {u"name", u"state", u"unknown", u"pane", u"why", u"breaks"});
+    const auto items = jsonObjects(reply.value(u"items"));
     if (!items)
         return;
-    permissions.permItems = jsonObjects(*items).value_or(QList<QJsonObject>());
+    permissions.permItems = *items;
     applyPermSummary(permissions, reply);
 }
 

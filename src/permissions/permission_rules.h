@@ -12,6 +12,9 @@ namespace korvel {
 /// Whether the agent says that permissions are missing, and which.
 bool permissionsMissing(const PermissionState &permissions);
 
+/// The part of a reply, or of the summary in a health response, that the tray reads, within bounds.
+QJsonObject boundedPerms(const QJsonObject &reply);
+
 /// Takes over whether permissions are missing, and which; what `perms` does not say is not known.
 void applyPermSummary(PermissionState &permissions, const QJsonObject &perms);
 

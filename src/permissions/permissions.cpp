@@ -10,8 +10,9 @@ namespace korvel {
 
 namespace {
 
-const AgentRequest STATUS{.path = u"/perms"_s, .timeout = 20s, .repeats = true};
-const AgentRequest PROMPTS{.method = "POST", .path = u"/perms/request"_s, .timeout = 150s}; // a person answers
+const AgentRequest STATUS{.path = u"/perms"_s, .timeout = 20s, .keep = boundedPerms, .repeats = true};
+const AgentRequest PROMPTS{
+    .method = "POST", .path = u"/perms/request"_s, .timeout = 150s, .keep = boundedPerms}; // a person answers
 
 } // namespace
 

@@ -42,13 +42,12 @@ std::optional<QJsonArray> boundedObjects(const QJsonValue &v, std::initializer_l
     return objects;
 }
 
-std::optional<QStringList> boundedTexts(const QJsonValue &v) {
-    const auto start = startOfArray(v, QJsonValue::String);
-    if (!start)
+std::optional<QJsonArray> boundedTexts(const QJsonValue &v) {
+    auto texts = startOfArray(v, QJsonValue::String);
+    if (!texts)
         return std::nullopt;
-    QStringList texts;
-    for (const QJsonValue element : *start)
-        texts.append(shortened(element.toString()));
+    for (QJsonValueRef element : *texts)
+        element = shortened(element.toString());
     return texts;
 }
 

@@ -5,15 +5,14 @@
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QJsonValue>
-#include <QStringList>
 #include <QStringView>
 #include <initializer_list>
 #include <optional>
 
 namespace korvel {
 
-// What is kept of JSON from outside. A response is bounded where it becomes state, so nothing that follows (a
-// comparison, a menu, a window) has more to do than that.
+// What is kept of JSON from outside. A response is bounded once it is parsed, so nothing that follows (a comparison, a
+// menu, a window) has more to do than that.
 
 /// How many elements of a list are kept; each may be an entry of the menu.
 constexpr qsizetype MAX_ELEMENTS = 64;
@@ -27,6 +26,6 @@ QJsonObject boundedObject(const QJsonObject &object, std::initializer_list<QStri
 std::optional<QJsonArray> boundedObjects(const QJsonValue &v, std::initializer_list<QStringView> keys);
 
 /// The first elements of an array of texts, each shortened; none when `v` is anything else.
-std::optional<QStringList> boundedTexts(const QJsonValue &v);
+std::optional<QJsonArray> boundedTexts(const QJsonValue &v);
 
 } // namespace korvel

@@ -5,6 +5,7 @@
 #include <QJsonValue>
 #include <QList>
 #include <QString>
+#include <QStringList>
 #include <limits>
 #include <optional>
 
@@ -25,6 +26,19 @@ inline std::optional<qint64> jsonInteger(const QJsonValue &v) {
 
 inline std::optional<QString> jsonText(const QJsonValue &v) {
     return v.isString() ? std::optional(v.toString()) : std::nullopt;
+}
+
+inline std::optional<QStringList> jsonTexts(const QJsonValue &v) {
+    if (!v.isArray())
+        return std::nullopt;
+    QStringList texts;
+    const QJsonArray elements = v.toArray();
+    for (const QJsonValue element : elements) {
+        if (!element.isString())
+            return std::nullopt;
+        texts.append(element.toString());
+    }
+    return texts;
 }
 
 inline std::optional<QList<QJsonObject>> jsonObjects(const QJsonValue &v) {

@@ -22,17 +22,17 @@ HttpRequest buildAgentRequest(const QString &agentLocal, const QString &localTok
     return http;
 }
 
-Result<QJsonObject> parseAgentReply(const HttpReply &reply) {
+Result<QJsonObject> parseAgentReply(const HttpReply &reply, Keep keep) {
     const QJsonDocument document = QJsonDocument::fromJson(reply.body);
     if (!document.isObject())
         return Error{ErrorKind::UnreadableAnswer, QStringLiteral("not a JSON object")};
-    return document.object();
+    return keep ? keep(document.object()) : document.object();
 }
 
-Result<QJsonObject> AgentApi::hear(const std::shared_ptr<Heard> &last, HttpReply reply) {
+Result<QJsonObject> AgentApi::hear(const std::shared_ptr<Heard> &last, Keep keep, HttpReply reply) {
     if (last && !reply.body.isEmpty() && last->body == reply.body)
         return last->object;
-    const Result<QJsonObject> answer = parseAgentReply(reply);
+    const Result<QJsonObject> answer = parseAgentReply(reply, keep);
     if (last && answer && reply.body.size() <= LONGEST_KEPT)
         *last = {std::move(reply.body), answer.value()};
     return answer;
@@ -48,10 +48,11 @@ std::shared_ptr<AgentApi::Heard> AgentApi::lastAnswerTo(const AgentRequest &requ
 }
 
 void AgentApi::send(const AgentRequest &request, Done<QJsonObject> done) {
-    http.send(buildAgentRequest(fixed.AGENT_LOCAL, token(), request),
-              Done<HttpReply>([done = std::move(done), last = lastAnswerTo(request)](Result<HttpReply> reply) mutable {
-                  done(reply ? hear(last, std::move(reply.value())) : Result<QJsonObject>(reply.error()));
-              }));
+    auto received = [done = std::move(done), last = lastAnswerTo(request),
+                     keep = request.keep](Result<HttpReply> reply) mutable {
+        done(reply ? hear(last, keep, std::move(reply.value())) : Result<QJsonObject>(reply.error()));
+    };
+    http.send(buildAgentRequest(fixed.AGENT_LOCAL, token(), request), Done<HttpReply>(std::move(received)));
 }
 
 } // namespace korvel

@@ -10,20 +10,24 @@
 
 namespace korvel {
 
+/// The part of a response that is worth keeping, within bounds.
+using Keep = QJsonObject (*)(const QJsonObject &response);
+
 /// One request to the agent's loopback interface.
 struct AgentRequest {
     QByteArray method = "GET";
     QString path; ///< Beginning with "/".
     std::optional<QJsonObject> body = {};
     std::chrono::milliseconds timeout{0};
+    Keep keep = nullptr;  ///< What is kept of the response; none: the whole.
     bool repeats = false; ///< Asked for ever: an answer that is the last one again is not parsed again.
 };
 
 /// The request as it leaves: the token header when there is a token, a body in compact JSON.
 HttpRequest buildAgentRequest(const QString &agentLocal, const QString &localToken, const AgentRequest &request);
 
-/// The JSON object that an answer holds, whatever its HTTP status.
-Result<QJsonObject> parseAgentReply(const HttpReply &reply);
+/// The JSON object that a response holds, whatever its HTTP status, as far as it is kept.
+Result<QJsonObject> parseAgentReply(const HttpReply &reply, Keep keep = nullptr);
 
 /// The one way in which the tray talks to the agent's loopback interface.
 class AgentApi {
@@ -41,7 +45,7 @@ private:
         QByteArray body; ///< Empty: none yet.
         QJsonObject object;
     };
-    static Result<QJsonObject> hear(const std::shared_ptr<Heard> &last, HttpReply reply);
+    static Result<QJsonObject> hear(const std::shared_ptr<Heard> &last, Keep keep, HttpReply reply);
     std::shared_ptr<Heard> lastAnswerTo(const AgentRequest &request);
     QString token() const { return cfgText(config.readCfg(), u"localToken"); }
 

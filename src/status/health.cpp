@@ -3,7 +3,7 @@
 #include "app/situation.h"
 #include "e2ee/report.h"
 #include "permissions/permission_rules.h"
-#include "platform/plain_text.h"
+#include "platform/json_bounds.h"
 
 namespace korvel {
 
@@ -33,17 +33,17 @@ HealthEffects applyAnswer(TrayState &state, const QJsonObject &answer, const Hea
         health.connectingSince.reset();
     else if (!health.connectingSince)
         health.connectingSince = context.now;
-    const QString ver = shortened(answer.value(u"ver").toString());
+    const QString ver = answer.value(u"ver").toString();
     if (const qsizetype slash = ver.lastIndexOf(u'/'); slash >= 0)
         health.agentVer = ver.sliced(slash + 1);
     health.sessions = answer.value(u"sessions").toInteger();
-    health.account = shortened(answer.value(u"account").toString(context.username));
+    health.account = answer.value(u"account").toString(context.username);
 
     const bool dead = answer.value(u"authDead").toBool() && context.bound;
     if (applySignIn(health, dead, answer.value(u"accountGone").toBool()))
         effects.notice = health.accountGone ? HealthEffects::Notice::AccountDeleted : HealthEffects::Notice::SignedOut;
 
-    state.e2ee.e2 = boundedReport(answer.value(u"e2ee").toObject());
+    state.e2ee.e2 = answer.value(u"e2ee").toObject();
     effects.reactToReport = true;
     applyPermSummary(state.permissions, answer.value(u"perms").toObject());
     const auto &fetchedAt = state.permissions.permsFetchedAt;
@@ -73,6 +73,16 @@ HealthEffects applySilence(TrayState &state, const HealthContext &context) {
 }
 
 } // namespace
+
+QJsonObject boundedHealth(const QJsonObject &response) {
+    QJsonObject kept =
+        boundedObject(response, {u"ok", u"online", u"ver", u"sessions", u"account", u"authDead", u"accountGone"});
+    if (const QJsonValue e2ee = response.value(u"e2ee"); e2ee.isObject())
+        kept.insert(u"e2ee", boundedReport(e2ee.toObject()));
+    if (const QJsonValue perms = response.value(u"perms"); perms.isObject())
+        kept.insert(u"perms", boundedPerms(perms.toObject()));
+    return kept;
+}
 
 std::optional<QJsonObject> healthAnswer(const Result<QJsonObject> &reply) {
     return reply && reply.value().value(u"ok").toBool() ? std::optional(reply.value()) : std::nullopt;

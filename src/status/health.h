@@ -25,6 +25,9 @@ struct HealthEffects {
     bool operator==(const HealthEffects &) const = default;
 };
 
+/// The part of a response that the tray reads, within bounds.
+QJsonObject boundedHealth(const QJsonObject &response);
+
 /// What counts as an answer: a JSON object whose "ok" is true. Anything else is no answer.
 std::optional<QJsonObject> healthAnswer(const Result<QJsonObject> &reply);
 

@@ -41,7 +41,7 @@ void HealthPoll::tick() {
 
 void HealthPoll::poll(std::function<void()> then) {
     ++open;
-    api.send({.path = QStringLiteral("/health"), .timeout = TIME_LIMIT, .repeats = true},
+    api.send({.path = QStringLiteral("/health"), .timeout = TIME_LIMIT, .keep = boundedHealth, .repeats = true},
              Done<QJsonObject>(alive.guard([this, generation = ++sent, then = std::move(then)](Result<QJsonObject> r) {
                  --open;
                  answered(generation, r, then);

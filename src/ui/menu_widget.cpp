@@ -42,10 +42,15 @@ QString actionText(const QString &title, MenuHost host) {
 }
 
 QString fittedTitle(const MenuEntry &entry, const QFontMetrics &metrics) {
+    // To measure a text costs more than all else of an entry, and a longer one does not fit anyway.
+    constexpr qsizetype MAX_MEASURED = 320;
     const QString whole = entry.title + entry.detail;
-    if (metrics.horizontalAdvance(whole) <= MAX_ENTRY_WIDTH)
+    if (whole.size() <= MAX_MEASURED && metrics.horizontalAdvance(whole) <= MAX_ENTRY_WIDTH)
         return whole;
-    return metrics.elidedText(entry.title, Qt::ElideMiddle, MAX_ENTRY_WIDTH);
+    const QString title = entry.title.size() <= MAX_MEASURED
+                              ? entry.title
+                              : entry.title.first(MAX_MEASURED / 2) + u'…' + entry.title.last(MAX_MEASURED / 2);
+    return metrics.elidedText(title, Qt::ElideMiddle, MAX_ENTRY_WIDTH);
 }
 
 MenuWidget::MenuWidget(MenuHost h, Chosen c) : host(h), chosen(std::move(c)) {
