@@ -49,14 +49,14 @@ typedef const struct __CFURL *CFURLRef;
 typedef const struct __CFArray *CFArrayRef;
 typedef const struct __CFDictionary *CFDictionaryRef;
 typedef struct __CFError *CFErrorRef;
-id CFBridgingRelease(CFTypeRef __attribute__((cf_consumed)) object);
+inline id CFBridgingRelease(CFTypeRef __attribute__((cf_consumed)) object) { return (__bridge_transfer id)object; }
 
 // cfnetwork/cfnetworkcopysystemproxysettings(), cfnetworkcopyproxiesforurl(_:_:),
 // cfnetworkcopyproxiesforautoconfigurationscript(_:_:_:), cfnetwork/property-keys
-CFDictionaryRef CFNetworkCopySystemProxySettings(void);
-CFArrayRef CFNetworkCopyProxiesForURL(CFURLRef url, CFDictionaryRef proxySettings);
-CFArrayRef CFNetworkCopyProxiesForAutoConfigurationScript(CFStringRef proxyAutoConfigurationScript, CFURLRef targetURL,
-                                                          CFErrorRef *error);
+extern "C" CFDictionaryRef CFNetworkCopySystemProxySettings(void);
+extern "C" CFArrayRef CFNetworkCopyProxiesForURL(CFURLRef url, CFDictionaryRef proxySettings);
+extern "C" CFArrayRef CFNetworkCopyProxiesForAutoConfigurationScript(CFStringRef proxyAutoConfigurationScript,
+                                                                     CFURLRef targetURL, CFErrorRef *error);
 extern "C" const CFStringRef kCFProxyTypeKey, kCFProxyTypeHTTP, kCFProxyTypeHTTPS, kCFProxyTypeSOCKS,
     kCFProxyHostNameKey, kCFProxyPortNumberKey, kCFProxyAutoConfigurationURLKey;
 
