@@ -40,12 +40,15 @@ struct FixedConfig {
     QString PRIVACY_URL;
     QMap<QString, QStringList> OFFICIAL_SERVERS; ///< Edition to its servers, host:port in lower case.
     QString AGENT_LOCAL; ///< Base address of the agent's loopback interface, no slash at the end.
-    QString KORVEL_HOME; ///< The agent's home directory, absolute.
+    QString KORVEL_HOME; ///< The agent's home directory; what the environment names is used as it stands.
     QString AGENT_LABEL;
     QString UPDATE_PUBKEY;
     QString UPDATE_SIG_PREFIX;
     QString VERSION; ///< Version of this package.
 };
+
+/// The path of `name` in `folder`; an empty folder is the current one.
+QString inFolder(const QString &folder, const QString &name);
 
 /// Whether texts are Chinese for this list of preferred languages.
 bool prefersChinese(const QStringList &preferredLanguages);

@@ -7,15 +7,15 @@ using namespace Qt::StringLiterals;
 namespace korvel {
 
 Paths makePaths(const FixedConfig &config, const QString &home, quint32 uid) {
-    const QString agents = home + u"/Library/LaunchAgents/"_s;
-    const QString logs = home + u"/Library/Logs/"_s;
+    const QString agents = inFolder(home, u"Library/LaunchAgents/"_s);
+    const QString logs = inFolder(home, u"Library/Logs/"_s);
     return {.uid = uid,
             .agentPlist = agents + config.AGENT_LABEL + u".plist"_s,
             .trayPlist = agents + u"com.korvel.tray.plist"_s,
             .cfgDir = config.KORVEL_HOME,
-            .agentCfg = config.KORVEL_HOME + u"/agent.json"_s,
+            .agentCfg = inFolder(config.KORVEL_HOME, u"agent.json"_s),
             .logFile = logs + u"korvel-agent.log"_s,
-            .updateDir = home + u"/Library/Caches/Korvel/update"_s,
+            .updateDir = inFolder(home, u"Library/Caches/Korvel/update"_s),
             .trayLog = logs + u"korvel-tray.log"_s};
 }
 

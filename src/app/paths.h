@@ -6,7 +6,8 @@
 
 namespace korvel {
 
-/// Where the files lie that the tray reads and writes; absolute paths, settled once.
+/// Where the files lie that the tray reads and writes, settled once. Absolute paths, but for those in a configuration
+/// folder that the environment names otherwise.
 struct Paths {
     quint32 uid = 0;    ///< User id of this process.
     QString agentPlist; ///< The agent's launchd job file; that it exists means that the agent is installed.

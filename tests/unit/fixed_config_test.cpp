@@ -2,6 +2,9 @@
 
 #include "support/fakes.h"
 
+#include <pwd.h>
+#include <unistd.h>
+
 using namespace Qt::StringLiterals;
 
 namespace korvel::test {
@@ -56,6 +59,19 @@ TEST(FixedConfig, EnvironmentValuesAreTakenAsTheyStand) {
     const FixedConfig set = makeFixedConfig(testDeployment(), e);
     EXPECT_EQ(set.AGENT_LOCAL, u"http://127.0.0.1:"_s);
     EXPECT_EQ(set.KORVEL_HOME, u"/data"_s);
+
+    e.korvelHome = u""_s;
+    const FixedConfig empty = makeFixedConfig(testDeployment(), e);
+    EXPECT_EQ(makePaths(empty, e.home, 501).agentCfg, u"agent.json"_s); // in the current folder
+    EXPECT_EQ(makePaths(set, e.home, 501).agentCfg, u"/data/agent.json"_s);
+}
+
+TEST(FixedConfig, WithoutHomeTheUsersRecordCounts) {
+    const QByteArray before = qgetenv("HOME");
+    qunsetenv("HOME");
+    const QString home = readLaunchEnvironment().home;
+    qputenv("HOME", before);
+    EXPECT_EQ(home, QFile::decodeName(::getpwuid(::getuid())->pw_dir));
 }
 
 } // namespace
