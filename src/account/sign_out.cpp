@@ -55,7 +55,7 @@ void SignOut::clear() {
     });
     finishAnyway = scheduler.after(STOPPED_WITHIN, [this, cleared] { finish(cleared); });
     scheduler.background([&sv = services, label = fixed.AGENT_LABEL] { return sv.bootout(label); },
-                         alive.guard([this, cleared](bool) { finish(cleared); }));
+                         alive.guard([this, cleared](ServiceResult) { finish(cleared); }));
 }
 
 void SignOut::finish(bool cleared) {

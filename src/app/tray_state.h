@@ -20,6 +20,7 @@ struct HealthState {
     bool accountGone = false;           ///< The account was deleted on the server.
     std::optional<bool> jobLoaded = {}; ///< Whether the agent's job is loaded; none: not known yet.
     Instant jobCheckedAt = DISTANT_PAST;
+    quint64 jobChanges = 0;                      ///< Counts what makes a look at the job that is under way outdated.
     std::optional<Instant> startingUntil = {};   ///< Until when a silent agent counts as starting.
     std::optional<Instant> connectingSince = {}; ///< Since when the agent runs without being online.
     qint64 sessions = 0;

@@ -17,7 +17,7 @@ void DesktopQt::openUrl(const QString &address) {
     if (!url.isValid() || url.scheme().isEmpty())
         return;
     if (hasStandIns)
-        programs.run({.executable = OPEN, .arguments = {address}});
+        programs.run({.executable = OPEN, .arguments = {address}, .timeout = SHORT_TOOL_TIMEOUT});
     else if (!QDesktopServices::openUrl(url))
         log(QStringLiteral("[tray] nothing opens ") + url.toDisplayString());
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <chrono>
 
 namespace korvel {
 
@@ -10,6 +11,9 @@ inline const QString PKILL = QStringLiteral("/usr/bin/pkill");
 inline const QString OPEN = QStringLiteral("/usr/bin/open");
 inline const QString OSASCRIPT = QStringLiteral("/usr/bin/osascript");
 inline const QString XATTR = QStringLiteral("/usr/bin/xattr");
+
+/// The limit of a tool that has next to nothing to do.
+constexpr std::chrono::milliseconds SHORT_TOOL_TIMEOUT{10000};
 
 /// Whether `executable` is one of them, so that a stand-in root takes its place.
 inline bool isSystemTool(const QString &executable) {

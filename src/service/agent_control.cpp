@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 namespace korvel {
 
 namespace {
-constexpr milliseconds QUIT_WITHIN = 30s;
+constexpr milliseconds QUIT_TIMEOUT = 30s;
 }
 
 AgentControl::AgentControl(TrayState &st, const FixedConfig &f, const Paths &p, const AgentConfig &c,
@@ -25,7 +25,7 @@ void AgentControl::ensureAgentLoaded(std::function<void()> then) {
     if (!bound(config.readCfg()) || !plistExists(paths))
         return then();
     auto bootstrapped = [&sv = services, label = fixed.AGENT_LABEL, plist = paths.agentPlist] {
-        return !sv.print(label) && sv.bootstrap(plist);
+        return sv.print(label) != ServiceResult::Succeeded && sv.bootstrap(plist) == ServiceResult::Succeeded;
     };
     scheduler.background(bootstrapped, alive.guard([this, then = std::move(then)](bool started) {
         if (started)
@@ -41,9 +41,11 @@ void AgentControl::restartAgent(std::function<void()> then) {
     }
     auto restarted = [&sv = services, label = fixed.AGENT_LABEL, plist = paths.agentPlist] {
         sv.enable(label);
-        return sv.bootstrap(plist) || sv.kickstart(label);
+        if (const ServiceResult started = sv.bootstrap(plist); started == ServiceResult::Succeeded)
+            return started;
+        return sv.kickstart(label);
     };
-    scheduler.background(restarted, alive.guard([this, then = std::move(then)](bool) {
+    scheduler.background(restarted, alive.guard([this, then = std::move(then)](ServiceResult) {
         countAsStarting(state.health, scheduler.now());
         then();
     }));
@@ -54,18 +56,18 @@ void AgentControl::quitAll() {
         return;
     hooks.showHUD(quittingNotice());
     // A service manager that hangs must not keep the user from quitting.
-    quitAnyway = scheduler.after(QUIT_WITHIN, [this] { desktop.terminate(); });
+    quitAnyway = scheduler.after(QUIT_TIMEOUT, [this] { desktop.terminate(); });
     auto stopped = [&sv = services, &pr = programs, label = fixed.AGENT_LABEL] {
         sv.bootout(label);
         // Agents that somebody started outside launchd, in the bundle or as a script.
         for (const QString &pattern : {u"Korvel.app/Contents/Resources/korvel-agent"_s, u"korvel-agent.mjs run"_s})
-            pr.run({.executable = PKILL, .arguments = {u"-f"_s, pattern}});
+            pr.run({.executable = PKILL, .arguments = {u"-f"_s, pattern}, .timeout = SHORT_TOOL_TIMEOUT});
         return true;
     };
     scheduler.background(stopped, alive.guard([this](bool) {
         // The tray's own job, so that launchd does not keep it. This may end the process.
         scheduler.background([&sv = services] { return sv.bootout(u"com.korvel.tray"_s); },
-                             alive.guard([this](bool) { desktop.terminate(); }));
+                             alive.guard([this](ServiceResult) { desktop.terminate(); }));
     }));
 }
 

@@ -10,15 +10,15 @@ class Launchctl final : public ServiceControl {
 public:
     Launchctl(Programs &p, quint32 uid) : programs(p), domain(QStringLiteral("gui/%1").arg(uid)) {}
 
-    bool print(const QString &label) override;
-    bool bootstrap(const QString &jobFile) override;
-    bool bootout(const QString &label) override;
-    bool enable(const QString &label) override;
-    bool disable(const QString &label) override;
-    bool kickstart(const QString &label) override;
+    ServiceResult print(const QString &label) override;
+    ServiceResult bootstrap(const QString &jobFile) override;
+    ServiceResult bootout(const QString &label) override;
+    ServiceResult enable(const QString &label) override;
+    ServiceResult disable(const QString &label) override;
+    ServiceResult kickstart(const QString &label) override;
 
 private:
-    bool launchctl(const QStringList &arguments);
+    ServiceResult launchctl(const QStringList &arguments);
     QString target(const QString &label) const { return domain + u'/' + label; }
 
     Programs &programs;

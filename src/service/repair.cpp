@@ -10,12 +10,12 @@ namespace korvel {
 
 namespace {
 
-/// An installation that hangs must not keep the status at "repairing" for ever.
-constexpr milliseconds INSTALLED_WITHIN = 120s;
+/// An installation that hangs must not keep the status at "repairing" indefinitely.
+constexpr milliseconds INSTALL_TIMEOUT = 10min;
 
 /// Runs one of the agent's installation commands; a failure is logged.
 bool install(Programs &programs, const QString &agent, const QString &what) {
-    const ProgramResult result = programs.run({.executable = agent, .arguments = {what}, .timeout = INSTALLED_WITHIN});
+    const ProgramResult result = programs.run({.executable = agent, .arguments = {what}, .timeout = INSTALL_TIMEOUT});
     if (result.status != 0)
         log(u"[repair] %1 退出码 %2:%3"_s.arg(what)
                 .arg(result.status)

@@ -8,11 +8,11 @@ namespace korvel {
 
 namespace {
 
-constexpr auto GONE_WITHIN = 6s;
-constexpr milliseconds LOOK_AGAIN = 300ms;
+constexpr auto GONE_TIMEOUT = 6s;
+constexpr milliseconds LOOK_INTERVAL = 300ms;
 constexpr int RESUME_ATTEMPTS = 2; // bootstrap can fail for some seconds after a bootout
-constexpr milliseconds RESUME_AGAIN = 1500ms;
-constexpr milliseconds SETTLE = 900ms;
+constexpr milliseconds RESUME_RETRY_DELAY = 1500ms;
+constexpr milliseconds SETTLE_DELAY = 900ms;
 
 } // namespace
 
@@ -21,9 +21,9 @@ ToggleDirection toggleDirection(const HealthState &health) {
     return wasRunning ? ToggleDirection::Pause : ToggleDirection::Resume;
 }
 
-Notice toggleNotice(ToggleDirection direction, bool loaded, bool running, const QString &statusLine) {
+Notice toggleNotice(ToggleDirection direction, ServiceResult look, bool running, const QString &statusLine) {
     if (direction == ToggleDirection::Pause) {
-        if (loaded)
+        if (look != ServiceResult::Failed) // a pause that nobody has seen is none
             return {.text = L(u"无法暂停同步，请重试", u"Couldn't pause sync. Try again."),
                     .secs = Seconds(4),
                     .error = true};
@@ -31,7 +31,7 @@ Notice toggleNotice(ToggleDirection direction, bool loaded, bool running, const 
                           u"⏻ Sync paused. Your phone can't see this Mac."),
                 .secs = Seconds(2.4)};
     }
-    if (!loaded)
+    if (look == ServiceResult::Failed || (look == ServiceResult::Unknown && !running))
         return {.text = L(u"Korvel 后台服务未能启动。请在「系统设置 › 通用 › 登录项」中允许 Korvel "
                           u"在后台运行，然后点击「恢复同步」",
                           u"Korvel couldn't start. Allow it in System Settings › General › Login Items, then choose "
@@ -54,13 +54,13 @@ void SyncToggle::toggleAgent() {
     if (state.service.busy)
         return;
     state.service.busy = true;
-    direction = toggleDirection(state.health);
+    const ToggleDirection direction = toggleDirection(state.health);
     hooks.render();
     if (direction == ToggleDirection::Pause)
         pause();
     else
         scheduler.background([&sv = services, label = fixed.AGENT_LABEL] { return sv.enable(label); },
-                             alive.guard([this](bool) { resume(RESUME_ATTEMPTS); }));
+                             alive.guard([this](ServiceResult) { resume(RESUME_ATTEMPTS); }));
 }
 
 void SyncToggle::pause() {
@@ -68,44 +68,46 @@ void SyncToggle::pause() {
         sv.bootout(label);
         return sv.disable(label);
     };
-    scheduler.background(bootout, alive.guard([this](bool) { waitUntilGone(scheduler.now() + GONE_WITHIN); }));
+    scheduler.background(bootout,
+                         alive.guard([this](ServiceResult) { waitUntilGone(scheduler.now() + GONE_TIMEOUT); }));
 }
 
 void SyncToggle::waitUntilGone(Instant deadline) {
     scheduler.background([&sv = services, label = fixed.AGENT_LABEL] { return sv.print(label); },
-                         alive.guard([this, deadline](bool loaded) {
-                             if (!loaded || scheduler.now() >= deadline)
-                                 return settle(loaded);
-                             next = scheduler.after(LOOK_AGAIN, [this, deadline] { waitUntilGone(deadline); });
+                         alive.guard([this, deadline](ServiceResult look) {
+                             if (look == ServiceResult::Failed || scheduler.now() >= deadline)
+                                 return settle(ToggleDirection::Pause, look);
+                             next = scheduler.after(LOOK_INTERVAL, [this, deadline] { waitUntilGone(deadline); });
                          }));
 }
 
 void SyncToggle::resume(int attemptsLeft) {
-    auto loaded = [&sv = services, label = fixed.AGENT_LABEL, plist = paths.agentPlist] {
-        if (!sv.bootstrap(plist))
+    auto started = [&sv = services, label = fixed.AGENT_LABEL, plist = paths.agentPlist] {
+        if (sv.bootstrap(plist) != ServiceResult::Succeeded)
             sv.kickstart(label);
         return sv.print(label);
     };
-    scheduler.background(loaded, alive.guard([this, attemptsLeft](bool isLoaded) {
-        if (isLoaded || attemptsLeft == 1)
-            return settle(isLoaded);
-        next = scheduler.after(RESUME_AGAIN, [this, attemptsLeft] { resume(attemptsLeft - 1); });
+    scheduler.background(started, alive.guard([this, attemptsLeft](ServiceResult look) {
+        if (look == ServiceResult::Succeeded || attemptsLeft == 1)
+            return settle(ToggleDirection::Resume, look);
+        next = scheduler.after(RESUME_RETRY_DELAY, [this, attemptsLeft] { resume(attemptsLeft - 1); });
     }));
 }
 
-void SyncToggle::settle(bool loaded) {
-    next = scheduler.after(SETTLE, [this, loaded] {
+void SyncToggle::settle(ToggleDirection direction, ServiceResult look) {
+    next = scheduler.after(SETTLE_DELAY, [this, direction, look] {
         state.service.busy = false;
-        state.health.jobLoaded = loaded;
+        outdateLooks(state.health);
+        applyLook(state.health, look);
         state.health.jobCheckedAt = scheduler.now();
-        if (direction == ToggleDirection::Resume && loaded)
+        if (direction == ToggleDirection::Resume && look == ServiceResult::Succeeded)
             countAsStarting(state.health, scheduler.now());
-        hooks.poll([this, loaded] { report(loaded); });
+        hooks.poll([this, direction, look] { report(direction, look); });
     });
 }
 
-void SyncToggle::report(bool loaded) {
-    hooks.showHUD(toggleNotice(direction, loaded, state.health.running, hooks.statusLine()));
+void SyncToggle::report(ToggleDirection direction, ServiceResult look) {
+    hooks.showHUD(toggleNotice(direction, look, state.health.running, hooks.statusLine()));
 }
 
 } // namespace korvel

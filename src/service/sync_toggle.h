@@ -17,8 +17,8 @@ enum class ToggleDirection { Pause, Resume };
 /// What the user's wish to toggle means in the present state.
 ToggleDirection toggleDirection(const HealthState &health);
 
-/// The notice at the end of a toggle. `loaded`: whether the job is loaded; `running`: whether the agent answers.
-Notice toggleNotice(ToggleDirection direction, bool loaded, bool running, const QString &statusLine);
+/// The notice at the end of a toggle. `look`: the last look at the job; `running`: whether the agent responds.
+Notice toggleNotice(ToggleDirection direction, ServiceResult look, bool running, const QString &statusLine);
 
 /// Pauses and resumes sync: takes the agent's job down so that it stays down, or brings it back.
 class SyncToggle {
@@ -42,8 +42,8 @@ private:
     void pause();
     void waitUntilGone(Instant deadline);
     void resume(int attemptsLeft);
-    void settle(bool loaded);
-    void report(bool loaded);
+    void settle(ToggleDirection direction, ServiceResult look);
+    void report(ToggleDirection direction, ServiceResult look);
 
     TrayState &state;
     const FixedConfig &fixed;
@@ -52,7 +52,6 @@ private:
     ServiceControl &services;
     Scheduler &scheduler;
     Hooks hooks;
-    ToggleDirection direction = ToggleDirection::Pause;
     Timer next;
     Alive alive;
 };

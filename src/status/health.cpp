@@ -24,6 +24,8 @@ bool applySignIn(HealthState &health, bool dead, bool accountGone) {
 HealthEffects applyAnswer(TrayState &state, const QJsonObject &answer, const HealthContext &context) {
     HealthState &health = state.health;
     HealthEffects effects;
+    if (!health.running)
+        outdateLooks(health);
     health.running = true;
     health.jobLoaded = true;
     health.online = answer.value(u"online").toBool();

@@ -1,6 +1,7 @@
 #include "status/health_poll.h"
 
 #include "account/server_rules.h"
+#include "app/situation.h"
 #include "app/wording.h"
 
 #include <utility>
@@ -77,16 +78,14 @@ void HealthPoll::follow(const HealthEffects &effects, const QJsonObject &cfg, co
 void HealthPoll::checkJob(const std::function<void()> &then) {
     if (then)
         afterJobCheck.push_back(then);
-    lookedAt = state.health.jobCheckedAt;
     // A service manager that hangs must not use up the background threads: later polls join the look under way.
     if (std::exchange(checkingJob, true))
         return;
     scheduler.background([&services = services, label = fixed.AGENT_LABEL] { return services.print(label); },
-                         alive.guard([this](bool loaded) {
+                         alive.guard([this, changes = state.health.jobChanges](ServiceResult look) {
                              checkingJob = false;
-                             // A good answer or a pause meanwhile knows better.
-                             if (!state.health.running && state.health.jobCheckedAt == lookedAt)
-                                 state.health.jobLoaded = loaded;
+                             if (state.health.jobChanges == changes)
+                                 applyLook(state.health, look);
                              hooks.render(config.readCfg());
                              for (const auto &waiting : std::exchange(afterJobCheck, {}))
                                  waiting();

@@ -48,11 +48,10 @@ private:
     ServiceControl &services;
     Scheduler &scheduler;
     Hooks hooks;
-    int open = 0;                    ///< Polls whose answer is outstanding.
-    quint64 sent = 0;                ///< Generation of the poll sent last.
-    quint64 applied = 0;             ///< Generation of the newest answer applied.
-    bool checkingJob = false;        ///< A look at the job is under way.
-    Instant lookedAt = DISTANT_PAST; ///< Its jobCheckedAt; another value by its end: somebody else looked since.
+    int open = 0;             ///< Polls whose answer is outstanding.
+    quint64 sent = 0;         ///< Generation of the poll sent last.
+    quint64 applied = 0;      ///< Generation of the newest answer applied.
+    bool checkingJob = false; ///< A look at the job is under way.
     std::vector<std::function<void()>> afterJobCheck;
     Timer timer;
     Alive alive;

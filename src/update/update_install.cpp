@@ -162,7 +162,9 @@ void UpdateInstall::ifUnchanged(const UpdateInfo &info, std::function<void()> th
 void UpdateInstall::runInstaller(const UpdateInfo &info) {
     hooks.showHUD(installingNotice(info.ver));
     auto run = [&pr = programs, path = cached(info), install = buildInstall(cached(info), info)] {
-        pr.run({.executable = XATTR, .arguments = {u"-d"_s, u"com.apple.quarantine"_s, path}});
+        pr.run({.executable = XATTR,
+                .arguments = {u"-d"_s, u"com.apple.quarantine"_s, path},
+                .timeout = SHORT_TOOL_TIMEOUT});
         return pr.run(install);
     };
     scheduler.background(run, alive.guard([this, info](const ProgramResult &result) { installed(result, info); }));

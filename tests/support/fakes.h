@@ -150,30 +150,35 @@ inline Result<HttpReply> noAnswer() { return Error{ErrorKind::Unreachable, {}}; 
 /// A service manager with one job, or that fails as told.
 class FakeServices final : public ServiceControl {
 public:
-    bool print(const QString &label) override { return call(QStringLiteral("print ") + label, loaded); }
-    bool bootstrap(const QString &jobFile) override {
-        const bool good = !loaded && failBootstraps-- <= 0;
+    ServiceResult print(const QString &label) override { return call(QStringLiteral("print ") + label, loaded); }
+    ServiceResult bootstrap(const QString &jobFile) override {
+        const bool good = runs && !loaded && failBootstraps-- <= 0;
         loaded = loaded || good;
         return call(QStringLiteral("bootstrap ") + QFileInfo(jobFile).fileName(), good);
     }
-    bool bootout(const QString &label) override {
-        if (!stuck && label == u"com.korvel.agent")
+    ServiceResult bootout(const QString &label) override {
+        if (runs && !stuck && label == u"com.korvel.agent")
             loaded = false;
         return call(QStringLiteral("bootout ") + label, true);
     }
-    bool enable(const QString &label) override { return call(QStringLiteral("enable ") + label, true); }
-    bool disable(const QString &label) override { return call(QStringLiteral("disable ") + label, true); }
-    bool kickstart(const QString &label) override { return call(QStringLiteral("kickstart ") + label, loaded); }
+    ServiceResult enable(const QString &label) override { return call(QStringLiteral("enable ") + label, true); }
+    ServiceResult disable(const QString &label) override { return call(QStringLiteral("disable ") + label, true); }
+    ServiceResult kickstart(const QString &label) override {
+        return call(QStringLiteral("kickstart ") + label, loaded);
+    }
 
     bool loaded = false;
+    bool runs = true;       ///< Without, no command can be run.
     bool stuck = false;     ///< The job never goes away.
     int failBootstraps = 0; ///< So many attempts fail first.
     QStringList calls;
 
 private:
-    bool call(const QString &what, bool result) {
+    ServiceResult call(const QString &what, bool good) {
         calls.append(what);
-        return result;
+        if (!runs)
+            return ServiceResult::Unknown;
+        return good ? ServiceResult::Succeeded : ServiceResult::Failed;
     }
 };
 

@@ -1,5 +1,7 @@
 #include "support/manual_scheduler.h"
 
+#include <utility>
+
 namespace korvel::test {
 
 Timer ManualScheduler::after(milliseconds delay, UniqueFunction<void()> f) {
@@ -24,12 +26,20 @@ void ManualScheduler::holdBackground(bool hold) {
         settle();
 }
 
+void ManualScheduler::hangBackground() { hanging = std::exchange(background, {}); }
+
+void ManualScheduler::letGoBackground() {
+    background = std::exchange(hanging, {});
+    settle();
+}
+
 void ManualScheduler::runBackground() {
     while (!held && !background.empty()) {
         Job job = std::move(background.front());
         background.pop_front();
         ++started;
-        job.work();
+        if (threads)
+            job.work();
         job.then();
     }
 }

@@ -21,6 +21,11 @@ public:
     void settle() { advance(0ms); }
     /// While true, background work does not run: a program that hangs.
     void holdBackground(bool hold);
+    /// While false, there is no thread for background work, which is left out.
+    void haveThreads(bool have) { threads = have; }
+    /// Background work that waits hangs, while later work runs, until it is let go.
+    void hangBackground();
+    void letGoBackground();
     size_t backgroundWaiting() const { return background.size(); }
     size_t backgroundStarted() const { return started; }
 
@@ -39,8 +44,10 @@ private:
     Instant clock = Instant(std::chrono::hours(1000));
     std::multimap<Instant, Entry> due;
     std::deque<Job> background;
+    std::deque<Job> hanging;
     size_t started = 0;
     bool held = false;
+    bool threads = true;
 };
 
 } // namespace korvel::test

@@ -81,10 +81,20 @@ TEST_F(AgentCommandTest, TheRequestGoesThroughStandardInputAndTheAnswerComesOnce
     EXPECT_EQ(answers, 2);
 }
 
-TEST(Launchctl, ARestartKillsWhatRuns) {
+TEST(Launchctl, OnlyAStatusSaysHowACommandEnded) {
     RecordedPrograms programs;
-    EXPECT_TRUE(Launchctl(programs, 501).kickstart(u"a.b"_s));
+    const std::pair<ProgramResult, ServiceResult> cases[] = {
+        {{.status = 0, .launched = true, .output = {}, .launchError = {}}, ServiceResult::Succeeded},
+        {{.status = 113, .launched = true, .output = {}, .launchError = {}}, ServiceResult::Failed},
+        {{.status = -1, .launched = true, .output = {}, .launchError = {}}, ServiceResult::Unknown},
+        {{.status = -1, .launched = false, .output = {}, .launchError = u"none"_s}, ServiceResult::Unknown},
+    };
+    for (const auto &[ending, result] : cases) {
+        programs.result = ending;
+        EXPECT_EQ(Launchctl(programs, 501).kickstart(u"a.b"_s), result);
+    }
     EXPECT_EQ(programs.runs.at(0).arguments, (QStringList{u"kickstart"_s, u"-k"_s, u"gui/501/a.b"_s}));
+    EXPECT_EQ(programs.runs.at(0).timeout, 30s);
 }
 
 TEST(LoginItem, IsWrittenOnceAndOnlyForAnInstalledCopy) {

@@ -137,6 +137,39 @@ TEST_F(HealthPollTest, AServiceManagerThatHangsTakesOneThreadAndBlocksNothing) {
     EXPECT_EQ(health().jobLoaded, true);
 }
 
+TEST_F(HealthPollTest, ALookThatFindsNothingOutIsNoPause) {
+    installAndBind();
+    agentIsSilent();
+    services.runs = false;
+    launch();
+    scheduler.advance(40s);
+    EXPECT_EQ(item.statusLine(), u"○ Korvel isn't responding. Retrying…"_s);
+    services.runs = true;
+    services.loaded = false;
+    scheduler.haveThreads(false);
+    scheduler.advance(40s);
+    EXPECT_EQ(item.statusLine(), u"○ Korvel isn't responding. Retrying…"_s);
+    scheduler.haveThreads(true);
+    scheduler.advance(12s); // looked at again, though the one before got nowhere
+    EXPECT_EQ(item.statusLine(), u"⏻ Sync paused · ann"_s);
+}
+
+TEST_F(HealthPollTest, ALookThatBeganBeforeAToggleSaysNothingAfterIt) {
+    launchWith(ONLINE);
+    agentIsSilent();
+    scheduler.holdBackground(true);
+    scheduler.advance(12s);
+    scheduler.hangBackground(); // the look
+    scheduler.holdBackground(false);
+    item.choose(Action::MenuToggle);
+    scheduler.advance(1s);
+    EXPECT_EQ(item.statusLine(), u"⏻ Sync paused · ann"_s);
+    scheduler.advance(20s); // later polls join the look
+    services.loaded = true; // as the look found it
+    scheduler.letGoBackground();
+    EXPECT_EQ(item.statusLine(), u"⏻ Sync paused · ann"_s);
+}
+
 TEST_F(HealthPollTest, TicksPauseWhileThreePollsAreOpen) {
     launchWith(ONLINE);
     http.answer = nullptr;

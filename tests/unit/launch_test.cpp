@@ -31,6 +31,24 @@ TEST_F(LaunchTest, AFreshUserIsRepairedFirstAndThenPolled) {
     EXPECT_EQ(keys, u"zZ-xcva"_s);
 }
 
+TEST_F(LaunchTest, WithoutAThreadEveryFeatureGoesOn) {
+    placeAgent();
+    agentIsSilent();
+    scheduler.haveThreads(false);
+    launch(); // without a job file: a repair
+    EXPECT_FALSE(tray->currentState().service.repairing);
+    EXPECT_TRUE(tray->currentState().service.repairFailed);
+    item.choose(Action::BrowserLogin);
+    loginPanel.does(LoginInput::Kind::Account, u"ann"_s);
+    loginPanel.does(LoginInput::Kind::Submit);
+    scheduler.settle();
+    EXPECT_FALSE(loginPanel.view.busy);
+    EXPECT_EQ(loginPanel.view.error, u"Couldn't finish. Check your network and try again."_s);
+    item.choose(Action::QuitAll);
+    scheduler.settle();
+    EXPECT_EQ(desktop.terminated, 1);
+}
+
 TEST_F(LaunchTest, UpdatesAreLookedForOnScheduleAndWhenTheMenuOpens) {
     installAndBind();
     agentAnswers(ONLINE);

@@ -113,6 +113,43 @@ TEST_F(SyncToggleTest, AResumeThatFailsTwiceTellsWhereToAllowIt) {
     EXPECT_FALSE(notices.visible);
 }
 
+TEST_F(SyncToggleTest, EachNoticeSpeaksOfItsOwnToggle) {
+    launchPaused();
+    http.answer = nullptr; // the resume's last poll is in flight when a pause begins
+    toggle();
+    scheduler.advance(1s);
+    ASSERT_FALSE(tray->currentState().service.busy);
+    toggle();
+    while (!http.open.empty())
+        http.reply(0, noAnswer());
+    scheduler.settle();
+    EXPECT_EQ(notices.last(), u"● Sync resumed. Connecting…"_s);
+    EXPECT_FALSE(notices.shown.back().error);
+}
+
+TEST_F(SyncToggleTest, WhatCannotBeRunEndsTheToggleAndSaysNothingAboutTheJob) {
+    for (const bool threads : {true, false}) {
+        services.runs = true;
+        launchConnected();
+        agentIsSilent();
+        services.runs = !threads; // one of the two is missing
+        scheduler.haveThreads(threads);
+        toggle();
+        scheduler.advance(25s);
+        EXPECT_EQ(notices.last(), u"Couldn't pause sync. Try again."_s);
+        EXPECT_EQ(item.statusLine(), u"○ Korvel isn't responding. Retrying…"_s);
+        EXPECT_TRUE(item.entry(Action::MenuToggle).enabled);
+        scheduler.haveThreads(true);
+    }
+    services.runs = true;
+    launchPaused();
+    services.runs = false;
+    toggle();
+    scheduler.advance(10s);
+    EXPECT_TRUE(notices.last().startsWith(u"Korvel couldn't start."_s));
+    EXPECT_EQ(item.statusLine(), u"⏻ Sync paused · ann"_s);
+}
+
 TEST_F(SyncToggleTest, WithoutAccountOrJobFileTheMissingThingIsAskedFor) {
     placeAgent();
     agentIsSilent();
