@@ -9,9 +9,8 @@ namespace korvel::sim {
 QString macName();
 
 // Binds this Mac to an account, as the agent does at the end of a sign-in: records a fresh credential on the account
-// server, releases the one that agent.json held, writes the new one there with the server's address and this Mac's
-// name, and loads the agent's job where its file exists and it is not loaded. Launchctl's faults do not apply. False
-// when it could not be recorded or written.
+// server, releases the one that agent.json held, and writes the new one there with the server's address and this Mac's
+// name. Starts nothing: that is the tray's part. False when it could not be recorded or written.
 bool bindMac(const HomePaths &paths, const AgentConfig &config, const QString &account);
 
 } // namespace korvel::sim

@@ -18,7 +18,7 @@ void AfterSignIn::signedIn(const QString &user) {
     hooks.render();
     hooks.stopBrowserLogin();
     hooks.showHUD(signedInNotice(user));
-    hooks.poll();
+    hooks.startStoppedAgent(hooks.poll);
     hooks.pairAfterLogin();
 }
 

@@ -16,12 +16,13 @@ public:
         std::function<void()> render;
         std::function<void()> stopBrowserLogin;
         std::function<void(const Notice &)> showHUD;
+        std::function<void(std::function<void()> then)> startStoppedAgent;
         std::function<void()> poll;
         std::function<void()> pairAfterLogin;
     };
     AfterSignIn(HealthState &health, const Scheduler &scheduler, Hooks hooks);
 
-    /// This Mac is signed in as `user`: tells it, asks the agent and shows the pairing window.
+    /// This Mac is signed in as `user`: shows it, starts an agent that is stopped, polls and shows the pairing window.
     void signedIn(const QString &user);
 
 private:

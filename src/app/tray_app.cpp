@@ -110,6 +110,7 @@ AfterSignIn::Hooks TrayApp::afterSignInHooks() {
             .render = [this] { render(); },
             .stopBrowserLogin = [this] { browserLogin.stopBrowserLogin(); },
             .showHUD = showHUD(),
+            .startStoppedAgent = [this](auto then) { agent.startStoppedAgent(std::move(then)); },
             .poll = [this] { health.poll(); },
             .pairAfterLogin = [this] { pairing.pairAfterLogin(); }};
 }

@@ -51,6 +51,26 @@ void AgentControl::restartAgent(std::function<void()> then) {
     }));
 }
 
+void AgentControl::startStoppedAgent(std::function<void()> then) {
+    if (state.health.running)
+        return then();
+    if (!plistExists(paths)) {
+        hooks.repairService();
+        return then();
+    }
+    auto started = [&sv = services, label = fixed.AGENT_LABEL, plist = paths.agentPlist] {
+        if (sv.print(label) == ServiceResult::Succeeded)
+            return false;
+        sv.enable(label);
+        return sv.bootstrap(plist) == ServiceResult::Succeeded;
+    };
+    scheduler.background(started, alive.guard([this, then = std::move(then)](bool isNew) {
+        if (isNew)
+            countAsStarting(state.health, scheduler.now());
+        then();
+    }));
+}
+
 void AgentControl::quitAll() {
     if (std::exchange(quitting, true))
         return;

@@ -27,6 +27,8 @@ public:
     void ensureAgentLoaded(std::function<void()> then);
     /// Starts the job anew, so that it picks up a new sign-in, then calls `then`.
     void restartAgent(std::function<void()> then);
+    /// Starts the job when the agent neither responds nor is loaded, though it was paused, then calls `then`.
+    void startStoppedAgent(std::function<void()> then);
     /// Stops the job and every stray agent process, then leaves the tray.
     void quitAll();
     void openLog();

@@ -158,6 +158,38 @@ TEST_F(CnLoginTest, ASignInGoesThroughTheAgentAndLeadsToThePairingWindow) {
     EXPECT_EQ(loginPanel.view.password.text, u""_s);
 }
 
+TEST_F(CnLoginTest, ASignInStartsAnAgentThatIsStopped) {
+    const struct {
+        bool responds, loaded;
+        QStringList calls;
+    } cases[] = {
+        {false,
+         false,
+         {u"print com.korvel.agent"_s, u"enable com.korvel.agent"_s, u"bootstrap com.korvel.agent.plist"_s}},
+        {false, true, {u"print com.korvel.agent"_s}},
+        {true, true, {}},
+    };
+    for (const auto &c : cases) {
+        home.writeConfig("{}");
+        home.installJobFile();
+        services.loaded = c.loaded;
+        if (c.responds)
+            agentAnswers(ONLINE);
+        else
+            agentIsSilent();
+        openWindow();
+        loginPanel.does(Kind::Account, u"ann"_s);
+        home.bind();
+        answer(R"({"ok":true})");
+        services.calls.clear();
+        loginPanel.does(Kind::Submit);
+        scheduler.settle();
+        EXPECT_EQ(services.calls.mid(0, std::max<qsizetype>(c.calls.size(), 1)), c.calls);
+        EXPECT_TRUE(services.loaded);
+        EXPECT_EQ(item.statusLine(), c.responds ? u"● Connected · ann · 1 session"_s : u"○ Starting… · ann"_s);
+    }
+}
+
 TEST_F(CnLoginTest, TheCountdownRunsAcrossPagesAndOnlyWhileTheWindowIsOpen) {
     openWindow();
     loginPanel.does(Kind::Tab, {}, 0);
