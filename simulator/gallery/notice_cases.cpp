@@ -119,6 +119,7 @@ QList<Sample> updateSamples() {
         {"server-says", [] { return downloadRefusedNotice(404, "This version was withdrawn.", WEBSITE); }},
         {"not-saved", notSavedNotice},
         {"modified", modifiedNotice},
+        {"not-verified", notVerifiedNotice},
         {"installing", [] { return installingNotice(VERSION); }},
         {"installed", [] { return installedNotice(VERSION); }},
         {"install-cancelled", [] { return installCancelledNotice(VERSION); }},

@@ -101,7 +101,8 @@ QList<Sample> statusSamples() {
         {"update-available", online(), [update](TrayState &s) { s.update.updateAvail = update; }},
         {"downloading", online(),
          [update](TrayState &s) { s.update = {.updateAvail = update, .updateBusy = true, .updatePct = 42}; }},
-        {"installing", online(), [update](TrayState &s) { s.update = {.updateAvail = update, .updateBusy = true}; }},
+        {"installing", online(),
+         [update](TrayState &s) { s.update = {.updateAvail = update, .updateBusy = true, .updatePrompting = true}; }},
         {"long-account", R"({"ok":true,"online":true,"account":")" + longName().toUtf8() + "\"}"},
         {"right-to-left-account", R"({"ok":true,"online":true,"account":")" + rightToLeftName().toUtf8() + "\"}"},
     };

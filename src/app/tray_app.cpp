@@ -247,6 +247,8 @@ void TrayApp::perform(const MenuEntry &entry) {
         return updateCheck.checkUpdate(true);
     case Action::InstallUpdate:
         return updateInstall.installUpdate();
+    case Action::CancelInstall:
+        return updateInstall.cancelInstall();
     case Action::Repair:
         return repair.repairClicked();
     case Action::OpenPermPane:

@@ -61,6 +61,7 @@ struct UpdateState {
     std::optional<UpdateInfo> updateAvail = {};
     std::optional<Instant> updateCheckedAt = {};
     bool updateBusy = false;
+    bool updatePrompting = false;      ///< An administrator is asked for, or already installs.
     std::optional<int> updatePct = {}; ///< Percent, only while downloading.
     bool updateNotified = false;
     QString updatedTo = {}; ///< What was installed in this run; it takes over when the tray starts anew.

@@ -15,6 +15,7 @@ enum class Action {
     MenuToggle,
     CheckUpdate,
     InstallUpdate,
+    CancelInstall,
     Repair,
     OpenPermPane,
     AskPerms,

@@ -90,6 +90,8 @@ MenuView menuView(const Situation &s) {
     appendSignInAgain(entries, s);
     appendSeparator(entries);
     entries.append(updateItem(s));
+    if (s.state.update.updatePrompting)
+        entries.append(menuItem(L(u"取消安装", u"Cancel Installation"), Action::CancelInstall));
     appendSeparator(entries);
     if (!s.plistExists && !s.state.service.repairing)
         entries.append(

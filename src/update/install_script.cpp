@@ -46,6 +46,8 @@ ProgramRun buildInstall(const QString &package, const UpdateInfo &info) {
 InstallOutcome installOutcome(const ProgramResult &result) {
     if (result.status == 0)
         return InstallOutcome::Installed;
+    if (result.end == ProgramResult::End::Stopped)
+        return InstallOutcome::Cancelled;
     const QString error = QString::fromUtf8(result.output);
     const std::optional<int> status = innerStatus(error);
     if (status == USER_CANCELLED || error.contains(u"cancel", Qt::CaseInsensitive))

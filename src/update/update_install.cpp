@@ -27,6 +27,12 @@ constexpr std::chrono::seconds SLOW_TIMEOUT = 60s;
 constexpr qint64 LARGEST_PACKAGE = Q_INT64_C(4) << 30;
 const QString UNFINISHED = u".part"_s; ///< Never the name of a package, so that no later try trusts it.
 
+/// Whether the package was not even looked at, so that nothing is known of it.
+template <class T>
+bool saysNothing(const Result<T> &look) {
+    return !look && look.error().kind != ErrorKind::UnreadableAnswer;
+}
+
 } // namespace
 
 std::optional<ServerRequest> buildDownload(const QString &server, const UpdateInfo &info) {
@@ -147,10 +153,14 @@ void UpdateInstall::installPkg(const UpdateInfo &info) {
 
 void UpdateInstall::ifUnchanged(const UpdateInfo &info, std::function<void()> then) {
     auto hashed = [this, info, then = std::move(then)](const Result<QString> &sha) {
+        if (saysNothing(sha))
+            return end(notVerifiedNotice());
         if (!sha || sha.value() != info.sha)
             return refuseModified(info);
         verifyUpdate(servers, fixed, info, Done<bool>(alive.guard([this, info, then](const Result<bool> &valid) {
-                         if (valid && valid.value())
+                         if (saysNothing(valid))
+                             end(notVerifiedNotice());
+                         else if (valid && valid.value())
                              then();
                          else
                              refuseModified(info);
@@ -160,8 +170,12 @@ void UpdateInstall::ifUnchanged(const UpdateInfo &info, std::function<void()> th
 }
 
 void UpdateInstall::runInstaller(const UpdateInfo &info) {
+    update.updatePrompting = true;
+    hooks.render();
     hooks.showHUD(installingNotice(info.ver));
-    auto run = [&pr = programs, path = cached(info), install = buildInstall(cached(info), info)] {
+    ProgramRun install = buildInstall(cached(info), info);
+    install.stop = installer = StopToken();
+    auto run = [&pr = programs, path = cached(info), install = std::move(install)] {
         pr.run({.executable = XATTR,
                 .arguments = {u"-d"_s, u"com.apple.quarantine"_s, path},
                 .timeout = SHORT_TOOL_TIMEOUT});
@@ -170,7 +184,10 @@ void UpdateInstall::runInstaller(const UpdateInfo &info) {
     scheduler.background(run, alive.guard([this, info](const ProgramResult &result) { installed(result, info); }));
 }
 
+void UpdateInstall::cancelInstall() { installer.requestStop(); }
+
 void UpdateInstall::installed(const ProgramResult &result, const UpdateInfo &info) {
+    update.updatePrompting = false;
     switch (installOutcome(result)) {
     case InstallOutcome::Installed:
         update.updateAvail.reset();

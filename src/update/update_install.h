@@ -32,6 +32,8 @@ public:
                   ServerClient &servers, Programs &programs, Desktop &desktop, Scheduler &scheduler, Hooks hooks);
 
     void installUpdate();
+    /// Gives up the administrator's prompt, which has no time limit of its own.
+    void cancelInstall();
 
 private:
     void begin(const UpdateInfo &info);
@@ -57,6 +59,7 @@ private:
     Desktop &desktop;
     Scheduler &scheduler;
     Hooks hooks;
+    StopToken installer; ///< Of the run that asks for an administrator.
     Alive alive;
 };
 

@@ -75,6 +75,12 @@ Notice notSavedNotice() {
     return failure(L(u"无法保存安装包，请检查磁盘空间", u"Couldn't save the installer. Check your disk space."));
 }
 
+Notice notVerifiedNotice() {
+    return {.text = L(u"无法检查安装包，请稍后重试", u"Couldn't check the installer. Try again later."),
+            .secs = Seconds(4),
+            .error = true};
+}
+
 Notice modifiedNotice() {
     return failure(L(u"安装包不完整或已被修改，已删除，请稍后重试",
                      u"The installer was incomplete or modified and has been deleted. Try again later."));

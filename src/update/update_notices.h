@@ -19,6 +19,8 @@ Notice downloadFailedNotice(const QString &reason = {});
 /// The server gave an answer instead of the package: what it says, where that can be shown.
 Notice downloadRefusedNotice(int status, const QByteArray &body, const QString &website);
 Notice notSavedNotice();
+/// The package could not be looked at.
+Notice notVerifiedNotice();
 /// The package is not the one that was announced.
 Notice modifiedNotice();
 

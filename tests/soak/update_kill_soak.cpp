@@ -1,10 +1,8 @@
 #include "exchange/sha256.h"
-#include "journey/journey.h"
-#include "simulator/desktop/panel_probe.h"
+#include "soak/panel_tray.h"
 #include "soak/seed.h"
 
 #include <QElapsedTimer>
-#include <QProcess>
 #include <QRandomGenerator>
 #include <cstdio>
 
@@ -14,13 +12,8 @@ namespace korvel::test {
 namespace {
 
 constexpr int KILLS = 50;
-constexpr auto SOON = std::chrono::seconds(20);
 
-/// The tray program in the panel of a desktop.
-struct UpdateKillSoak : Journey {
-    const QString program = home.assembleBundle(trayProgram());
-    sim::PanelProbe panel;
-    std::unique_ptr<QProcess> process;
+struct UpdateKillSoak : PanelTray {
     QRandomGenerator random{soakSeed()};
     QElapsedTimer clock; ///< Since the update was chosen.
     UpdateInfo info;
@@ -31,10 +24,6 @@ struct UpdateKillSoak : Journey {
         installAndSignIn();
         configure(u"server"_s, home.accountServer());
     }
-    void TearDown() override {
-        if (process)
-            kill();
-    }
     void publish(const QString &version) {
         const QJsonObject slow{{u"mode"_s, u"slow"_s}, {u"bytesPerSecond"_s, 800'000}};
         home.setScenario({{u"update"_s, QJsonObject{{u"ver"_s, version}, {u"bytes"_s, 600'000}}},
@@ -44,28 +33,9 @@ struct UpdateKillSoak : Journey {
         home.changeScenario(
             {{u"server"_s, QJsonObject{{u"faults"_s, QJsonObject{{home.updates().packagePath(), slow}}}}}});
     }
-    /// The menu's entry that begins so, once it can be chosen.
-    QString entry(const QString &beginning) {
-        QString found;
-        panel.waitUntil(
-            [&] {
-                for (const sim::PanelMenuEntry &e : panel.menu())
-                    if (e.enabled && e.title.startsWith(beginning))
-                        found = e.title;
-                return !found.isEmpty();
-            },
-            SOON);
-        return found;
-    }
     /// Starts the tray and chooses the update that it finds.
     void startAndChoose() {
-        process = std::make_unique<QProcess>();
-        QProcessEnvironment env = home.environment();
-        env.insert(u"LANGUAGE"_s, u"en"_s);
-        process->setProcessEnvironment(env);
-        process->setProcessChannelMode(QProcess::MergedChannels);
-        process->start(program, {});
-        ASSERT_TRUE(panel.waitForItem(SOON, process->processId()));
+        ASSERT_NO_FATAL_FAILURE(start());
         ASSERT_TRUE(panel.click(entry(u"Check for Updates… ("_s)));
         ASSERT_TRUE(panel.click(entry(u"⬆ Update to "_s + info.ver)));
         clock.start();
@@ -80,9 +50,7 @@ struct UpdateKillSoak : Journey {
         kill();
     }
     void kill() {
-        process->kill();
-        ASSERT_TRUE(process->waitForFinished());
-        const QByteArray output = process->readAll();
+        const QByteArray output = stop(SIGKILL);
         EXPECT_FALSE(output.contains("[update]")) << output.constData();
         process.reset();
     }

@@ -186,6 +186,8 @@ class RecordedPrograms final : public Programs {
 public:
     ProgramResult run(const ProgramRun &request) override {
         runs.push_back(request);
+        if (request.stop && request.stop->stopRequested())
+            return {.output = {}, .launchError = {}, .end = ProgramResult::End::Stopped};
         return answer ? answer(request) : result;
     }
     std::function<ProgramResult(const ProgramRun &)> answer; ///< Where set, in place of `result`.

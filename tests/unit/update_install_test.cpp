@@ -232,6 +232,32 @@ TEST_F(UpdateTest, ACacheFolderThatIsALinkIsRefusedAndNothingBehindItIsTouched) 
     EXPECT_FALSE(update().updateBusy);
 }
 
+TEST_F(UpdateTest, TheAdministratorsPromptCanBeGivenUpFromTheMenu) {
+    startInstall();
+    EXPECT_EQ(item.entry(Action::CancelInstall), MenuEntry());
+    scheduler.holdBackground(true); // the prompt
+    delivers(PACKAGE);
+    EXPECT_EQ(item.entry(Action::InstallUpdate).title, u"Installing 2.0…"_s);
+    item.choose(Action::CancelInstall);
+    scheduler.holdBackground(false);
+    EXPECT_EQ(notices.last(), u"Canceled. To install, choose Update to 2.0 in the menu."_s);
+    EXPECT_EQ(item.entry(Action::CancelInstall), MenuEntry());
+    EXPECT_FALSE(update().updateBusy);
+    item.choose(Action::InstallUpdate); // the package is still there
+    scheduler.settle();
+    EXPECT_EQ(notices.last(), u"✓ Updated to 2.0"_s);
+}
+
+TEST_F(UpdateTest, APackageThatCannotBeLookedAtIsKept) {
+    startInstall();
+    http.verdict = [](const SignatureProof &) { return Error{ErrorKind::Unreachable, {}}; }; // no thread, say
+    delivers(PACKAGE);
+    scheduler.settle();
+    EXPECT_EQ(notices.last(), u"Couldn't check the installer. Try again later."_s);
+    EXPECT_TRUE(QFile::exists(cache));
+    EXPECT_FALSE(update().updateBusy);
+}
+
 TEST_F(UpdateTest, EachOutcomeOfTheInstallerIsToldAndTheUpdateStaysOffered) {
     const struct {
         const char *error;
