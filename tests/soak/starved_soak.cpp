@@ -1,0 +1,64 @@
+#include "soak/panel_tray.h"
+
+#include <QElapsedTimer>
+#include <sys/resource.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace korvel::test {
+namespace {
+
+const QString CONNECTED = u"● Connected · ann · 0 sessions"_s;
+constexpr auto STARVED_FOR = std::chrono::seconds(30);
+
+/// The tray while the system gives it no more of one thing.
+struct StarvedSoak : PanelTray {
+    void SetUp() override {
+        installAndSignIn();
+        ASSERT_NO_FATAL_FAILURE(start());
+        ASSERT_TRUE(lineIs(CONNECTED));
+    }
+    rlimit limit(__rlimit_resource resource, const rlimit *wanted) const {
+        rlimit before{};
+        EXPECT_EQ(::prlimit(static_cast<pid_t>(process->processId()), resource, wanted, &before), 0);
+        return before;
+    }
+    /// The descriptor that the program would get next. With fewer than it has open already, poll(2) would fail.
+    rlim_t nextDescriptor() const {
+        rlim_t next = 0;
+        while (QFileInfo(u"/proc/%1/fd/%2"_s.arg(process->processId()).arg(next)).isSymLink())
+            ++next;
+        return next;
+    }
+    void starve(__rlimit_resource resource, rlim_t most) {
+        const rlimit before = limit(resource, nullptr);
+        const rlimit little{.rlim_cur = most, .rlim_max = before.rlim_max};
+        limit(resource, &little);
+        QElapsedTimer clock;
+        clock.start();
+        ASSERT_TRUE(panel.click(u"Pause Sync"_s));
+        ASSERT_NE(entry(u"Pause Sync"_s, STARVED_FOR), QString()); // it ends, and has paused nothing
+        panel.waitUntil([&] { return std::chrono::milliseconds(clock.elapsed()) >= STARVED_FOR; }, STARVED_FOR);
+        limit(resource, &before);
+        ASSERT_TRUE(lineIs(CONNECTED));
+        ASSERT_TRUE(panel.click(u"Pause Sync"_s));
+        ASSERT_TRUE(lineIs(u"⏻ Sync paused · ann"_s));
+        ASSERT_TRUE(panel.click(entry(u"Resume Sync"_s)));
+        ASSERT_TRUE(lineIs(CONNECTED));
+        end();
+    }
+};
+
+TEST_F(StarvedSoak, WithoutDescriptorsEverythingEndsAndAfterwardsEverythingWorks) {
+    starve(RLIMIT_NOFILE, nextDescriptor());
+}
+
+TEST_F(StarvedSoak, WithoutThreadsEverythingEndsAndAfterwardsEverythingWorks) {
+    if (::geteuid() == 0)
+        GTEST_SKIP() << "no limit keeps root from starting threads";
+    starve(RLIMIT_NPROC, 1);
+}
+
+} // namespace
+} // namespace korvel::test
