@@ -50,7 +50,7 @@ struct ProgramResult {
 
     int status = -1; ///< Exit status; -1 when the program could not be launched, was killed, timed out or was stopped.
     bool launched = false;
-    QByteArray output;   ///< What was collected; when it is long, its last 8 MiB from a line's beginning on.
+    QByteArray output;   ///< What was collected; when it is over 512 KiB, its end from a line's beginning on.
     QString launchError; ///< Why launching failed, in the system's words.
     End end = End::Itself;
 };

@@ -14,7 +14,7 @@ namespace korvel {
 
 namespace {
 
-constexpr qsizetype MAX_OUTPUT = 8 << 20;
+constexpr qsizetype MAX_OUTPUT = 512 << 10; // as of a response: its last line may be parsed on the main thread
 constexpr int KILL_DELAY_MS = 3000;
 /// How soon a request to stop is noticed: QProcess waits for the program alone, nothing else wakes it.
 constexpr int STOP_CHECK_INTERVAL_MS = 100;
