@@ -6,7 +6,7 @@
 
 namespace korvel {
 
-/// The bytes of a manifest file, as much as a tray takes (1 MiB). The error's detail says what is wrong.
+/// The bytes of a manifest file, as much as a tray takes. The error's detail says what is wrong.
 Result<QByteArray> readManifest(const QString &path);
 
 /// The object in a manifest file; empty when there is no file. Fails on one that holds anything else.

@@ -12,7 +12,7 @@ namespace {
 
 constexpr milliseconds HASH_TIMEOUT = 10min;
 constexpr milliseconds VERIFY_TIMEOUT = 30s;
-constexpr qsizetype MAX_LINE = 2 << 20; ///< Bytes: a body of 1 MiB in base64, and room.
+constexpr qsizetype MAX_LINE = 2 << 20; ///< Bytes: the largest response in base64, and room.
 
 /// What the program obeys. Nothing that names key logs, engines or libraries.
 QList<std::pair<QString, QString>> environment() {
