@@ -116,7 +116,7 @@ struct PasswordJourney : AccountJourney {
     }
     void signIn(const QString &account, const QString &password) {
         desktop.option = true;
-        item.events.chosen(menuItem(u"x"_s, Action::LoginDialog));
+        item.press(Action::LoginDialog);
         desktop.option = false;
         ASSERT_TRUE(alerts.isOpen());
         alerts.answer(0, QStringList{account, password, home.accountServer()});

@@ -50,6 +50,12 @@ TEST_F(ProgramsJourney, AProgramThatNeverEndsIsEndedAndWhatItPrintedCounts) {
     EXPECT_EQ(result.status, -1);
 }
 
+TEST_F(ProgramsJourney, AProgramThatIgnoresTheRequestToEndIsKilled) {
+    ProgramRun run{.executable = {}, .keepInputOpen = true};
+    run.timeout = 100ms;
+    EXPECT_EQ(shell(u"trap '' TERM; read never"_s, run).end, ProgramResult::End::TimedOut);
+}
+
 TEST_F(ProgramsJourney, ARunIsStoppedFromAnotherThreadOnceItsOutputSaysSo) {
     ProgramRun run{.executable = {}, .collect = ProgramRun::Collect::StandardOutput, .stop = StopToken()};
     QByteArray seen;

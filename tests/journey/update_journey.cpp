@@ -25,14 +25,14 @@ void UpdateJourney::offer(const QString &version, const QJsonObject &patch) {
 
 QString UpdateJourney::check() {
     notices.shown.clear();
-    item.events.chosen(menuItem(u"x"_s, Action::CheckUpdate));
+    item.press(Action::CheckUpdate);
     eventually([&] { return !notices.shown.empty(); });
     return notices.last();
 }
 
 QString UpdateJourney::install() {
     notices.shown.clear();
-    item.events.chosen(menuItem(u"x"_s, Action::InstallUpdate));
+    item.press(Action::InstallUpdate);
     EXPECT_TRUE(eventually([&] { return !isBusy(); }));
     return notices.last();
 }

@@ -22,7 +22,7 @@ struct ExchangeKillSoak : UpdateJourney {
     /// Whether anything was killed.
     bool performAndKill(Action action, quint32 withinMs) {
         notices.shown.clear();
-        item.events.chosen(menuItem(u"x"_s, action));
+        item.press(action);
         QElapsedTimer clock;
         clock.start();
         const qint64 moment = random.bounded(withinMs);

@@ -230,6 +230,8 @@ public:
         return {};
     }
     void choose(Action action) { events.chosen(entry(action)); }
+    /// The same of an entry that the menu need not show now.
+    void press(Action action) { events.chosen(menuItem({}, action)); }
 
     Events events;
     IconView icon;

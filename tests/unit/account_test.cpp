@@ -80,13 +80,13 @@ struct AccountTest : TrayFixture {
     }
     QJsonObject cfg() const { return QJsonDocument::fromJson(file()).object(); }
     void signIn(const QStringList &texts = {u"ann@example.com"_s, u"pass"_s}) {
-        item.events.chosen(menuItem(u"x"_s, Action::LoginDialog));
+        item.press(Action::LoginDialog);
         ASSERT_TRUE(alerts.isOpen());
         alerts.answer(0, texts);
         scheduler.settle();
     }
     void signOut() {
-        item.events.chosen(menuItem(u"x"_s, Action::LogoutDialog));
+        item.press(Action::LogoutDialog);
         ASSERT_TRUE(alerts.isOpen());
         alerts.answer(0);
         scheduler.settle();
@@ -193,7 +193,7 @@ TEST_F(AccountTest, TheDialogComesBackWithWhatWasTypedAndWhatWentWrong) {
     makeInternational();
     launch();
     desktop.option = true;
-    item.events.chosen(menuItem(u"x"_s, Action::LoginDialog));
+    item.press(Action::LoginDialog);
     desktop.option = false; // only the moment of the opening counts
     ASSERT_EQ(alerts.view.fields.size(), 3);
     EXPECT_EQ(alerts.view.fields[2].text, u"intl.example:443"_s);
@@ -217,7 +217,7 @@ TEST_F(AccountTest, TheDialogComesBackWithWhatWasTypedAndWhatWentWrong) {
     EXPECT_FALSE(alerts.isOpen());
     EXPECT_EQ(file(), ""_ba);
     home.bind();
-    item.events.chosen(menuItem(u"x"_s, Action::LoginDialog));
+    item.press(Action::LoginDialog);
     EXPECT_EQ(alerts.view.title, u"Sign In to Korvel Again"_s);
     EXPECT_EQ(alerts.view.fields.size(), 2);
 }
@@ -289,7 +289,7 @@ TEST_F(AccountTest, ASignInForgetsThatTheLastOneWasLost) {
     ASSERT_TRUE(health().authDead);
     http.answer = nullptr; // a poll is asked before the sign-in and answered after it
     scheduler.advance(3s);
-    item.events.chosen(menuItem(u"x"_s, Action::LoginDialog));
+    item.press(Action::LoginDialog);
     alerts.answer(0, QStringList{u"ann"_s, u"pass"_s});
     answerOpen(u"/login"_s, json(loginReply));
     answerOpen(u"/unbind"_s, json("{}"));
@@ -311,11 +311,11 @@ struct AccountRaceTest : AccountTest {
         http.answer = nullptr;
     }
     void beginSignIn(const QString &user) {
-        item.events.chosen(menuItem(u"x"_s, Action::LoginDialog));
+        item.press(Action::LoginDialog);
         alerts.answer(0, {user, u"pass"_s});
     }
     void beginSignOut() {
-        item.events.chosen(menuItem(u"x"_s, Action::LogoutDialog));
+        item.press(Action::LogoutDialog);
         alerts.answer(0);
     }
     void signedInAs(const QByteArray &token) {

@@ -20,7 +20,7 @@ struct BrowserLoginTest : TrayFixture {
             return json(path == u"/auth/start" ? start : path.startsWith(u"/auth/status") ? status : ONLINE);
         };
     }
-    void choose() { item.events.chosen(menuItem(u"x"_s, Action::BrowserLogin)); }
+    void choose() { item.press(Action::BrowserLogin); }
 };
 
 TEST_F(BrowserLoginTest, ThePageOpensOnceAndTheOutcomeIsToldOnce) {
@@ -28,6 +28,7 @@ TEST_F(BrowserLoginTest, ThePageOpensOnceAndTheOutcomeIsToldOnce) {
     choose();
     EXPECT_EQ(desktop.opened, QStringList{u"https://own.example/signin"_s});
     EXPECT_EQ(http.last.body, R"({"device":"Studio"})"_ba);
+    EXPECT_EQ(http.last.timeout, 10s);
     choose(); // the same page again
     EXPECT_EQ(desktop.opened.size(), 2);
     scheduler.advance(2s);
@@ -97,7 +98,7 @@ TEST_F(BrowserLoginTest, WhatAnotherSignInOvertookCountsNoMore) {
     http.answer = nullptr;
     choose();
     const auto overtake = [this] {
-        item.events.chosen(menuItem(u"x"_s, Action::LoginDialog));
+        item.press(Action::LoginDialog);
         alerts.answer(0, QStringList{u"ann"_s, u"pass"_s});
         answerOpen(u"/login"_s, json(R"({"agentToken":"new","agentId":"id"})"));
         scheduler.settle();
@@ -110,7 +111,7 @@ TEST_F(BrowserLoginTest, WhatAnotherSignInOvertookCountsNoMore) {
     EXPECT_EQ(desktop.opened.size(), 1);
     scheduler.advance(1s);
     EXPECT_EQ(http.last.timeout, 3s);
-    item.events.chosen(menuItem(u"x"_s, Action::LogoutDialog));
+    item.press(Action::LogoutDialog);
     alerts.answer(0);
     answerOpen(u"/e2ee/logout"_s, json("{}"));
     notices.shown.clear();

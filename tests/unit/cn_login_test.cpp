@@ -159,7 +159,7 @@ TEST_F(CnLoginTest, ASignInGoesThroughTheAgentAndLeadsToThePairingWindow) {
     EXPECT_EQ(notices.last(), u"● Signed in as Ann"_s);
     EXPECT_EQ(http.count, polls + 1);
     EXPECT_EQ(pairPanel.presented, 1);
-    item.events.chosen(menuItem(u"x"_s, Action::BrowserLogin)); // a new one, empty
+    item.press(Action::BrowserLogin); // a new one, empty
     EXPECT_EQ(loginPanel.view.password.text, u""_s);
 }
 

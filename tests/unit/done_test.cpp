@@ -95,6 +95,28 @@ TEST(QtScheduler, WorkWaitsForAThreadAndIsLeftOutWhenThereIsNoneForSeconds) {
     EXPECT_EQ(run(8), std::vector{8});
 }
 
+TEST(QtScheduler, SixtyFourProgramsMayWaitForAPersonAtATime) {
+    QtScheduler scheduler;
+    QEventLoop loop;
+    std::atomic<int> running = 0;
+    int together = 0;
+    for (int i = 0; i < 64; ++i)
+        scheduler.background(
+            [&] {
+                ++running;
+                const auto end = Clock::now() + 20s;
+                while (running < 64 && Clock::now() < end)
+                    std::this_thread::yield();
+                return running == 64;
+            },
+            [&](bool all) {
+                if (++together; !all || together == 64)
+                    loop.quit();
+            });
+    loop.exec();
+    EXPECT_EQ(together, 64);
+}
+
 TEST(WorkerThreads, JobsBeyondTheLastThreadWaitForOneThatIsFree) {
     std::atomic<int> running = 0;
     std::atomic<int> most = 0;

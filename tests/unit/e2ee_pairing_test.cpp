@@ -1,3 +1,4 @@
+#include "account/login_dialog.h"
 #include "e2ee/approval.h"
 #include "e2ee/pair_code.h"
 #include "e2ee/pair_window.h"
@@ -161,6 +162,7 @@ TEST_F(PairingTest, RefreshIsAskedForOnceAndItsFailureStaysUntilTheReportIsAnoth
     ASSERT_EQ(http.open.size(), 1u);
     EXPECT_EQ(http.open[0].request.url, u"http://127.0.0.1:8790/e2ee/pair/new"_s);
     EXPECT_EQ(http.open[0].request.body, "{}");
+    EXPECT_EQ(http.open[0].request.timeout, 60s);
     http.reply(0, json(R"({"ok":false,"error":"Too often.\nWait. "})"));
     EXPECT_EQ(pairPanel.view.error, u"Too often.\nWait."_s);
     EXPECT_TRUE(pairPanel.view.refreshEnabled);
@@ -270,6 +272,12 @@ TEST_F(AlertTest, AllowNeedsSixDigitsAndReturnPressesIt) {
     ASSERT_EQ(answers.size(), 1);
     EXPECT_EQ(answers[0].button, 0);
     EXPECT_EQ(answers[0].texts, QStringList{u"123 456"_s});
+}
+
+TEST_F(AlertTest, ThePasswordOfASignInIsNotShown) {
+    const QList<QLineEdit *> fields = open(loginAlert({.user = u"ann"_s, .advanced = true}, false, {}))->fields();
+    EXPECT_EQ(fields.at(0)->echoMode(), QLineEdit::Normal);
+    EXPECT_EQ(fields.at(1)->echoMode(), QLineEdit::Password);
 }
 
 TEST_F(AlertTest, EscapeAndTheKeyThatClosesAreTheHarmlessAnswerAndCountOnce) {

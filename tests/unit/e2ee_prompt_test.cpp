@@ -151,6 +151,12 @@ TEST_F(E2eeOperations, AWrongCodeAsksAgainWithTheAgentsSentence) {
         EXPECT_EQ(alerts.by, OpenedBy::Itself);
         alerts.dismiss();
     }
+    replies[u"/e2ee/pair"_s] = R"({"ok":false,"code":"mismatch","error":"Stop."})"; // somebody is in between
+    item.choose(Action::E2Pending);
+    alerts.answer(0, u"111111"_s);
+    scheduler.advance(2s);
+    EXPECT_FALSE(alerts.isOpen());
+    EXPECT_EQ(notices.last(), u"Stop."_s);
 }
 
 TEST_F(E2eeOperations, DenyIsToldWhateverTheAgentSaysAndLaterSendsNothing) {

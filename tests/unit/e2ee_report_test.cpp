@@ -140,6 +140,7 @@ TEST(E2eeMenuBlock, ListsDevicesSpeechAndAlarmsWhileActive) {
                         "asr":{"installing":"download","pct":42},"alarms":[{"id":"1","text":"t"}]})"),
         (QStringList{u"🔒 Encrypted"_s, u"[x] New device: Anna's phone · iPhone…"_s, u"[x] New device: ? · Device…"_s,
                      u"Installing speech recognition… 42%"_s, u"[x] ⚠ Security Alert…"_s, u"---"_s}));
+    EXPECT_EQ(block(R"({"state":"active","relay":"down"})").value(0), u"🔒 Encrypted · Connecting to the server…"_s);
     EXPECT_EQ(block(R"({"state":"active"})").value(1), u"[x] Install Speech Recognition (180 MB)…"_s);
     EXPECT_EQ(block(R"({"state":"active","asr":{"installing":"failed"}})").value(1),
               u"[x] Retry Installing Speech Recognition…"_s);

@@ -46,6 +46,7 @@ TEST(FixedConfig, TheEditionChoosesServerAndPagesButNotTheLanguage) {
     const FixedConfig intl = makeFixedConfig(testDeployment(u"intl"_s), environment());
     EXPECT_FALSE(intl.IS_CN);
     EXPECT_EQ(intl.DEFAULT_SERVER, u"intl.example:443"_s);
+    EXPECT_EQ(intl.SITE_URL, u"https://site.example/en"_s);
 }
 
 TEST(FixedConfig, EnvironmentValuesAreTakenAsTheyStand) {
@@ -64,6 +65,16 @@ TEST(FixedConfig, EnvironmentValuesAreTakenAsTheyStand) {
     const FixedConfig empty = makeFixedConfig(testDeployment(), e);
     EXPECT_EQ(makePaths(empty, e.home, 501).agentCfg, u"agent.json"_s); // in the current folder
     EXPECT_EQ(makePaths(set, e.home, 501).agentCfg, u"/data/agent.json"_s);
+}
+
+TEST(Paths, AreThoseThatTheSystemTheAgentAndTheUserKnow) {
+    const Paths paths = makePaths(makeFixedConfig(testDeployment(), environment()), u"/Users/ann"_s, 501);
+    EXPECT_EQ(paths.agentPlist, u"/Users/ann/Library/LaunchAgents/com.korvel.agent.plist"_s);
+    EXPECT_EQ(paths.trayPlist, u"/Users/ann/Library/LaunchAgents/com.korvel.tray.plist"_s);
+    EXPECT_EQ(paths.agentCfg, u"/Users/ann/.korvel/agent.json"_s);
+    EXPECT_EQ(paths.logFile, u"/Users/ann/Library/Logs/korvel-agent.log"_s);
+    EXPECT_EQ(paths.trayLog, u"/Users/ann/Library/Logs/korvel-tray.log"_s);
+    EXPECT_EQ(paths.updateDir, u"/Users/ann/Library/Caches/Korvel/update"_s);
 }
 
 TEST(FixedConfig, WithoutHomeTheUsersRecordCounts) {

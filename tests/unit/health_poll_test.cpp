@@ -253,6 +253,11 @@ TEST_F(HealthPollTest, NothingIsSetAgainWhileNothingChanges) {
     EXPECT_EQ(item.statusLine(), u"○ Connecting… · ann"_s);
     scheduler.advance(60s);
     EXPECT_EQ(item.statusLine(), u"○ Can't connect to the server. Retrying… · ann"_s);
+    for (const QByteArray &next : {ONLINE, OFFLINE}) {
+        agentAnswers(next);
+        scheduler.advance(3s);
+    }
+    EXPECT_EQ(item.statusLine(), u"○ Connecting… · ann"_s); // each outage has its own time
 }
 
 } // namespace

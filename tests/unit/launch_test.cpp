@@ -68,7 +68,10 @@ TEST_F(LaunchTest, UpdatesAreLookedForOnScheduleAndWhenTheMenuOpens) {
 
 TEST_F(LaunchTest, OpeningTheMenuLooksAtTheOptionKeyAndAsksTheAgentOnlyWhileItRuns) {
     agentIsSilent();
-    launch();
+    makeTray();
+    tray->launch(u"/Applications/Korvel.app/Contents/MacOS/korvel-tray"_s);
+    scheduler.settle();
+    EXPECT_TRUE(QFile::exists(home.paths.trayPlist)); // so that it starts at login
     const int fetches = requestsTo(u"/perms"_s);
     item.events.menuOpening();
     EXPECT_EQ(checks(), 1);
@@ -77,6 +80,8 @@ TEST_F(LaunchTest, OpeningTheMenuLooksAtTheOptionKeyAndAsksTheAgentOnlyWhileItRu
     EXPECT_EQ(item.entry(Action::OpenLog), MenuEntry());
     item.events.menuOpening(); // the key counts at this moment
     EXPECT_EQ(item.entry(Action::OpenLog).title, u"Show Log…"_s);
+    item.choose(Action::OpenLog);
+    EXPECT_EQ(notices.last(), u"No log yet"_s);
     UpdateState checked{.updateCheckedAt = Instant(1h)};
     EXPECT_FALSE(updateCheckDue(checked, Instant(1h) + 3600s));
     EXPECT_TRUE(updateCheckDue(checked, Instant(1h) + 3601s));

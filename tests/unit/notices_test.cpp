@@ -1,9 +1,18 @@
 #include "ui/notices.h"
 
+#include "account/account_notices.h"
+#include "e2ee/e2ee_notices.h"
+#include "permissions/permission_notices.h"
+#include "service/service_notices.h"
+#include "service/sync_toggle.h"
+#include "status/health_poll.h"
 #include "support/fakes.h"
 #include "support/manual_scheduler.h"
 #include "ui/esc_window.h"
+#include "ui/notice_window.h"
+#include "update/update_notices.h"
 
+#include <QApplication>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -52,6 +61,66 @@ TEST(NoticeLayout, IsCentredBelowTheMenuBarAndNeverWiderThanItsLimit) {
     EXPECT_EQ(small.label, QRect(17, 10, 200, 16));
     EXPECT_EQ(noticeLayout({900, 64}, visible).panel.width(), 594);
     EXPECT_LE(noticeLayout({560, 32767}, visible).panel.bottom(), visible.bottom());
+}
+
+TEST(NoticeWindow, AClickReachesWhoeverShowedTheNotice) {
+    NoticeWindow notice;
+    int clicks = 0;
+    notice.show({.text = u"Signed out"_s}, [&] { ++clicks; });
+    for (QWidget *window : QApplication::topLevelWidgets())
+        if (window->isVisible() && window->windowTitle() == u"Signed out")
+            QTest::mouseClick(window, Qt::LeftButton);
+    EXPECT_EQ(clicks, 1);
+}
+
+TEST(NamedNotices, LastAsLongAsTheirTextNeedsAndShowErrorsAsSuch) {
+    using Lost = HealthEffects::Notice;
+    const auto toggled = [](ToggleDirection to, ServiceResult look) { return toggleNotice(to, look, false, {}); };
+    const QJsonObject mismatch{{u"code"_s, u"mismatch"_s}};
+    const struct {
+        double secs;
+        bool error;
+        QList<Notice> notices;
+    } cases[] = {
+        {2.4,
+         false,
+         {toggled(ToggleDirection::Pause, ServiceResult::Failed),
+          toggled(ToggleDirection::Resume, ServiceResult::Succeeded)}},
+        {2.5, false, {signedOutNotice(), noLogNotice(), repairedNotice(), upToDateNotice({})}},
+        {3,
+         false,
+         {signedInNotice({}), encryptedNotice(), quittingNotice(), permissionVerdictNotice({.permsOk = true}),
+          installedNotice({})}},
+        {4,
+         false,
+         {allowedNotice({}), speechDownloadNotice(), permissionsRequestedNotice(), availableNotice({}),
+          downloadingNotice({}), installCancelledNotice({})}},
+        {4,
+         true,
+         {agentNotUpNotice(), noSignInPageNotice(), signOutFailedNotice(), noSpeechDownloadNotice({}),
+          notCheckedNotice(), notVerifiedNotice(), toggled(ToggleDirection::Pause, ServiceResult::Unknown)}},
+        {5, true, {signInFailedNotice({})}},
+        {6, false, {promptsComingNotice(), installerOpenedNotice()}},
+        {6,
+         true,
+         {deniedNotice({}), notAdmittedNotice({}), strangersResetNotice(), notRejoinedNotice({}),
+          permissionsNotRequestedNotice(), downloadFailedNotice(), downloadRefusedNotice(404, {}, {}), notSavedNotice(),
+          modifiedNotice(), swappedNotice(), lostSignInNotice(Lost::SignedOut)}},
+        {8, true, {unsignedNotice({}, {}), repairFailedNotice({})}},
+        {10,
+         true,
+         {notAdmittedNotice(mismatch), permissionVerdictNotice({.permsOk = false}),
+          toggled(ToggleDirection::Resume, ServiceResult::Failed)}},
+        {15, false, {agentAwaitedNotice()}},
+        {30, false, {signingOutNotice(), installingNotice({})}},
+        {40, false, {signingInNotice()}},
+        {50, false, {verifyingNotice()}},
+    };
+    for (const auto &c : cases)
+        for (const Notice &notice : c.notices) {
+            EXPECT_EQ(notice.secs, Seconds(c.secs)) << notice.text.toStdString();
+            EXPECT_EQ(notice.error, c.error) << notice.text.toStdString();
+        }
 }
 
 TEST(EscWindow, OnlyEscapeWithoutAModifierRunsItsAction) {

@@ -75,9 +75,12 @@ TEST_F(PermissionsTest, OneFetchAtATimeAndAPartialReplyKeepsTheLastGoodList) {
     EXPECT_EQ(block().size(), 1);
     EXPECT_FALSE(permissions().permsFetchFailed);
     item.events.menuOpening();
+    EXPECT_EQ(http.open.back().request.timeout, 20s);
+    scheduler.advance(1s);
     answerOpen(u"/perms"_s, noAnswer());
     EXPECT_TRUE(permissions().permsFetchFailed);
     EXPECT_FALSE(permissions().permsFetching);
+    EXPECT_EQ(permissions().permsFetchedAt, scheduler.now()); // so that not every poll asks again
 }
 
 TEST_F(PermissionsTest, ARequestMayBeOpenForLongWhileEverythingElseGoesOn) {
@@ -127,7 +130,7 @@ TEST_F(PermissionsTest, EachOutcomeOfARequestIsTold) {
     agentIsSilent();
     scheduler.advance(3s);
     const int requests = requestsTo(u"/perms/request"_s);
-    item.events.chosen(menuItem(u"x"_s, Action::AskPerms));
+    item.press(Action::AskPerms);
     EXPECT_EQ(requestsTo(u"/perms/request"_s), requests);
 }
 
@@ -176,7 +179,7 @@ TEST_F(RepairTest, AFailedRepairSaysSoAndTheMenuOffersItAgain) {
     EXPECT_EQ(item.statusLine(), u"Repairing…"_s);
     EXPECT_EQ(item.entry(Action::Repair), MenuEntry());
     notices.shown.clear();
-    item.events.chosen(menuItem(u"x"_s, Action::Repair)); // of a menu that was opened before: no verdict yet
+    item.press(Action::Repair); // of a menu that was opened before: no verdict yet
     EXPECT_TRUE(notices.shown.empty());
     scheduler.holdBackground(false);
     scheduler.settle();
@@ -188,6 +191,7 @@ TEST_F(RepairTest, AFailedRepairSaysSoAndTheMenuOffersItAgain) {
     item.choose(Action::Repair);
     scheduler.settle();
     EXPECT_EQ(notices.last(), u"✓ Repaired"_s);
+    EXPECT_EQ(programs.runs.back().timeout, 10min);
     EXPECT_EQ(programs.runs.size(), 6u); // two a repair: of those asked for meanwhile none
 }
 

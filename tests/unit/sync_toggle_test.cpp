@@ -160,7 +160,7 @@ TEST_F(SyncToggleTest, WithoutAccountOrJobFileTheMissingThingIsAskedFor) {
     scheduler.settle();
     EXPECT_EQ(programs.runs.size(), 2u);
     home.writeConfig("{}");
-    item.events.chosen(menuItem(u"x"_s, Action::MenuToggle));
+    item.press(Action::MenuToggle);
     EXPECT_TRUE(loginPanel.visible);
     EXPECT_FALSE(tray->currentState().service.busy);
 }

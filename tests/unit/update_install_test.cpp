@@ -46,7 +46,7 @@ struct UpdateTest : TrayFixture {
         manifest = QJsonDocument(QJsonObject{{u"packages"_s, QJsonArray{package}}}).toJson();
     }
     const UpdateState &update() const { return tray->currentState().update; }
-    void check() { item.events.chosen(menuItem(u"x"_s, Action::CheckUpdate)); }
+    void check() { item.press(Action::CheckUpdate); }
     /// Checks, then starts the installation; the download waits for an answer.
     void startInstall() {
         check();
@@ -153,13 +153,15 @@ TEST_F(UpdateTest, ADownloadShowsItsPercentAndIsInstalled) {
     const int redraws = item.menuChanges;
     http.onProgress(504, 1000);
     EXPECT_EQ(item.menuChanges, redraws);
-    item.events.chosen(menuItem(u"x"_s, Action::InstallUpdate)); // once is enough
+    item.press(Action::InstallUpdate); // once is enough
     scheduler.holdBackground(true);
     delivers(PACKAGE);
     EXPECT_EQ(item.entry(Action::InstallUpdate).title, u"Installing 2.0…"_s);
     scheduler.holdBackground(false);
     scheduler.settle();
     EXPECT_EQ(runsOf(u"/usr/bin/xattr"_s), 1);
+    EXPECT_EQ(programs.runs.front().arguments, (QStringList{u"-d"_s, u"com.apple.quarantine"_s, cache}));
+    EXPECT_EQ(programs.runs.front().timeout, 10s);
     EXPECT_EQ(runsOf(u"/usr/bin/osascript"_s), 1);
     EXPECT_EQ(notices.last(), u"✓ Updated to 2.0"_s);
     EXPECT_FALSE(update().updateAvail || update().updateBusy || update().updatePct);

@@ -171,7 +171,11 @@ TEST(Download, HasRoomForWhatTheManifestSaysAndNoMoreThanFourGibibytes) {
          {std::pair<qint64, qint64>(0, 4ll << 30), {-1, 4ll << 30}, {12, 12}, {(4ll << 30) + 1, 4ll << 30}}) {
         UpdateInfo info = signedInfo();
         info.bytes = bytes;
-        EXPECT_EQ(buildDownload(u"own.example:443"_s, info).value().maxBytes, room) << bytes;
+        const ServerRequest request = buildDownload(u"own.example:443"_s, info).value();
+        EXPECT_EQ(request.maxBytes, room) << bytes;
+        EXPECT_EQ(request.timeout, 6h);
+        EXPECT_EQ(request.slowTimeout, 60s);
+        EXPECT_GT(request.redirects, 0);
     }
 }
 
