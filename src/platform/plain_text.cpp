@@ -85,6 +85,13 @@ std::u32string visibleLine(const std::u32string &text) {
     return line;
 }
 
+QString withoutEndSpace(const QString &text) {
+    qsizetype length = text.size();
+    while (length > 0 && text.at(length - 1).isSpace())
+        --length;
+    return text.first(length);
+}
+
 } // namespace
 
 QString shortened(const QString &text, qsizetype maxLength) {
@@ -116,10 +123,7 @@ QString shownName(const QString &name) {
 }
 
 QString multiLine(const QString &text) {
-    qsizetype length = text.size();
-    while (length > 0 && text.at(length - 1).isSpace())
-        --length;
-    QString lines = shortened(text.first(length), MAX_TEXT);
+    QString lines = shortened(withoutEndSpace(text), MAX_TEXT);
     lines.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
     for (QChar &c : lines)
         if (breaksLine(c))
@@ -128,7 +132,7 @@ QString multiLine(const QString &text) {
 }
 
 QString singleLine(const QString &text, qsizetype maxLength) {
-    QString line = shortened(text, maxLength);
+    QString line = shortened(withoutEndSpace(text), maxLength);
     if (std::any_of(line.cbegin(), line.cend(), breaksLine)) // hardly ever: the text stays shared
         std::replace_if(line.begin(), line.end(), breaksLine, u' ');
     return line;

@@ -10,8 +10,8 @@ constexpr qsizetype MAX_TEXT = 1000;
 /// `text`, cut and ending in "…" when it has more than `maxLength` characters.
 QString shortened(const QString &text, qsizetype maxLength = MAX_TEXT);
 
-/// `text` on one line: tabs, line breaks and other control characters become blanks; what is over `maxLength`
-/// characters is cut and ends in "…".
+/// `text` on one line: tabs, line breaks and other control characters become blanks, and there is no
+/// white space at the end; what is over `maxLength` characters is cut and ends in "…".
 QString singleLine(const QString &text, qsizetype maxLength = MAX_TEXT);
 
 /// A text from outside as a window shows it: at most 1,000 characters, its line breaks kept, without the white space at

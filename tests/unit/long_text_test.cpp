@@ -80,6 +80,7 @@ TEST(LongText, ANameIsOneLineOfSixtyFourCharactersAtMost) {
 
 TEST(LongText, ATextKeepsItsLinesAndLosesWhatNobodySees) {
     EXPECT_EQ(multiLine(u"a\r\nb\rc\u2028d\te\n \u3000\n"_s), u"a\nb\nc\nd e"_s);
+    EXPECT_EQ(singleLine(u" a\nb \t\n"_s), u" a b"_s);
     EXPECT_EQ(multiLine(QString(1000, u'x') + QString(5000, u'\n')), QString(1000, u'x'));
     EXPECT_EQ(multiLine(QString(998, u'x') + u"😀y"_s), QString(998, u'x') + u'…');
 }
