@@ -23,8 +23,9 @@ std::shared_ptr<QTimer> makeTimer(milliseconds interval, bool once, UniqueFuncti
     });
     timer->setSingleShot(once);
     timer->setInterval(interval);
-    // Idle programs must not wake up on their own account: seconds-long intervals may fall together with others.
-    timer->setTimerType(interval >= 1s ? Qt::CoarseTimer : Qt::PreciseTimer);
+    // What repeats at seconds-long intervals may fall together with other timers, so that an idle program wakes up
+    // less.
+    timer->setTimerType(!once && interval >= 1s ? Qt::CoarseTimer : Qt::PreciseTimer);
     auto shared = std::make_shared<UniqueFunction<void()>>(std::move(f));
     QObject::connect(timer.get(), &QTimer::timeout, timer.get(), [shared] {
         const auto keep = shared;
