@@ -21,12 +21,16 @@ constexpr int RIGHT_BUTTON = 3;
 // Lower than a menu of more than two entries, higher than a tool tip and a notice (in points).
 constexpr int SMALLEST_MENU = 80;
 
-bool showsMenu(qint64 pid) {
+QList<QRect> menusOf(qint64 pid) {
     const double least = SMALLEST_MENU * QGuiApplication::primaryScreen()->devicePixelRatio();
-    return std::ranges::any_of(windowsOf(pid), [&](const ScreenWindow &window) {
-        return window.area.height() >= least && hangsFromPanel(window.area);
-    });
+    QList<QRect> menus;
+    for (const ScreenWindow &window : windowsOf(pid))
+        if (window.area.height() >= least && hangsFromPanel(window.area))
+            menus.append(window.area);
+    return menus;
 }
+
+bool showsMenu(qint64 pid) { return !menusOf(pid).isEmpty(); }
 
 // Opens the menu with a click on the item and expects it as a window of process `owner`.
 QString openWith(Tour &tour, int button, qint64 owner) {
@@ -36,7 +40,11 @@ QString openWith(Tour &tour, int button, qint64 owner) {
     if (!tour.waitUntil([&] { return showsMenu(owner); }, MENU_WITHIN))
         return u"no menu opened"_s;
     tour.waitForRest({}); // a window is there before it is painted
-    return {};
+    // The panel puts its own where it likes.
+    const QList<QRect> own = menusOf(tour.tray().processId());
+    return std::ranges::any_of(own, [](const QRect &menu) { return menu.intersects(statusArea()); })
+               ? u"the menu covers the icon"_s
+               : QString();
 }
 
 // Takes the screenshot and closes the menu with a key.

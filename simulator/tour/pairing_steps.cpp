@@ -34,7 +34,7 @@ QString expectCode(Tour &tour, const QString &code, const QStringList &more, con
         tour.say(u"刷新"_s, u"Refresh"_s),
         tour.say(u"关闭"_s, u"Close"_s),
         spelled(code)};
-    return firstWrong({[&] { return expectWindow(tour, texts + more, name); },
+    return firstWrong({[&] { return expectTexts(tour, texts + more, name); },
                        [&] {
                            return expectLine(tour, u"请在手机上输入配对码 "_s + code,
                                              u"Enter code "_s + code + u" on your phone"_s);

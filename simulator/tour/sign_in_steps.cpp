@@ -170,7 +170,7 @@ QString typeTheCode(Tour &tour) {
 QString pairAfterSignIn(Tour &tour) {
     const QStringList texts{tour.say(u"配对这台 Mac"_s, u"Pair This Mac"_s),
                             spelled(tour.home().encryption().pairCode())};
-    return firstWrong({[&] { return expectWindow(tour, texts, u"signed-in-pairing"_s); },
+    return firstWrong({[&] { return expectTexts(tour, texts, u"signed-in-pairing"_s); },
                        [&] { return pairNow(tour, u"signed-in-paired"_s); },
                        [&] {
                            tour.home().changeScenario({{u"offline"_s, false}});

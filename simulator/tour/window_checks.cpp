@@ -12,15 +12,14 @@ namespace korvel::sim {
 
 namespace {
 
-// Points that a window may stand beside the middle: sideways by the side of a frame, whose width nobody knows before it
-// shows; up and down, as a part of the screen's height, by panel, frame and the lines that come and go.
-constexpr int BESIDE = 6;
-constexpr double ABOVE_OR_BELOW = 0.08;
+// In points.
+constexpr int BESIDE = 2;
+constexpr int LOWER = 16; // by half of a title bar, which is not a part of the window
 
 bool isCentred(const QRect &window) {
-    const QRect screen = QGuiApplication::primaryScreen()->geometry();
-    const QPoint off = window.center() - screen.center();
-    return std::abs(off.x()) <= BESIDE && std::abs(off.y()) <= ABOVE_OR_BELOW * screen.height();
+    const QScreen &screen = *QGuiApplication::primaryScreen();
+    const QPoint off = window.center() / screen.devicePixelRatio() - screen.availableGeometry().center();
+    return std::abs(off.x()) <= BESIDE && off.y() >= -BESIDE && off.y() <= LOWER;
 }
 
 QString shownTexts(Tour &tour) {

@@ -1,11 +1,14 @@
 #include "platform/status_item_linux.h"
 
 #include "ui/icon_image.h"
+#include "ui/window_place.h"
 
 #include <QCursor>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusServiceWatcher>
+#include <QGuiApplication>
+#include <QScreen>
 
 using namespace Qt::StringLiterals;
 
@@ -45,11 +48,22 @@ void StatusItemLinux::putIntoPanel() {
     // A left click only tells the program; the menu is the tray's only control surface, so it opens too.
     QObject::connect(tray.get(), &QSystemTrayIcon::activated, tray.get(), [this](QSystemTrayIcon::ActivationReason r) {
         if (r == QSystemTrayIcon::Trigger)
-            popup->menu().popup(QCursor::pos());
+            openPopup();
     });
     tray->setIcon(panelIcon(*icon));
     tray->setToolTip(icon->toolTip);
     tray->show();
+}
+
+void StatusItemLinux::openPopup() {
+    QMenu &menu = popup->menu();
+    const QPoint pointer = QCursor::pos();
+    const QScreen *screen = QGuiApplication::screenAt(pointer);
+    const auto place = [&](QSize size) {
+        return screen ? menuPlace(pointer, size, screen->geometry(), screen->availableGeometry()) : pointer;
+    };
+    menu.popup(place(menu.sizeHint()));
+    menu.move(place(menu.size())); // it may have got more entries
 }
 
 void StatusItemLinux::apply(const IconView &view) {

@@ -26,6 +26,7 @@ public:
 
 private:
     void putIntoPanel();
+    void openPopup();
 
     Events events;
     bool hasHost = false;

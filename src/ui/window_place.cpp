@@ -7,7 +7,9 @@
 #include <QLayout>
 #include <QScreen>
 #include <QWidget>
+#include <QWindow>
 #include <algorithm>
+#include <utility>
 
 namespace korvel {
 
@@ -15,6 +17,14 @@ namespace {
 
 constexpr int TITLE_BAR = 40;  // hardly a system has a higher one; how high it is nobody knows before it shows
 constexpr int LEAST_ROOM = 48; // for a text that is scrolled
+constexpr int MIN_PANEL = 28;  // the height of a panel that is not known
+constexpr int MAX_PANEL = 64;
+
+QRect roomOn(const QScreen *screen) {
+    if (!screen)
+        screen = QGuiApplication::primaryScreen();
+    return screen ? screen->availableGeometry() : QRect(0, 0, 800, 600);
+}
 
 QRect roomFor(const QWidget &window) {
     return window.isVisible() ? window.screen()->availableGeometry() : roomForWindows();
@@ -38,20 +48,65 @@ int neededHeight(QWidget &window, int width) {
     return layout.hasHeightForWidth() ? layout.heightForWidth(width) : layout.sizeHint().height();
 }
 
+/// Centres a window that is about to show. On Linux the window manager makes its frame only then: it is taken to be
+/// that of the last window, and the window centred again if it is another.
+class Centring final : public QObject {
+public:
+    Centring(QWidget &w, const QRect &r) : QObject(&w), window(w), room(r) {
+        window.winId(); // macOS makes the frame with the window
+        if (const QMargins known = window.windowHandle()->frameMargins(); !known.isNull())
+            frame = known;
+        place();
+        window.windowHandle()->installEventFilter(this);
+    }
+
+    bool eventFilter(QObject *handle, QEvent *event) override {
+        const bool shows = event->type() == QEvent::Expose && window.windowHandle()->isExposed();
+        if (!shows && event->type() != QEvent::Hide)
+            return false;
+        handle->removeEventFilter(this);
+        deleteLater();
+        const QMargins known = window.windowHandle()->frameMargins();
+        if (shows && known != std::exchange(frame, known))
+            place();
+        return false;
+    }
+
+private:
+    void place() {
+        QRect area(QPoint(), window.size().grownBy(frame));
+        area.moveCenter(room.center());
+        const QPoint corner(std::max(area.left(), room.left()), std::max(area.top(), room.top()));
+        // Not move(), which goes by the frame that the window has already.
+        window.setGeometry(QRect(corner + QPoint(frame.left(), frame.top()), window.size()));
+    }
+
+    QWidget &window;
+    const QRect room;
+    static inline QMargins frame;
+};
+
 } // namespace
 
-QRect roomForWindows() {
-    const QScreen *screen = QGuiApplication::screenAt(QCursor::pos());
-    if (!screen)
-        screen = QGuiApplication::primaryScreen();
-    return screen ? screen->availableGeometry() : QRect(0, 0, 800, 600);
-}
+QRect roomForWindows() { return roomOn(QGuiApplication::screenAt(QCursor::pos())); }
 
-void centreOnScreen(QWidget &window) {
-    const QRect room = roomForWindows();
-    QRect place(QPoint(), window.frameSize()); // without the frame where it was never shown
-    place.moveCenter(room.center());
-    window.move(std::max(place.left(), room.left()), std::max(place.top(), room.top()));
+void centreOnScreen(QWidget &window) { new Centring(window, roomForWindows()); }
+
+QPoint menuPlace(QPoint pointer, QSize menu, const QRect &screen, const QRect &room) {
+    QRect free = room;
+    if (free.contains(pointer)) {
+        // The panel leaves its room to windows too, or the system does not tell which it takes: an icon lies in the
+        // middle of its panel, which lies along the edge that is nearest.
+        const int left = pointer.x() - screen.left(), top = pointer.y() - screen.top();
+        const int right = screen.right() - pointer.x(), bottom = screen.bottom() - pointer.y();
+        const int nearest = std::min({left, top, right, bottom});
+        const int panel = std::clamp(2 * nearest, MIN_PANEL, MAX_PANEL);
+        free = screen.adjusted(left == nearest ? panel : 0, top == nearest ? panel : 0, right == nearest ? -panel : 0,
+                               bottom == nearest ? -panel : 0);
+    }
+    const int x = std::min(pointer.x(), free.right() + 1 - menu.width());
+    const int y = std::min(pointer.y(), free.bottom() + 1 - menu.height());
+    return {std::max(x, free.left()), std::max(y, free.top())};
 }
 
 void fitHeight(QWidget &window, int width) {

@@ -2,6 +2,7 @@
 #include "ui/contrast_style.h"
 #include "ui/main_button.h"
 #include "ui/text_styles.h"
+#include "ui/window_place.h"
 
 #include <QCheckBox>
 #include <QMenu>
@@ -115,6 +116,29 @@ TEST(PairCodeField, TheCaretStandsBeforeTheFirstDigitOfTheCodeToBe) {
     EXPECT_NEAR(caret(), empty, 1);
     field.clear();
     EXPECT_EQ(caret(), empty);
+}
+
+TEST(MenuPlace, IsBesideThePanelAndNotOverIt) {
+    const QRect screen(1280, 0, 1280, 800); // the right one of two
+    const QSize menu(300, 200);
+    const struct {
+        QPoint pointer;
+        QRect room; // what the panel leaves
+        QPoint place;
+    } cases[] = {
+        {{1800, 12}, screen.adjusted(0, 28, 0, 0), {1800, 28}},    // above
+        {{2550, 12}, screen.adjusted(0, 28, 0, 0), {2260, 28}},    // in the corner
+        {{1800, 790}, screen.adjusted(0, 0, 0, -40), {1800, 560}}, // below
+        {{1290, 300}, screen.adjusted(48, 0, 0, 0), {1328, 300}},  // on the left
+        {{2540, 700}, screen.adjusted(0, 0, -48, 0), {2212, 600}}, // on the right
+        {{1800, 16}, screen, {1800, 32}},                          // above, and nobody tells
+        {{1800, 799}, screen, {1800, 572}},                        // below, at the very edge
+    };
+    for (const auto &c : cases) {
+        const QPoint place = menuPlace(c.pointer, menu, screen, c.room);
+        EXPECT_EQ(place, c.place) << c.pointer.x() << ' ' << c.pointer.y() << ": " << place.x() << ' ' << place.y();
+        EXPECT_TRUE(screen.contains(QRect(place, menu)));
+    }
 }
 
 } // namespace
