@@ -7,6 +7,7 @@
 #include <QDBusVariant>
 
 #include <algorithm>
+#include <functional>
 
 using namespace Qt::StringLiterals;
 
@@ -50,12 +51,25 @@ int nextConnection = 0;
 class AccessibleReader::Listener : public QObject {
     Q_OBJECT
 public:
+    explicit Listener(std::function<QString(const QDBusMessage &)> n) : notificationOf(std::move(n)) {}
     QString heard;
+    QStringList notifications;
 public Q_SLOTS:
     // What happened (insert or delete), where, how many characters, which ones.
     void textChanged(const QDBusMessage &signal) {
         heard += signal.arguments().value(3).value<QDBusVariant>().variant().toString();
     }
+    // Which state, and 1 when it holds now.
+    void stateChanged(const QDBusMessage &signal) {
+        const QVariantList what = signal.arguments();
+        if (what.value(0).toString() != "showing"_L1 || what.value(1).toInt() != 1)
+            return;
+        if (const QString text = notificationOf(signal); !text.isEmpty())
+            notifications.append(text);
+    }
+
+private:
+    const std::function<QString(const QDBusMessage &)> notificationOf; // empty when it comes from anything else
 };
 
 std::optional<AccessibleElement> AccessibleWindow::find(const QString &wanted) const {
@@ -104,14 +118,22 @@ QList<AccessibleWindow> AccessibleReader::windows(qint64 pid) {
 bool AccessibleReader::listen() {
     if (!connect())
         return false;
-    listener = std::make_unique<Listener>();
+    listener = std::make_unique<Listener>([this](const QDBusMessage &signal) {
+        const Object source{signal.service(), signal.path()};
+        const bool notifies = call(source, ACCESSIBLE, u"GetRoleName"_s).value(0).toString() == "notification"_L1;
+        return notifies ? property(source, u"Name"_s) : QString();
+    });
     const Object registry{u"org.a11y.atspi.Registry"_s, u"/org/a11y/atspi/registry"_s};
-    call(registry, registry.service, u"RegisterEvent"_s, {u"object:text-changed"_s}); // else programs keep quiet
-    return bus.connect({}, {}, u"org.a11y.atspi.Event.Object"_s, u"TextChanged"_s, listener.get(),
-                       SLOT(textChanged(QDBusMessage)));
+    for (const QString &event : {u"object:text-changed"_s, u"object:state-changed"_s})
+        call(registry, registry.service, u"RegisterEvent"_s, {event}); // else programs keep quiet
+    const QString interface = u"org.a11y.atspi.Event.Object"_s;
+    return bus.connect({}, {}, interface, u"TextChanged"_s, listener.get(), SLOT(textChanged(QDBusMessage))) &&
+           bus.connect({}, {}, interface, u"StateChanged"_s, listener.get(), SLOT(stateChanged(QDBusMessage)));
 }
 
 QString AccessibleReader::heard() const { return listener ? listener->heard : QString(); }
+
+QStringList AccessibleReader::notifications() const { return listener ? listener->notifications : QStringList(); }
 
 bool AccessibleReader::connect() {
     if (bus.isConnected())

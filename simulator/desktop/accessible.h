@@ -4,6 +4,7 @@
 #include <QList>
 #include <QRect>
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 #include <optional>
@@ -51,10 +52,13 @@ public:
     // The windows that a process shows; empty when it shows none, or tells assistive technology nothing.
     QList<AccessibleWindow> windows(qint64 pid);
 
-    // From now on collects what is told of texts that are typed, removed or replaced. False when it cannot.
+    // From now on collects what is told of texts that are typed, removed or replaced, and of notifications. False when
+    // it cannot.
     bool listen();
     // The characters told of since then, one after the other.
     QString heard() const;
+    // What the notifications said that have appeared since then; a screen reader reads each.
+    QStringList notifications() const;
 
 private:
     struct Object {

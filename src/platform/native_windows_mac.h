@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 namespace korvel::native {
 
 /// Makes the window of an NSView a notice: at the level of the status bar, there while other applications are active or
@@ -21,5 +23,16 @@ void makeKeyAndOrderFront(void *nsView);
 /// Puts the window of an NSView in front of the others of its level, whichever application is active, also when this
 /// one is hidden.
 void orderFrontRegardless(void *nsView);
+
+/// In points, from the upper left corner of the first screen.
+struct Point {
+    double x = 0, y = 0;
+};
+
+/// The middle of the screen that has the window with the keyboard, whichever application's it is.
+Point middleOfMainScreen();
+
+/// Has VoiceOver read a text, whatever has the keyboard.
+void announce(const std::string &text);
 
 } // namespace korvel::native

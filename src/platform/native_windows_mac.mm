@@ -1,5 +1,7 @@
 #include "platform/native_windows_mac.h"
 
+#include "platform/native_text_mac.h"
+
 #import <AppKit/AppKit.h>
 
 // Not public. AppKit calls it for the mask of a non-activating panel, but only when it makes the panel, which is Qt's.
@@ -39,6 +41,20 @@ void makeKeyAndOrderFront(void *nsView) { [windowOf(nsView) makeKeyAndOrderFront
 void orderFrontRegardless(void *nsView) {
     [NSApp unhideWithoutActivation];
     [windowOf(nsView) orderFrontRegardless];
+}
+
+Point middleOfMainScreen() {
+    const NSRect screen = NSScreen.mainScreen.frame;
+    NSScreen *first = NSScreen.screens.firstObject;
+    return {NSMidX(screen), NSMaxY(first.frame) - NSMidY(screen)};
+}
+
+void announce(const std::string &text) {
+    NSAccessibilityPostNotificationWithUserInfo(
+        NSApp, NSAccessibilityAnnouncementRequestedNotification, @{
+            NSAccessibilityAnnouncementKey : systemText(text),
+            NSAccessibilityPriorityKey : @(NSAccessibilityPriorityHigh)
+        });
 }
 
 } // namespace korvel::native

@@ -3,12 +3,11 @@
 #include "ui/notice_view.h"
 #include "ui/text_styles.h"
 #include "ui/window_front.h"
+#include "ui/window_place.h"
 
-#include <QAccessible>
-#include <QGuiApplication>
+#include <QAccessibleWidget>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QScreen>
 #include <QWidget>
 
 namespace korvel {
@@ -30,43 +29,30 @@ QPalette noticePalette() {
 
 class NoticeWindow::HUDView final : public QWidget {
 public:
-    HUDView()
+    HUDView(const NoticeView &view, std::function<void()> clicked)
         : QWidget(nullptr,
-                  Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus) {
+                  Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus),
+          onClick(std::move(clicked)), error(view.error) {
         setAttribute(Qt::WA_ShowWithoutActivating);
         setAttribute(Qt::WA_TranslucentBackground);
         setAttribute(Qt::WA_X11NetWmWindowTypeNotification);
-        setAttribute(Qt::WA_MacAlwaysShowToolWindow); // also while another application is active
         setAttribute(Qt::WA_QuitOnClose, false);
         setFocusPolicy(Qt::NoFocus);
         setPalette(noticePalette());
-        label = new ToneLabel(uiFont(13, QFont::DemiBold), Tone::Normal, this);
+        setWindowTitle(view.text); // never seen, but window lists and screen readers know it
+        auto *label = new ToneLabel(uiFont(13, QFont::DemiBold), Tone::Normal, this);
         label->setWordWrap(true);
         label->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-    }
-
-    void present(const NoticeView &view, std::function<void()> clicked) {
-        error = view.error;
-        onClick = std::move(clicked);
         label->setText(view.text);
-        setAccessibleName(view.text);
-        setWindowTitle(view.text); // never seen, but window lists and screen readers know it
-        const QScreen *screen = QGuiApplication::primaryScreen();
-        const NoticeLayout layout = noticeLayout(label->wrappedSize(NoticeLayout::MAX_TEXT_WIDTH),
-                                                 screen ? screen->availableGeometry() : QRect(0, 0, 800, 600));
+        const NoticeLayout layout = noticeLayout(label->wrappedSize(NoticeLayout::MAX_TEXT_WIDTH), roomInFront());
         label->setGeometry(layout.label);
         setGeometry(layout.panel);
-        update();
-        showNotice(*this);
-        QAccessibleEvent announcement(this, QAccessible::Alert);
-        QAccessible::updateAccessibility(&announcement);
     }
 
 protected:
     void mousePressEvent(QMouseEvent *) override {
-        // A copy: the action may present the next notice.
-        if (const auto action = onClick)
-            action();
+        if (onClick)
+            onClick();
     }
 
     void paintEvent(QPaintEvent *) override {
@@ -78,23 +64,39 @@ protected:
     }
 
 private:
-    ToneLabel *label = nullptr;
-    std::function<void()> onClick;
-    bool error = false;
+    const std::function<void()> onClick;
+    const bool error;
 };
 
-NoticeWindow::NoticeWindow() = default;
+/// A notice as a screen reader is told of it: a notification with its text and nothing in it, so that it is read once.
+class NoticeWindow::Announcement final : public QAccessibleWidget {
+public:
+    explicit Announcement(HUDView &notice) : QAccessibleWidget(&notice, QAccessible::Notification) {}
+    int childCount() const override { return 0; }
+    QAccessibleInterface *child(int) const override { return nullptr; }
+    QAccessibleInterface *childAt(int, int) const override { return nullptr; }
+
+    static QAccessibleInterface *make(const QString &, QObject *object) {
+        auto *notice = dynamic_cast<HUDView *>(object);
+        return notice ? new Announcement(*notice) : nullptr;
+    }
+};
+
+NoticeWindow::NoticeWindow() { QAccessible::installFactory(Announcement::make); }
 NoticeWindow::~NoticeWindow() = default;
 
 void NoticeWindow::show(const NoticeView &view, std::function<void()> clicked) {
-    if (!hudPanel)
-        hudPanel = std::make_unique<HUDView>();
-    hudPanel->present(view, std::move(clicked));
+    hide();
+    // Each a window of its own: a screen reader that asks late must not read the next text for this one.
+    hudPanel = std::make_unique<HUDView>(view, std::move(clicked));
+    showNotice(*hudPanel);
 }
 
 void NoticeWindow::hide() {
-    if (hudPanel)
-        hudPanel->hide();
+    if (!hudPanel)
+        return;
+    hudPanel->hide();
+    hudPanel.release()->deleteLater(); // a click in it may be what hides it
 }
 
 } // namespace korvel

@@ -17,7 +17,8 @@ public:
 
 private:
     class HUDView;
-    std::unique_ptr<HUDView> hudPanel; ///< Made at the first notice.
+    class Announcement;
+    std::unique_ptr<HUDView> hudPanel; ///< The notice shown now.
 };
 
 } // namespace korvel

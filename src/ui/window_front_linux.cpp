@@ -1,6 +1,10 @@
 #include "ui/window_front.h"
 
+#include <QCursor>
+#include <QGuiApplication>
+#include <QScreen>
 #include <QWidget>
+#include <QWindow>
 
 namespace korvel {
 
@@ -12,6 +16,12 @@ void bringToFront(QWidget &window, WindowLevel) {
     window.activateWindow();
 }
 
+QScreen *screenInFront() {
+    const QWindow *front = QGuiApplication::focusWindow(); // of this program: X tells no screen of another's
+    return front ? front->screen() : QGuiApplication::screenAt(QCursor::pos());
+}
+
+// A screen reader reads a notification that appears.
 void showNotice(QWidget &notice) {
     notice.show();
     notice.raise();

@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QEvent>
 #include <QPointer>
+#include <QScreen>
 #include <QTimer>
 #include <QWidget>
 #include <algorithm>
@@ -67,6 +68,12 @@ void bringToFront(QWidget &window, WindowLevel level) {
     window.activateWindow();
 }
 
+// AppKit knows the window with the keyboard of any application.
+QScreen *screenInFront() {
+    const native::Point middle = native::middleOfMainScreen();
+    return QGuiApplication::screenAt(QPoint(static_cast<int>(middle.x), static_cast<int>(middle.y)));
+}
+
 void showNotice(QWidget &notice) {
     native::makeNotice(nativeView(notice)); // first: a window that was shown once may keep activating
     if (native::canPreventActivation(nativeView(notice)))
@@ -74,6 +81,7 @@ void showNotice(QWidget &notice) {
     notice.show();
     // Not QWidget::raise(): on macOS it activates the application.
     native::orderFrontRegardless(nativeView(notice));
+    native::announce(notice.windowTitle().toStdString());
 }
 
 } // namespace korvel

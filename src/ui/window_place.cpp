@@ -1,6 +1,7 @@
 #include "ui/window_place.h"
 
 #include "ui/scrolling_text.h"
+#include "ui/window_front.h"
 
 #include <QCursor>
 #include <QGuiApplication>
@@ -89,6 +90,8 @@ private:
 } // namespace
 
 QRect roomForWindows() { return roomOn(QGuiApplication::screenAt(QCursor::pos())); }
+
+QRect roomInFront() { return roomOn(screenInFront()); }
 
 void centreOnScreen(QWidget &window) { new Centring(window, roomForWindows()); }
 

@@ -10,6 +10,8 @@ namespace korvel {
 
 /// The room for windows on the screen that the pointer is on.
 QRect roomForWindows();
+/// The same on the screen where the user is.
+QRect roomInFront();
 
 /// Puts a window that is about to show in the middle of the room for windows, with its frame, and never over the upper
 /// or left edge.

@@ -166,8 +166,9 @@ TEST_F(AccessibilityTest, ThePairingCodeIsReadDigitByDigitAndTheWindowUsedByKeyb
     EXPECT_TRUE(opens(u"Enter this code on your phone"_s));
 }
 
-TEST_F(AccessibilityTest, ADeviceIsAllowedByKeyboard) {
+TEST_F(AccessibilityTest, ADeviceIsAllowedByKeyboardAndEachNoticeReadOnce) {
     start(u"active"_s);
+    home.changeScenario({{u"faults"_s, QJsonObject{{u"/e2ee/pair"_s, QJsonObject{{u"delayMs"_s, 1000}}}}}}); // to read
     const sim::AskedDevice device = home.encryption().askDevice(u"Anna's phone"_s, u"ios"_s);
     const QString title = u"New device: Anna's phone · iPhone"_s;
     ASSERT_TRUE(comesUp(title));
@@ -177,12 +178,16 @@ TEST_F(AccessibilityTest, ADeviceIsAllowedByKeyboard) {
     EXPECT_FALSE(isEnabled(u"Allow"_s));
     expectOrder();
 
+    ASSERT_TRUE(reader.listen());
     sim::typeText(device.code);
     ASSERT_TRUE(panel.waitUntil([&] { return isEnabled(u"Allow"_s); }, SOON));
     expectOrder();
     sim::pressKey(u"Return"_s);
     EXPECT_TRUE(sends(u"/e2ee/pair"_s));
     EXPECT_TRUE(closes());
+    const QStringList notices{u"Verifying…"_s, u"✓ Allowed Anna's phone"_s};
+    EXPECT_TRUE(panel.waitUntil([&] { return reader.notifications().size() >= notices.size(); }, SOON));
+    EXPECT_EQ(reader.notifications(), notices);
 }
 
 TEST_F(AccessibilityTest, ADeviceIsPutOffWithEscapeAndDeniedWithTheSpaceBar) {

@@ -16,6 +16,7 @@
 #include <QApplication>
 #include <QImage>
 #include <QMenu>
+#include <QScreen>
 #include <QSysInfo>
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
@@ -141,10 +142,20 @@ TEST_F(MacParts, TheSystemsProxyIsNamedAsLibcurlWritesIt) {
 TEST_F(MacParts, ANoticeNeverActivatesTheTray) {
     NoticeWindow notice;
     notice.show({.text = u"Signed out"_s}, {});
-    EXPECT_EQ(mac.takeCalls(), (Calls{"notice", "front"}));
+    EXPECT_EQ(mac.takeCalls(), (Calls{"notice", "front", "read Signed out"}));
     mac.preventsActivation = true;
     notice.show({.text = u"Paused"_s}, {});
-    EXPECT_EQ(mac.takeCalls(), (Calls{"notice", "prevents activation", "front"}));
+    EXPECT_EQ(mac.takeCalls(), (Calls{"notice", "prevents activation", "front", "read Paused"}));
+}
+
+TEST_F(MacParts, ANoticeIsOnTheScreenThatHasTheKeyboard) {
+    const QList<QScreen *> screens = QGuiApplication::screens();
+    ASSERT_EQ(screens.size(), 2);
+    for (QScreen *screen : screens) {
+        const QPoint middle = screen->geometry().center();
+        mac.mainScreen = {.x = double(middle.x()), .y = double(middle.y())};
+        EXPECT_EQ(screenInFront(), screen);
+    }
 }
 
 TEST_F(MacParts, AWindowTakesTheKeyboardAndTheLastOneGivesItBack) {

@@ -98,6 +98,8 @@ void preventActivation(void *) { note("prevents activation"); }
 void makeFloating(void *) { note("floating"); }
 void makeKeyAndOrderFront(void *) { note("key and front"); }
 void orderFrontRegardless(void *) { note("front"); }
+Point middleOfMainScreen() { return fake().mainScreen; }
+void announce(const std::string &text) { note("read " + text); }
 
 struct HiddenMainMenu::Native {};
 HiddenMainMenu::HiddenMainMenu(const std::string &applicationTitle, const std::string &editTitle) {

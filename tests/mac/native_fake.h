@@ -2,6 +2,7 @@
 
 #include "exchange/native_proxy_mac.h"
 #include "platform/native_sockets_mac.h"
+#include "platform/native_windows_mac.h"
 
 #include <functional>
 #include <map>
@@ -23,6 +24,7 @@ struct Fake {
     std::vector<long long> processes;
     std::map<std::size_t, bool> terminated;
     bool preventsActivation = false;
+    Point mainScreen;
     std::function<void()> reopen;
     std::map<int, std::vector<TcpSocket>> sockets; ///< By process; a socket's descriptor is its place.
     Proxy proxy, scriptProxy;                      ///< By the settings, and by the script whose text is `script`.

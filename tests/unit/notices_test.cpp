@@ -9,10 +9,13 @@
 #include "support/fakes.h"
 #include "support/manual_scheduler.h"
 #include "ui/esc_window.h"
+#include "ui/notice_view.h"
 #include "ui/notice_window.h"
 #include "update/update_notices.h"
 
 #include <QApplication>
+#include <QCursor>
+#include <QScreen>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -63,14 +66,41 @@ TEST(NoticeLayout, IsCentredBelowTheMenuBarAndNeverWiderThanItsLimit) {
     EXPECT_LE(noticeLayout({560, 32767}, visible).panel.bottom(), visible.bottom());
 }
 
+QWidget *shownWindow(const QString &title) {
+    for (QWidget *window : QApplication::topLevelWidgets())
+        if (window->isVisible() && window->windowTitle() == title)
+            return window;
+    return nullptr;
+}
+
 TEST(NoticeWindow, AClickReachesWhoeverShowedTheNotice) {
     NoticeWindow notice;
     int clicks = 0;
     notice.show({.text = u"Signed out"_s}, [&] { ++clicks; });
-    for (QWidget *window : QApplication::topLevelWidgets())
-        if (window->isVisible() && window->windowTitle() == u"Signed out")
-            QTest::mouseClick(window, Qt::LeftButton);
+    QTest::mouseClick(shownWindow(u"Signed out"_s), Qt::LeftButton);
     EXPECT_EQ(clicks, 1);
+}
+
+TEST(NoticeWindow, IsOnTheScreenOfTheWindowInFrontElseOfThePointer) {
+    const QList<QScreen *> screens = QGuiApplication::screens();
+    ASSERT_EQ(screens.size(), 2);
+    NoticeWindow notices;
+    const auto place = [&] {
+        notices.show({.text = u"here"_s}, {});
+        return shownWindow(u"here"_s)->geometry();
+    };
+    const QPoint before = QCursor::pos();
+    for (const QScreen *screen : screens) {
+        QCursor::setPos(screen->geometry().center());
+        EXPECT_TRUE(screen->geometry().contains(place()));
+    }
+    QWidget front;
+    front.setGeometry(100, 100, 200, 200);
+    front.show();
+    front.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&front));
+    EXPECT_TRUE(screens.first()->geometry().contains(place()));
+    QCursor::setPos(before);
 }
 
 TEST(NamedNotices, LastAsLongAsTheirTextNeedsAndShowErrorsAsSuch) {
