@@ -24,6 +24,7 @@ QString quit(Tour &tour) {
         return u"the agent still runs"_s;
     if (!tour.waitUntil([&] { return !tour.panel().isRegistered(); }, GONE_WITHIN))
         return u"the item stays"_s;
+    tour.waitForRest({}); // the panel closes the gap
     return tour.screenshot(u"quit"_s) ? QString() : u"no screenshot"_s;
 }
 
