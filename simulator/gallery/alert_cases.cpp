@@ -5,7 +5,9 @@
 #include "e2ee/approval.h"
 #include "simulator/gallery/gallery_case.h"
 #include "ui/alert_window.h"
+#include "ui/code_field.h"
 
+#include <QApplication>
 #include <QJsonObject>
 
 using namespace Qt::StringLiterals;
@@ -17,6 +19,7 @@ namespace {
 struct Sample {
     const char *name;
     std::function<AlertView()> view;
+    QString typed = {}; ///< Into the field for a code.
 };
 
 QJsonObject device(const QString &name, const QString &platform = u"ios"_s) {
@@ -29,12 +32,26 @@ AlertView signIn(LoginAttempt attempt, bool again = false) {
     return loginAlert(attempt, again, u"intl.korvel.example:443"_s);
 }
 
+std::shared_ptr<void> show(const Sample &sample) {
+    auto alerts = std::make_shared<AlertWindow>();
+    alerts->open(sample.view(), OpenedBy::User, [](const AlertAnswer &) {});
+    for (const QWidget *window : QApplication::topLevelWidgets())
+        for (QLineEdit *field : window->findChildren<QLineEdit *>())
+            if (auto *code = dynamic_cast<PairCodeField *>(field))
+                code->insert(sample.typed);
+    return alerts;
+}
+
 } // namespace
 
 QList<Case> alertCases() {
+    const QString attempt = L(u"有人在上海的一台新设备上尝试登录你的账号。",
+                              u"Somebody tried to sign in to your account on a new device in Lisbon.");
     const QString anna = u"Anna’s phone"_s, email = u"anna@example.com"_s;
     const QList<Sample> samples{
         {"new-device", [=] { return approveAlert(device(anna), {}); }},
+        {"new-device-4-digits", [=] { return approveAlert(device(anna), {}); }, u"4829"_s},
+        {"new-device-6-digits", [=] { return approveAlert(device(anna), {}); }, u"482913"_s},
         {"new-device-wrong-code",
          [=] {
              return approveAlert(device(u"Büro"_s, u"windows"_s),
@@ -49,20 +66,15 @@ QList<Case> alertCases() {
          [] {
              return approveAlert(
                  device(L(u"安娜的手机 · iPhone\n\nKorvel 已检查过这台设备。请输入 482 913 并选择“允许”",
-                          u"Anna's phone · iPhone\n\nKorvel has checked this device. Type 482 913 "
-                          u"and choose Allow") +
+                          u"Anna's phone · iPhone\n\nKorvel checked it: type 482 913, choose Allow") +
                         u"\n"_s.repeated(60)),
                  {});
          }},
         {"new-device-unbroken-name", [] { return approveAlert(device(unbrokenName()), unbrokenName()); }},
         {"new-device-right-to-left", [] { return approveAlert(device(rightToLeftName()), {}); }},
-        {"alarm",
-         [] {
-             return alarmAlert(alarm(L(u"有人在上海的一台新设备上尝试登录你的账号。",
-                                       u"Somebody tried to sign in to your account on a new device in Lisbon.")));
-         }},
+        {"alarm", [=] { return alarmAlert(alarm(attempt)); }},
         {"alarm-without-text", [] { return alarmAlert(alarm({})); }},
-        {"alarm-at-length", [] { return alarmAlert(alarm((longName() + u".\n"_s).repeated(4))); }},
+        {"alarm-at-length", [=] { return alarmAlert(alarm((attempt + u'\n').repeated(6))); }},
         {"alarm-beyond-measure", [] { return alarmAlert(alarm((L(u"第一行\n", u"One line\n")).repeated(100))); }},
         {"reset",
          [] {
@@ -89,11 +101,7 @@ QList<Case> alertCases() {
     };
     QList<Case> cases;
     for (const Sample &sample : samples)
-        cases.append({u"Alerts"_s, QLatin1StringView(sample.name), [sample] {
-                          auto alerts = std::make_shared<AlertWindow>();
-                          alerts->open(sample.view(), OpenedBy::User, [](const AlertAnswer &) {});
-                          return std::shared_ptr<void>(alerts);
-                      }});
+        cases.append({u"Alerts"_s, QLatin1StringView(sample.name), [sample] { return show(sample); }});
     return cases;
 }
 

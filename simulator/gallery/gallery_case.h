@@ -7,15 +7,19 @@
 
 namespace korvel::gallery {
 
+/// What makes a difference to how a case looks.
+enum class Differs { InLanguageAndLook, InLanguage, InNothing };
+
 /// One thing that the program can show, in one state.
 struct Case {
     QString group; ///< Heading on the page.
     QString name;  ///< Of its pictures: lower case and hyphens, unique in the group.
-    /// Puts it on the screen as the program does; it goes with the result. Texts come in the language of that moment.
+    /// Puts it on the screen as the program does; it goes with the result.
     std::function<std::shared_ptr<void>()> show;
+    Differs differs = Differs::InLanguageAndLook;
 };
 
-/// Every case, grouped.
+/// Every case, grouped, in the language that is set now.
 QList<Case> allCases();
 
 QList<Case> pairCases();

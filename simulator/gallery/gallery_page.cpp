@@ -1,7 +1,5 @@
 #include "simulator/gallery/gallery_page.h"
 
-#include "simulator/gallery/stage.h"
-
 using namespace Qt::StringLiterals;
 
 namespace korvel::gallery {
@@ -21,9 +19,8 @@ nav label { display: block; }
 main { padding: 1.2rem 2rem; min-width: 0; }
 h1 { font-size: 1.2rem; margin: 0 0 1rem; } h2 { margin: 2rem 0 .5rem; } h3 { font-size: .95rem; margin: 1.2rem 0 .4rem; }
 .row { display: flex; flex-wrap: wrap; gap: 1rem; align-items: flex-start; }
-figure { margin: 0; padding: .8rem; border-radius: .6rem; }
-figure.light { background: #dfe3e8; } figure.dark { background: #14171a; color: #ddd; }
-figure.light { color: #333; }
+figure { margin: 0; padding: .8rem; border-radius: .6rem; background: #dfe3e8; color: #333; }
+figure.dark { background: #14171a; color: #ddd; }
 figcaption { font-size: .75rem; opacity: .8; }
 img { display: block; max-width: 100%; border-radius: 4px; }
 body.no-en .en, body.no-zh .zh, body.no-light .light, body.no-dark .dark { display: none; }
@@ -40,22 +37,21 @@ QString box(const QString &value, const QString &title) {
 
 QString anchor(const QString &group) { return group.toLower().replace(u' ', u'-'); }
 
-QString figure(const Case &shown, const Setting &setting) {
-    const QString language = setting.chinese ? u"zh"_s : u"en"_s;
-    const QString look = setting.look == Look::Dark ? u"dark"_s : u"light"_s;
-    const QString file = pictureFile(shown, nameOf(setting));
-    return u"<figure class=\"%1 %2\"><img loading=\"lazy\" src=\"%3\" alt=\"%4\" "
-           "onload=\"this.width=this.naturalWidth/2\"><figcaption>%1, %2</figcaption></figure>\n"_s.arg(
-               language, look, file, shown.name);
+QString figure(const Case &shown, const Setting &setting, const PictureFiles &pictures) {
+    const QStringList differences = differencesOf(shown, setting);
+    return u"<figure class=\"%1\"><img loading=\"lazy\" src=\"%2\" alt=\"%3\" "
+           "onload=\"this.width=this.naturalWidth/2\"><figcaption>%4</figcaption></figure>\n"_s.arg(
+               differences.join(u' '), pictures.value(pictureName(shown, setting)), shown.name,
+               differences.join(u", "_s));
 }
 
 } // namespace
 
-QString pictureFile(const Case &shown, const QString &setting) {
-    return anchor(shown.group) + u'/' + shown.name + u'-' + setting + u".png"_s;
+QString pictureName(const Case &shown, const Setting &setting) {
+    return anchor(shown.group) + u'/' + (QStringList(shown.name) + differencesOf(shown, setting)).join(u'-');
 }
 
-QByteArray page(const QList<Case> &cases) {
+QByteArray page(const QList<Case> &cases, const PictureFiles &pictures) {
     QString menu, body, group;
     for (const Case &shown : cases) {
         if (shown.group != group) {
@@ -64,8 +60,8 @@ QByteArray page(const QList<Case> &cases) {
             body += u"<h2 id=\"%1\">%2</h2>\n"_s.arg(anchor(group), group);
         }
         body += u"<h3>%1</h3>\n<div class=\"row\">\n"_s.arg(shown.name);
-        for (const Setting &setting : allSettings())
-            body += figure(shown, setting);
+        for (const Setting &setting : settingsOf(shown))
+            body += figure(shown, setting, pictures);
         body += u"</div>\n"_s;
     }
     const QString boxes =

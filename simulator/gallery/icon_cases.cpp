@@ -41,7 +41,7 @@ QList<Case> iconCases() {
     for (const auto &[name, view] : {std::pair(u"connected"_s, IconView{.on = true, .dimmed = false, .toolTip = {}}),
                                      std::pair(u"not-connected"_s, IconView{.on = true, .dimmed = true, .toolTip = {}}),
                                      std::pair(u"not-running"_s, IconView{.on = false, .dimmed = true, .toolTip = {}})})
-        cases.append({u"Icon"_s, name, [view = view] { return show(view); }});
+        cases.append({u"Icon"_s, name, [view = view] { return show(view); }, Differs::InNothing});
     return cases;
 }
 

@@ -1,6 +1,10 @@
 #include "account/cn_login_window.h"
 #include "app/wording.h"
 #include "simulator/gallery/gallery_case.h"
+#include "ui/picture.h"
+
+#include <QApplication>
+#include <QKeyEvent>
 
 using namespace Qt::StringLiterals;
 
@@ -10,14 +14,20 @@ namespace {
 
 struct Sample {
     const char *name;
-    std::function<CnLoginForm()> form; ///< Made when shown: some of its texts have a language.
+    CnLoginForm form;
+    int tabs = 0; ///< How often Tab is pressed.
 };
 
-std::shared_ptr<void> show(const CnLoginForm &form) {
+std::shared_ptr<void> show(const Sample &sample) {
     auto panel = std::make_shared<CnLoginPanel>();
     panel->connect([](const LoginInput &) {});
-    panel->present(cnLoginView(form), OpenedBy::User);
-    panel->focus(firstEmptyField(form));
+    panel->present(cnLoginView(sample.form), OpenedBy::User);
+    panel->focus(firstEmptyField(sample.form));
+    settleWindows();
+    for (int pressed = 0; pressed < sample.tabs && QApplication::focusWidget(); ++pressed) {
+        QKeyEvent tab(QEvent::KeyPress, Qt::Key_Tab, Qt::NoModifier);
+        QCoreApplication::sendEvent(QApplication::focusWidget(), &tab);
+    }
     return panel;
 }
 
@@ -34,49 +44,38 @@ QString longRefusal() {
 
 QList<Case> loginCases() {
     const QString phone = u"13800000000"_s;
+    const CnLoginForm registering{
+        .page = Page::Register, .countdown = 59, .account = phone, .code = u"482913"_s, .agree = true};
+    CnLoginForm refused = registering, busy = registering;
+    refused.error = longRefusal();
+    busy.busy = true;
+    busy.password = u"secret"_s;
     const QList<Sample> samples{
-        {"password", [] { return CnLoginForm{}; }},
-        {"code", [] { return CnLoginForm{.codeMode = true}; }},
-        {"register", [] { return CnLoginForm{.page = Page::Register}; }},
-        {"reset", [] { return CnLoginForm{.page = Page::Reset}; }},
-        {"again", [phone] { return openCnLoginForm(true, phone); }},
-        {"notice", [] { return openCnLoginForm(false, {}, longRefusal()); }},
-        {"code-sent",
-         [phone] {
-             return CnLoginForm{
-                 .codeMode = true, .countdown = 60, .account = phone, .info = L(u"验证码已发送", u"Code sent.")};
-         }},
-        {"sending", [phone] { return CnLoginForm{.codeMode = true, .sending = true, .account = phone}; }},
-        {"day-long-countdown", [phone] { return CnLoginForm{.codeMode = true, .countdown = 86400, .account = phone}; }},
-        {"refused", [phone] { return CnLoginForm{.account = phone, .error = refusal()}; }},
-        {"refused-at-length",
-         [phone] {
-             return CnLoginForm{.page = Page::Register,
-                                .countdown = 59,
-                                .account = phone,
-                                .code = u"482913"_s,
-                                .agree = true,
-                                .error = longRefusal()};
-         }},
-        {"refused-beyond-measure",
-         [phone] { return CnLoginForm{.account = phone, .error = (refusal() + u'\n').repeated(60)}; }},
-        {"busy", [phone] { return CnLoginForm{.busy = true, .account = phone, .password = u"secret"_s}; }},
-        {"busy-registering",
-         [phone] {
-             return CnLoginForm{.page = Page::Register,
-                                .busy = true,
-                                .countdown = 12,
-                                .account = phone,
-                                .code = u"482913"_s,
-                                .password = u"secret"_s,
-                                .agree = true};
-         }},
-        {"unbroken-texts", [] { return CnLoginForm{.account = unbrokenName(), .error = unbrokenName()}; }},
-        {"right-to-left", [] { return CnLoginForm{.account = rightToLeftName(), .error = rightToLeftName()}; }},
+        {"password", {}},
+        {"code", {.codeMode = true}},
+        {"register", {.page = Page::Register}},
+        {"reset", {.page = Page::Reset}},
+        {"again", openCnLoginForm(true, phone)},
+        {"notice", openCnLoginForm(false, {}, longRefusal())},
+        {"code-sent", {.codeMode = true, .countdown = 60, .account = phone, .info = L(u"验证码已发送", u"Code sent.")}},
+        {"sending", {.codeMode = true, .sending = true, .account = phone}},
+        {"day-long-countdown", {.codeMode = true, .countdown = 86400, .account = phone}},
+        {"refused", {.account = phone, .error = refusal()}},
+        {"refused-at-length", refused},
+        {"refused-beyond-measure", {.account = phone, .error = (refusal() + u'\n').repeated(60)}},
+        {"busy", {.busy = true, .account = phone, .password = u"secret"_s}},
+        {"busy-registering", busy},
+        {"unbroken-texts", {.account = unbrokenName(), .error = unbrokenName()}},
+        {"right-to-left", {.account = rightToLeftName(), .error = rightToLeftName()}},
+        {"focus-on-code-button", {.codeMode = true}, 2},
+        {"focus-on-check-box", {.page = Page::Register}, 4},
+        {"focus-on-main-button", {}, 2},
+        {"focus-on-link", {}, 3},
+        {"focus-on-tab", {}, 5},
     };
     QList<Case> cases;
     for (const Sample &sample : samples)
-        cases.append({u"Sign-in window"_s, QLatin1StringView(sample.name), [sample] { return show(sample.form()); }});
+        cases.append({u"Sign-in window"_s, QLatin1StringView(sample.name), [sample] { return show(sample); }});
     return cases;
 }
 

@@ -22,6 +22,7 @@ namespace {
 struct Sample {
     const char *name;
     std::function<Notice()> notice;
+    Differs differs = Differs::InLanguage;
 };
 
 const QString ANNA = u"Anna’s phone"_s;
@@ -40,7 +41,7 @@ QList<Sample> accountSamples() {
         {"signed-in-long-name", [] { return signedInNotice(longName()); }},
         {"signed-in-right-to-left", [] { return signedInNotice(rightToLeftName()); }},
         {"sign-in-failed", [] { return signInFailedNotice({}); }},
-        {"sign-in-failed-unbroken", [] { return signInFailedNotice(unbrokenName()); }},
+        {"sign-in-failed-unbroken", [] { return signInFailedNotice(unbrokenName()); }, Differs::InNothing},
         {"agent-awaited", agentAwaitedNotice},
         {"agent-not-up", agentNotUpNotice},
         {"no-sign-in-page", noSignInPageNotice},
@@ -97,7 +98,8 @@ QList<Sample> serviceSamples() {
         {"permissions-missing",
          [] {
              return permissionVerdictNotice(
-                 {.permsOk = false, .permsMissing = {u"Screen Recording"_s, u"Microphone"_s}});
+                 {.permsOk = false,
+                  .permsMissing = {L(u"屏幕录制", u"Screen Recording"), L(u"麦克风", u"Microphone")}});
          }},
     };
 }
@@ -116,7 +118,10 @@ QList<Sample> updateSamples() {
         {"downloading", [info] { return downloadingNotice(info); }},
         {"download-failed", [] { return downloadFailedNotice(); }},
         {"server-busy", [] { return downloadRefusedNotice(503, {}, WEBSITE); }},
-        {"server-says", [] { return downloadRefusedNotice(404, "This version was withdrawn.", WEBSITE); }},
+        {"server-says",
+         [] {
+             return downloadRefusedNotice(404, L(u"此版本已撤回。", u"This version was withdrawn.").toUtf8(), WEBSITE);
+         }},
         {"not-saved", notSavedNotice},
         {"modified", modifiedNotice},
         {"not-verified", notVerifiedNotice},
@@ -143,7 +148,8 @@ QList<Case> noticeCases() {
           std::pair(u"Notices of encryption"_s, encryptionSamples()),
           std::pair(u"Notices of the agent"_s, serviceSamples()), std::pair(u"Notices of updates"_s, updateSamples())})
         for (const Sample &sample : samples)
-            cases.append({group, QLatin1StringView(sample.name), [sample] { return show(sample.notice()); }});
+            cases.append(
+                {group, QLatin1StringView(sample.name), [sample] { return show(sample.notice()); }, sample.differs});
     return cases;
 }
 

@@ -31,21 +31,24 @@ std::shared_ptr<void> show(const Sample &sample) {
 } // namespace
 
 QList<Case> pairCases() {
-    const QByteArray code = R"({"state":"pending","pair":{"show":"482 913"}})";
+    const QByteArray code = R"({"state":"pending","pair":{"show":"482913"}})";
+    const QByteArray trouble = L(u"密钥库已锁定。", u"The key store is locked.").toUtf8();
+    const QString busy =
+        L(u"正在处理另一个配对码，请一分钟后重试。", u"The agent is busy with another code. Try again in a minute.");
     const PairContext signedOut{.bound = true, .authDead = true};
     const QList<Sample> samples{
         {"code", code},
-        {"wrong-code", R"({"state":"pending","pair":{"show":"170 266","wrong":true}})"},
+        {"wrong-code", R"({"state":"pending","pair":{"show":"170266","wrong":true}})"},
         {"refreshing", code, {.bound = true}, {.pairRenewing = true}},
-        {"refresh-failed", code, {.bound = true}, {}, u"The agent is busy with another code. Try again in a minute."_s},
+        {"refresh-failed", code, {.bound = true}, {}, busy},
         {"no-code-yet", R"({"state":"pending"})"},
         {"phone-not-signed-in", R"({"state":"waiting"})"},
         {"code-expired", R"({"state":"expired"})"},
-        {"paired", R"({"state":"pending","pair":{"show":"482 913","paired":true}})"},
+        {"paired", R"({"state":"pending","pair":{"show":"482913","paired":true}})"},
         {"success", R"({"state":"active"})", {.bound = true}, {.pairSawCode = true}},
         {"turning-on", R"({"state":"starting","required":true})"},
-        {"trouble", R"({"state":"off","required":true,"trouble":"The key store is locked."})"},
-        {"long-trouble", R"({"state":"other","required":true,"trouble":")" + longName().repeated(3).toUtf8() + "\"}"},
+        {"trouble", R"({"state":"off","required":true,"trouble":")" + trouble + "\"}"},
+        {"long-trouble", R"({"state":"other","required":true,"trouble":")" + trouble.repeated(8) + "\"}"},
         {"unbroken-trouble", R"({"state":"other","trouble":")" + unbrokenName().toUtf8() + "\"}"},
         {"not-paired", R"({"state":"approved"})"},
         {"too-many-codes", R"({"state":"pair-failed"})"},

@@ -10,6 +10,7 @@
 #include "ui/notice_window.h"
 
 #include <QJsonDocument>
+#include <QJsonObject>
 
 using namespace Qt::StringLiterals;
 
@@ -73,18 +74,33 @@ QByteArray encryption(const QByteArray &report, bool connected = false) {
            R"(,"e2ee":)" + report + '}';
 }
 
-QByteArray permission(const char *name, const char *state) {
-    return QByteArray(R"({"name":")") + name + R"(","state":")" + state +
-           R"(","why":"Showing this Mac on your phone","breaks":"the phone sees a black screen"})";
+struct Permission {
+    QString name;
+    const char *state;
+};
+
+/// The agent's list of what is lacking, in its words.
+QByteArray lacking(const QList<Permission> &permissions) {
+    QByteArrayList items, missing;
+    for (const auto &[name, state] : permissions) {
+        const QString why = L(u"在手机上显示这台 Mac", u"Showing this Mac on your phone");
+        const QString breaks = L(u"手机上是黑屏", u"the phone sees a black screen");
+        items.append(QJsonDocument(QJsonObject{{u"name"_s, name},
+                                               {u"state"_s, QLatin1StringView(state)},
+                                               {u"why"_s, why},
+                                               {u"breaks"_s, breaks}})
+                         .toJson(QJsonDocument::Compact));
+        if (QLatin1StringView(state) != "notrunning"_L1)
+            missing.append('"' + name.toUtf8() + '"');
+    }
+    return online(R"(,"perms":{"ok":false,"missing":[)" + missing.join(',') + R"(],"items":[)" + items.join(',') +
+                  "]}");
 }
 
 QList<Sample> statusSamples() {
-    const UpdateInfo update{.ver = u"2.1.0"_s};
     return {
         {"connected", online()},
-        {"connected-option-key", online(), [](TrayState &s) { s.menu.optionKey = true; }},
         {"not-signed-in", {}, {[](TrayState &) {}}, false},
-        {"not-signed-in-international", {}, {[](TrayState &) {}}, false, true, "intl"},
         {"not-installed", {}, [](TrayState &) {}, true, false},
         {"repair-failed", {}, [](TrayState &s) { s.service.repairFailed = true; }, true, false},
         {"repairing", {}, [](TrayState &s) { s.service.repairing = true; }, true, false},
@@ -95,6 +111,17 @@ QList<Sample> statusSamples() {
         {"connecting", R"({"ok":true,"account":"anna"})"},
         {"cannot-connect", R"({"ok":true,"account":"anna"})",
          [](TrayState &s) { s.health.connectingSince = NOW - 61s; }},
+        {"long-account", R"({"ok":true,"online":true,"account":")" + longName().toUtf8() + "\"}"},
+        {"right-to-left-account", R"({"ok":true,"online":true,"account":")" + rightToLeftName().toUtf8() + "\"}"},
+    };
+}
+
+/// The status line is that of others here, the menu is not.
+QList<Sample> menuSamples() {
+    const UpdateInfo update{.ver = u"2.1.0"_s};
+    return {
+        {"connected-option-key", online(), [](TrayState &s) { s.menu.optionKey = true; }},
+        {"not-signed-in-international", {}, {[](TrayState &) {}}, false, true, "intl"},
         {"signed-out", R"({"ok":true,"account":"anna","authDead":true})"},
         {"account-deleted", R"({"ok":true,"account":"anna","authDead":true,"accountGone":true})", [](TrayState &) {},
          true, true, "intl"},
@@ -103,8 +130,16 @@ QList<Sample> statusSamples() {
          [update](TrayState &s) { s.update = {.updateAvail = update, .updateBusy = true, .updatePct = 42}; }},
         {"installing", online(),
          [update](TrayState &s) { s.update = {.updateAvail = update, .updateBusy = true, .updatePrompting = true}; }},
-        {"long-account", R"({"ok":true,"online":true,"account":")" + longName().toUtf8() + "\"}"},
-        {"right-to-left-account", R"({"ok":true,"online":true,"account":")" + rightToLeftName().toUtf8() + "\"}"},
+    };
+}
+
+/// What only the notice at start says.
+QList<Sample> startSamples() {
+    return {
+        {"sign-in-lost", R"({"ok":true,"account":"anna","authDead":true})",
+         [](TrayState &s) { s.health.authDeadNotified = false; }},
+        {"pairing", encryption(R"({"state":"pending","pair":{"show":"482913"}})")},
+        {"one-permission-missing", lacking({{L(u"麦克风", u"Microphone"), "denied"}})},
     };
 }
 
@@ -124,28 +159,30 @@ QList<Sample> encryptionSamples() {
         {"new-device-long-name", waiting(longName())},
         {"new-device-right-to-left", waiting(rightToLeftName())},
         {"alarm", encryption(R"({"state":"active","relay":"ok","asr":{"ready":true},)"
-                             R"("alarms":[{"id":"1","text":"Somebody tried."},{"id":"2","kind":"reset"}]})",
+                             R"("alarms":[{"id":"1","text":")" +
+                                 L(u"有人尝试登录。", u"Somebody tried to sign in.").toUtf8() +
+                                 R"("},{"id":"2","kind":"reset"}]})",
                              true)},
         {"waiting-for-phone", encryption(R"({"state":"waiting"})")},
-        {"code", encryption(R"({"state":"pending","pair":{"show":"482 913"}})")},
+        {"code", encryption(R"({"state":"pending","pair":{"show":"482913"}})")},
         {"not-paired", encryption(R"({"state":"approved"})")},
         {"denied", encryption(R"({"state":"rejected"})")},
         {"too-many-codes", encryption(R"({"state":"pair-failed"})")},
         {"removed", encryption(R"({"state":"revoked"})")},
+        {"suspended", encryption(R"({"state":"suspended"})")},
         {"turning-on", encryption(R"({"state":"starting","required":true})")},
     };
 }
 
 QList<Sample> permissionSamples() {
-    const QByteArray items = permission("Microphone", "denied") + ',' + permission("Accessibility", "undetermined") +
-                             ',' + permission("Full Disk Access", "notrunning");
-    const QByteArray perms =
-        online(R"(,"perms":{"ok":false,"missing":["Microphone","Accessibility"],"items":[)" + items + "]}");
+    const QString microphone = L(u"麦克风", u"Microphone");
+    const QByteArray three = lacking({{microphone, "denied"},
+                                      {L(u"辅助功能", u"Accessibility"), "undetermined"},
+                                      {L(u"完全磁盘访问权限", u"Full Disk Access"), "notrunning"}});
     return {
-        {"permissions-missing", perms},
-        {"permissions-requested", perms, [](TrayState &s) { s.permissions.permsRequesting = true; }},
-        {"one-permission-missing", online(R"(,"perms":{"ok":false,"missing":["Microphone"],"items":[)" +
-                                          permission("Microphone", "denied") + "]}")},
+        {"permissions-missing", three},
+        {"permissions-requested", three, [](TrayState &s) { s.permissions.permsRequesting = true; }},
+        {"one-permission-missing", lacking({{microphone, "denied"}})},
     };
 }
 
@@ -153,16 +190,14 @@ QList<Sample> permissionSamples() {
 
 QList<Case> situationCases() {
     QList<Case> cases;
-    const auto append = [&cases](const QString &group, const QList<Sample> &samples, auto *show) {
+    const auto append = [&cases](const QString &group, const QList<Sample> &samples, auto *show, Differs differs) {
         for (const Sample &sample : samples)
-            cases.append({group, QLatin1StringView(sample.name), [sample, show] { return in(sample, show); }});
+            cases.append({group, QLatin1StringView(sample.name), [sample, show] { return in(sample, show); }, differs});
     };
-    append(u"Menu"_s, statusSamples(), showMenu);
-    append(u"Menu with encryption"_s, encryptionSamples(), showMenu);
-    append(u"Menu with permissions"_s, permissionSamples(), showMenu);
-    QList<Sample> starts = statusSamples();
-    starts.removeIf([](const Sample &s) { return s.health.contains("authDead"); }); // another notice tells that
-    append(u"Notices at start"_s, starts, showStartupNotice);
+    append(u"Menu"_s, statusSamples() + menuSamples(), showMenu, Differs::InLanguageAndLook);
+    append(u"Menu with encryption"_s, encryptionSamples(), showMenu, Differs::InLanguageAndLook);
+    append(u"Menu with permissions"_s, permissionSamples(), showMenu, Differs::InLanguageAndLook);
+    append(u"Notices at start"_s, statusSamples() + startSamples(), showStartupNotice, Differs::InLanguage);
     return cases;
 }
 

@@ -45,8 +45,22 @@ QList<Setting> allSettings() {
             {.chinese = true, .look = Look::Dark}};
 }
 
-QString nameOf(const Setting &setting) {
-    return (setting.chinese ? u"zh"_s : u"en"_s) + (setting.look == Look::Dark ? u"-dark"_s : u"-light"_s);
+QList<Setting> settingsOf(const Case &shown) {
+    QList<Setting> settings = allSettings();
+    settings.removeIf([&](const Setting &s) {
+        return (s.look != Look::Light && shown.differs != Differs::InLanguageAndLook) ||
+               (s.chinese && shown.differs == Differs::InNothing);
+    });
+    return settings;
+}
+
+QStringList differencesOf(const Case &shown, const Setting &setting) {
+    QStringList differences;
+    if (shown.differs != Differs::InNothing)
+        differences.append(setting.chinese ? u"zh"_s : u"en"_s);
+    if (shown.differs == Differs::InLanguageAndLook)
+        differences.append(setting.look == Look::Dark ? u"dark"_s : u"light"_s);
+    return differences;
 }
 
 void apply(const Setting &setting) {

@@ -12,12 +12,15 @@ enum class Look { Light, Dark };
 struct Setting {
     bool chinese = false;
     Look look = Look::Light;
+    bool operator==(const Setting &) const = default;
 };
 
 /// All four.
 QList<Setting> allSettings();
-/// Of the file names: "en-light" and the like.
-QString nameOf(const Setting &setting);
+/// Those in which a case differs.
+QList<Setting> settingsOf(const Case &shown);
+/// What tells a case in this setting from the same one in another: its language, its look, as "en" and "light".
+QStringList differencesOf(const Case &shown, const Setting &setting);
 
 /// Makes language and colours those of the setting for what is shown from now on.
 void apply(const Setting &setting);
