@@ -33,5 +33,7 @@ QList<Case> iconCases();
 QString longName();        ///< Many words.
 QString unbrokenName();    ///< 200 characters without a blank.
 QString rightToLeftName(); ///< Hebrew, with emoji.
+/// Every name that a case may show, a person's or a device's, longer ones before what they begin with.
+QStringList sampleNames();
 
 } // namespace korvel::gallery

@@ -1,7 +1,9 @@
 #include "simulator/gallery/layout_faults.h"
+#include "simulator/gallery/shown_texts.h"
 #include "simulator/gallery/stage.h"
 
 #include <QLabel>
+#include <QMap>
 #include <QPushButton>
 #include <QSet>
 #include <gtest/gtest.h>
@@ -48,6 +50,37 @@ TEST(Gallery, EachKindOfFaultIsSeen) {
     EXPECT_TRUE(faultsOf(label, button.adjusted(0, 0, 0, -35)).contains(u"is cut off"_s));
     EXPECT_TRUE(faultsOf(label, button.translated(0, -20)).contains(u"overlaps"_s));
     EXPECT_TRUE(faultsOf(label, button.translated(200, 0)).contains(u"leaves the window"_s));
+}
+
+/// What each case says in a language, by its name.
+QMap<QString, QString> textsIn(bool chinese) {
+    apply({.chinese = chinese});
+    QMap<QString, QString> texts;
+    for (const Case &shown : allCases()) {
+        const Staged staged(shown);
+        if (shown.differs != Differs::InNothing && staged.window())
+            texts[shown.group + u'/' + shown.name] = shownTexts(*staged.window()).join(u'\n');
+    }
+    return texts;
+}
+
+TEST(GalleryTexts, BothLanguagesSayTheSame) {
+    const auto english = textsIn(false), chinese = textsIn(true);
+    EXPECT_EQ(english.keys(), chinese.keys());
+    for (const QString &name : english.keys())
+        EXPECT_EQ(languageFaults(english[name], chinese.value(name)).join(u"; "_s).toStdString(), "")
+            << name.toStdString();
+}
+
+TEST(GalleryTexts, EachKindOfDifferenceIsSeen) {
+    const QString chinese = u"● 已连接 Anna’s phone 482 913"_s;
+    EXPECT_TRUE(languageFaults(u"● Connected Anna’s phone 482 913"_s, chinese).isEmpty());
+    for (const QString &english : {u"● Connected 到 Anna’s phone 482 913"_s, u"○ Connected Anna’s phone 482 913"_s,
+                                   u"● Connected Anna’s phone 482 914"_s, u"● Connected Büro Anna’s phone 482 913"_s,
+                                   u"● Connected Anna 482 913"_s})
+        EXPECT_FALSE(languageFaults(english, chinese).isEmpty()) << english.toStdString();
+    EXPECT_FALSE(languageFaults(u"Connected"_s, u"Connected"_s).isEmpty());
+    EXPECT_FALSE(languageFaults(u"Try again"_s, u"请重试 Try again"_s).isEmpty());
 }
 
 } // namespace

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QStringList>
+
+class QWidget;
+
+namespace korvel::gallery {
+
+/// All that a window says: titles, labels, buttons, fields, entries, and the tool tips of these.
+QStringList shownTexts(const QWidget &window);
+
+/// What tells that two windows are not the same thing in English and Chinese, a line each: words of the other language,
+/// no Chinese character in the Chinese one, or marks, numbers or names that only one of them has.
+QStringList languageFaults(const QString &english, const QString &chinese);
+
+} // namespace korvel::gallery
