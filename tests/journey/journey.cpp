@@ -5,12 +5,9 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
-#include <QJsonArray>
 #include <QTimer>
 #include <algorithm>
 #include <unistd.h>
-
-using namespace Qt::StringLiterals;
 
 namespace korvel::test {
 
@@ -24,12 +21,6 @@ void become(const QProcessEnvironment &wanted) {
     for (const QString &name : wanted.keys())
         if (now.value(name) != wanted.value(name))
             qputenv(name.toLocal8Bit().constData(), wanted.value(name).toLocal8Bit());
-}
-
-int countOf(const QList<QJsonObject> &requests, const QString &path) {
-    return static_cast<int>(std::count_if(requests.begin(), requests.end(), [&](const QJsonObject &request) {
-        return request.value(u"path").toString() == path;
-    }));
 }
 
 } // namespace
@@ -51,9 +42,6 @@ EnvironmentScope::EnvironmentScope(const sim::SimulatedHome &home) : before(QPro
     become(home.environment());
 }
 EnvironmentScope::~EnvironmentScope() { become(before); }
-
-QString trayProgram() { return QStringLiteral(KORVEL_TRAY_PROGRAM); }
-QString exchangeProgram() { return QStringLiteral(KORVEL_EXCHANGE_PROGRAM); }
 
 Journey::Journey(int speed)
     : launchEnvironment{.preferredLanguages = {},
@@ -104,22 +92,26 @@ void Journey::launch() {
     tray->launch(trayProgram());
 }
 
+void Journey::startConnected() {
+    installAndSignIn();
+    launch();
+    ASSERT_TRUE(showsSoon(CONNECTED));
+}
+
+void Journey::breakAgent(const QJsonObject &fault) {
+    ASSERT_TRUE(home.setScenario({{u"faults"_s, QJsonObject{{u"/health"_s, fault}}}}));
+}
+
 bool Journey::showsSoon(const QString &statusLine) {
     const bool shown = eventually([&] { return item.statusLine() == statusLine; });
     EXPECT_EQ(item.statusLine(), statusLine);
     return shown;
 }
 
-int Journey::requestsTo(const QString &path) const { return countOf(home.requests(), path); }
-
-int Journey::serverRequestsTo(const QString &path) const { return countOf(home.serverRequests(), path); }
-
-int Journey::launchctlCalls(const QString &subcommand) const {
-    int count = 0;
-    for (const QJsonObject &call : home.toolCalls())
-        count += call.value(u"tool").toString() == u"launchctl" &&
-                 call.value(u"arguments").toArray().at(0).toString() == subcommand;
-    return count;
+bool Journey::tells(const QString &notice) {
+    const bool told = eventually([&] { return notices.last() == notice; });
+    EXPECT_EQ(notices.last(), notice);
+    return told;
 }
 
 } // namespace korvel::test

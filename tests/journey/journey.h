@@ -8,6 +8,7 @@
 #include "service/launchctl.h"
 #include "simulator/simulated_home.h"
 #include "support/fakes.h"
+#include "support/tray_process.h"
 
 #include <QTemporaryDir>
 #include <functional>
@@ -28,9 +29,8 @@ private:
     QProcessEnvironment before;
 };
 
-/// The tray program of this build, and the one that it reaches servers through.
-QString trayProgram();
-QString exchangeProgram();
+/// The status line of a signed-in Mac that is well.
+inline const QString CONNECTED = u"● Connected · ann · 0 sessions"_s;
 
 /// A TrayApp on real sockets, processes and files, in a home of its own whose agent is simulated. Its clock runs
 /// `speed` times as fast as the one on the wall, so that a test does not wait; time limits of programs and requests
@@ -72,13 +72,12 @@ struct Journey : ::testing::Test {
     /// Everything that a TrayApp runs on, with `client` for the agent.
     TrayPorts ports(HttpClient &client);
     void launch();
+    /// Signs in, launches, and waits until all is well.
+    void startConnected();
+    /// Gives the agent's responses to polls this fault.
+    void breakAgent(const QJsonObject &fault);
     bool showsSoon(const QString &statusLine);
-    /// Requests to a path that the agent has received.
-    int requestsTo(const QString &path) const;
-    /// Requests to a path that the account server has received.
-    int serverRequestsTo(const QString &path) const;
-    /// Calls of launchctl with this subcommand.
-    int launchctlCalls(const QString &subcommand) const;
+    bool tells(const QString &notice);
 };
 
 } // namespace korvel::test

@@ -8,8 +8,6 @@
 #include <QTcpSocket>
 #include <csignal>
 
-using namespace Qt::StringLiterals;
-
 namespace korvel::test {
 namespace {
 
@@ -45,26 +43,24 @@ struct ServerJourney : Journey {
 };
 
 TEST_F(ServerJourney, EveryFailureOnTheWayHasItsSentenceInBothLanguages) {
-    const std::pair<QString, QString> offlineText{OFFLINE, u"这台 Mac 未连接网络，请连接后重试"_s};
-    const std::pair<QString, QString> timedOut{u"The server timed out. Try again later."_s,
-                                               u"服务器响应超时，请稍后重试"_s};
-    const std::pair<QString, QString> insecure{u"Can't establish a secure connection. Try another network."_s,
-                                               u"无法建立安全连接，请更换网络后重试"_s};
-    const std::pair<QString, QString> noConnection{NO_CONNECTION, u"无法连接服务器，请稍后重试"_s};
-    const std::pair<QString, QString> noSense{u"The server didn't respond correctly. Try again later."_s,
-                                              u"服务器未正常响应，请稍后重试"_s};
+    const std::pair<QString, QString> signedIn{u"signed in"_s, u"signed in"_s}, maintained{u"维护中"_s, u"维护中"_s},
+        offline{OFFLINE, u"这台 Mac 未连接网络，请连接后重试"_s},
+        timedOut{u"The server timed out. Try again later."_s, u"服务器响应超时，请稍后重试"_s},
+        insecure{u"Can't establish a secure connection. Try another network."_s,
+                 u"无法建立安全连接，请更换网络后重试"_s},
+        noConnection{NO_CONNECTION, u"无法连接服务器，请稍后重试"_s},
+        noSense{u"The server didn't respond correctly. Try again later."_s, u"服务器未正常响应，请稍后重试"_s};
     const auto fault = [](const QJsonObject &f) { return QJsonObject{{u"faults"_s, QJsonObject{{u"*"_s, f}}}}; };
     const auto certificate = [](const QString &kind) { return QJsonObject{{u"certificate"_s, kind}}; };
     const struct {
         QJsonObject server;
         std::pair<QString, QString> sentence;
     } cases[] = {
-        {{}, {u"signed in"_s, u"signed in"_s}},
+        {{}, signedIn},
         {{{u"refuse"_s, true}}, noConnection},
-        {fault({{u"mode"_s, u"reset"_s}}), offlineText},
-        {fault({{u"mode"_s, u"close"_s}}), offlineText},
-        {fault({{u"mode"_s, u"truncate"_s}}), offlineText},
-        {fault({{u"mode"_s, u"silent"_s}}), timedOut},
+        {fault({{u"mode"_s, u"reset"_s}}), offline},
+        {fault({{u"mode"_s, u"close"_s}}), offline},
+        {fault({{u"mode"_s, u"truncate"_s}}), offline},
         {fault({{u"mode"_s, u"drip"_s}, {u"ms"_s, 20}}), timedOut},
         {certificate(u"expired"_s), insecure},
         {certificate(u"not-yet-valid"_s), insecure},
@@ -75,7 +71,7 @@ TEST_F(ServerJourney, EveryFailureOnTheWayHasItsSentenceInBothLanguages) {
         {fault({{u"mode"_s, u"not-http"_s}}), noConnection},
         {fault({{u"mode"_s, u"huge"_s}, {u"bytes"_s, 3'000'000}}), noConnection},
         {fault({{u"mode"_s, u"answer"_s}, {u"status"_s, 500}, {u"body"_s, QJsonObject{{u"error"_s, u"维护中"_s}}}}),
-         {u"维护中"_s, u"维护中"_s}},
+         maintained},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(QJsonDocument(c.server).toJson().toStdString());
@@ -200,13 +196,8 @@ TEST_F(ExchangeJourney, NoneIsLeftWhenNobodyWaitsForIt) {
 
 TEST_F(ExchangeJourney, NoneIsLeftWhenTheTrayIsKilled) {
     setFault({{u"mode"_s, u"silent"_s}});
-    QProcess tray;
-    QProcessEnvironment environment = home.environment();
-    environment.insert(u"KORVEL_TRAY_AUTOMATION"_s, u"1"_s);
-    tray.setProcessEnvironment(environment);
-    tray.start(home.assembleBundle(trayProgram()), {u"--login"_s, u"sam@example.com"_s, server});
-    tray.write("open sesame\n");
-    tray.closeWriteChannel();
+    TrayProcess tray(home);
+    tray.beginAutomation({u"--login"_s, u"sam@example.com"_s, server}, "open sesame\n");
     ASSERT_TRUE(eventually([&] { return home.serverRequests().size() == 1; }));
     const auto exchanges = exchangesOf(tray.processId());
     ASSERT_EQ(exchanges.size(), 1);

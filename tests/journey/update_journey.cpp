@@ -3,8 +3,6 @@
 #include "simulator/files.h"
 #include "support/signing.h"
 
-using namespace Qt::StringLiterals;
-
 namespace korvel::test {
 
 void UpdateJourney::SetUp() {

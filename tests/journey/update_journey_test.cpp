@@ -6,8 +6,6 @@
 
 #include <QJsonArray>
 
-using namespace Qt::StringLiterals;
-
 namespace korvel::test {
 namespace {
 
@@ -18,7 +16,6 @@ const QString NOT_CHECKED = u"Couldn't check for updates. Try again later."_s;
 const QString OFFLINE = u"This Mac is offline. Connect to the internet and try again."_s;
 const QString NO_CONNECTION = u"Can't connect to the server. Try again later."_s;
 const QString MODIFIED = u"The installer was incomplete or modified and has been deleted. Try again later."_s;
-const QString BUSY = u"The server is busy. Try again later or download it from the website."_s;
 const QString OPENED = u"The installer is open. Follow the steps to finish."_s;
 const QString UPDATED = u"✓ Updated to 2.0"_s;
 
@@ -71,8 +68,6 @@ struct UpdateJourneyTest : UpdateJourney {
 };
 
 TEST_F(UpdateJourneyTest, AManifestWithOneThingWrongIsNeverOffered) {
-    const QString sha = sim::updateOffer({{u"ver"_s, u"2.0"_s}, {u"edition"_s, u"cn"_s}}).info.sha;
-    const QString otherSha = (sha.startsWith(u'0') ? u'1' : u'0') + sha.mid(1);
     const QString self = u"https://"_s + home.accountServer() + u"/v1/dl/manifest"_s;
     const struct {
         const char *what;
@@ -80,22 +75,10 @@ TEST_F(UpdateJourneyTest, AManifestWithOneThingWrongIsNeverOffered) {
         QString notice;
     } cases[] = {
         {"a bad signature", update(u"signature"_s, u"bad"_s), unsafe(u"2.0"_s)},
-        {"version signed before name", update(u"signature"_s, u"wrong-order"_s), unsafe(u"2.0"_s)},
-        {"no signature", entry(u"sig"_s, QJsonValue::Null), unsafe(u"2.0"_s)},
-        {"a digit of the hash", entry(u"sha256"_s, otherSha), unsafe(u"2.0"_s)},
-        {"an upper-case hash", update(u"sha256"_s, u"upper-case"_s), unsafe(u"2.0"_s)},
-        {"the version of another", entry(u"ver"_s, u"2.1"_s), unsafe(u"2.1"_s)},
         {"the name of another", entry(u"file"_s, u"Korvel-2.1-cn.pkg"_s), unsafe(u"2.0"_s)},
-        {"five parts", update(u"ver"_s, u"2.0.0.0.1"_s), unsafe(u"2.0.0.0.1"_s)},
-        {"a blank", update(u"file"_s, u"Korvel 2.0-cn.pkg"_s), unsafe(u"2.0"_s)},
         {"a slash", update(u"file"_s, u"a/Korvel-2.0-cn.pkg"_s), unsafe(u"2.0"_s)},
-        {"a leading dot", update(u"file"_s, u"."_s + FILE_NAME), unsafe(u"2.0"_s)},
-        {"another platform", entry(u"platform"_s, u"mac"_s), NOT_CHECKED},
-        {"the other edition's name", update(u"file"_s, u"Korvel-2.0.pkg"_s), NOT_CHECKED},
         {"the other edition", update(u"edition"_s, u"intl"_s), NOT_CHECKED},
-        {"older", update(u"ver"_s, u"1.2.2.9"_s), UP_TO_DATE},
         {"the same", update(u"ver"_s, u"1.2.3.0"_s), UP_TO_DATE},
-        {"no manifest", update(u"manifest"_s, u"[1]"_s), NOT_CHECKED},
         {"refused", manifestFault(answer(404)), NOT_CHECKED},
         {"cut off", manifestFault(mode(u"truncate"_s)), OFFLINE},
         {"elsewhere without TLS", manifestFault(redirect(elsewhere)), NO_CONNECTION},
@@ -106,7 +89,6 @@ TEST_F(UpdateJourneyTest, AManifestWithOneThingWrongIsNeverOffered) {
         offer(u"2.0"_s, c.patch);
         EXPECT_EQ(check(), c.notice);
         EXPECT_EQ(notices.shown.back().error, c.notice != UP_TO_DATE);
-        EXPECT_EQ(item.entry(Action::CheckUpdate).title, u"Check for Updates… (1.2.3)"_s);
         EXPECT_FALSE(tray->currentState().update.updateAvail);
         install(); // even if somebody chose it
     }
@@ -131,21 +113,14 @@ TEST_F(UpdateJourneyTest, ADownloadOrInstallationThatGoesWrongInstallsNothingAnd
         Stays stays = Stays::Nothing;
     } cases[] = {
         {"refused", packageFault(answer(404, u"No such version."_s)), u"No such version."_s},
-        {"busy", packageFault(answer(503, u"No."_s)), BUSY},
-        {"too many", packageFault(answer(429)), BUSY},
-        {"broken", packageFault(mode(u"html"_s)), u"The download failed. Try again later."_s},
         {"cut off", packageFault(mode(u"truncate"_s)), OFFLINE},
-        {"lost", packageFault(mode(u"reset"_s)), OFFLINE},
         {"elsewhere without TLS", packageFault(redirect(elsewhere)), NO_CONNECTION},
         {"another body", update(u"sha256"_s, u"bad"_s), MODIFIED},
-        {"too short", update(u"size"_s, 200'001), MODIFIED},
         {"too long", update(u"size"_s, 199'999), MODIFIED},
-        {"empty, of any size", sim::mergePatch(update(u"size"_s, 0), packageFault(answer(200))), MODIFIED},
         {"canceled", played({{u"cancel"_s, true}}), u"Canceled. To install, choose Update to 2.0 in the menu."_s,
          Stays::Package},
         {"swapped", played({{u"swapBefore"_s, u"copy"_s}}),
          u"The installer was modified before installation, so installation stopped."_s},
-        {"no installation", played({{u"osascript"_s, FAILS}}), OPENED, Stays::Package},
         {"no copy", played({{u"cp"_s, FAILS}}), OPENED, Stays::Package},
         {"not installed", played({{u"installer"_s, FAILS}}), OPENED, Stays::Package},
         {"not installed, and swapped", played({{u"installer"_s, FAILS}, {u"swapBefore"_s, u"check"_s}}), MODIFIED},
@@ -187,8 +162,9 @@ TEST_F(UpdateJourneyTest, ADownloadOrInstallationThatGoesWrongInstallsNothingAnd
     ASSERT_TRUE(inItsPlace.open(QIODevice::WriteOnly));
     expectRefused(OPENED, Stays::Package);
     inItsPlace.remove();
-    EXPECT_EQ(requestsTo(u"/dl/"_s + FILE_NAME), 0); // nothing left over plain HTTP
     EXPECT_TRUE(installed().isEmpty());
+    for (const QJsonObject &request : home.requests()) // nothing left over plain HTTP
+        EXPECT_FALSE(request.value(u"path").toString().contains(u"/dl/"));
 
     QDir(paths.updateDir).removeRecursively();
     const QString mirror = u"https://"_s + home.accountServer() + u"/dl/mirror/"_s + FILE_NAME;

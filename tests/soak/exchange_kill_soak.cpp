@@ -7,8 +7,6 @@
 #include <csignal>
 #include <unistd.h>
 
-using namespace Qt::StringLiterals;
-
 namespace korvel::test {
 namespace {
 

@@ -5,6 +5,6 @@
 namespace korvel::test {
 
 /// The seed that ./soak was given; everything random in a trial follows from it.
-quint32 soakSeed();
+inline quint32 soakSeed() { return static_cast<quint32>(qEnvironmentVariableIntValue("KORVEL_SOAK_SEED")); }
 
 } // namespace korvel::test

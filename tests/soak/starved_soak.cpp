@@ -1,15 +1,12 @@
-#include "soak/panel_tray.h"
+#include "desktop/panel_tray.h"
 
 #include <QElapsedTimer>
 #include <sys/resource.h>
 #include <unistd.h>
 
-using namespace Qt::StringLiterals;
-
 namespace korvel::test {
 namespace {
 
-const QString CONNECTED = u"● Connected · ann · 0 sessions"_s;
 constexpr auto STARVED_FOR = std::chrono::seconds(30);
 
 /// The tray while the system gives it no more of one thing.

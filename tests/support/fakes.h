@@ -42,6 +42,8 @@ inline void PrintTo(const QStringList &list, std::ostream *out) {
 
 namespace korvel::test {
 
+using namespace Qt::StringLiterals;
+
 /// Sets the language of all texts for the life of the scope.
 class LanguageScope {
 public:
@@ -51,6 +53,8 @@ public:
 private:
     bool before;
 };
+
+inline QJsonObject object(const QByteArray &json) { return QJsonDocument::fromJson(json).object(); }
 
 inline Deployment testDeployment(const QString &edition = QStringLiteral("cn")) {
     return {.version = QStringLiteral("1.2.3"),

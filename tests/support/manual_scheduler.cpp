@@ -37,7 +37,6 @@ void ManualScheduler::runBackground() {
     while (!held && !background.empty()) {
         Job job = std::move(background.front());
         background.pop_front();
-        ++started;
         if (threads)
             job.work();
         job.then();

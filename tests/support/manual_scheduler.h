@@ -27,7 +27,6 @@ public:
     void hangBackground();
     void letGoBackground();
     size_t backgroundWaiting() const { return background.size(); }
-    size_t backgroundStarted() const { return started; }
 
 private:
     struct Entry {
@@ -45,7 +44,6 @@ private:
     std::multimap<Instant, Entry> due;
     std::deque<Job> background;
     std::deque<Job> hanging;
-    size_t started = 0;
     bool held = false;
     bool threads = true;
 };

@@ -9,6 +9,10 @@
 
 namespace korvel::test {
 
+inline const QByteArray ONLINE = R"({"ok":true,"online":true,"account":"ann","sessions":1})";
+inline const QByteArray OFFLINE = R"({"ok":true,"online":false,"account":"ann"})";
+inline const QByteArray SIGNED_OUT = R"({"ok":true,"online":false,"account":"ann","authDead":true})";
+
 /// A whole TrayApp on scripted ports and a virtual clock.
 struct TrayFixture : ::testing::Test {
     TestHome home;
@@ -26,7 +30,7 @@ struct TrayFixture : ::testing::Test {
 
     /// Puts an agent program into the tray's bundle.
     void placeAgent() {
-        const QString agent = home.home() + QStringLiteral("/Contents/Resources/korvel-agent");
+        const QString agent = home.home() + u"/Contents/Resources/korvel-agent"_s;
         home.write(agent, "#!/bin/sh\n");
         QFile::setPermissions(agent, QFile::permissions(agent) | QFile::ExeOwner);
     }
@@ -43,21 +47,31 @@ struct TrayFixture : ::testing::Test {
     void makeTray() {
         tray = std::make_unique<TrayApp>(home.fixed, home.paths,
                                          TrayPorts{scheduler, http, http, programs, services, desktop, item, notices,
-                                                   alerts, pairPanel, loginPanel, home.home(),
-                                                   QStringLiteral("/opt/korvel-agent")});
+                                                   alerts, pairPanel, loginPanel, home.home(), u"/opt/korvel-agent"_s});
     }
     void launch() {
         makeTray();
-        tray->launch(QStringLiteral("/opt/Korvel.app/Contents/MacOS/korvel-tray"));
+        tray->launch(u"/opt/Korvel.app/Contents/MacOS/korvel-tray"_s);
         scheduler.settle();
+    }
+    /// Launches a Mac bound to an account whose agent answers polls with `body`.
+    void launchBound(const QByteArray &body = ONLINE) {
+        installAndBind();
+        agentAnswers(body);
+        launch();
+    }
+    /// Has the agent answer with `body` from the next poll on, which is sent now.
+    void nextPoll(const QByteArray &body) {
+        agentAnswers(body);
+        scheduler.advance(3s);
     }
     /// The edition that signs in through the browser or with a small dialog, installed and not signed in.
     void makeInternational() {
-        home.fixed = makeFixedConfig(testDeployment(QStringLiteral("intl")), {.preferredLanguages = {},
-                                                                              .home = home.home(),
-                                                                              .hookPort = std::nullopt,
-                                                                              .korvelHome = std::nullopt,
-                                                                              .automation = std::nullopt});
+        home.fixed = makeFixedConfig(testDeployment(u"intl"_s), {.preferredLanguages = {},
+                                                                 .home = home.home(),
+                                                                 .hookPort = std::nullopt,
+                                                                 .korvelHome = std::nullopt,
+                                                                 .automation = std::nullopt});
         home.installJobFile();
     }
     /// Answers the oldest open request whose address ends in `path`.
@@ -75,9 +89,5 @@ struct TrayFixture : ::testing::Test {
     }
     const HealthState &health() const { return tray->currentState().health; }
 };
-
-inline const QByteArray ONLINE = R"({"ok":true,"online":true,"account":"ann","sessions":1})";
-inline const QByteArray OFFLINE = R"({"ok":true,"online":false,"account":"ann"})";
-inline const QByteArray SIGNED_OUT = R"({"ok":true,"online":false,"account":"ann","authDead":true})";
 
 } // namespace korvel::test

@@ -14,7 +14,7 @@ int main(int argc, char **argv) {
     if (!screens.open() || screens.write(TWO_SCREENS) < 0 || !screens.flush())
         return 1;
     // As an argument, so that no display is needed and the environment stays as it is.
-    char program[] = "korvel_unit_tests";
+    char program[] = "korvel_tests";
     char platform[] = "-platform";
     QByteArray offscreen = "offscreen:configfile=" + screens.fileName().toLocal8Bit();
     char *arguments[] = {program, platform, offscreen.data(), nullptr};

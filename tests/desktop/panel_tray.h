@@ -3,45 +3,25 @@
 #include "journey/journey.h"
 #include "simulator/desktop/panel_probe.h"
 
-#include <QProcess>
-#include <csignal>
-#include <memory>
-
 namespace korvel::test {
 
 /// The tray program in the panel of a desktop.
 struct PanelTray : Journey {
     static constexpr auto SOON = std::chrono::seconds(20);
 
-    const QString program = home.assembleBundle(trayProgram());
     sim::PanelProbe panel;
-    std::unique_ptr<QProcess> process;
+    std::unique_ptr<TrayProcess> process;
 
-    void TearDown() override {
-        if (process)
-            stop(SIGKILL);
+    void startProgram(const QString &language = u"en"_s) {
+        process = std::make_unique<TrayProcess>(home, TrayProcess::Shown::OnDesktop, language);
+        ASSERT_TRUE(process->begin());
     }
-    void start() {
-        process = std::make_unique<QProcess>();
-        QProcessEnvironment env = home.environment();
-        env.insert(QStringLiteral("LANGUAGE"), QStringLiteral("en"));
-        process->setProcessEnvironment(env);
-        process->setProcessChannelMode(QProcess::MergedChannels);
-        process->start(program, {});
+    void start(const QString &language = u"en"_s) {
+        startProgram(language);
         ASSERT_TRUE(panel.waitForItem(SOON, process->processId()));
     }
-    /// Sends the program a signal, waits for its end, and gives what it printed.
-    QByteArray stop(int signal) {
-        ::kill(static_cast<pid_t>(process->processId()), signal);
-        EXPECT_TRUE(process->waitForFinished(20000));
-        return process->readAll();
-    }
-    /// Asks the program to end, which it does with success and without a word of a sanitizer.
     void end() {
-        const QByteArray output = stop(SIGTERM);
-        EXPECT_EQ(process->exitStatus(), QProcess::NormalExit);
-        EXPECT_EQ(process->exitCode(), 0);
-        EXPECT_FALSE(output.contains("Sanitizer") || output.contains("runtime error")) << output.constData();
+        process->end();
         process.reset();
     }
     /// The menu's entry that begins so, once it can be chosen.

@@ -1,10 +1,7 @@
 #include "journey/journey.h"
 
 #include <QJsonArray>
-#include <QProcess>
 #include <thread>
-
-using namespace Qt::StringLiterals;
 
 namespace korvel::test {
 namespace {
@@ -19,25 +16,19 @@ struct ProgramsJourney : ::testing::Test {
     }
 };
 
-TEST_F(ProgramsJourney, GivesTheStatusAndTheErrorOutputAlone) {
+TEST_F(ProgramsJourney, GivesTheStatusAndTheEndOfTheErrorOutput) {
     const ProgramResult result = shell(u"echo out; echo err >&2; exit 3"_s);
     EXPECT_EQ(result.status, 3);
     EXPECT_EQ(result.output, "err\n");
+    const ProgramResult chatty = shell(u"head -c 30000000 /dev/zero | tr '\\0' 'x' >&2; echo >&2; echo end >&2"_s);
+    EXPECT_EQ(chatty.status, 0);
+    EXPECT_TRUE(chatty.output.endsWith("end\n"));
+    EXPECT_LE(chatty.output.size(), 512 << 10);
     const ProgramResult missing = programs.run({.executable = u"/no/such/program"_s});
-    EXPECT_FALSE(missing.launched);
+    EXPECT_FALSE(missing.launched || missing.launchError.isEmpty());
     EXPECT_EQ(missing.status, -1);
-    EXPECT_FALSE(missing.launchError.isEmpty());
-}
-
-TEST_F(ProgramsJourney, AMacToolRunsOnlyFromUnderTheStandInRoot) {
-    EXPECT_FALSE(programs.run({.executable = u"/usr/bin/pkill"_s}).launched);
-}
-
-TEST_F(ProgramsJourney, AChattyProgramNeitherBlocksNorFillsTheMemory) {
-    const ProgramResult result = shell(u"head -c 30000000 /dev/zero | tr '\\0' 'x' >&2; echo >&2; echo end >&2"_s);
-    EXPECT_EQ(result.status, 0);
-    EXPECT_TRUE(result.output.endsWith("end\n"));
-    EXPECT_LE(result.output.size(), 512 << 10);
+    EXPECT_FALSE(programs.run({.executable = u"/usr/bin/pkill"_s}).launched); // only from under the stand-in root
+    EXPECT_EQ(shell(u"exit 0"_s, {.executable = {}, .input = QByteArray(5 << 20, 'x')}).status, 0); // nobody reads it
 }
 
 TEST_F(ProgramsJourney, AProgramThatNeverEndsIsEndedAndWhatItPrintedCounts) {
@@ -48,12 +39,8 @@ TEST_F(ProgramsJourney, AProgramThatNeverEndsIsEndedAndWhatItPrintedCounts) {
     EXPECT_EQ(result.output, "{\"a\":1}\n");
     EXPECT_EQ(result.end, ProgramResult::End::TimedOut);
     EXPECT_EQ(result.status, -1);
-}
-
-TEST_F(ProgramsJourney, AProgramThatIgnoresTheRequestToEndIsKilled) {
-    ProgramRun run{.executable = {}, .keepInputOpen = true};
-    run.timeout = 100ms;
-    EXPECT_EQ(shell(u"trap '' TERM; read never"_s, run).end, ProgramResult::End::TimedOut);
+    run.keepInputOpen = true;
+    EXPECT_EQ(shell(u"trap '' TERM; read never"_s, run).end, ProgramResult::End::TimedOut); // only a kill ends it
 }
 
 TEST_F(ProgramsJourney, ARunIsStoppedFromAnotherThreadOnceItsOutputSaysSo) {
@@ -73,11 +60,6 @@ TEST_F(ProgramsJourney, ARunIsStoppedFromAnotherThreadOnceItsOutputSaysSo) {
     EXPECT_FALSE(shell(u"exit 0"_s, run).launched); // a token that has stopped keeps programs from starting
 }
 
-TEST_F(ProgramsJourney, AProgramThatDoesNotReadItsInputDoesNoHarm) {
-    ProgramRun run{.executable = {}, .input = QByteArray(5 << 20, 'x')};
-    EXPECT_EQ(shell(u"exit 0"_s, run).status, 0);
-}
-
 TEST_F(ProgramsJourney, OwnSurroundingsHoldNothingThatAShellObeysAndOutliveTheTraysSession) {
     qputenv("BASH_ENV", "/tmp/x");
     qputenv("BASH_FUNC_rm%%", "() { :; }");
@@ -93,54 +75,29 @@ TEST_F(ProgramsJourney, OwnSurroundingsHoldNothingThatAShellObeysAndOutliveTheTr
     EXPECT_EQ(names, (QByteArrayList{"EXTRA", "PATH", "leads", ""})); // of a process group
 }
 
-/// The tray program itself, in an automation mode.
-struct AutomationJourney : Journey {
-    QByteArray output;
-    QByteArray errors;
-
-    int run(const QStringList &arguments, const QByteArray &input, bool permitted = true) {
-        QProcess process;
-        QProcessEnvironment env = home.environment();
-        env.remove(u"DISPLAY"_s);
-        env.remove(u"WAYLAND_DISPLAY"_s);
-        env.remove(u"QT_QPA_PLATFORM"_s);
-        env.remove(u"DBUS_SESSION_BUS_ADDRESS"_s);
-        env.insert(u"LANGUAGE"_s, u"en"_s);
-        if (permitted)
-            env.insert(u"KORVEL_TRAY_AUTOMATION"_s, u"1"_s);
-        process.setProcessEnvironment(env);
-        process.start(tray, arguments);
-        process.write(input);
-        process.closeWriteChannel();
-        EXPECT_TRUE(process.waitForFinished(20000));
-        output = process.readAllStandardOutput();
-        errors = process.readAllStandardError();
-        return process.exitCode();
-    }
-    const QString tray = home.assembleBundle(trayProgram());
-};
+struct AutomationJourney : Journey {};
 
 TEST_F(AutomationJourney, AgentJsonHandsOneLineToTheAgentAndPrintsItsReply) {
-    home.setScenario(
-        {{u"login"_s, QJsonObject{{u"*"_s, QJsonObject{{u"noise"_s, QJsonArray{u"log"_s}},
-                                                       {u"reply"_s, QJsonObject{{u"ok"_s, true}, {u"n"_s, 1}}}}}}}});
-    EXPECT_EQ(run({u"--agent-json"_s}, "{\"op\":\"send-code\"}\nignored\n"), 0) << errors.constData();
-    EXPECT_EQ(output, "{\"n\":1,\"ok\":true}\n");
+    const auto printed = [this](const QJsonObject &behaviour, const QByteArray &input, int status) {
+        home.setScenario({{u"login"_s, QJsonObject{{u"*"_s, behaviour}}}});
+        TrayProcess tray(home);
+        EXPECT_EQ(tray.automate({u"--agent-json"_s}, input), status) << tray.errors.constData();
+        return tray.output;
+    };
+    const QJsonObject replies{{u"noise"_s, QJsonArray{u"log"_s}},
+                              {u"reply"_s, QJsonObject{{u"ok"_s, true}, {u"n"_s, 1}}}};
+    EXPECT_EQ(printed(replies, "{\"op\":\"send-code\"}\nignored\n", 0), "{\"n\":1,\"ok\":true}\n");
     EXPECT_EQ(home.agentCalls().last().value(u"lang"), QJsonValue(u"en"_s));
-
-    EXPECT_EQ(run({u"--agent-json"_s}, "[1]\n"), 1);
-    EXPECT_EQ(output, "null\n");
-    home.setScenario({{u"login"_s, QJsonObject{{u"*"_s, QJsonObject{{u"silent"_s, true}}}}}});
-    EXPECT_EQ(run({u"--agent-json"_s}, "{}"), 1);
-    EXPECT_EQ(output, "null\n");
+    EXPECT_EQ(printed(replies, "[1]\n", 1), "null\n");
+    EXPECT_EQ(printed({{u"silent"_s, true}}, "{}", 1), "null\n");
 }
 
 TEST_F(AutomationJourney, MenuDumpTouchesNothingButTheFiles) {
     installAndSignIn();
-    EXPECT_EQ(run({u"--menu-dump"_s}, "{\"online\":true}"), 0);
-    EXPECT_TRUE(output.startsWith("off ● Connected · ann · 0 sessions\n---\n")) << output.constData();
-    EXPECT_EQ(errors, "");
-    EXPECT_EQ(run({u"--menu-dump"_s}, ""), 0);
+    TrayProcess tray(home);
+    EXPECT_EQ(tray.automate({u"--menu-dump"_s}, "{\"online\":true}"), 0);
+    EXPECT_TRUE(tray.output.startsWith("off ● Connected · ann · 0 sessions\n---\n")) << tray.output.constData();
+    EXPECT_EQ(tray.errors, "");
     EXPECT_TRUE(home.requests().isEmpty() && home.toolCalls().isEmpty());
 }
 
