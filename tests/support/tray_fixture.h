@@ -51,7 +51,7 @@ struct TrayFixture : ::testing::Test {
     }
     void launch() {
         makeTray();
-        tray->launch(u"/opt/Korvel.app/Contents/MacOS/korvel-tray"_s);
+        tray->launch(u"/Applications/Korvel.app/Contents/MacOS/korvel-tray"_s);
         scheduler.settle();
     }
     /// Launches a Mac bound to an account whose agent answers polls with `body`.

@@ -1,12 +1,8 @@
-#include <QDir>
 #include <QDirIterator>
 #include <QFile>
-#include <QFileInfo>
 #include <QMap>
 #include <QRegularExpression>
 #include <QSet>
-#include <QString>
-#include <QStringList>
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
@@ -21,94 +17,52 @@ QString content(const QString &path) {
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
 }
 
-QStringList includesOf(const QString &path) {
-    static const QRegularExpression INCLUDE(u"^\\s*#\\s*include\\s*[<\"]([^>\"]+)"_s,
-                                            QRegularExpression::MultilineOption);
-    QStringList names;
-    const QString text = content(path);
-    for (auto it = INCLUDE.globalMatch(text); it.hasNext();)
-        names.append(it.next().captured(1));
-    return names;
+QStringList found(const QString &text, const QString &pattern) {
+    const QRegularExpression expression(pattern, QRegularExpression::MultilineOption);
+    QStringList all;
+    for (auto it = expression.globalMatch(text); it.hasNext();)
+        all.append(it.next().captured(1));
+    return all;
 }
+
+QString stem(const QString &file) { return file.section(u'.', 0, 0); }
 
 /// The sources of a target, as its CMakeLists.txt lists them, without their ending.
 QSet<QString> sourcesOf(const QString &target) {
-    const QString lists = content(SOURCES + u"/CMakeLists.txt"_s);
-    QSet<QString> sources;
-    const QRegularExpression block(
-        u"(?:add_library|target_sources)\\(%1 (?:STATIC|OBJECT|PRIVATE)([^)]*)\\)"_s.arg(target));
-    for (auto it = block.globalMatch(lists); it.hasNext();)
-        for (const QString &name : it.next().captured(1).simplified().split(u' '))
-            for (const QString &system : {u"linux"_s, u"mac"_s})
-                sources.insert(QString(name).replace(u"${KORVEL_SYSTEM}"_s, system).section(u'.', 0, 0));
-    return sources;
+    const QString pattern = u"(?:add_library|target_sources)\\(%1 (?:STATIC|OBJECT|PRIVATE)([^)]*)\\)"_s.arg(target);
+    QSet<QString> stems;
+    for (const QString &block : found(content(SOURCES + u"/CMakeLists.txt"_s), pattern))
+        for (const QString &name : found(block, u"(\\S+)\\.cpp"_s))
+            stems.insert(name);
+    return stems;
 }
 
-/// What is wrong with the includes of one file; empty when they follow the arrows.
-QString violation(const QString &file, const QStringList &includes, const QRegularExpression &forbidden) {
-    for (const QString &name : includes)
-        if (forbidden.match(name).hasMatch())
-            return file + u" includes "_s + name;
-    return {};
-}
-
-/// A feature is known by the class that takes hooks.
-QMap<QString, QString> featureHeaders() {
-    QMap<QString, QString> features;
-    for (QDirIterator it(SOURCES, {u"*.h"_s}, QDir::Files, QDirIterator::Subdirectories); it.hasNext();) {
-        const QString path = it.next();
-        if (content(path).contains(u"struct Hooks {"_s))
-            features.insert(QDir(SOURCES).relativeFilePath(path), QFileInfo(path).completeBaseName());
-    }
-    return features;
-}
-
-TEST(Arrows, RulesAndFeaturesKnowNoWidgetNoSocketAndNoBus) {
-    const QSet<QString> core = sourcesOf(u"korvel_core"_s);
-    ASSERT_GT(core.size(), 20);
-    const QSet<QString> above = sourcesOf(u"korvel_ui"_s) + sourcesOf(u"korvel_platform"_s);
-    ASSERT_GT(above.size(), 10);
-    static const QRegularExpression TOOLKIT(
-        u"^(curl/|openssl/|sys/"
-        u"socket|Q(Widget|Application|GuiApplication|Menu|Action|Label|Icon|Pixmap|Painter|Font|DBus|"
-        "Network|Tcp|Process|Timer|SocketNotifier|SystemTray))"_s);
-    for (const QString &source : core)
-        for (const QString &file : {source + u".h"_s, source + u".cpp"_s}) {
-            const QStringList includes = includesOf(SOURCES + u'/' + file);
-            EXPECT_EQ(violation(file, includes, TOOLKIT).toStdString(), "");
-            for (const QString &name : includes)
-                EXPECT_FALSE(above.contains(name.section(u'.', 0, 0))) << (file + u" includes "_s + name).toStdString();
-        }
-}
-
-TEST(Arrows, WidgetsKnowNoPlatformImplementationAndNoFeature) {
-    const QSet<QString> platform = sourcesOf(u"korvel_platform"_s);
-    const auto features = featureHeaders();
-    for (const QString &source : sourcesOf(u"korvel_ui"_s))
-        for (const QString &file : {source + u".h"_s, source + u".cpp"_s})
-            for (const QString &name : includesOf(SOURCES + u'/' + file))
-                EXPECT_FALSE(platform.contains(name.section(u'.', 0, 0)) || features.contains(name))
-                    << (file + u" includes "_s + name).toStdString();
-}
-
-TEST(Arrows, FeaturesDoNotIncludeEachOther) {
-    const auto features = featureHeaders();
-    ASSERT_GE(features.size(), 4);
-    for (auto it = features.begin(); it != features.end(); ++it)
-        for (const QString &ending : {u".h"_s, u".cpp"_s}) {
-            const QString file = it.key().chopped(2) + ending;
-            for (const QString &name : includesOf(SOURCES + u'/' + file))
-                EXPECT_FALSE(name != it.key() && features.contains(name))
-                    << (file + u" includes "_s + name).toStdString();
-        }
-}
-
-TEST(Arrows, SharedCodeHasNoSystemSwitches) {
+TEST(Arrows, AreFollowedByEveryInclude) {
+    QMap<QString, QStringList> includes;
+    QSet<QString> features; // known by the class that takes hooks
     for (QDirIterator it(SOURCES, {u"*.h"_s, u"*.cpp"_s}, QDir::Files, QDirIterator::Subdirectories); it.hasNext();) {
-        const QString path = it.next();
-        static const QRegularExpression SWITCH(u"#\\s*if.*(__APPLE__|__linux__|Q_OS_)"_s);
-        EXPECT_FALSE(SWITCH.match(content(path)).hasMatch()) << path.toStdString();
+        const QString path = it.next(), name = QDir(SOURCES).relativeFilePath(path), text = content(path);
+        includes[name] = found(text, u"^\\s*#\\s*include\\s*[<\"]([^>\"]+)"_s);
+        if (name.endsWith(u".h") && text.contains(u"struct Hooks {"))
+            features.insert(stem(name));
+        EXPECT_TRUE(found(text, u"(#\\s*if.*(?:__APPLE__|__linux__|Q_OS_))"_s).isEmpty()) << path.toStdString();
     }
+    const QSet<QString> core = sourcesOf(u"korvel_core"_s), ui = sourcesOf(u"korvel_ui"_s),
+                        platform = sourcesOf(u"korvel_platform"_s);
+    ASSERT_TRUE(core.size() > 20 && ui.size() > 5 && platform.size() > 5 && features.size() >= 4);
+    const QRegularExpression toolkit(
+        u"^(curl/|openssl/|sys/socket|Q(Widget|Application|GuiApplication|Menu|Action|Label|Icon|Pixmap|Painter|Font|"
+        "DBus|Network|Tcp|Process|Timer|SocketNotifier|SystemTray))"_s);
+    for (auto file = includes.cbegin(); file != includes.cend(); ++file)
+        for (const QString &included : *file) {
+            const QString from = stem(file.key()), to = stem(included);
+            const bool isAbove = core.contains(from) && (ui.contains(to) || platform.contains(to));
+            const bool isTool = core.contains(from) && toolkit.match(included).hasMatch();
+            const bool isBeside = ui.contains(from) && (platform.contains(to) || features.contains(to));
+            const bool isOtherFeature = features.contains(from) && features.contains(to) && from != to;
+            EXPECT_FALSE(isAbove || isTool || isBeside || isOtherFeature)
+                << (file.key() + u" includes "_s + included).toStdString();
+        }
 }
 
 } // namespace

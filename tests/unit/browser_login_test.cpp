@@ -1,7 +1,5 @@
 #include "support/tray_fixture.h"
 
-using namespace Qt::StringLiterals;
-
 namespace korvel::test {
 namespace {
 

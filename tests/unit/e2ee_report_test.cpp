@@ -5,12 +5,10 @@
 
 #include <QJsonArray>
 
-using namespace Qt::StringLiterals;
-
 namespace korvel::test {
 namespace {
 
-QJsonObject report(const char *json) { return QJsonDocument::fromJson(json).object(); }
+QJsonObject report(const char *json) { return object(json); }
 
 TEST(E2eeReport, EveryWrongTypeCountsAsItsDefault) {
     for (const char *json : {"{}", R"({"state":1,"required":"yes","pair":[],"pending":{},"alarms":"x"})",
@@ -136,7 +134,8 @@ TEST(E2eeMenuBlock, SaysTheSituationOnlyWhereTheStatusLineDoesNot) {
 
 TEST(E2eeMenuBlock, ListsDevicesSpeechAndAlarmsWhileActive) {
     EXPECT_EQ(
-        block(R"({"state":"active","relay":"ok","pending":[{"name":"Anna's phone","platform":"ios"},{}],
+        block(
+            R"({"state":"active","relay":"ok","pending":[{"name":"Anna's phone","platform":"ios"},{}],
                         "asr":{"installing":"download","pct":42},"alarms":[{"id":"1","text":"t"}]})"),
         (QStringList{u"🔒 Encrypted"_s, u"[x] New device: Anna's phone · iPhone…"_s, u"[x] New device: ? · Device…"_s,
                      u"Installing speech recognition… 42%"_s, u"[x] ⚠ Security Alert…"_s, u"---"_s}));

@@ -5,8 +5,6 @@
 
 #include <QCoreApplication>
 
-using namespace Qt::StringLiterals;
-
 namespace korvel::test {
 namespace {
 
@@ -92,27 +90,17 @@ TEST_F(ExchangeClientTest, OnlyAWholeOutputOfAGoodRunIsAResult) {
     EXPECT_EQ(outcome({progress + reply.first(9), reply.mid(9)}), "200 {}");
     EXPECT_EQ(outcome({exchange::toJson(exchange::Line(Error{ErrorKind::HostNotFound, u"x"_s}))}),
               kind(ErrorKind::HostNotFound));
-    for (const QByteArrayList &bad : {QByteArrayList{},
-                                      {progress},
-                                      {reply.chopped(1)},
-                                      {reply, reply},
-                                      {reply, progress},
-                                      {"x\n", reply},
-                                      {R"({"status":200})"
-                                       "\n"},
-                                      {R"({"status":-1,"body":""})"
-                                       "\n"},
-                                      {R"({"status":200,"body":"%"})"
-                                       "\n"},
-                                      {R"({"failed":"Unheard"})"
-                                       "\n"},
-                                      {R"({"got":-1,"expected":0})"
-                                       "\n",
-                                       reply},
-                                      {exchange::toJson(exchange::Line(exchange::Verdict{true}))}})
+    const QByteArrayList none, cutOff{reply.chopped(1)}, twice{reply, reply}, goesOn{reply, progress},
+        noise{"x\n", reply}, noBody{"{\"status\":200}\n"}, noStatus{"{\"status\":-1,\"body\":\"\"}\n"},
+        noBase64{"{\"status\":200,\"body\":\"%\"}\n"}, noKind{"{\"failed\":\"Unheard\"}\n"},
+        noProgress{"{\"got\":-1,\"expected\":0}\n", reply},
+        another{exchange::toJson(exchange::Line(exchange::Verdict{true}))};
+    for (const QByteArrayList &bad :
+         {none, {progress}, cutOff, twice, goesOn, noise, noBody, noStatus, noBase64, noKind, noProgress, another})
         EXPECT_EQ(outcome(bad), unreadable) << bad.join().toStdString();
     EXPECT_EQ(outcome({reply}, ended(1)), unreadable);
-    EXPECT_EQ(outcome({reply}, ended(-1)), unreadable); // killed behind its last line
+    EXPECT_EQ(outcome({reply}, ended(-1)),
+              unreadable); // killed behind its last line
     EXPECT_EQ(outcome({}, {}), kind(ErrorKind::Unreachable));
     EXPECT_EQ(outcome({}, ended(-1, ProgramResult::End::TimedOut)), kind(ErrorKind::TimedOut));
 }

@@ -41,42 +41,24 @@ TEST(HttpResponseParser, EachFramingGivesTheSameInWhateverPiecesItComes) {
              {OK + "Content-Length: 2\r\n\r\n{}", "200 {} +", "200 {}"},
              {OK + "content-length:2\r\nConnection: Keep-Alive, CLOSE\r\n\r\n{}", "200 {}", "200 {}"},
              {"HTTP/1.0 200 OK\r\nContent-Length: 2\r\n\r\n{}", "200 {}", "200 {}"},
-             {"HTTP/1.1 500 No\r\nContent-Length: 0\r\n\r\n", "500  +", "500 "},
              {"HTTP/1.1 204 No Content\r\n\r\n", "204  +", "204 "},
              {"HTTP/1.1 100 Continue\r\n\r\n" + OK + "Content-Length: 1\r\n\r\nx", "200 x +", "200 x"},
              {OK + "\r\n{}", "waits", "200 {}"},
              {chunked + "1\r\n{\r\n0A;x=y\r\n}234567890\r\n0\r\nX: y\r\n\r\n", "200 {}234567890 +", "200 {}234567890"},
+             {OK + "Content-Length: 2\r\n\r\n{}HTTP", "200 {}", "200 {}"}, // spoils the connection
              // What ends too early.
-             {"", "waits", "interrupted"},
              {"HTT", "waits", "interrupted"},
              {OK + "Content-Length: 3\r\n\r\n{}", "waits", "interrupted"},
-             {OK + "Content-Length: 2\r\n", "waits", "interrupted"},
              {chunked + "2\r\n{}\r\n", "waits", "interrupted"},
-             {chunked + "0\r\n", "waits", "interrupted"},
              // What is no response.
-             {"SSH-2.0-x\r\n\r\n", "unreadable", "unreadable"},
-             {"HTTP/2 200\r\n\r\n", "unreadable", "unreadable"},
              {"HTTP/1.1 OK\r\n\r\n", "unreadable", "unreadable"},
-             {"HTTP/1.1 2000\r\n\r\n", "unreadable", "unreadable"},
              {"HTTP/1.1 101 Switching\r\n\r\n", "unreadable", "unreadable"},
-             {OK + "no header\r\n\r\n", "unreadable", "unreadable"},
-             {OK + "Content-Length: -1\r\n\r\n", "unreadable", "unreadable"},
-             {OK + "Content-Length: 2\r\nContent-Length: 3\r\n\r\n", "unreadable", "unreadable"},
              {OK + "Content-Length: 2\r\nTransfer-Encoding: chunked\r\n\r\n", "unreadable", "unreadable"},
-             {OK + "Transfer-Encoding: gzip\r\n\r\n", "unreadable", "unreadable"},
-             {chunked + "x\r\n", "unreadable", "unreadable"},
-             {chunked + "-1\r\n", "unreadable", "unreadable"},
-             {chunked + "1\r\nxy\r\n0\r\n\r\n", "unreadable", "unreadable"},
          })
         for (const qsizetype size : {qsizetype(1), qsizetype(7), qsizetype(4096)}) {
             EXPECT_EQ(read(c.bytes, size, false), c.open) << c.bytes.toStdString() << size;
             EXPECT_EQ(read(c.bytes, size, true), c.ended) << c.bytes.toStdString() << size;
         }
-}
-
-TEST(HttpResponseParser, WhatFollowsAnAnswerIsNoPartOfItAndSpoilsTheConnection) {
-    EXPECT_EQ(read(OK + "Content-Length: 2\r\n\r\n{}HTTP", 4096, false), "200 {}");
-    EXPECT_EQ(read(OK + "Content-Length: 2\r\n\r\n{}HTTP", 1, false), "200 {}");
 }
 
 TEST(HttpResponseParser, NothingGrowsWithoutEnd) {

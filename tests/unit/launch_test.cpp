@@ -3,8 +3,6 @@
 #include "app/reopen.h"
 #include "ui/menu_view.h"
 
-using namespace Qt::StringLiterals;
-
 namespace korvel::test {
 namespace {
 
@@ -15,14 +13,13 @@ struct LaunchTest : TrayFixture {
 TEST_F(LaunchTest, AFreshUserIsRepairedFirstAndThenPolled) {
     placeAgent();
     agentIsSilent();
-    makeTray();
     scheduler.holdBackground(true);
     launch();
     EXPECT_TRUE(tray->currentState().service.repairing);
     EXPECT_EQ(http.count, 0);
     EXPECT_EQ(health().startingUntil, std::nullopt);
+    EXPECT_TRUE(QFile::exists(home.paths.trayPlist)); // so that it starts at login
     scheduler.holdBackground(false);
-    scheduler.settle();
     EXPECT_EQ(http.count, 2);                      // the repair's own poll and the launch's
     EXPECT_EQ(notices.last(), u"Not signed in"_s); // no hint without a job file
     QString keys;
@@ -50,13 +47,10 @@ TEST_F(LaunchTest, WithoutAThreadEveryFeatureGoesOn) {
 }
 
 TEST_F(LaunchTest, UpdatesAreLookedForOnScheduleAndWhenTheMenuOpens) {
-    installAndBind();
-    agentAnswers(ONLINE);
-    launch();
+    launchBound();
     scheduler.advance(19s);
     EXPECT_EQ(checks(), 0);
     scheduler.advance(2s);
-    EXPECT_EQ(checks(), 1);
     item.events.menuOpening(); // the last check is fresh
     EXPECT_EQ(checks(), 1);
     scheduler.advance(3601s);
@@ -64,17 +58,16 @@ TEST_F(LaunchTest, UpdatesAreLookedForOnScheduleAndWhenTheMenuOpens) {
     EXPECT_EQ(checks(), 2);
     scheduler.advance(6h);
     EXPECT_EQ(checks(), 3);
+    const UpdateState checked{.updateCheckedAt = Instant(1h)};
+    EXPECT_FALSE(updateCheckDue(checked, Instant(1h) + 3600s));
+    EXPECT_TRUE(updateCheckDue(checked, Instant(1h) + 3601s));
 }
 
 TEST_F(LaunchTest, OpeningTheMenuLooksAtTheOptionKeyAndAsksTheAgentOnlyWhileItRuns) {
     agentIsSilent();
-    makeTray();
-    tray->launch(u"/Applications/Korvel.app/Contents/MacOS/korvel-tray"_s);
-    scheduler.settle();
-    EXPECT_TRUE(QFile::exists(home.paths.trayPlist)); // so that it starts at login
+    launch();
     const int fetches = requestsTo(u"/perms"_s);
     item.events.menuOpening();
-    EXPECT_EQ(checks(), 1);
     EXPECT_EQ(requestsTo(u"/perms"_s), fetches);
     desktop.option = true;
     EXPECT_EQ(item.entry(Action::OpenLog), MenuEntry());
@@ -82,9 +75,6 @@ TEST_F(LaunchTest, OpeningTheMenuLooksAtTheOptionKeyAndAsksTheAgentOnlyWhileItRu
     EXPECT_EQ(item.entry(Action::OpenLog).title, u"Show Log…"_s);
     item.choose(Action::OpenLog);
     EXPECT_EQ(notices.last(), u"No log yet"_s);
-    UpdateState checked{.updateCheckedAt = Instant(1h)};
-    EXPECT_FALSE(updateCheckDue(checked, Instant(1h) + 3600s));
-    EXPECT_TRUE(updateCheckDue(checked, Instant(1h) + 3601s));
 }
 
 TEST_F(LaunchTest, ReopeningDoesTheMostUsefulThing) {
@@ -107,8 +97,7 @@ TEST_F(LaunchTest, ReopeningDoesTheMostUsefulThing) {
     EXPECT_EQ(programs.runs.size(), 2u);
     home.installJobFile();
     const auto afterAnswer = [&](const char *body) {
-        agentAnswers(body);
-        scheduler.advance(3s);
+        nextPoll(body);
         return reopened();
     };
     EXPECT_EQ(afterAnswer(R"({"ok":true,"e2ee":{"state":"waiting"}})"), u"show code"_s);
@@ -116,6 +105,70 @@ TEST_F(LaunchTest, ReopeningDoesTheMostUsefulThing) {
     EXPECT_EQ(afterAnswer(R"({"ok":true,"authDead":true,"e2ee":{"state":"pair-failed"}})"), u"show code"_s);
     services.loaded = true;
     EXPECT_EQ(afterAnswer(R"({"ok":true,"online":true})"), u"bootout com.korvel.agent"_s);
+}
+
+/// The first report after a launch.
+struct StartupReportTest : TrayFixture {};
+
+TEST_F(StartupReportTest, ComesOnceAndAsSoonAsWaitingWouldNotChangeIt) {
+    const QByteArray silence, starting = R"({"ok":true,"e2ee":{"state":"starting","required":true}})",
+                              waiting = R"({"ok":true,"e2ee":{"state":"waiting"}})";
+    const QString hint = u" · Double-click Korvel to pause or resume sync"_s,
+                  connected = u"● Connected · ann · 1 session"_s + hint;
+    const struct {
+        bool bound, installed, loads;
+        QByteArray first, later; // from the second second on
+        milliseconds at;
+        QString notice;
+    } cases[] = {
+        {true, true, true, ONLINE, ONLINE, 0ms, connected},
+        {true, true, true, silence, silence, 7500ms, u"○ Starting… · ann"_s + hint},
+        {true, true, true, silence, ONLINE, 3s, connected},
+        {true, true, true, starting, waiting, 3s,
+         u"○ Sign in to Korvel on your phone, then pair this Mac · ann · Double-click Korvel to show the pairing code"_s},
+        {true, true, false, silence, silence, 0ms, u"⏻ Sync paused · ann"_s + hint},
+        {true, true, false, SIGNED_OUT, SIGNED_OUT, 0ms, u"You've been signed out. Sign in again."_s},
+        {true, false, false, OFFLINE, OFFLINE, 0ms, u"Korvel isn't installed correctly. Reinstall Korvel."_s},
+        {false, true, false, silence, silence, 0ms, u"Not signed in · Double-click Korvel to sign in"_s},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.notice.toStdString());
+        const auto answers = [&](const QByteArray &body) {
+            http.answer = [body](const HttpRequest &) { return body.isEmpty() ? noAnswer() : json(body); };
+        };
+        QFile::remove(home.paths.agentPlist);
+        c.bound ? home.bind() : home.writeConfig("{}");
+        if (c.installed)
+            home.installJobFile();
+        services.loaded = c.loads;
+        services.failBootstraps = c.loads ? 0 : 1000; // disabled
+        notices.shown.clear();
+        answers(c.first);
+        launch();
+        if (c.at > 2s) {
+            scheduler.advance(2s);
+            answers(c.later);
+            scheduler.advance(c.at - 2s - 1ms);
+            EXPECT_TRUE(notices.shown.empty());
+            scheduler.advance(1ms);
+        }
+        EXPECT_EQ(notices.last(), c.notice);
+        scheduler.advance(2500ms);
+        EXPECT_TRUE(notices.visible);
+        scheduler.advance(200ms);
+        EXPECT_EQ(notices.visible,
+                  c.first == SIGNED_OUT); // which is another notice
+        scheduler.advance(10s);
+        EXPECT_EQ(notices.shown.size(), 1u);
+        tray.reset();
+    }
+}
+
+TEST_F(StartupReportTest, ASilentServiceManagerDoesNotHoldTheReportOfAnAgentThatAnswers) {
+    scheduler.holdBackground(true);
+    launchBound();
+    scheduler.advance(3s);
+    EXPECT_EQ(item.statusLine(), u"● Connected · ann · 1 session"_s);
 }
 
 } // namespace

@@ -18,8 +18,6 @@
 #include <QScreen>
 #include <QTest>
 
-using namespace Qt::StringLiterals;
-
 namespace korvel::test {
 namespace {
 

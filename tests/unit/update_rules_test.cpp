@@ -10,8 +10,6 @@
 
 #include <sys/stat.h>
 
-using namespace Qt::StringLiterals;
-
 namespace korvel::test {
 namespace {
 
@@ -47,7 +45,7 @@ TEST(Manifest, AnEditionTakesItsOwnPackagesOnly) {
         {R"({"file":"a.pkg"})", false, false},
     };
     for (const auto &c : cases) {
-        const QJsonObject package = QJsonDocument::fromJson(c.package).object();
+        const QJsonObject package = object(c.package);
         EXPECT_EQ(isOurPackage(cn, package), c.forCn) << c.package;
         EXPECT_EQ(isOurPackage(intl, package), c.forIntl) << c.package;
     }
@@ -60,30 +58,28 @@ TEST(Manifest, AnEditionTakesItsOwnPackagesOnly) {
 }
 
 TEST(Manifest, VersionsAreComparedNumberByNumber) {
-    EXPECT_TRUE(isNewer(u"1.10"_s, u"1.9"_s));
-    EXPECT_TRUE(isNewer(u"10.0"_s, u"9.9.9"_s));
-    EXPECT_TRUE(isNewer(u"1.2.0.1"_s, u"1.2"_s));
-    EXPECT_FALSE(isNewer(u"1.2.0"_s, u"1.2"_s));
-    EXPECT_FALSE(isNewer(u"1.2"_s, u"1.2.0"_s));
-    EXPECT_FALSE(isNewer(u"0.9"_s, u"1"_s));
-    EXPECT_FALSE(isNewer(u"x"_s, u"0"_s));
+    const std::pair<QString, QString> newer[] = {
+        {u"1.10"_s, u"1.9"_s}, {u"10.0"_s, u"9.9.9"_s}, {u"1.2.0.1"_s, u"1.2"_s}};
+    for (const auto &[one, other] : newer)
+        EXPECT_TRUE(isNewer(one, other) && !isNewer(other, one)) << one.toStdString();
+    EXPECT_FALSE(isNewer(u"1.2.0"_s, u"1.2"_s) || isNewer(u"1.2"_s, u"1.2.0"_s) || isNewer(u"x"_s, u"0"_s));
 }
 
 TEST(Manifest, OnlyHarmlessNamesVersionsAndHashesPass) {
     EXPECT_TRUE(isWellFormed(signedInfo()));
-    const auto with = [](auto change) {
+    const auto passes = [](QString UpdateInfo::*field, const QString &value) {
         UpdateInfo info = signedInfo();
-        change(info);
+        info.*field = value;
         return isWellFormed(info);
     };
     for (const QString &file : {u".a.pkg"_s, u"/a.pkg"_s, u"a/b.pkg"_s, u"a b.pkg"_s, u"a.pkg\n"_s, u"a'.pkg"_s,
                                 u"a.dmg"_s, u"ä.pkg"_s, QString(81, u'a') + u".pkg"_s, u".pkg"_s})
-        EXPECT_FALSE(with([&](UpdateInfo &i) { i.file = file; })) << file.toStdString();
-    EXPECT_TRUE(with([](UpdateInfo &i) { i.file = QString(80, u'a') + u".pkg"_s; }));
+        EXPECT_FALSE(passes(&UpdateInfo::file, file)) << file.toStdString();
+    EXPECT_TRUE(passes(&UpdateInfo::file, QString(80, u'a') + u".pkg"_s));
     for (const QString &ver : {u"2.0.0.0.1"_s, u""_s, u"2."_s, u"2\n"_s, u"v2"_s, u"２"_s})
-        EXPECT_FALSE(with([&](UpdateInfo &i) { i.ver = ver; })) << ver.toStdString();
+        EXPECT_FALSE(passes(&UpdateInfo::ver, ver)) << ver.toStdString();
     for (const QString &sha : {QString(64, u'A'), QString(63, u'a'), QString(64, u'g'), QString(64, u'a') + u'\n'})
-        EXPECT_FALSE(with([&](UpdateInfo &i) { i.sha = sha; })) << sha.toStdString();
+        EXPECT_FALSE(passes(&UpdateInfo::sha, sha)) << sha.toStdString();
 }
 
 TEST(UpdateSignature, BindsNameVersionAndHashAndNothingElse) {
@@ -92,24 +88,26 @@ TEST(UpdateSignature, BindsNameVersionAndHashAndNothingElse) {
     EXPECT_TRUE(isSigned(config, info));
     info.bytes = 99;
     EXPECT_TRUE(isSigned(config, info)); // its size is checked with the file
-    const auto valid = [&](auto change) {
-        UpdateInfo other = signedInfo();
-        change(other);
-        return isSigned(config, other);
+    const QString sig = info.sig;
+    const auto sized = [&](int size) {
+        return QString::fromLatin1(QByteArray::fromBase64(sig.toLatin1()).leftJustified(size, 'x', true).toBase64());
     };
-    EXPECT_FALSE(valid([](UpdateInfo &i) { i.sha[0] = u'b'; }));
-    EXPECT_FALSE(valid([](UpdateInfo &i) { i.ver = u"2.1"_s; }));
-    EXPECT_FALSE(valid([](UpdateInfo &i) { i.file = u"Other-cn.pkg"_s; }));
-    EXPECT_FALSE(valid(
-        [](UpdateInfo &i) { i.sig = signature("korvel-update/1\n2.0\nKorvel-2.0-cn.pkg\n" + QByteArray(64, 'a')); }));
-    EXPECT_FALSE(valid([](UpdateInfo &i) { i.sig.clear(); }));
-    EXPECT_FALSE(valid([](UpdateInfo &i) { i.sig = u"!"_s + i.sig; }));
-    EXPECT_FALSE(valid([](UpdateInfo &i) { i.sig.remove(u'='); }));
-    for (const int size : {63, 65})
-        EXPECT_FALSE(valid([size](UpdateInfo &i) {
-            i.sig =
-                QString::fromLatin1(QByteArray::fromBase64(i.sig.toLatin1()).leftJustified(size, 'x', true).toBase64());
-        }));
+    const std::pair<QString UpdateInfo::*, QString> changes[] = {
+        {&UpdateInfo::sha, u'b' + QString(63, u'a')},
+        {&UpdateInfo::ver, u"2.1"_s},
+        {&UpdateInfo::file, u"Other-cn.pkg"_s},
+        {&UpdateInfo::sig, signature("korvel-update/1\n2.0\nKorvel-2.0-cn.pkg\n" + QByteArray(64, 'a'))},
+        {&UpdateInfo::sig, QString()},
+        {&UpdateInfo::sig, u'!' + sig},
+        {&UpdateInfo::sig, QString(sig).remove(u'=')},
+        {&UpdateInfo::sig, sized(63)},
+        {&UpdateInfo::sig, sized(65)},
+    };
+    for (const auto &[field, value] : changes) {
+        UpdateInfo other = signedInfo();
+        other.*field = value;
+        EXPECT_FALSE(isSigned(config, other)) << value.toStdString();
+    }
     FixedConfig broken = config;
     for (const QString &key : {u"short"_s, u"%%%"_s, u"AAAA"_s, QString()}) {
         broken.UPDATE_PUBKEY = key;
