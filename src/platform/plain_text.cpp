@@ -1,5 +1,6 @@
 #include "platform/plain_text.h"
 
+#include <QStringDecoder>
 #include <QTextBoundaryFinder>
 #include <algorithm>
 #include <string>
@@ -93,6 +94,12 @@ QString withoutEndSpace(const QString &text) {
 }
 
 } // namespace
+
+std::optional<QString> utf8Text(const QByteArray &bytes) {
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    const QString text = decoder.decode(bytes);
+    return decoder.hasError() ? std::nullopt : std::optional(text);
+}
 
 QString shortened(const QString &text, qsizetype maxLength) {
     if (text.size() <= maxLength)

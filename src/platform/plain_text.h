@@ -1,11 +1,15 @@
 #pragma once
 
 #include <QString>
+#include <optional>
 
 namespace korvel {
 
 /// The most characters of a text from outside that anything is done with.
 constexpr qsizetype MAX_TEXT = 1000;
+
+/// The text that the bytes are in UTF-8; none when they are not.
+std::optional<QString> utf8Text(const QByteArray &bytes);
 
 /// `text`, cut and ending in "…" when it has more than `maxLength` characters.
 QString shortened(const QString &text, qsizetype maxLength = MAX_TEXT);

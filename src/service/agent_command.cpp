@@ -2,10 +2,10 @@
 
 #include "app/wording.h"
 #include "platform/log.h"
+#include "platform/plain_text.h"
 
 #include <QFileInfo>
 #include <QJsonDocument>
-#include <QStringDecoder>
 
 using namespace Qt::StringLiterals;
 
@@ -67,10 +67,7 @@ ProgramRun buildAgentJson(const AgentLocation &agent, const QJsonObject &request
 }
 
 std::optional<QJsonObject> parseAgentJson(const QByteArray &output) {
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    const QString text = decoder.decode(output);
-    if (decoder.hasError())
-        return std::nullopt;
+    const QString text = utf8Text(output).value_or(QString());
     const auto lines = QStringView(text).split(u'\n', Qt::SkipEmptyParts);
     for (auto line = lines.crbegin(); line != lines.crend(); ++line) {
         const QString candidate = trimBlanks(*line);

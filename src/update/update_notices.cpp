@@ -1,6 +1,7 @@
 #include "update/update_notices.h"
 
 #include "app/wording.h"
+#include "platform/plain_text.h"
 
 using namespace Qt::StringLiterals;
 
@@ -23,7 +24,7 @@ QString refusalText(int status, const QByteArray &body) {
     if (status == 503 || status == 429)
         return L(u"服务器繁忙，请稍后重试或从官网下载",
                  u"The server is busy. Try again later or download it from the website.");
-    const QString text = QString::fromUtf8(body).trimmed();
+    const QString text = utf8Text(body).value_or(QString()).trimmed();
     const bool sentence =
         !text.isEmpty() && text.size() <= LONGEST_SENTENCE && !text.startsWith(u'{') && !text.startsWith(u'<');
     return sentence ? text : downloadFailed();
