@@ -3,6 +3,7 @@
 #include "app/wording.h"
 #include "e2ee/e2ee_notices.h"
 #include "permissions/permission_notices.h"
+#include "platform/plain_text.h"
 #include "service/service_notices.h"
 #include "service/sync_toggle.h"
 #include "simulator/gallery/gallery_case.h"
@@ -59,7 +60,7 @@ QList<Sample> encryptionSamples() {
         {"verifying", verifyingNotice},
         {"allowed", [] { return allowedNotice(ANNA); }},
         {"denied", [] { return deniedNotice(ANNA); }},
-        {"denied-long-name", [] { return deniedNotice(longName()); }},
+        {"denied-long-name", [] { return deniedNotice(shownName(longName())); }},
         {"denied-right-to-left", [] { return deniedNotice(rightToLeftName()); }},
         {"not-admitted", [] { return notAdmittedNotice({}); }},
         {"not-admitted-mismatch",

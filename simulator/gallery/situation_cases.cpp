@@ -77,14 +77,18 @@ QByteArray encryption(const QByteArray &report, bool connected = false) {
 struct Permission {
     QString name;
     const char *state;
+    QString why, breaks; ///< What it is for, and what does not work without it.
 };
+
+Permission microphone() {
+    return {L(u"麦克风", u"Microphone"), "denied", L(u"听写和通话", u"Dictation and calls"),
+            L(u"手机上听不到声音", u"the phone hears nothing")};
+}
 
 /// The agent's list of what is lacking, in its words.
 QByteArray lacking(const QList<Permission> &permissions) {
     QByteArrayList items, missing;
-    for (const auto &[name, state] : permissions) {
-        const QString why = L(u"在手机上显示这台 Mac", u"Showing this Mac on your phone");
-        const QString breaks = L(u"手机上是黑屏", u"the phone sees a black screen");
+    for (const auto &[name, state, why, breaks] : permissions) {
         items.append(QJsonDocument(QJsonObject{{u"name"_s, name},
                                                {u"state"_s, QLatin1StringView(state)},
                                                {u"why"_s, why},
@@ -139,7 +143,7 @@ QList<Sample> startSamples() {
         {"sign-in-lost", R"({"ok":true,"account":"anna","authDead":true})",
          [](TrayState &s) { s.health.authDeadNotified = false; }},
         {"pairing", encryption(R"({"state":"pending","pair":{"show":"482913"}})")},
-        {"one-permission-missing", lacking({{L(u"麦克风", u"Microphone"), "denied"}})},
+        {"one-permission-missing", lacking({microphone()})},
     };
 }
 
@@ -175,14 +179,17 @@ QList<Sample> encryptionSamples() {
 }
 
 QList<Sample> permissionSamples() {
-    const QString microphone = L(u"麦克风", u"Microphone");
-    const QByteArray three = lacking({{microphone, "denied"},
-                                      {L(u"辅助功能", u"Accessibility"), "undetermined"},
-                                      {L(u"完全磁盘访问权限", u"Full Disk Access"), "notrunning"}});
+    const Permission accessibility{L(u"辅助功能", u"Accessibility"), "undetermined",
+                                   L(u"在手机上操作这台 Mac", u"Using this Mac from your phone"),
+                                   L(u"手机上只能查看", u"the phone can only look")};
+    const Permission files{L(u"完全磁盘访问权限", u"Full Disk Access"), "notrunning",
+                           L(u"同步受保护的文件夹", u"Syncing folders that macOS protects"),
+                           L(u"「文稿」等文件夹不会同步", u"Documents and the like stay here")};
+    const QByteArray three = lacking({microphone(), accessibility, files});
     return {
         {"permissions-missing", three},
         {"permissions-requested", three, [](TrayState &s) { s.permissions.permsRequesting = true; }},
-        {"one-permission-missing", lacking({{microphone, "denied"}})},
+        {"one-permission-missing", lacking({microphone()})},
     };
 }
 
