@@ -18,7 +18,7 @@ constexpr int LOWER = 16; // by half of a title bar, which is not a part of the 
 
 bool isCentred(const QRect &window) {
     const QScreen &screen = *QGuiApplication::primaryScreen();
-    const QPoint off = window.center() / screen.devicePixelRatio() - screen.availableGeometry().center();
+    const QPoint off = window.center() - screen.availableGeometry().center();
     return std::abs(off.x()) <= BESIDE && off.y() >= -BESIDE && off.y() <= LOWER;
 }
 
