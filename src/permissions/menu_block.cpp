@@ -2,6 +2,7 @@
 
 #include "app/wording.h"
 #include "permissions/permission_rules.h"
+#include "platform/plain_text.h"
 
 #include <algorithm>
 
@@ -12,16 +13,17 @@ namespace {
 /// One line: mark, name, state, use; and what breaks without the permission where there is room, and as a tool tip.
 MenuEntry permissionItem(const QJsonObject &item) {
     const QString separator = QStringLiteral(" · ");
-    const auto labelled = [&item](QStringView key, const QString &label) {
-        const QString text = item.value(key).toString();
+    const auto textOf = [&item](QStringView key) { return singleLine(item.value(key).toString()); };
+    const auto labelled = [&textOf](QStringView key, const QString &label) {
+        const QString text = textOf(key);
         return text.isEmpty() ? QString() : label + text;
     };
     const QString use = labelled(u"why", separator + L(u"用于：", u"Used for: "));
     const QString breaks = labelled(u"breaks", L(u"缺少时：", u"Without it: "));
     const QString mark = permLacks(item) ? QStringLiteral("⚠ ") : QStringLiteral("? ");
-    MenuEntry entry = menuItem(mark + item.value(u"name").toString() + separator +
-                                   permStateText(item.value(u"state").toString()) + use,
-                               Action::OpenPermPane, breaks);
+    MenuEntry entry =
+        menuItem(mark + textOf(u"name") + separator + permStateText(item.value(u"state").toString()) + use,
+                 Action::OpenPermPane, breaks);
     if (!breaks.isEmpty())
         entry.detail = separator + entry.toolTip;
     entry.payload = item.value(u"pane");

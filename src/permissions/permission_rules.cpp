@@ -3,6 +3,7 @@
 #include "app/wording.h"
 #include "platform/json_bounds.h"
 #include "platform/json_values.h"
+#include "platform/plain_text.h"
 
 #include <QUrl>
 
@@ -25,6 +26,8 @@ QJsonObject boundedPerms(const QJsonObject &reply) {
 void applyPermSummary(PermissionState &permissions, const QJsonObject &perms) {
     permissions.permsOk = jsonBool(perms.value(u"ok"));
     permissions.permsMissing = jsonTexts(perms.value(u"missing")).value_or(QStringList());
+    for (QString &name : permissions.permsMissing)
+        name = singleLine(name);
 }
 
 bool holdsPermItems(const QJsonObject &reply) { return jsonObjects(reply.value(u"items")).has_value(); }

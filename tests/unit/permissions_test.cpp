@@ -5,7 +5,7 @@ namespace korvel::test {
 namespace {
 
 const QByteArray ITEMS = R"([
-    {"name":"Screen","state":"denied","why":"showing the screen","breaks":"the phone sees nothing",
+    {"name":"Screen ","state":"denied","why":"showing the screen\n","breaks":"the phone sees nothing",
      "pane":"x-apple.systempreferences:screen"},
     {"name":"Mic","state":"undetermined","why":"voice input"},
     {"name":"Disk","state":"granted"},
@@ -13,7 +13,7 @@ const QByteArray ITEMS = R"([
     {"name":"Odd","state":"denied","unknown":true},
     {"name":"Told","state":"undetermined","unknown":false},
     {"name":"Late","state":"unknown-timeout","unknown":"no"}])";
-const QByteArray LACKING = R"({"ok":false,"missing":["Mic","Disk"],"items":)" + ITEMS + '}';
+const QByteArray LACKING = R"({"ok":false,"missing":["Mic ","Disk"],"items":)" + ITEMS + '}';
 const QByteArray GOOD = R"({"ok":true,"missing":[],"items":[{"name":"Screen","state":"granted"}]})";
 
 struct PermissionsTest : TrayFixture {
