@@ -11,13 +11,14 @@
 #include "platform/loopback_http_client.h"
 #include "platform/qt_programs.h"
 #include "platform/qt_scheduler.h"
-#include "platform/quit_signals.h"
+#include "platform/unix_signals.h"
 #include "service/launchctl.h"
 #include "ui/alert_window.h"
 #include "ui/notice_window.h"
 
 #include <QApplication>
 #include <QTimer>
+#include <csignal>
 #include <cstdlib>
 #include <vector>
 
@@ -55,7 +56,7 @@ int runTray(char **argv, const FixedConfig &config, const Paths &paths) {
     QApplication::setQuitOnLastWindowClosed(false);
     settleApplication();
     bool quit = false;
-    const QuitSignals signals([&quit] {
+    const UnixSignals signals({SIGTERM, SIGINT, SIGHUP}, [&quit](int) {
         quit = true;
         QCoreApplication::exit(0);
     });

@@ -1,4 +1,4 @@
-#include "platform/quit_signals.h"
+#include "platform/unix_signals.h"
 
 #include <QSocketNotifier>
 #include <cerrno>
@@ -10,12 +10,11 @@ namespace korvel {
 
 namespace {
 
-constexpr int SIGNALS[] = {SIGTERM, SIGINT, SIGHUP};
 volatile int wakeUpEnd = -1;
 
-void onSignal(int) {
+void onSignal(int number) {
     const int saved = errno;
-    const char byte = 1;
+    const char byte = static_cast<char>(number);
     if (wakeUpEnd >= 0 && ::write(wakeUpEnd, &byte, 1) < 0) {
     }
     errno = saved;
@@ -23,7 +22,7 @@ void onSignal(int) {
 
 } // namespace
 
-QuitSignals::QuitSignals(std::function<void()> quit) {
+UnixSignals::UnixSignals(std::initializer_list<int> numbers, std::function<void(int)> handle) {
     if (::pipe(ends) != 0)
         return;
     for (const int end : ends) {
@@ -32,24 +31,23 @@ QuitSignals::QuitSignals(std::function<void()> quit) {
     }
     wakeUpEnd = ends[1];
     notifier = std::make_unique<QSocketNotifier>(ends[0], QSocketNotifier::Read);
-    QObject::connect(notifier.get(), &QSocketNotifier::activated, notifier.get(), [this, quit = std::move(quit)] {
-        char bytes[16];
-        while (::read(ends[0], bytes, sizeof bytes) > 0) {
-        }
-        quit();
+    QObject::connect(notifier.get(), &QSocketNotifier::activated, notifier.get(), [this, handle = std::move(handle)] {
+        char number = 0;
+        while (::read(ends[0], &number, 1) == 1)
+            handle(number);
     });
     struct sigaction action {};
     action.sa_handler = onSignal;
     action.sa_flags = SA_RESTART;
-    for (const int number : SIGNALS) {
+    for (const int number : numbers) {
         struct sigaction before {};
         ::sigaction(number, nullptr, &before);
-        if (before.sa_handler != SIG_IGN) // as under nohup
+        if (before.sa_handler != SIG_IGN)
             ::sigaction(number, &action, nullptr);
     }
 }
 
-QuitSignals::~QuitSignals() {
+UnixSignals::~UnixSignals() {
     // From here on the process is leaving: a signal need not, and must not, reach the closed pipe.
     wakeUpEnd = -1;
     notifier.reset();
