@@ -4,7 +4,7 @@
 #include "benchmarks/flood_cases.h"
 #include "benchmarks/main_thread.h"
 #include "benchmarks/process_cost.h"
-#include "simulator/simulated_home.h"
+#include "simulator/home/simulated_home.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>

@@ -2,7 +2,7 @@
 
 #include "benchmarks/item_watcher.h"
 #include "benchmarks/process_cost.h"
-#include "simulator/simulated_home.h"
+#include "simulator/home/simulated_home.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>

@@ -100,7 +100,7 @@ QString grantByHand(Tour &tour) {
     if (!tour.waitUntil([&] { return tour.home().opened().size() > opened; }, NEXT_POLL) ||
         !tour.home().opened().last().endsWith(u"Privacy_Accessibility"_s))
         return u"the settings of accessibility do not open"_s;
-    PermissionControl permissions = tour.home().permissions();
+    Permissions permissions = tour.home().permissions();
     if (!permissions.grant(ACCESSIBILITY))
         return u"accessibility cannot be granted"_s;
     if (QString wrong = expectLine(tour, serverConnectedLine(tour) +

@@ -2,7 +2,7 @@
 
 #include "simulator/desktop/accessible.h"
 #include "simulator/desktop/panel_probe.h"
-#include "simulator/simulated_home.h"
+#include "simulator/home/simulated_home.h"
 
 #include <QElapsedTimer>
 #include <QProcess>

@@ -2,7 +2,7 @@
 
 #include "simulator/tour/steps.h"
 #include "simulator/tour/tour.h"
-#include "simulator/unix_signals.h"
+#include "platform/unix_signals.h"
 
 #include <QCommandLineParser>
 #include <QDir>

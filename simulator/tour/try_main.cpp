@@ -1,8 +1,8 @@
 // Starts a tray program with a simulated home in the user's own desktop session, until it is quit or interrupted.
 
-#include "simulator/agent_config.h"
-#include "simulator/simulated_home.h"
-#include "simulator/unix_signals.h"
+#include "simulator/agent/agent_config.h"
+#include "simulator/home/simulated_home.h"
+#include "platform/unix_signals.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -24,7 +24,7 @@ constexpr int END_WITHIN_MS = 5000;
 bool prepare(Home &home, const QString &account) {
     const bool used = QFileInfo::exists(home.jobFilePath());
     return used || (home.setScenario({{u"health"_s, QJsonObject{{u"sessions"_s, 1}}}}) && home.signIn(account) &&
-                    AgentConfig(QFileInfo(home.configPath()).path()).change({{u"server"_s, home.accountServer()}}) &&
+                    AgentConfig(home.configPath()).change({{u"server"_s, home.accountServer()}}) &&
                     home.installJobFile());
 }
 

@@ -6,7 +6,7 @@
 #include "platform/qt_programs.h"
 #include "platform/qt_scheduler.h"
 #include "service/launchctl.h"
-#include "simulator/simulated_home.h"
+#include "simulator/home/simulated_home.h"
 #include "support/fakes.h"
 #include "support/tray_process.h"
 

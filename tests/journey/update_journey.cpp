@@ -1,6 +1,6 @@
 #include "journey/update_journey.h"
 
-#include "simulator/files.h"
+#include "simulator/home/files.h"
 #include "support/signing.h"
 
 namespace korvel::test {

@@ -1,7 +1,7 @@
 #include "exchange/sha256.h"
 #include "journey/update_journey.h"
 #include "platform/log.h"
-#include "simulator/files.h"
+#include "simulator/home/files.h"
 #include "support/full_disk.h"
 
 #include <QJsonArray>

@@ -2,7 +2,7 @@
 
 #include "simulator/home_test.h"
 
-#include "simulator/process_list.h"
+#include "simulator/home/processes.h"
 
 #include <QDir>
 #include <sys/wait.h>

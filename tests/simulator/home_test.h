@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simulator/simulated_home.h"
+#include "simulator/home/simulated_home.h"
 
 #include <QDeadlineTimer>
 #include <QProcess>

@@ -2,7 +2,7 @@
 
 #include "simulator/home_test.h"
 
-#include "simulator/home_paths.h"
+#include "simulator/home/home_paths.h"
 #include "update/install_script.h"
 
 #include <QCryptographicHash>

@@ -2,7 +2,7 @@
 
 #include "simulator/home_test.h"
 
-#include "simulator/files.h"
+#include "simulator/home/files.h"
 
 #include <QJsonDocument>
 #include <QSslCertificate>
@@ -67,8 +67,7 @@ Reply exchange(int port, const QByteArray &request, int patienceMs) {
 
 struct WireTest : HomeTest {
     Reply health(int patienceMs) {
-        const QByteArray token =
-            readObject(home.configPath()).value_or(QJsonObject()).value("localToken"_L1).toString().toUtf8();
+        const QByteArray token = readObject(home.configPath()).value("localToken"_L1).toString().toUtf8();
         return exchange(home.port(),
                         "GET /health HTTP/1.1\r\nHost: 127.0.0.1\r\nConnection: close\r\nX-Korvel-Token: " + token +
                             "\r\n\r\n",

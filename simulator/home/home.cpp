@@ -1,0 +1,152 @@
+#include "simulator/home/home.h"
+
+#include "simulator/agent/agent_config.h"
+#include "simulator/home/document.h"
+#include "simulator/home/files.h"
+#include "simulator/home/home_cleaning.h"
+#include "simulator/home/scenario.h"
+#include "simulator/launchd/job_file.h"
+#include "simulator/launchd/launch_job.h"
+#include "simulator/server/account_server_program.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QProcess>
+#include <csignal>
+#include <unistd.h>
+
+namespace korvel::sim {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int DEFAULT_PORT = 8790;
+
+/// Puts a program at a path as a file of its own there: a second name of the same file, or else a copy.
+bool placeProgram(const QString &program, const QString &path) {
+    const QString source = QFileInfo(program).canonicalFilePath();
+    if (source.isEmpty() || !QDir().mkpath(QFileInfo(path).path()))
+        return false;
+    QFile::remove(path);
+    return ::link(QFile::encodeName(source).constData(), QFile::encodeName(path).constData()) == 0 ||
+           QFile::copy(source, path);
+}
+
+} // namespace
+
+Home::Home(const QString &directory) : paths{QFileInfo(directory).canonicalFilePath()} {
+    if (paths.home.isEmpty())
+        paths.home = QDir(directory).absolutePath();
+}
+
+int Home::port() const {
+    const int named = qEnvironmentVariableIntValue("KORVEL_HOOK_PORT");
+    return readObject(paths.ports()).value("agent"_L1).toInt(named > 0 ? named : DEFAULT_PORT);
+}
+
+QProcessEnvironment Home::environment() const {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"HOME"_s, paths.home);
+    environment.insert(u"KORVEL_HOOK_PORT"_s, QString::number(port()));
+    environment.insert(u"SSL_CERT_FILE"_s, authorityFile());
+    for (const QLatin1StringView name : {"KORVEL_HOME"_L1, "KORVEL_AGENT_BIN"_L1, "KORVEL_TRAY_AUTOMATION"_L1})
+        environment.remove(name);
+    return environment;
+}
+
+bool Home::setScenario(const QJsonObject &scenario) {
+    const bool written = Scenario::write(paths, scenario);
+    AccountServerProcess(paths).awaitScenario();
+    return written;
+}
+
+bool Home::changeScenario(const QJsonObject &patch) { return setScenario(mergePatch(scenario(), patch)); }
+
+QJsonObject Home::scenario() const { return Scenario(paths).values(); }
+
+bool Home::signIn(const QString &account) {
+    return AgentConfig(configPath())
+        .change({{u"agentToken"_s, u"simulated-token-"_s + randomHex(8)},
+                 {u"agentId"_s, u"simulated-agent-"_s + randomHex(4)},
+                 {u"username"_s, account},
+                 {u"loginName"_s, account}});
+}
+
+bool Home::signOut() {
+    return AgentConfig(configPath())
+        .change({{u"agentToken"_s, QJsonValue::Null},
+                 {u"agentId"_s, QJsonValue::Null},
+                 {u"username"_s, QJsonValue::Null},
+                 {u"loginName"_s, QJsonValue::Null}});
+}
+
+QString Home::account() const { return readObject(configPath()).value("username"_L1).toString(); }
+
+Encryption Home::encryption() const { return Encryption(paths, AgentConfig(configPath())); }
+
+bool Home::startAccountServer() { return AccountServerProcess(paths).start(environment()); }
+
+bool Home::stopAccountServer() { return AccountServerProcess(paths).stop(); }
+
+QString Home::accountServer() const { return AccountServerProcess(paths).address(); }
+
+QString Home::authorityFile() { return standInRoot() + "/etc/certificates/authority.pem"_L1; }
+
+bool Home::placeAgent() const {
+    return placeProgram(standInRoot() + "/usr/local/bin/korvel-agent"_L1, paths.agentProgram());
+}
+
+bool Home::installJobFile() {
+    const QJsonObject environment{{u"KORVEL_HOOK_PORT"_s, QString::number(port())}};
+    return placeAgent() && writeAgentJob(paths, paths.agentProgram(), environment);
+}
+
+QString Home::assembleBundle(const QString &trayProgram) {
+    const QString contents = paths.bundle() + "/Contents"_L1;
+    const QString tray = contents + "/MacOS/korvel-tray"_L1;
+    const QString exchange = "/Helpers/korvel-exchange"_L1;
+    const QString built = QFileInfo(QFileInfo(trayProgram).canonicalFilePath()).path() + u"/.."_s + exchange;
+    const bool whole = placeProgram(trayProgram, tray) && placeProgram(built, contents + exchange) && placeAgent();
+    return whole ? tray : QString();
+}
+
+int Home::launchctl(const QStringList &arguments) {
+    QProcess tool;
+    tool.setProcessEnvironment(environment());
+    tool.setProcessChannelMode(QProcess::ForwardedChannels);
+    tool.start(standInRoot() + "/bin/launchctl"_L1, arguments);
+    return tool.waitForFinished(-1) && tool.exitStatus() == QProcess::NormalExit ? tool.exitCode() : -1;
+}
+
+QString Home::domain() { return u"gui/%1"_s.arg(::getuid()); }
+
+QList<QJsonObject> Home::requests() const { return readLines(paths.requestLog()); }
+
+QList<QJsonObject> Home::serverRequests() const { return readLines(paths.serverLog()); }
+
+QList<QJsonObject> Home::toolCalls() const { return readLines(paths.toolLog()); }
+
+QList<QJsonObject> Home::agentCalls() const { return readLines(paths.agentLog()); }
+
+QStringList Home::opened() const {
+    QStringList urls;
+    for (const QJsonObject &line : readLines(paths.openedLog()))
+        urls.append(line.value("url"_L1).toString());
+    return urls;
+}
+
+QList<QJsonObject> Home::installedPackages() const { return readLines(paths.installed()); }
+
+qint64 Home::agentPid() const { return LaunchJob(paths, AGENT_LABEL).process(); }
+
+bool Home::killAgent(int signal) {
+    const qint64 process = agentPid();
+    return process != 0 && ::kill(pid_t(process), signal) == 0;
+}
+
+bool Home::shutDown() { return endAllOf(paths); }
+
+} // namespace korvel::sim

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "simulator/home/scenario.h"
+#include "simulator/server/accounts.h"
+#include "simulator/server/http_server.h"
+
+#include <map>
+
+namespace korvel::sim {
+
+/// The account server of a home: HTTP over TLS, logged, with the faults and the certificate that the scenario's
+/// "server" names at each connection and request.
+class AccountServer {
+public:
+    explicit AccountServer(const HomePaths &home);
+
+    /// Listens on a port of 127.0.0.1, or, while the scenario's server refuses, does not. False when the port is not to
+    /// be had.
+    bool listen(int port);
+
+private:
+    using Route = HttpResponse (AccountServer::*)(const HttpRequest &);
+
+    void receive(HttpConnection &connection, const HttpRequest &request);
+    void log(const HttpRequest &request) const;
+    HttpResponse responseTo(const HttpRequest &request);
+
+    HttpResponse logIn(const HttpRequest &request);
+    HttpResponse unbind(const HttpRequest &request);
+    HttpResponse showSignIn(const HttpRequest &request);
+    HttpResponse submitSignIn(const HttpRequest &request);
+    HttpResponse manifest(const HttpRequest &request);
+    HttpResponse package(const HttpRequest &request);
+
+    HomePaths paths;
+    Accounts accounts;
+    std::map<QByteArray, Route> routes; ///< By method and path.
+    HttpServer server;
+};
+
+} // namespace korvel::sim
