@@ -1,8 +1,9 @@
 // Leads a tray program through its main duties on a desktop and checks at each step what the panel shows.
 
+#include "platform/unix_signals.h"
+#include "simulator/tour/explain_home.h"
 #include "simulator/tour/steps.h"
 #include "simulator/tour/tour.h"
-#include "platform/unix_signals.h"
 
 #include <QCommandLineParser>
 #include <QDir>
@@ -22,7 +23,6 @@ namespace {
 
 struct Arguments {
     TourOptions options;
-    bool windowsOnly = false;
     bool stay = false;
 };
 
@@ -36,7 +36,6 @@ Arguments readArguments(const QGuiApplication &application) {
                        {u"out"_s, u"Folder for screenshots and the tray's log."_s, u"folder"_s},
                        {u"home"_s, u"Home directory to use and keep; a temporary one without."_s, u"folder"_s},
                        {u"language"_s, u"en or zh."_s, u"language"_s, u"en"_s},
-                       {u"windows-only"_s, u"Take only the steps that show windows."_s},
                        {u"stay"_s, u"After the tour, start the tray again and leave it until interrupted."_s}});
     parser.process(application);
     const QString language = parser.value(u"language"_s);
@@ -46,7 +45,6 @@ Arguments readArguments(const QGuiApplication &application) {
              .homeDirectory = parser.value(u"home"_s),
              .outputDirectory = parser.value(u"out"_s),
              .language = language == "zh"_L1 ? TourLanguage::Chinese : TourLanguage::English},
-            parser.isSet(u"windows-only"_s),
             parser.isSet(u"stay"_s)};
 }
 
@@ -70,12 +68,9 @@ bool take(const Step &step, Tour &tour) {
     return wrong.isEmpty();
 }
 
-QList<Step> stepsOf(bool windowsOnly) {
-    const auto windows = pairingSteps() + deviceSteps() + alarmSteps();
-    if (windowsOnly)
-        return launchSteps() + windows + signInSteps() + quitSteps();
-    return launchSteps() + menuSteps() + windows + speechSteps() + outageSteps() + syncSteps() + signInSteps() +
-           keyboardSteps() + permissionSteps() + updateSteps() + quitSteps();
+QList<Step> allSteps() {
+    return launchSteps() + menuSteps() + pairingSteps() + deviceSteps() + alarmSteps() + speechSteps() + outageSteps() +
+           syncSteps() + signInSteps() + keyboardSteps() + permissionSteps() + updateSteps() + quitSteps();
 }
 
 int run(int argc, char **argv) {
@@ -94,7 +89,7 @@ int run(int argc, char **argv) {
     });
 
     int failed = 0;
-    for (const Step &step : stepsOf(arguments.windowsOnly))
+    for (const Step &step : allSteps())
         failed += take(step, *tour) ? 0 : 1;
     if (failed > 0)
         std::printf("%d steps FAILED; see %s\n", failed, qUtf8Printable(arguments.options.outputDirectory));
@@ -105,8 +100,8 @@ int run(int argc, char **argv) {
         return 1;
     }
     QObject::connect(&tour->tray(), &QProcess::finished, &application, &QCoreApplication::exit);
-    std::printf("The tray stays on display %s until interrupted (Ctrl-C).\n", qgetenv("DISPLAY").constData());
-    std::fflush(stdout);
+    std::printf("The tray stays on display %s.\n", qgetenv("DISPLAY").constData());
+    explainHome(tour->home());
     return application.exec();
 }
 

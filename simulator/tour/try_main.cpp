@@ -1,8 +1,9 @@
 // Starts a tray program with a simulated home in the user's own desktop session, until it is quit or interrupted.
 
+#include "platform/unix_signals.h"
 #include "simulator/agent/agent_config.h"
 #include "simulator/home/simulated_home.h"
-#include "platform/unix_signals.h"
+#include "simulator/tour/explain_home.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -23,19 +24,9 @@ constexpr int END_WITHIN_MS = 5000;
 // Makes the home one in which a user is signed in at its account server and all goes well, unless it was used before.
 bool prepare(Home &home, const QString &account) {
     const bool used = QFileInfo::exists(home.jobFilePath());
-    return used || (home.setScenario({{u"health"_s, QJsonObject{{u"sessions"_s, 1}}}}) && home.signIn(account) &&
-                    AgentConfig(home.configPath()).change({{u"server"_s, home.accountServer()}}) &&
-                    home.installJobFile());
-}
-
-void explain(const Home &home) {
-    std::printf("The tray runs with the home directory %s. To make things happen there:\n"
-                "  export HOME=%s PATH=%s/usr/local/bin:$PATH\n"
-                "  korvel-simulator set '{\"offline\": true}'     (docs/simulator.md lists what can be set)\n"
-                "  korvel-simulator kill-agent\n"
-                "Quit it from its menu, or press Ctrl-C here.\n",
-                qUtf8Printable(home.path()), qUtf8Printable(home.path()), qUtf8Printable(standInRoot()));
-    std::fflush(stdout);
+    return used ||
+           (home.setScenario({{u"health"_s, QJsonObject{{u"sessions"_s, 1}}}}) && home.signIn(account) &&
+            AgentConfig(home.configPath()).change({{u"server"_s, home.accountServer()}}) && home.installJobFile());
 }
 
 int run(int argc, char **argv) {
@@ -65,7 +56,7 @@ int run(int argc, char **argv) {
             QCoreApplication::exit(1);
     });
     const UnixSignals interruption({SIGINT, SIGTERM, SIGHUP}, [&](int) { tray.terminate(); });
-    explain(home);
+    explainHome(home);
     tray.start(program, QStringList());
     const int status = application.exec();
     if (!tray.waitForFinished(END_WITHIN_MS))

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "simulator/home/home.h"
+
+#include <cstdio>
+
+namespace korvel::sim {
+
+/// Prints where a tray runs and how to make things happen there.
+inline void explainHome(const Home &home) {
+    std::printf("The tray runs with the home directory %s. To make things happen there:\n"
+                "  export HOME=%s PATH=%s/usr/local/bin:$PATH\n"
+                "  korvel-simulator set '{\"offline\": true}'     (docs/simulator.md lists what can be set)\n"
+                "  korvel-simulator device ask \"Anna's phone\" ios\n"
+                "  korvel-simulator kill-agent\n"
+                "Quit it from its menu, or press Ctrl-C here.\n",
+                qUtf8Printable(home.path()), qUtf8Printable(home.path()), qUtf8Printable(standInRoot()));
+    std::fflush(stdout);
+}
+
+} // namespace korvel::sim
