@@ -1,10 +1,10 @@
 #include "simulator/tour/menu_look.h"
 
 #include "simulator/desktop/screen.h"
+#include "simulator/tour/checks.h"
 
 #include <QGuiApplication>
 #include <QScreen>
-
 #include <algorithm>
 
 using namespace std::chrono_literals;
@@ -30,39 +30,27 @@ QList<QRect> menusOf(qint64 pid) {
     return menus;
 }
 
-bool showsMenu(qint64 pid) { return !menusOf(pid).isEmpty(); }
-
-// Opens the menu with a click on the item and expects it as a window of process `owner`.
-QString openWith(Tour &tour, int button, qint64 owner) {
-    if (!tour.pointAtItem())
-        return u"the panel does not show the item under the pointer"_s;
+/// Opens the menu with a click on the item and expects it as a window of process `owner`.
+void openWith(Tour &tour, int button, qint64 owner) {
+    expect(tour.pointAtItem(), u"the panel does not show the item under the pointer"_s);
     clickButton(button);
-    if (!tour.waitUntil([&] { return showsMenu(owner); }, MENU_WITHIN))
-        return u"no menu opened"_s;
+    expect(tour.waitUntil([&] { return !menusOf(owner).isEmpty(); }, MENU_WITHIN), u"no menu opened"_s);
     tour.waitForRest({}); // a window is there before it is painted
     // The panel puts its own where it likes.
     const QList<QRect> own = menusOf(tour.tray().processId());
-    return std::ranges::any_of(own, [](const QRect &menu) { return menu.intersects(statusArea()); })
-               ? u"the menu covers the icon"_s
-               : QString();
+    expect(std::ranges::none_of(own, [](const QRect &menu) { return menu.intersects(statusArea()); }),
+           u"the menu covers the icon"_s);
 }
 
-// Takes the screenshot and closes the menu with a key.
-QString closeWith(Tour &tour, const QString &key, qint64 owner, const QString &name) {
-    if (!tour.screenshot(name))
-        return u"no screenshot"_s;
+/// Takes the screenshot and closes the menu with a key.
+void closeWith(Tour &tour, const QString &key, qint64 owner, const QString &name) {
+    expect(tour.screenshot(name), u"no screenshot"_s);
     pressKey(key);
     movePointer(grabScreen().rect().center());
-    return tour.waitUntil([&] { return !showsMenu(owner); }, MENU_WITHIN) ? QString() : key + u" does not close it"_s;
+    expect(tour.waitUntil([&] { return menusOf(owner).isEmpty(); }, MENU_WITHIN), key + u" does not close it"_s);
 }
 
-QString lookWith(Tour &tour, int button, qint64 owner, const QString &name) {
-    const QString wrong = openWith(tour, button, owner);
-    return wrong.isEmpty() ? closeWith(tour, u"Escape"_s, owner, name) : wrong;
-}
-
-// How often Up is pressed until an entry of the open menu is selected, which begins at its end; 0 without such an
-// entry.
+/// How often Up is pressed until an entry of the open menu is selected, which begins at its end.
 int stepsUpTo(Tour &tour, const QString &entry) {
     const auto entries = tour.panel().menu();
     int steps = 0;
@@ -71,30 +59,27 @@ int stepsUpTo(Tour &tour, const QString &entry) {
         if (each->title == entry)
             return steps;
     }
-    return 0;
+    throw StepFailed{u"the menu has no entry "_s + entry};
 }
 
 } // namespace
 
-QString lookAtMenu(Tour &tour, const QString &name) {
-    return lookWith(tour, LEFT_BUTTON, tour.tray().processId(), name);
+void lookAtMenu(Tour &tour, const QString &name) {
+    openWith(tour, LEFT_BUTTON, tour.tray().processId());
+    closeWith(tour, u"Escape"_s, tour.tray().processId(), name);
 }
 
-QString lookAtPanelMenu(Tour &tour, const QString &name) {
-    return lookWith(tour, RIGHT_BUTTON, statusAreaProcess(), name);
+void lookAtPanelMenu(Tour &tour, const QString &name) {
+    openWith(tour, RIGHT_BUTTON, statusAreaProcess());
+    closeWith(tour, u"Escape"_s, statusAreaProcess(), name);
 }
 
-QString chooseByKeyboard(Tour &tour, const QString &entry, const QString &name) {
-    const qint64 owner = tour.tray().processId();
-    if (QString wrong = openWith(tour, LEFT_BUTTON, owner); !wrong.isEmpty())
-        return wrong;
-    const int steps = stepsUpTo(tour, entry);
-    if (steps == 0)
-        return u"the menu has no entry "_s + entry;
-    for (int i = 0; i < steps; ++i)
+void chooseByKeyboard(Tour &tour, const QString &entry, const QString &name) {
+    openWith(tour, LEFT_BUTTON, tour.tray().processId());
+    for (int steps = stepsUpTo(tour, entry); steps > 0; --steps)
         pressKey(u"Up"_s);
     tour.waitForRest({});
-    return closeWith(tour, u"Return"_s, owner, name);
+    closeWith(tour, u"Return"_s, tour.tray().processId(), name);
 }
 
 } // namespace korvel::sim

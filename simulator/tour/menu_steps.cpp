@@ -1,6 +1,5 @@
-#include "simulator/tour/steps.h"
-
 #include "simulator/tour/menu_look.h"
+#include "simulator/tour/steps.h"
 
 #include <QProcess>
 
@@ -11,39 +10,32 @@ namespace korvel::sim {
 
 namespace {
 
-constexpr auto RESTARTED_WITHIN = 20s;
-constexpr auto BACK_WITHIN = 5s;
-
-// Three polls without any change must send nothing to the panel.
-QString quiet(Tour &tour) {
+/// Three polls without any change must send nothing to the panel.
+void quiet(Tour &tour) {
     tour.panel().clearCounts();
     tour.waitUntil([&] { return tour.panel().counts().total() > 0; }, 9500ms);
-    const auto counts = tour.panel().counts();
-    return counts.total() == 0 ? QString() : QString::number(counts.total()) + u" signals, though nothing changed"_s;
+    const auto total = tour.panel().counts().total();
+    expect(total == 0, QString::number(total) + u" signals, though nothing changed"_s);
 }
 
-// A panel that crashed or was updated comes back, and the item with it.
-QString restartPanel(Tour &tour) {
-    const QString panel = qEnvironmentVariable("KORVEL_PANEL");
+/// A panel that crashed or was updated comes back, and the item with it.
+void restartPanel(Tour &tour) {
     QProcess restart;
-    restart.start(panel, {u"restart"_s});
-    if (!tour.waitUntil([&] { return restart.state() == QProcess::NotRunning; }, RESTARTED_WITHIN) ||
-        restart.exitCode() != 0)
-        return u"the panel did not restart with "_s + panel;
-    if (!tour.panel().waitForItem(BACK_WITHIN, tour.tray().processId()))
-        return u"the item is not registered again"_s;
-    if (!tour.waitForItemOnScreen())
-        return u"the panel shows no icon"_s;
-    return tour.screenshot(u"panel-restarted"_s) ? QString() : u"no screenshot"_s;
+    restart.start(qEnvironmentVariable("KORVEL_PANEL"), {u"restart"_s});
+    const bool ended = tour.waitUntil([&] { return restart.state() == QProcess::NotRunning; }, 20s);
+    expect(ended && restart.exitCode() == 0, u"the panel did not restart"_s);
+    expect(tour.panel().waitForItem(5s, tour.tray().processId()), u"the item is not registered again"_s);
+    expect(tour.waitForItemOnScreen(), u"the panel shows no icon"_s);
+    screenshot(tour, u"panel-restarted"_s);
 }
 
 } // namespace
 
 QList<Step> menuSteps() {
     return {{u"a left click opens the menu, Escape closes it"_s,
-             [](Tour &tour) { return lookAtMenu(tour, u"menu-left-click"_s); }},
+             [](Tour &tour) { lookAtMenu(tour, u"menu-left-click"_s); }},
             {u"a right click opens the panel's copy of it"_s,
-             [](Tour &tour) { return lookAtPanelMenu(tour, u"menu-of-the-panel"_s); }},
+             [](Tour &tour) { lookAtPanelMenu(tour, u"menu-of-the-panel"_s); }},
             {u"no signal for three polls without a change"_s, quiet},
             {u"the panel restarts and the item is there again"_s, restartPanel}};
 }

@@ -1,6 +1,5 @@
 #include "simulator/tour/steps.h"
-
-#include "simulator/tour/tour.h"
+#include "simulator/tour/texts.h"
 
 using namespace std::chrono_literals;
 using namespace Qt::StringLiterals;
@@ -9,23 +8,15 @@ namespace korvel::sim {
 
 namespace {
 
-constexpr auto ENDED_WITHIN = 8s;
-constexpr auto GONE_WITHIN = 2s;
-
-QString quit(Tour &tour) {
-    if (!tour.panel().click(tour.say(u"退出 Korvel"_s, u"Quit Korvel"_s)))
-        return u"the menu has no entry to quit"_s;
+void quit(Tour &tour) {
+    choose(tour, L(u"退出 Korvel", u"Quit Korvel"));
     auto &tray = tour.tray();
-    if (!tour.waitUntil([&] { return tray.state() == QProcess::NotRunning; }, ENDED_WITHIN))
-        return u"the tray still runs"_s;
-    if (tray.exitStatus() != QProcess::NormalExit || tray.exitCode() != 0)
-        return u"the tray ended with status "_s + QString::number(tray.exitCode());
-    if (tour.home().agentPid() != 0)
-        return u"the agent still runs"_s;
-    if (!tour.waitUntil([&] { return !tour.panel().isRegistered(); }, GONE_WITHIN))
-        return u"the item stays"_s;
-    tour.waitForRest({}); // the panel closes the gap
-    return tour.screenshot(u"quit"_s) ? QString() : u"no screenshot"_s;
+    expect(tour.waitUntil([&] { return tray.state() == QProcess::NotRunning; }, 8s), u"the tray still runs"_s);
+    expect(tray.exitStatus() == QProcess::NormalExit && tray.exitCode() == 0,
+           u"the tray ended with status "_s + QString::number(tray.exitCode()));
+    expect(tour.home().agentPid() == 0, u"the agent still runs"_s);
+    expect(tour.waitUntil([&] { return !tour.panel().isRegistered(); }, 2s), u"the item stays"_s);
+    screenshot(tour, u"quit"_s); // once the panel has closed the gap
 }
 
 } // namespace

@@ -1,46 +1,21 @@
 #pragma once
 
-#include "simulator/tour/tour.h"
+#include "app/wording.h"
 
-// The texts that more than one step expects, written out here so that the tour does not take the tray's word for them.
+/// The texts that more than one step expects, written out here so that the tour does not take the tray's word for them.
 namespace korvel::sim {
 
-// Who is signed in during the tour.
-inline QString tourAccount() { return QStringLiteral("ann"); }
-
 // Who signs in during the tour: the account that every simulated account server has.
-inline QString serverAccount() { return QStringLiteral("sam@example.com"); }
-inline QString serverPhone() { return QStringLiteral("13800000000"); }
-inline QString serverPassword() { return QStringLiteral("open sesame"); }
+inline const QString SERVER_ACCOUNT = QStringLiteral("sam@example.com");
+inline const QString SERVER_PHONE = QStringLiteral("13800000000");
+inline const QString SERVER_PASSWORD = QStringLiteral("open sesame");
 
-inline QString signInEntry(const Tour &tour) {
-    return tour.say(QStringLiteral("登录 / 注册…"), QStringLiteral("Sign In / Sign Up…"));
+inline QString signInEntry() { return L(u"登录 / 注册…", u"Sign In / Sign Up…"); }
+inline QString signedInNotice() { return L(u"● 已登录 ", u"● Signed in as ") + SERVER_ACCOUNT; }
+inline QString connectedLine() { return L(u"● 已连接 · ann · 1 个会话", u"● Connected · ann · 1 session"); }
+inline QString serverConnectedLine() {
+    return L(u"● 已连接 · %1 · 1 个会话", u"● Connected · %1 · 1 session").arg(SERVER_ACCOUNT);
 }
-
-inline QString signedInNotice(const Tour &tour) {
-    return tour.say(QStringLiteral("● 已登录 "), QStringLiteral("● Signed in as ")) + serverAccount();
-}
-
-inline QString serverConnectedLine(const Tour &tour) {
-    return tour.say(QStringLiteral("● 已连接 · %1 · 1 个会话"), QStringLiteral("● Connected · %1 · 1 session"))
-        .arg(serverAccount());
-}
-
-inline QString startingLine(const Tour &tour) {
-    return tour.say(QStringLiteral("○ 正在启动… · ann"), QStringLiteral("○ Starting… · ann"));
-}
-
-inline QString connectedLine(const Tour &tour) {
-    return tour.say(QStringLiteral("● 已连接 · ann · 1 个会话"), QStringLiteral("● Connected · ann · 1 session"));
-}
-
-inline QString notRespondingLine(const Tour &tour) {
-    return tour.say(QStringLiteral("○ Korvel 未响应，正在重试…"),
-                    QStringLiteral("○ Korvel isn't responding. Retrying…"));
-}
-
-inline QString pausedLine(const Tour &tour) {
-    return tour.say(QStringLiteral("⏻ 已暂停同步 · ann"), QStringLiteral("⏻ Sync paused · ann"));
-}
+inline QString pairTitle() { return L(u"配对这台 Mac", u"Pair This Mac"); }
 
 } // namespace korvel::sim

@@ -1,11 +1,11 @@
 #include "simulator/tour/tour.h"
 
+#include "app/wording.h"
 #include "simulator/desktop/screen.h"
 
 #include <QDir>
 #include <QGuiApplication>
 #include <QScreen>
-
 #include <cstdio>
 #include <cstdlib>
 #include <utility>
@@ -22,17 +22,17 @@ constexpr auto PANEL_REACTS_WITHIN = 3s;
 constexpr int END_WITHIN_MS = 5000;
 constexpr int RESTS_AFTER_MS = 150;
 
-// A notice or a menu hangs from the panel and begins this far below the top edge at most (in points).
+/// A notice or a menu hangs from the panel and begins this far below the top edge at most (in points).
 constexpr int BELOW_PANEL = 60;
 constexpr int NOTICE_OFF_CENTRE = 4;
 
-// The title of the pairing window and of alerts.
+/// The title of the pairing window and of alerts.
 const auto WINDOW_TITLE = u"Korvel"_s;
 
-// The dark of a notice's background, drawn over whatever is behind it.
+/// The dark of a notice's background, drawn over whatever is behind it.
 bool isDark(QRgb colour) { return qGray(colour) < 80; }
 
-// Whether there is more than a plain background.
+/// Whether there is more than a plain background.
 bool isPainted(const QImage &area) {
     for (int y = 0; y < area.height(); ++y) {
         for (int x = 0; x < area.width(); ++x) {
@@ -41,11 +41,6 @@ bool isPainted(const QImage &area) {
         }
     }
     return false;
-}
-
-void addLanguage(QProcessEnvironment &environment, TourLanguage language) {
-    environment.insert(u"LANGUAGE"_s, language == TourLanguage::Chinese ? u"zh_CN:zh"_s : u"en_US:en"_s);
-    environment.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
 }
 
 } // namespace
@@ -70,36 +65,25 @@ Tour::~Tour() {
     simulated.shutDown();
 }
 
-QString Tour::say(const QString &chinese, const QString &english) const {
-    return options.language == TourLanguage::Chinese ? chinese : english;
-}
-
-QString Tour::startTray() {
+void Tour::startTray() {
     const QString program = simulated.assembleBundle(options.trayProgram);
-    if (program.isEmpty())
-        return u"no bundle could be made of "_s + options.trayProgram;
+    expect(!program.isEmpty(), u"no bundle could be made of "_s + options.trayProgram);
     auto environment = simulated.environment();
-    addLanguage(environment, options.language);
+    environment.insert(u"LANGUAGE"_s, ZH ? u"zh_CN:zh"_s : u"en_US:en"_s);
+    environment.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
     environment.insert(u"QT_LINUX_ACCESSIBILITY_ALWAYS_ON"_s, u"1"_s); // as with a screen reader running
     trayProcess.setProcessEnvironment(environment);
     trayProcess.setStandardOutputFile(QProcess::nullDevice());
     trayProcess.setStandardErrorFile(options.outputDirectory + u"/tray.log"_s, QIODevice::Append);
     trayProcess.start(program, QStringList());
     clock.start();
-    if (!trayProcess.waitForStarted())
-        return trayProcess.errorString();
-    if (!probe.waitForItem(ITEM_WITHIN, trayProcess.processId()))
-        return u"no status item was registered"_s;
+    expect(trayProcess.waitForStarted(), trayProcess.errorString());
+    expect(probe.waitForItem(ITEM_WITHIN, trayProcess.processId()), u"no status item was registered"_s);
     readLine();
-    return {};
 }
 
 bool Tour::waitUntil(const std::function<bool()> &condition, std::chrono::milliseconds within) {
     return probe.waitUntil(condition, within);
-}
-
-bool Tour::waitForLine(const QString &expected, std::chrono::milliseconds within) {
-    return waitUntil([&] { return line == expected; }, within);
 }
 
 std::optional<QString> Tour::notice() const {
@@ -120,14 +104,6 @@ std::optional<AccessibleWindow> Tour::window() {
             return window;
     }
     return std::nullopt;
-}
-
-bool Tour::waitForText(const QString &name, std::chrono::milliseconds within) {
-    const auto shown = [&] {
-        const auto now = window();
-        return now && now->find(name);
-    };
-    return waitUntil(shown, within);
 }
 
 QRect Tour::windowArea() const {
@@ -173,7 +149,7 @@ bool Tour::screenshot(const QString &name) {
     return grabScreen().save(options.outputDirectory + u'/' + number + u'-' + name + u".png"_s);
 }
 
-// Only signals lead here: a change that the tray does not announce is one that a panel does not show.
+/// Only signals lead here: a change that the tray does not announce is one that a panel does not show.
 void Tour::readLine() {
     const QString now = probe.statusLine();
     if (now.isEmpty() || now == std::exchange(line, now))

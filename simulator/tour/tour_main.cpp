@@ -1,5 +1,6 @@
 // Leads a tray program through its main duties on a desktop and checks at each step what the panel shows.
 
+#include "app/wording.h"
 #include "platform/unix_signals.h"
 #include "simulator/tour/explain_home.h"
 #include "simulator/tour/steps.h"
@@ -41,10 +42,10 @@ Arguments readArguments(const QGuiApplication &application) {
     const QString language = parser.value(u"language"_s);
     if (!parser.isSet(u"tray"_s) || !parser.isSet(u"out"_s) || (language != "en"_L1 && language != "zh"_L1))
         parser.showHelp(64);
+    ZH = language == "zh"_L1;
     return {{.trayProgram = QFileInfo(parser.value(u"tray"_s)).absoluteFilePath(),
              .homeDirectory = parser.value(u"home"_s),
-             .outputDirectory = parser.value(u"out"_s),
-             .language = language == "zh"_L1 ? TourLanguage::Chinese : TourLanguage::English},
+             .outputDirectory = parser.value(u"out"_s)},
             parser.isSet(u"stay"_s)};
 }
 
@@ -56,21 +57,24 @@ void clearOutput(const QString &directory) {
         folder.remove(file);
 }
 
-// Takes one step; true when all showed what it should.
+/// Takes one step; true when all showed what it should.
 bool take(const Step &step, Tour &tour) {
-    const QString wrong = step.take(tour);
-    std::printf("%s %s\n", wrong.isEmpty() ? "ok    " : "FAILED", qUtf8Printable(step.name));
-    if (!wrong.isEmpty()) {
-        std::printf("       %s\n", qUtf8Printable(wrong));
+    try {
+        step.take(tour);
+        std::printf("ok     %s\n", qUtf8Printable(step.name));
+        std::fflush(stdout);
+        return true;
+    } catch (const StepFailed &failed) {
+        std::printf("FAILED %s\n       %s\n", qUtf8Printable(step.name), qUtf8Printable(failed.what));
+        std::fflush(stdout);
         tour.screenshot(u"failed"_s);
+        return false;
     }
-    std::fflush(stdout);
-    return wrong.isEmpty();
 }
 
 QList<Step> allSteps() {
     return launchSteps() + menuSteps() + pairingSteps() + deviceSteps() + alarmSteps() + speechSteps() + outageSteps() +
-           syncSteps() + signInSteps() + keyboardSteps() + permissionSteps() + updateSteps() + quitSteps();
+           syncSteps() + signInSteps() + permissionSteps() + updateSteps() + quitSteps();
 }
 
 int run(int argc, char **argv) {
@@ -95,10 +99,8 @@ int run(int argc, char **argv) {
         std::printf("%d steps FAILED; see %s\n", failed, qUtf8Printable(arguments.options.outputDirectory));
     if (!arguments.stay)
         return failed == 0 ? 0 : 1;
-    if (const QString wrong = tour->startTray(); !wrong.isEmpty()) {
-        std::printf("the tray did not start again: %s\n", qUtf8Printable(wrong));
+    if (!take({u"the tray starts again"_s, [](Tour &t) { t.startTray(); }}, *tour))
         return 1;
-    }
     QObject::connect(&tour->tray(), &QProcess::finished, &application, &QCoreApplication::exit);
     std::printf("The tray stays on display %s.\n", qgetenv("DISPLAY").constData());
     explainHome(tour->home());

@@ -2,11 +2,10 @@
 
 #include "simulator/tour/tour.h"
 
-// The tray's window used as its user does, with the pointer and the keyboard. Each answer is what went wrong, empty if
-// nothing.
+/// The tray's window used as its user does, with the pointer and the keyboard. Each throws StepFailed.
 namespace korvel::sim {
 
-// Names of AT-SPI for the kinds of controls.
+/// Names of AT-SPI for the kinds of controls.
 namespace role {
 inline const auto BUTTON = QStringLiteral("push button");
 inline const auto CHOICE = QStringLiteral("radio button");
@@ -15,13 +14,16 @@ inline const auto FIELD = QStringLiteral("text");
 inline const auto PASSWORD = QStringLiteral("password text");
 } // namespace role
 
-// Clicks the middle of a control, once it can be used.
-QString clickControl(Tour &tour, const QString &role, const QString &name);
-// Clicks a field and types over what it holds. Whether a password arrived cannot be seen.
-QString fillIn(Tour &tour, const QString &role, const QString &name, const QString &text);
-// Waits until a control has the keyboard.
-QString expectFocus(Tour &tour, const QString &role, const QString &name);
-// Waits until a control can, or cannot, be used.
-QString expectEnabled(Tour &tour, const QString &role, const QString &name, bool enabled);
+/// Clicks the middle of a control, once it can be used.
+void clickControl(Tour &tour, const QString &role, const QString &name);
+/// Clicks a field and types over what it holds. Whether a password arrived cannot be seen.
+void fillIn(Tour &tour, const QString &role, const QString &name, const QString &text);
+/// Waits until a control has the keyboard.
+void expectFocus(Tour &tour, const QString &role, const QString &name);
+/// Waits until a control can, or cannot, be used.
+void expectEnabled(Tour &tour, const QString &role, const QString &name, bool enabled);
+
+/// The element that has the keyboard; an empty one while none has.
+AccessibleElement focusOf(Tour &tour);
 
 } // namespace korvel::sim
