@@ -8,6 +8,7 @@
 #include "simulator/server/http_server.h"
 
 #include <QElapsedTimer>
+#include <QTimer>
 #include <functional>
 #include <map>
 

@@ -2,12 +2,10 @@
 
 #include "simulator/home/home.h"
 
-#include <QFile>
 #include <QJsonDocument>
 #include <csignal>
 #include <cstdio>
 #include <optional>
-#include <unistd.h>
 
 namespace korvel::sim {
 
@@ -26,26 +24,16 @@ int given(const QString &text) {
     return statusOf(!text.isEmpty());
 }
 
-QString textOf(const QJsonObject &object, QJsonDocument::JsonFormat format) {
-    return QString::fromUtf8(QJsonDocument(object).toJson(format).trimmed());
-}
-
-int lines(const QList<QJsonObject> &log) {
-    for (const QJsonObject &line : log)
-        given(textOf(line, QJsonDocument::Compact));
-    return 0;
-}
-
 int show(Home &home) {
-    return given(textOf({{u"home"_s, home.path()},
-                         {u"scenario"_s, home.scenario()},
-                         {u"account"_s, home.account()},
-                         {u"port"_s, home.port()},
-                         {u"agentPid"_s, home.agentPid()},
-                         {u"accountServer"_s, home.accountServer()},
-                         {u"authority"_s, Home::authorityFile()},
-                         {u"encryption"_s, home.encryption().state()}},
-                        QJsonDocument::Indented));
+    const QJsonObject shown{{u"home"_s, home.path()},
+                            {u"scenario"_s, home.scenario()},
+                            {u"account"_s, home.account()},
+                            {u"port"_s, home.port()},
+                            {u"agentPid"_s, home.agentPid()},
+                            {u"accountServer"_s, home.accountServer()},
+                            {u"authority"_s, Home::authorityFile()},
+                            {u"encryption"_s, home.encryption().state()}};
+    return given(QString::fromUtf8(QJsonDocument(shown).toJson().trimmed()));
 }
 
 int set(Home &home, const QString &patch) {
@@ -59,12 +47,6 @@ int set(Home &home, const QString &patch) {
 int askDevice(Home &home, const QString &name, const QString &platform) {
     const AskedDevice asked = home.encryption().askDevice(name, platform);
     return given(asked.pendingId.isEmpty() ? QString() : asked.pendingId + u' ' + asked.code);
-}
-
-int addAccount(Home &home, const QString &name, const QString &phone) {
-    QFile input;
-    return statusOf(input.open(STDIN_FILENO, QIODevice::ReadOnly) &&
-                    home.accounts().add(name, phone, QString::fromUtf8(input.readLine()).remove(u'\n')));
 }
 
 int credentials(Home &home) {
@@ -104,14 +86,10 @@ constexpr Verb VERBS[] = {
     {"bundle TRAY", "put Korvel.app with the tray program TRAY and the agent into the home; print the tray's path",
      [](Home &h, Words a) { return given(h.assembleBundle(a[0])); }},
     {"kill-agent", "kill the agent that launchd runs", [](Home &h, Words) { return statusOf(h.killAgent(SIGKILL)); }},
-    {"requests", "print the requests that the agent received, one a line",
-     [](Home &h, Words) { return lines(h.requests()); }},
     {"launchctl ...", "run the fake launchctl; the agent's target is gui/UID/com.korvel.agent",
      [](Home &h, Words a) { return h.launchctl(a); }},
     {"shut-down", "unload every job and end what else of the simulator runs in the home",
      [](Home &h, Words) { return statusOf(h.shutDown()); }},
-    {"e2ee", "print the encryption state that the agent reports",
-     [](Home &h, Words) { return given(h.encryption().state()); }},
     {"e2ee STATE",
      "put the Mac into a state: off, starting, waiting, pending, approved, pair-failed, rejected, expired, active, "
      "revoked, suspended",
@@ -140,10 +118,6 @@ constexpr Verb VERBS[] = {
     {"account-server start", "start the account server and print its address",
      [](Home &h, Words) { return h.startAccountServer() ? given(h.accountServer()) : 1; }},
     {"account-server stop", "end it", [](Home &h, Words) { return statusOf(h.stopAccountServer()); }},
-    {"server-requests", "print the requests that it received, one a line",
-     [](Home &h, Words) { return lines(h.serverRequests()); }},
-    {"account add NAME [PHONE]", "add an account; its password is one line on standard input",
-     [](Home &h, Words a) { return addAccount(h, a[0], a.value(1)); }},
     {"account credentials", "print the good credentials of Macs: agent id, account, name of the Mac",
      [](Home &h, Words) { return credentials(h); }},
     {"account release AGENTID", "end one", [](Home &h, Words a) { return statusOf(h.accounts().release(a[0])); }},
@@ -151,12 +125,6 @@ constexpr Verb VERBS[] = {
      [](Home &h, Words a) { return given(h.accounts().lastCode(a[0])); }},
     {"browser-sign-in approve NAME", "the newest sign-in in the browser succeeds",
      [](Home &h, Words a) { return statusOf(h.accounts().endSignIn(h.accounts().newestSignIn(), u"done"_s, a[0])); }},
-    {"browser-sign-in fail TEXT", "it fails",
-     [](Home &h, Words a) {
-         return statusOf(h.accounts().endSignIn(h.accounts().newestSignIn(), u"failed"_s, {}, a[0]));
-     }},
-    {"update", "print the manifest of updates",
-     [](Home &h, Words) { return given(QString::fromUtf8(h.updates().offer().manifest.trimmed())); }},
     {"update publish VERSION", "offer that version",
      [](Home &h, Words a) {
          return statusOf(h.changeScenario({{u"update"_s, QJsonObject{{u"ver"_s, a[0]}}}}));

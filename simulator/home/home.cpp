@@ -1,7 +1,6 @@
 #include "simulator/home/home.h"
 
 #include "simulator/agent/agent_config.h"
-#include "simulator/home/document.h"
 #include "simulator/home/files.h"
 #include "simulator/home/home_cleaning.h"
 #include "simulator/home/scenario.h"
@@ -12,7 +11,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QJsonArray>
 #include <QProcess>
 #include <csignal>
 #include <unistd.h>

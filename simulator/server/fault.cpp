@@ -70,70 +70,58 @@ struct Mode {
 };
 
 constexpr Mode MODES[] = {
-    {""_L1, true, [](HttpConnection &c, const QJsonObject &, const HttpResponse &right) { c.respond(right); }},
-    {"silent"_L1, false, [](HttpConnection &, const QJsonObject &, const HttpResponse &) {}},
-    {"close"_L1, false, [](HttpConnection &c, const QJsonObject &, const HttpResponse &) { c.close(); }},
-    {"reset"_L1, false, [](HttpConnection &c, const QJsonObject &, const HttpResponse &) { c.reset(); }},
-    {"exit"_L1, false, [](HttpConnection &, const QJsonObject &, const HttpResponse &) { ::_exit(1); }},
+    {""_L1, true, [](auto &c, const auto &, const auto &right) { c.respond(right); }},
+    {"silent"_L1, false, [](auto &, const auto &...) {}},
+    {"close"_L1, false, [](auto &c, const auto &...) { c.close(); }},
+    {"reset"_L1, false, [](auto &c, const auto &...) { c.reset(); }},
+    {"exit"_L1, false, [](auto &, const auto &...) { ::_exit(1); }},
     {"not-http"_L1, false,
-     [](HttpConnection &c, const QJsonObject &, const HttpResponse &) {
+     [](auto &c, const auto &...) {
          c.write("korvel speaks something else here\n");
          c.close();
      }},
-    {"garbage"_L1, false,
-     [](HttpConnection &c, const QJsonObject &, const HttpResponse &) {
-         c.respond({.body = "{\"ok\":tru\x01 \x7f]}}} korvel"});
-     }},
+    {"garbage"_L1, false, [](auto &c, const auto &...) { c.respond({.body = "{\"ok\":tru\x01 \x7f]}}} korvel"}); }},
     {"not-utf8"_L1, false,
-     [](HttpConnection &c, const QJsonObject &, const HttpResponse &) {
+     [](auto &c, const auto &...) {
          c.respond({.body = "{\"ok\":true,\"online\":true,\"account\":\"\xff\xfe\xc3(\"}"});
      }},
-    {"array"_L1, false,
-     [](HttpConnection &c, const QJsonObject &, const HttpResponse &) {
-         c.respond({.body = R"([{"ok":true,"online":true}])"});
-     }},
+    {"array"_L1, false, [](auto &c, const auto &...) { c.respond({.body = R"([{"ok":true,"online":true}])"}); }},
     {"wrong-types"_L1, false,
-     [](HttpConnection &c, const QJsonObject &, const HttpResponse &) {
+     [](auto &c, const auto &...) {
          c.respond({.body = R"({"ok":"yes","online":"yes","ver":142,"sessions":"two","account":["sam"],)"
                             R"("authDead":"no","accountGone":1,"e2ee":"active","perms":["screen"],)"
                             R"("missing":"screen","items":{},"agentToken":7,"agentId":["a"],"id":3,"url":false,)"
                             R"("status":{},"user":1,"error":[]})"});
      }},
     {"deep"_L1, false,
-     [](HttpConnection &c, const QJsonObject &, const HttpResponse &) {
+     [](auto &c, const auto &...) {
          constexpr int DEPTH = 100'000;
          c.respond(
              {.body = R"({"ok":true,"online":true,"deep":)" + QByteArray(DEPTH, '[') + QByteArray(DEPTH, ']') + '}'});
      }},
     {"html"_L1, false,
-     [](HttpConnection &c, const QJsonObject &, const HttpResponse &) {
+     [](auto &c, const auto &...) {
          c.respond(
              {500, "text/html; charset=utf-8", "<!DOCTYPE html><title>500</title><h1>Internal Server Error</h1>"});
      }},
     {"truncate"_L1, true,
-     [](HttpConnection &c, const QJsonObject &, const HttpResponse &right) {
+     [](auto &c, const auto &, const auto &right) {
          c.begin(right, right.body.size());
          c.write(right.body.first(right.body.size() / 2));
          c.close();
      }},
     {"huge"_L1, false,
-     [](HttpConnection &c, const QJsonObject &fault, const HttpResponse &) {
-         sendHuge(c, qint64(fault.value("bytes"_L1).toDouble(100e6)));
-     }},
+     [](auto &c, const auto &fault, const auto &) { sendHuge(c, qint64(fault.value("bytes"_L1).toDouble(100e6))); }},
     {"drip"_L1, true,
-     [](HttpConnection &c, const QJsonObject &fault, const HttpResponse &right) {
-         sendBody(c, right, 1, milliseconds(fault, "ms"_L1, 1000));
-     }},
+     [](auto &c, const auto &fault, const auto &right) { sendBody(c, right, 1, milliseconds(fault, "ms"_L1, 1000)); }},
     {"slow"_L1, true,
-     [](HttpConnection &c, const QJsonObject &fault, const HttpResponse &right) {
+     [](auto &c, const auto &fault, const auto &right) {
          constexpr int PIECES_A_SECOND = 50;
          const qint64 bytes = fault.value("bytesPerSecond"_L1).toInteger(100'000) / PIECES_A_SECOND;
          sendBody(c, right, std::max(bytes, qint64(1)), 1000 / PIECES_A_SECOND);
      }},
-    {"redirect"_L1, false,
-     [](HttpConnection &c, const QJsonObject &fault, const HttpResponse &) { c.respond(spelledOut(fault, 302)); }},
-    {"answer"_L1, false,
-     [](HttpConnection &c, const QJsonObject &fault, const HttpResponse &) { c.respond(spelledOut(fault, 200)); }},
+    {"redirect"_L1, false, [](auto &c, const auto &fault, const auto &) { c.respond(spelledOut(fault, 302)); }},
+    {"answer"_L1, false, [](auto &c, const auto &fault, const auto &) { c.respond(spelledOut(fault, 200)); }},
 };
 
 const Mode &modeNamed(const QString &name) {
