@@ -1,51 +1,24 @@
-#include "journey/journey.h"
+#include "desktop/panel_tray.h"
 #include "simulator/desktop/accessible.h"
-#include "simulator/desktop/panel_probe.h"
 #include "simulator/desktop/screen.h"
 
 #include <QElapsedTimer>
-#include <QProcess>
-
 #include <algorithm>
-
-using namespace Qt::StringLiterals;
 
 namespace korvel::test {
 namespace {
 
-constexpr auto SOON = std::chrono::seconds(15);
-
 /// The tray's windows as a screen reader is told of them, used with the keyboard of this desktop alone.
-struct AccessibilityTest : ::testing::Test {
-    QTemporaryDir folder;
-    sim::SimulatedHome home{folder.filePath(u"home"_s)};
-    sim::PanelProbe panel;
+struct AccessibilityTest : PanelTray {
     sim::AccessibleReader reader;
-    QProcess tray;
 
-    ~AccessibilityTest() override {
-        tray.terminate();
-        EXPECT_TRUE(tray.state() == QProcess::NotRunning || tray.waitForFinished(10000));
-    }
-
-    void start(const QString &encryption) {
+    void startIn(const QString &encryption) {
         ASSERT_TRUE(home.setScenario({{u"e2ee"_s, QJsonObject{{u"start"_s, encryption}}}}));
-        ASSERT_TRUE(home.signIn(u"ann"_s));
-        startTray();
-    }
-    void startTray() {
-        ASSERT_TRUE(home.installJobFile());
-        QProcessEnvironment env = home.environment();
-        env.insert(u"LANGUAGE"_s, u"en"_s);
-        env.insert(u"QT_LINUX_ACCESSIBILITY_ALWAYS_ON"_s, u"1"_s);
-        tray.setProcessEnvironment(env);
-        tray.setProcessChannelMode(QProcess::ForwardedChannels);
-        tray.start(home.assembleBundle(trayProgram()), {});
-        ASSERT_TRUE(tray.waitForStarted());
-        ASSERT_TRUE(panel.waitForItem(SOON, tray.processId()));
+        installAndSignIn();
+        start();
     }
     sim::AccessibleWindow window() {
-        for (const sim::AccessibleWindow &each : reader.windows(tray.processId()))
+        for (const sim::AccessibleWindow &each : reader.windows(process->processId()))
             if (each.name == u"Korvel")
                 return each;
         return {};
@@ -140,7 +113,7 @@ struct AccessibilityTest : ::testing::Test {
 };
 
 TEST_F(AccessibilityTest, ThePairingCodeIsReadDigitByDigitAndTheWindowUsedByKeyboard) {
-    start(u"pending"_s);
+    ASSERT_NO_FATAL_FAILURE(startIn(u"pending"_s));
     const QString code = home.encryption().pairCode();
     ASSERT_EQ(code.size(), 6);
     ASSERT_TRUE(comesUp(code.split(QString(), Qt::SkipEmptyParts).join(u' ')));
@@ -167,7 +140,7 @@ TEST_F(AccessibilityTest, ThePairingCodeIsReadDigitByDigitAndTheWindowUsedByKeyb
 }
 
 TEST_F(AccessibilityTest, ADeviceIsAllowedByKeyboardAndEachNoticeReadOnce) {
-    start(u"active"_s);
+    ASSERT_NO_FATAL_FAILURE(startIn(u"active"_s));
     home.changeScenario({{u"faults"_s, QJsonObject{{u"/e2ee/pair"_s, QJsonObject{{u"delayMs"_s, 1000}}}}}}); // to read
     const sim::AskedDevice device = home.encryption().askDevice(u"Anna's phone"_s, u"ios"_s);
     const QString title = u"New device: Anna's phone · iPhone"_s;
@@ -190,53 +163,43 @@ TEST_F(AccessibilityTest, ADeviceIsAllowedByKeyboardAndEachNoticeReadOnce) {
     EXPECT_EQ(reader.notifications(), notices);
 }
 
-TEST_F(AccessibilityTest, ADeviceIsPutOffWithEscapeAndDeniedWithTheSpaceBar) {
-    start(u"active"_s);
-    home.encryption().askDevice(u"Anna's phone"_s, u"ios"_s);
-    ASSERT_TRUE(comesUp(u"New device: Anna's phone · iPhone"_s));
-    sim::pressKey(u"Escape"_s);
-    ASSERT_TRUE(closes());
-    EXPECT_EQ(requestsTo(u"/e2ee/reject"_s), 0);
-
-    ASSERT_TRUE(panel.click(u"New device: Anna's phone · iPhone…"_s));
-    ASSERT_TRUE(opens(u"Deny"_s));
-    ASSERT_TRUE(tabTo(u"Deny"_s));
-    sim::pressKey(u"space"_s);
-    EXPECT_TRUE(sends(u"/e2ee/reject"_s));
-    EXPECT_EQ(requestsTo(u"/e2ee/pair"_s), 0);
-}
-
-TEST_F(AccessibilityTest, AnAlarmIsReadAndDismissedByKeyboard) {
-    start(u"active"_s);
-    home.encryption().raiseAlarm(u"Somebody knocked."_s);
-    ASSERT_TRUE(comesUp(u"Somebody knocked."_s));
-    EXPECT_EQ(window().description, u"Security Alert");
-    expectNames();
-    sim::pressKey(u"Return"_s);
-    EXPECT_TRUE(sends(u"/e2ee/alarm/dismiss"_s));
-    EXPECT_TRUE(closes());
-}
-
-TEST_F(AccessibilityTest, AResetIsReadAndAcceptedByKeyboard) {
-    start(u"waiting"_s);
-    ASSERT_TRUE(comesUp(u"Pair This Mac"_s));
-    sim::pressKey(u"Return"_s);
-    ASSERT_TRUE(closes());
-
+TEST_F(AccessibilityTest, EachAlertIsReadAndAnsweredByKeyboard) {
+    const QString device = u"New device: Anna's phone · iPhone"_s, reset = u"Encryption Was Reset"_s;
+    const auto ask = [this] { home.encryption().askDevice(u"Anna's phone"_s, u"ios"_s); };
+    const auto alarm = [this] { home.encryption().raiseAlarm(u"Somebody knocked."_s); };
+    const struct {
+        std::function<void()> raise;
+        QString text, description, choice, path; // without a choice Escape answers, and nothing is sent
+    } cases[] = {
+        {ask, device, device, {}, {}},
+        {ask, device, device, u"Deny"_s, u"/e2ee/reject"_s},
+        {alarm, u"Somebody knocked."_s, u"Security Alert"_s, u"OK"_s, u"/e2ee/alarm/dismiss"_s},
+    };
+    ASSERT_NO_FATAL_FAILURE(startIn(u"active"_s));
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.path.toStdString());
+        c.raise();
+        ASSERT_TRUE(comesUp(c.text));
+        EXPECT_EQ(window().description, c.description);
+        expectNames();
+        EXPECT_TRUE(c.choice.isEmpty() || tabTo(c.choice));
+        sim::pressKey(c.choice.isEmpty() ? u"Escape"_s : u"space"_s);
+        EXPECT_TRUE(c.path.isEmpty() || sends(c.path));
+        ASSERT_TRUE(closes());
+    }
     home.encryption().raiseResetAlarm();
-    ASSERT_TRUE(comesUp(u"Encryption Was Reset"_s));
-    EXPECT_EQ(window().description, u"Encryption Was Reset");
-    expectNames();
-    expectOrder();
+    ASSERT_TRUE(comesUp(reset));
+    EXPECT_EQ(window().description, reset);
     EXPECT_TRUE(isFocused(u"It Wasn't Me"_s));
+    expectOrder();
     ASSERT_TRUE(tabTo(u"It Was Me, Rejoin"_s));
     sim::pressKey(u"space"_s);
     EXPECT_TRUE(sends(u"/e2ee/reset/accept"_s));
-    EXPECT_TRUE(opens(u"Enter this code on your phone"_s));
+    EXPECT_EQ(requestsTo(u"/e2ee/pair"_s), 0);
 }
 
 TEST_F(AccessibilityTest, WhoTypesInAnotherProgramAnswersNothing) {
-    start(u"active"_s);
+    ASSERT_NO_FATAL_FAILURE(startIn(u"active"_s));
     ASSERT_TRUE(panel.waitUntil([&] { return panel.statusLine().startsWith(u"● Connected"_s); }, SOON));
     int dismissed = 0;
     for (const QString &key : {u"space"_s, u"Return"_s, u"Escape"_s}) {
@@ -254,7 +217,8 @@ TEST_F(AccessibilityTest, WhoTypesInAnotherProgramAnswersNothing) {
 }
 
 TEST_F(AccessibilityTest, TheSignInWindowSaysWhatItsControlsAreAndKeepsThePasswordToItself) {
-    startTray();
+    ASSERT_TRUE(home.installJobFile());
+    ASSERT_NO_FATAL_FAILURE(start());
     ASSERT_TRUE(panel.click(u"Sign In / Sign Up…"_s));
     ASSERT_TRUE(opens(u"Sign In to Korvel"_s));
     expectNames();

@@ -78,30 +78,5 @@ TEST_F(Journey, AnAnswerJustInTimeCountsAndALateOneDoesNot) {
     ASSERT_TRUE(eventually([&] { return !item.icon.on; }));
 }
 
-TEST_F(Journey, TwoDevicesAndTwoAlarmsAreAskedAboutOneAfterTheOther) {
-    installAndSignIn();
-    ASSERT_TRUE(home.encryption().setState(u"active"_s));
-    launch();
-    ASSERT_TRUE(eventually([&] { return item.icon.on; }));
-    const sim::AskedDevice anna = home.encryption().askDevice(u"Anna's phone"_s, u"ios"_s);
-    home.encryption().askDevice(u"Other"_s, u"linux"_s);
-    home.encryption().raiseAlarm(u"First"_s);
-    home.encryption().raiseAlarm(u"Second"_s);
-    ASSERT_TRUE(eventually([&] { return alerts.isOpen(); }));
-    EXPECT_EQ(alerts.view.title, u"New device: Anna's phone · iPhone"_s);
-    alerts.answer(0, anna.code);
-    ASSERT_TRUE(eventually([&] { return notices.last() == u"✓ Allowed Anna's phone"; }));
-    ASSERT_TRUE(eventually([&] { return alerts.isOpen(); }));
-    EXPECT_EQ(alerts.view.title, u"New device: Other · Linux"_s);
-    alerts.answer(1);
-    for (const QString &text : {u"First"_s, u"Second"_s}) {
-        ASSERT_TRUE(eventually([&] { return alerts.isOpen(); }));
-        EXPECT_EQ(alerts.view.fromOutside, text);
-        alerts.dismiss();
-    }
-    ASSERT_TRUE(eventually([&] { return item.entry(Action::E2Alarm) == MenuEntry(); }));
-    EXPECT_EQ(item.entry(Action::E2Pending), MenuEntry());
-}
-
 } // namespace
 } // namespace korvel::test

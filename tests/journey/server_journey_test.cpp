@@ -203,7 +203,7 @@ TEST_F(ExchangeJourney, NoneIsLeftWhenTheTrayIsKilled) {
     ASSERT_EQ(exchanges.size(), 1);
     tray.kill();
     EXPECT_TRUE(tray.waitForFinished());
-    EXPECT_TRUE(eventually([&] { return !isRunning(exchanges.first()); }));
+    EXPECT_TRUE(eventually([&] { return !Process(QString::number(exchanges.first())).lives; }));
 }
 
 } // namespace

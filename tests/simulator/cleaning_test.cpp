@@ -35,19 +35,6 @@ TEST_F(CleaningTest, ToolsAndShutDownTouchOnlyTheirOwnHome) {
     EXPECT_EQ(other.agentPid(), otherAgent);
 }
 
-TEST_F(CleaningTest, ShutDownEndsAgentsStartedOutsideLaunchdAndTheAccountServer) {
-    ASSERT_TRUE(startAgent(home) && home.startAccountServer());
-    QProcess stray;
-    QProcessEnvironment environment = home.environment();
-    environment.insert(u"KORVEL_HOOK_PORT"_s, QString::number(SimulatedHome(path).port()));
-    stray.setProcessEnvironment(environment);
-    stray.start(home.agentProgram(), {u"run"_s});
-    ASSERT_TRUE(stray.waitForStarted());
-    EXPECT_TRUE(home.shutDown());
-    EXPECT_TRUE(stray.waitForFinished());
-    EXPECT_TRUE(processesOfHome(home.path()).isEmpty());
-}
-
 TEST_F(CleaningTest, TheJobsOfARemovedHomeEnd) {
     SimulatedHome other(path);
     ASSERT_TRUE(other.installJobFile() && startAgent(other));

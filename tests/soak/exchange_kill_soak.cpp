@@ -1,6 +1,5 @@
 #include "journey/exchange_processes.h"
 #include "journey/update_journey.h"
-#include "soak/seed.h"
 
 #include <QElapsedTimer>
 #include <QRandomGenerator>
@@ -10,11 +9,13 @@
 namespace korvel::test {
 namespace {
 
+const auto SEED = static_cast<quint32>(qEnvironmentVariableIntValue("KORVEL_SOAK_SEED"));
+
 constexpr int KILLS = 50;
 
 /// Checks for updates and installs them while korvel-exchange is killed.
 struct ExchangeKillSoak : UpdateJourney {
-    QRandomGenerator random{soakSeed()};
+    QRandomGenerator random{SEED};
 
     /// Chooses `action`, kills what runs for it at a random moment, and waits until the user is told how it ended.
     /// Whether anything was killed.

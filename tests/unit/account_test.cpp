@@ -103,8 +103,7 @@ TEST_F(AccountTest, APasswordSignInBindsThisMacAndKeepsWhatElseIsConfigured) {
     EXPECT_EQ(cfg(), object(
                          R"({"agentToken":"new","agentId":"id","server":"intl.example:443","host":"Studio",
         "username":"ann@example.com","loginName":"ann@example.com","localToken":"secret","other":{"kept":1}})"));
-    EXPECT_EQ(services.calls.filter(u"enable"_s).size(),
-              1); // the agent starts with it
+    EXPECT_EQ(services.calls.filter(u"enable"_s).size(), 1); // the agent starts with it
     EXPECT_EQ(notices.last(), u"● Signed in as ann@example.com"_s);
     EXPECT_EQ(pairPanel.presented, 1);
 }
@@ -205,8 +204,7 @@ TEST_F(AccountTest, TheDialogComesBackWithWhatWasTypedAndWhatWentWrong) {
     EXPECT_EQ(sent, QStringList{u"own.example:443/v1/agents/login"_s});
     EXPECT_EQ(alerts.view.fromOutside, u"Wrong\npassword."_s);
     EXPECT_TRUE(alerts.view.warning);
-    EXPECT_EQ(alerts.by,
-              OpenedBy::Itself); // the user may have turned to something else
+    EXPECT_EQ(alerts.by, OpenedBy::Itself); // the user may have turned to something else
     EXPECT_EQ(alerts.view.fields[1].text, u""_s);
     EXPECT_FALSE(notices.visible); // no longer "signing in"
     alerts.dismiss();

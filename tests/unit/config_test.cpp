@@ -63,8 +63,7 @@ TEST(FixedConfig, EnvironmentValuesAreTakenAsTheyStand) {
 
     e.korvelHome = u""_s;
     const FixedConfig empty = makeFixedConfig(testDeployment(), e);
-    EXPECT_EQ(makePaths(empty, e.home, 501).agentCfg,
-              u"agent.json"_s); // in the current folder
+    EXPECT_EQ(makePaths(empty, e.home, 501).agentCfg, u"agent.json"_s); // in the current folder
     EXPECT_EQ(makePaths(set, e.home, 501).agentCfg, u"/data/agent.json"_s);
 }
 

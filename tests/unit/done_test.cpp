@@ -1,6 +1,6 @@
-#include "platform/done.h"
-
+#include "app/single_instance.h"
 #include "platform/alive.h"
+#include "platform/done.h"
 #include "platform/qt_scheduler.h"
 
 #include <QCoreApplication>
@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <atomic>
 #include <gtest/gtest.h>
+#include <map>
 #include <memory>
 #include <system_error>
 #include <thread>
@@ -33,26 +34,6 @@ TEST(Done, DroppedWithoutACallItReportsThatOnceOnTheMainThread) {
     loop.exec();
     EXPECT_EQ(calls, 1);
     EXPECT_EQ(reportedOn, QCoreApplication::instance()->thread());
-}
-
-TEST(QtScheduler, WorkRunsElsewhereAndItsContinuationHere) {
-    QtScheduler scheduler;
-    QEventLoop loop;
-    QThread *workedOn = nullptr;
-    QThread *continuedOn = nullptr;
-    scheduler.background(
-        [&workedOn] {
-            workedOn = QThread::currentThread();
-            return 7;
-        },
-        [&](int seven) {
-            EXPECT_EQ(seven, 7);
-            continuedOn = QThread::currentThread();
-            loop.quit();
-        });
-    loop.exec();
-    EXPECT_NE(workedOn, continuedOn);
-    EXPECT_EQ(continuedOn, QCoreApplication::instance()->thread());
 }
 
 TEST(QtScheduler, WorkWaitsForAThreadAndIsLeftOutWhenThereIsNoneForSeconds) {
@@ -97,6 +78,7 @@ TEST(QtScheduler, SixtyFourProgramsMayWaitForAPersonAtATime) {
     };
     for (int i = 0; i < 64; ++i)
         scheduler.background(meetOthers, [&](bool all) {
+            EXPECT_EQ(QThread::currentThread(), QCoreApplication::instance()->thread());
             met += all;
             if (++ended == 64)
                 loop.quit();
@@ -140,6 +122,43 @@ TEST(QtScheduler, ATimerMayBeCancelledByItsOwnCall) {
     loop.exec();
     EXPECT_EQ(calls, 1);
     EXPECT_EQ(once, 1);
+}
+
+/// Copies that follow the polite request after some time, or never.
+struct FakeCopies final : RunningCopies {
+    QList<qint64> others() override { return goneAt.empty() ? QList<qint64>() : QList<qint64>(ids); }
+    void terminate(qint64 copy) override { asked.append(copy); }
+    bool isTerminated(qint64 copy) override { return now >= goneAt.at(copy); }
+    void forceTerminate(qint64 copy) override { forced.append(copy); }
+
+    void add(qint64 id, milliseconds after) {
+        ids.append(id);
+        goneAt[id] = now + after;
+    }
+    Instant now = Instant(1h);
+    QList<qint64> ids;
+    std::map<qint64, Instant> goneAt;
+    QList<qint64> asked;
+    QList<qint64> forced;
+
+    milliseconds run() {
+        const Instant start = now;
+        endOtherCopies(
+            *this, [this](milliseconds by) { now += by; }, [this] { return now; });
+        return std::chrono::duration_cast<milliseconds>(now - start);
+    }
+};
+
+TEST(SingleInstance, CopiesAreWaitedForNoLongerThanNeededAndForcedAfterThreeSeconds) {
+    FakeCopies copies;
+    EXPECT_EQ(copies.run(), 0ms);
+    copies.add(7, 250ms);
+    copies.add(8, 50ms);
+    EXPECT_EQ(copies.run(), 300ms);
+    EXPECT_TRUE(copies.forced.isEmpty());
+    copies.add(9, 1h);
+    EXPECT_EQ(copies.run(), 3000ms);
+    EXPECT_EQ(copies.forced, QList<qint64>{9});
 }
 
 } // namespace

@@ -306,8 +306,7 @@ TEST_F(AlertTest, LeavesOtherWindowsUsableAndHasItsMainButtonWhereTheSystemHasIt
 TEST_F(AlertTest, TakesKeysAtOnceOnlyWhenTheUserOpenedItAndNeverOneThatIsHeld) {
     const auto press = [](QWidget *window, Qt::Key key, bool repeats = false) {
         QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, {}, repeats);
-        QCoreApplication::sendEvent(window->windowHandle(),
-                                    &event); // as the system does
+        QCoreApplication::sendEvent(window->windowHandle(), &event); // as the system does
     };
     AlertDialog *dialog = open({.title = u"t"_s, .buttons = {u"OK"_s}}, OpenedBy::Itself);
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Space, Qt::Key_Escape})

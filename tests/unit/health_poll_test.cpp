@@ -241,8 +241,7 @@ TEST_F(HealthPollTest, NothingIsSetAgainWhileNothingChanges) {
     for (const QByteArray &next : {ONLINE, OFFLINE}) {
         nextPoll(next);
     }
-    EXPECT_EQ(item.statusLine(),
-              u"○ Connecting… · ann"_s); // each outage has its own time
+    EXPECT_EQ(item.statusLine(), u"○ Connecting… · ann"_s); // each outage has its own time
 }
 
 } // namespace

@@ -156,8 +156,7 @@ TEST_F(StartupReportTest, ComesOnceAndAsSoonAsWaitingWouldNotChangeIt) {
         scheduler.advance(2500ms);
         EXPECT_TRUE(notices.visible);
         scheduler.advance(200ms);
-        EXPECT_EQ(notices.visible,
-                  c.first == SIGNED_OUT); // which is another notice
+        EXPECT_EQ(notices.visible, c.first == SIGNED_OUT); // which is another notice
         scheduler.advance(10s);
         EXPECT_EQ(notices.shown.size(), 1u);
         tray.reset();

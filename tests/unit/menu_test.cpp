@@ -18,6 +18,7 @@ constexpr Instant NOW(1h);
 struct Scene : TrayState {
     bool bound = true;
     bool plistExists = true;
+    FixedConfig fixed = makeFixedConfig(testDeployment(), {});
 
     Scene() {
         health.running = health.online = true;
@@ -50,13 +51,12 @@ struct Scene : TrayState {
     /// What `rule` makes of it.
     template <class Rule>
     auto see(Rule rule) const {
-        const TestHome home;
         return rule({.state = *this,
-                     .config = home.fixed,
+                     .config = fixed,
                      .timing = timingOf(health, NOW),
                      .bound = bound,
                      .plistExists = plistExists,
-                     .server = {}});
+                     .server = fixed.DEFAULT_SERVER});
     }
 };
 
@@ -134,23 +134,9 @@ TEST(Icon, TellsTheMostUrgentThingInItsToolTip) {
 }
 
 struct MenuViewTest : ::testing::Test {
-    TestHome home;
-    TrayState state;
-    bool bound = true;
-    bool plistExists = true;
+    Scene state;
 
-    MenuViewTest() {
-        state.health.running = state.health.online = true;
-        state.health.jobLoaded = true;
-    }
-    MenuView view() const {
-        return menuView({.state = state,
-                         .config = home.fixed,
-                         .timing = timingOf(state.health, Instant(1h)),
-                         .bound = bound,
-                         .plistExists = plistExists,
-                         .server = u"cn.example:443"_s});
-    }
+    MenuView view() const { return state.see(menuView); }
     QStringList titles() const {
         QStringList list;
         for (const MenuEntry &e : view().entries)
@@ -166,8 +152,8 @@ struct MenuViewTest : ::testing::Test {
 };
 
 TEST_F(MenuViewTest, AHealthyMacOffersPauseAndSignOutAndWithOptionItsDiagnostics) {
-    EXPECT_EQ(titles(), (QStringList{u"● Connected · 0 sessions"_s, u"---"_s, u"Check for Updates… (1.2.3)"_s, u"---"_s,
-                                     u"Pause Sync"_s, u"Sign Out…"_s, u"---"_s, u"Quit Korvel"_s}));
+    EXPECT_EQ(titles(), (QStringList{u"● Connected · ann · 1 session"_s, u"---"_s, u"Check for Updates… (1.2.3)"_s,
+                                     u"---"_s, u"Pause Sync"_s, u"Sign Out…"_s, u"---"_s, u"Quit Korvel"_s}));
     state.menu.optionKey = true;
     EXPECT_EQ(titles().mid(7), (QStringList{u"Show Log…"_s, u"Server cn.example:443"_s, u"---"_s, u"Quit Korvel"_s}));
     EXPECT_EQ(entry(Action::MenuToggle).toolTip,
@@ -187,7 +173,7 @@ TEST_F(MenuViewTest, PauseTurnsIntoResumeWhenTheJobIsGoneOrNotKnown) {
     state.service.busy = true;
     EXPECT_FALSE(entry(Action::MenuToggle).enabled);
     state.service.busy = false;
-    plistExists = false;
+    state.plistExists = false;
     EXPECT_FALSE(entry(Action::MenuToggle).enabled);
 }
 
@@ -197,10 +183,10 @@ TEST_F(MenuViewTest, ALostSignInIsOfferedAgainOncePerEdition) {
     state.health.accountGone = true;
     EXPECT_EQ(entry(Action::BrowserLogin).title, u"Sign In with Another Account…"_s);
 
-    home.fixed = makeFixedConfig(testDeployment(u"intl"_s), {});
+    state.fixed = makeFixedConfig(testDeployment(u"intl"_s), {});
     EXPECT_EQ(titles().mid(1, 3),
               (QStringList{u"Sign In with Another Account…"_s, u"Sign In with Password…"_s, u"---"_s}));
-    bound = false;
+    state.bound = false;
     EXPECT_EQ(titles().mid(4, 2), (QStringList{u"Sign In / Sign Up…"_s, u"Sign In with Password…"_s}));
 }
 
@@ -234,8 +220,8 @@ TEST_F(MenuViewTest, PermissionsShowOnlyWhileTheAgentRuns) {
 
 TEST_F(MenuViewTest, SeparatorsNeverDoubleWhateverTheState) {
     for (unsigned bits = 0; bits < 256; ++bits) {
-        bound = bits & 1;
-        plistExists = bits & 2;
+        state.bound = bits & 1;
+        state.plistExists = bits & 2;
         state.health.running = bits & 4;
         state.health.authDead = bits & 8;
         state.menu.optionKey = bits & 16;

@@ -73,8 +73,7 @@ TEST_F(PermissionsTest, OneFetchAtATimeAndAPartialReplyKeepsTheLastGoodList) {
     answerOpen(u"/perms"_s, noAnswer());
     EXPECT_TRUE(permissions().permsFetchFailed);
     EXPECT_FALSE(permissions().permsFetching);
-    EXPECT_EQ(permissions().permsFetchedAt,
-              scheduler.now()); // so that not every poll asks again
+    EXPECT_EQ(permissions().permsFetchedAt, scheduler.now()); // so that not every poll asks again
 }
 
 TEST_F(PermissionsTest, ARequestMayBeOpenForLongWhileEverythingElseGoesOn) {
@@ -186,8 +185,7 @@ TEST_F(RepairTest, AFailedRepairSaysSoAndTheMenuOffersItAgain) {
     scheduler.settle();
     EXPECT_EQ(notices.last(), u"✓ Repaired"_s);
     EXPECT_EQ(programs.runs.back().timeout, 10min);
-    EXPECT_EQ(programs.runs.size(),
-              6u); // two a repair: of those asked for meanwhile none
+    EXPECT_EQ(programs.runs.size(), 6u); // two a repair: of those asked for meanwhile none
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 #include "publisher/manifest_file.h"
 #include "publisher/release.h"
 #include "publisher/signing_key.h"
-#include "update/manifest.h"
 
 #include <QDir>
 #include <QJsonArray>
@@ -46,10 +45,6 @@ struct PublisherTest : ::testing::Test {
     Result<QJsonObject> with(const QJsonObject &manifest, const QString &file, const QString &version) const {
         return withPackage(manifest, package(file, version), key.publicKey());
     }
-    /// Why a mainland tray of version 1.9 does not offer what this manifest holds.
-    QString refusal(const QJsonObject &manifest) const {
-        return judge(trayWith(u"cn"_s, key.publicKey(), u"1.9"_s), QJsonDocument(manifest).toJson()).refusal;
-    }
 };
 
 TEST_F(PublisherTest, AgreesWithOpenSslOnKeysHashesAndSignatures) {
@@ -83,27 +78,15 @@ TEST_F(PublisherTest, AKeyFileIsPrivateAndNeverReplaced) {
 
 TEST_F(PublisherTest, SaysWhyATrayRefuses) {
     const UpdateInfo right = package(u"Korvel-2.0-cn.pkg"_s, u"2.0"_s);
-    const struct {
-        QString UpdateInfo::*field;
-        QString value, why;
-        bool signsAgain = true;
-    } cases[] = {
-        {&UpdateInfo::ver, u"2.0"_s, {}},
-        {&UpdateInfo::ver, u"1.9.0"_s, u"not newer"_s},
-        {&UpdateInfo::ver, u"2.0.0.0.1"_s, u"no version"_s},
-        {&UpdateInfo::file, u"a b-cn.pkg"_s, u"no safe name"_s},
-        {&UpdateInfo::file, u"Korvel-2.0.pkg"_s, u"no package for"_s},
-        {&UpdateInfo::sha, right.sha.toUpper(), u"hexadecimal"_s},
-        {&UpdateInfo::ver, u"2.1"_s, u"signature"_s, false},
-        {&UpdateInfo::sig, right.sig.chopped(4), u"signature"_s, false},
+    const auto refusal = [&](const UpdateInfo &info, const QString &installed) {
+        const QJsonObject manifest{{u"packages"_s, QJsonArray{entryOf(info)}}};
+        return judge(trayWith(u"cn"_s, key.publicKey(), installed), QJsonDocument(manifest).toJson()).refusal;
     };
-    for (const auto &c : cases) {
-        UpdateInfo info = right;
-        info.*c.field = c.value;
-        info.sig = c.signsAgain ? signatureOf(key, info) : info.sig;
-        const QString why = refusal({{u"packages"_s, QJsonArray{entryOf(info)}}});
-        EXPECT_TRUE(why.contains(c.why) && why.isEmpty() == c.why.isEmpty()) << c.value.toStdString();
-    }
+    EXPECT_EQ(refusal(right, u"1.9"_s), QString());
+    EXPECT_TRUE(refusal(right, u"2.0"_s).contains(u"not newer"));
+    UpdateInfo other = right;
+    other.ver = u"2.1"_s;
+    EXPECT_TRUE(refusal(other, u"1.9"_s).contains(u"signature"));
     EXPECT_EQ(fileRefusal(right, path(right.file)), QString());
     EXPECT_TRUE(fileRefusal(right, write(u"other.pkg"_s, "2.0")).contains(u"named"));
     EXPECT_TRUE(fileRefusal(right, write(right.file, "2.0 and more")).contains(u"bytes"));
@@ -123,8 +106,7 @@ TEST_F(PublisherTest, ANewerPackageTakesThePlaceOfItsEditionsAndAllElseStays) {
     EXPECT_EQ(packages[2].toObject().value(u"platform"), u"mac"_s);
     EXPECT_EQ(manifest.value(u"note"), u"kept"_s);
 
-    EXPECT_EQ(with(manifest, u"Korvel-1.9.pkg"_s, u"1.9"_s).value(),
-              manifest); // the same again
+    EXPECT_EQ(with(manifest, u"Korvel-1.9.pkg"_s, u"1.9"_s).value(), manifest); // the same again
     // An older one, one of the same version with another content, and names and versions that no tray takes.
     for (const auto &[file, version] : {std::pair{u"Korvel-1.9-cn.pkg"_s, u"1.9"_s},
                                         {u"Another.pkg"_s, u"1.9.0"_s},

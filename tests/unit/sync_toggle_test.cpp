@@ -55,8 +55,7 @@ TEST_F(SyncToggleTest, AJobThatNeverGoesAwayIsToldAfterSixSeconds) {
     EXPECT_EQ(notices.last(), u"Couldn't pause sync. Try again."_s);
     EXPECT_TRUE(notices.shown.back().error);
     EXPECT_EQ(health().jobLoaded, true);
-    EXPECT_LE(health().startingUntil.value_or(DISTANT_PAST),
-              scheduler.now() + 20s); // a pause starts nothing
+    EXPECT_LE(health().startingUntil.value_or(DISTANT_PAST), scheduler.now() + 20s); // a pause starts nothing
     EXPECT_NEAR(static_cast<double>(services.calls.filter(u"print"_s).size()), 21, 1);
 }
 
