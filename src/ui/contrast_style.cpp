@@ -19,6 +19,13 @@ Option withEdge(const Option &option, const QColor &edge) {
     return own;
 }
 
+/// A point wide on every side: a pen is thinner on one side than on the other where a point has several pixels.
+void drawFrame(const QRect &rect, const QColor &edge, QPainter &painter) {
+    const QRegion frame = QRegion(rect) - rect.adjusted(1, 1, -1, -1);
+    for (const QRect &side : frame)
+        painter.fillRect(side, edge);
+}
+
 } // namespace
 
 void ContrastStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
@@ -38,14 +45,15 @@ void ContrastStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *
             return QProxyStyle::drawPrimitive(element, &own, painter, widget);
         }
         break;
+    case PE_PanelMenu:
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+        return drawFrame(option->rect, edge, *painter);
+    case PE_FrameMenu:
+        return drawFrame(option->rect, edge, *painter);
     default:
         break;
     }
     QProxyStyle::drawPrimitive(element, option, painter, widget);
-    if (element == PE_PanelMenu) {
-        painter->setPen(edge);
-        painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
-    }
 }
 
 void ContrastStyle::drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
@@ -54,9 +62,8 @@ void ContrastStyle::drawControl(ControlElement element, const QStyleOption *opti
     if (!entry || entry->menuItemType != QStyleOptionMenuItem::Separator)
         return QProxyStyle::drawControl(element, option, painter, widget);
     constexpr int MARGIN = 5;
-    const int y = entry->rect.center().y();
-    painter->setPen(edgeColour(entry->palette));
-    painter->drawLine(entry->rect.left() + MARGIN, y, entry->rect.right() - MARGIN, y);
+    const QRect line(entry->rect.left() + MARGIN, entry->rect.center().y(), entry->rect.width() - 2 * MARGIN, 1);
+    painter->fillRect(line, edgeColour(entry->palette));
 }
 
 int ContrastStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,

@@ -103,6 +103,32 @@ TEST(ContrastStyle, EdgesAndSeparatorsCanBeToldFromWhatIsAroundThem) {
     }
 }
 
+TEST(ContrastStyle, TheEdgeOfAMenuIsAPointWideOnEverySide) {
+    ContrastStyle style(QStringLiteral("Fusion"));
+    QMenu menu;
+    menu.setStyle(&style);
+    menu.setPalette(looks().last());
+    menu.addAction(QStringLiteral("Wait"));
+    menu.resize(menu.sizeHint());
+    QImage image(menu.size() * 2, QImage::Format_RGB32);
+    image.setDevicePixelRatio(2);
+    menu.render(&image);
+    const QColor edge = edgeColour(menu.palette());
+    const QPoint middle = image.rect().center();
+    for (const QPoint step : {QPoint(1, 0), QPoint(-1, 0), QPoint(0, 1), QPoint(0, -1)}) {
+        QPoint at(step.x() == 0  ? middle.x()
+                  : step.x() > 0 ? 0
+                                 : image.width() - 1,
+                  step.y() == 0  ? middle.y()
+                  : step.y() > 0 ? 0
+                                 : image.height() - 1);
+        for (const bool isEdge : {true, true, false}) {
+            EXPECT_EQ(image.pixelColor(at) == edge, isEdge) << at.x() << ' ' << at.y();
+            at += step;
+        }
+    }
+}
+
 TEST(PairCodeField, TheCaretStandsBeforeTheFirstDigitOfTheCodeToBe) {
     PairCodeField field;
     const auto caret = [&] {
