@@ -185,8 +185,8 @@ TEST(Download, ARefusalIsWordedByItsStatusOrTheServersShortSentence) {
     EXPECT_EQ(downloadRefusedNotice(503, "anything", {}).text, busy);
     EXPECT_EQ(downloadRefusedNotice(429, "", {}).text, busy);
     EXPECT_EQ(downloadRefusedNotice(404, " No such package.\n", {}).text, u"No such package."_s);
-    for (const QByteArray &body :
-         {QByteArray(), QByteArray("{\"error\":1}"), QByteArray("<html>"), QByteArray(81, 'x')})
+    for (const QByteArray &body : {QByteArray(), QByteArray("{\"error\":1}"), QByteArray("<html>"), QByteArray(81, 'x'),
+                                   QByteArray("Gone \xff")})
         EXPECT_EQ(downloadRefusedNotice(404, body, {}).text, failed) << body.constData();
 }
 
