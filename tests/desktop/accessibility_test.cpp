@@ -112,33 +112,6 @@ struct AccessibilityTest : PanelTray {
     static constexpr int MOST_STOPS = 12;
 };
 
-TEST_F(AccessibilityTest, ThePairingCodeIsReadDigitByDigitAndTheWindowUsedByKeyboard) {
-    ASSERT_NO_FATAL_FAILURE(startIn(u"pending"_s));
-    const QString code = home.encryption().pairCode();
-    ASSERT_EQ(code.size(), 6);
-    ASSERT_TRUE(comesUp(code.split(QString(), Qt::SkipEmptyParts).join(u' ')));
-    EXPECT_FALSE(window().find(code));
-    expectNames();
-    EXPECT_EQ(focus().name, u"Close");
-    expectOrder();
-
-    ASSERT_TRUE(tabTo(u"Refresh"_s));
-    sim::pressKey(u"space"_s);
-    ASSERT_TRUE(sends(u"/e2ee/pair/new"_s));
-    ASSERT_TRUE(panel.waitUntil([&] { return home.encryption().pairCode() != code; }, SOON));
-    ASSERT_TRUE(opens(home.encryption().pairCode().split(QString(), Qt::SkipEmptyParts).join(u' ')));
-
-    sim::pressKey(u"Return"_s); // wherever the focus is
-    EXPECT_TRUE(closes());
-    EXPECT_EQ(requestsTo(u"/e2ee/pair/new"_s), 1);
-
-    // Not at once: within 0.4 s of having been hidden Qt shows the window again as one without the keyboard.
-    const int polls = requestsTo(u"/health"_s);
-    ASSERT_TRUE(panel.waitUntil([&] { return requestsTo(u"/health"_s) > polls + 1; }, SOON));
-    ASSERT_TRUE(panel.click(u"Show Pairing Code…"_s));
-    EXPECT_TRUE(opens(u"Enter this code on your phone"_s));
-}
-
 TEST_F(AccessibilityTest, ADeviceIsAllowedByKeyboardAndEachNoticeReadOnce) {
     ASSERT_NO_FATAL_FAILURE(startIn(u"active"_s));
     home.changeScenario({{u"faults"_s, QJsonObject{{u"/e2ee/pair"_s, QJsonObject{{u"delayMs"_s, 1000}}}}}}); // to read
@@ -161,41 +134,6 @@ TEST_F(AccessibilityTest, ADeviceIsAllowedByKeyboardAndEachNoticeReadOnce) {
     const QStringList notices{u"Verifying…"_s, u"✓ Allowed Anna's phone"_s};
     EXPECT_TRUE(panel.waitUntil([&] { return reader.notifications().size() >= notices.size(); }, SOON));
     EXPECT_EQ(reader.notifications(), notices);
-}
-
-TEST_F(AccessibilityTest, EachAlertIsReadAndAnsweredByKeyboard) {
-    const QString device = u"New device: Anna's phone · iPhone"_s, reset = u"Encryption Was Reset"_s;
-    const auto ask = [this] { home.encryption().askDevice(u"Anna's phone"_s, u"ios"_s); };
-    const auto alarm = [this] { home.encryption().raiseAlarm(u"Somebody knocked."_s); };
-    const struct {
-        std::function<void()> raise;
-        QString text, description, choice, path; // without a choice Escape answers, and nothing is sent
-    } cases[] = {
-        {ask, device, device, {}, {}},
-        {ask, device, device, u"Deny"_s, u"/e2ee/reject"_s},
-        {alarm, u"Somebody knocked."_s, u"Security Alert"_s, u"OK"_s, u"/e2ee/alarm/dismiss"_s},
-    };
-    ASSERT_NO_FATAL_FAILURE(startIn(u"active"_s));
-    for (const auto &c : cases) {
-        SCOPED_TRACE(c.path.toStdString());
-        c.raise();
-        ASSERT_TRUE(comesUp(c.text));
-        EXPECT_EQ(window().description, c.description);
-        expectNames();
-        EXPECT_TRUE(c.choice.isEmpty() || tabTo(c.choice));
-        sim::pressKey(c.choice.isEmpty() ? u"Escape"_s : u"space"_s);
-        EXPECT_TRUE(c.path.isEmpty() || sends(c.path));
-        ASSERT_TRUE(closes());
-    }
-    home.encryption().raiseResetAlarm();
-    ASSERT_TRUE(comesUp(reset));
-    EXPECT_EQ(window().description, reset);
-    EXPECT_TRUE(isFocused(u"It Wasn't Me"_s));
-    expectOrder();
-    ASSERT_TRUE(tabTo(u"It Was Me, Rejoin"_s));
-    sim::pressKey(u"space"_s);
-    EXPECT_TRUE(sends(u"/e2ee/reset/accept"_s));
-    EXPECT_EQ(requestsTo(u"/e2ee/pair"_s), 0);
 }
 
 TEST_F(AccessibilityTest, WhoTypesInAnotherProgramAnswersNothing) {

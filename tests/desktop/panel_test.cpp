@@ -61,23 +61,6 @@ TEST_F(PanelTest, ThePanelShowsTheMenuThatTheRulesGiveInBothLanguages) {
     }
 }
 
-TEST_F(PanelTest, AnEntryChosenInThePanelActsAndNothingIsSentWhileNothingChanges) {
-    ASSERT_NO_FATAL_FAILURE(start());
-    const QList<QImage> starting = panel.item()->icons;
-    ASSERT_TRUE(lineIs(CONNECTED));
-    EXPECT_NE(panel.item()->icons, starting);
-    ASSERT_TRUE(panel.waitUntil([&] { return panel.item()->icons.size() >= 2; }, std::chrono::seconds(1)));
-
-    panel.clearCounts();
-    const auto polls = home.requests().size();
-    ASSERT_TRUE(panel.waitUntil([&] { return home.requests().size() >= polls + 3; }, SOON));
-    EXPECT_EQ(panel.counts().total(), 0);
-    ASSERT_TRUE(panel.click(u"Quit Korvel"_s));
-    EXPECT_TRUE(panel.waitUntil([&] { return process->state() == QProcess::NotRunning; }, SOON));
-    EXPECT_TRUE(process->hasEndedWell());
-    EXPECT_EQ(home.agentPid(), 0);
-}
-
 TEST_F(PanelTest, APanelThatComesLateFindsTheItem) {
     const QString control = qEnvironmentVariable("KORVEL_PANEL");
     ASSERT_EQ(QProcess::execute(control, {u"stop"_s}), 0);

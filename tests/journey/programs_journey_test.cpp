@@ -92,14 +92,5 @@ TEST_F(AutomationJourney, AgentJsonHandsOneLineToTheAgentAndPrintsItsReply) {
     EXPECT_EQ(printed({{u"silent"_s, true}}, "{}", 1), "null\n");
 }
 
-TEST_F(AutomationJourney, MenuDumpTouchesNothingButTheFiles) {
-    installAndSignIn();
-    TrayProcess tray(home);
-    EXPECT_EQ(tray.automate({u"--menu-dump"_s}, "{\"online\":true}"), 0);
-    EXPECT_TRUE(tray.output.startsWith("off ● Connected · ann · 0 sessions\n---\n")) << tray.output.constData();
-    EXPECT_EQ(tray.errors, "");
-    EXPECT_TRUE(home.requests().isEmpty() && home.toolCalls().isEmpty());
-}
-
 } // namespace
 } // namespace korvel::test
