@@ -10,7 +10,6 @@
 #include <QEventLoop>
 #include <QTimer>
 #include <QVariantMap>
-
 #include <algorithm>
 #include <utility>
 
@@ -48,20 +47,14 @@ QVariant first(const QDBusMessage &reply) {
 class PanelProbe::Receiver : public QObject {
     Q_OBJECT
 public:
-    PanelSignals counts;
+    int count = 0;
     std::function<void()> changed;
 
 public Q_SLOTS:
     void take(const QDBusMessage &signal) {
-        static const QList<std::pair<QString, int PanelSignals::*>> kinds{
-            {u"NewIcon"_s, &PanelSignals::newIcon},
-            {u"NewToolTip"_s, &PanelSignals::newToolTip},
-            {u"NewStatus"_s, &PanelSignals::newStatus},
-            {u"NewTitle"_s, &PanelSignals::newTitle},
-            {u"LayoutUpdated"_s, &PanelSignals::layoutUpdated},
-            {u"ItemsPropertiesUpdated"_s, &PanelSignals::itemsPropertiesUpdated}};
-        for (const auto &[name, field] : kinds)
-            counts.*field += signal.member() == name;
+        static const QStringList kinds{u"NewIcon"_s,  u"NewToolTip"_s,    u"NewStatus"_s,
+                                       u"NewTitle"_s, u"LayoutUpdated"_s, u"ItemsPropertiesUpdated"_s};
+        count += kinds.contains(signal.member()) ? 1 : 0;
         if (!std::exchange(announced, true))
             QTimer::singleShot(0, this, [this] { announce(); });
     }
@@ -94,8 +87,6 @@ bool PanelProbe::waitForItem(std::chrono::milliseconds within, qint64 pid) {
         within);
 }
 
-QString PanelProbe::service() const { return itemService; }
-
 bool PanelProbe::isRegistered() {
     const auto items = registeredItems();
     return std::ranges::any_of(items, [this](const QString &registered) {
@@ -109,12 +100,9 @@ std::optional<PanelItem> PanelProbe::item() {
         return std::nullopt;
     const auto values = qdbus_cast<QVariantMap>(reply.arguments().value(0));
     PanelItem item;
-    item.id = values.value(u"Id"_s).toString();
-    item.title = values.value(u"Title"_s).toString();
-    item.status = values.value(u"Status"_s).toString();
     item.menuPath = values.value(u"Menu"_s).value<QDBusObjectPath>().path();
     item.icons = readPictures(values.value(u"IconPixmap"_s).value<QDBusArgument>());
-    readToolTip(values.value(u"ToolTip"_s).value<QDBusArgument>(), item);
+    item.toolTipTitle = readToolTip(values.value(u"ToolTip"_s).value<QDBusArgument>());
     return item;
 }
 
@@ -147,9 +135,9 @@ bool PanelProbe::click(const QString &title) {
     return false;
 }
 
-PanelSignals PanelProbe::counts() const { return receiver->counts; }
+int PanelProbe::signalCount() const { return receiver->count; }
 
-void PanelProbe::clearCounts() { receiver->counts = {}; }
+void PanelProbe::clearSignals() { receiver->count = 0; }
 
 void PanelProbe::onChange(std::function<void()> call) { receiver->changed = std::move(call); }
 
@@ -186,7 +174,7 @@ bool PanelProbe::attach(const QString &registered, qint64 pid) {
         bus.disconnect(itemService, {}, interface, {}, receiver.get(), SLOT(take(QDBusMessage)));
     itemService = service;
     itemPath = path;
-    receiver->counts = {};
+    receiver->count = 0;
     for (const QString &interface : {ITEM, MENU})
         bus.connect(itemService, {}, interface, {}, receiver.get(), SLOT(take(QDBusMessage)));
     menuPath = item().value_or(PanelItem{}).menuPath;

@@ -6,7 +6,6 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
-
 #include <chrono>
 #include <functional>
 #include <memory>
@@ -21,31 +20,13 @@ struct PanelMenuEntry {
     bool enabled = true;
     bool separator = false;
     bool visible = true;
-    bool operator==(const PanelMenuEntry &) const = default;
 };
 
 // What a status item says about itself.
 struct PanelItem {
-    QString id;
-    QString title;
-    QString status; // "Active", "Passive" or "NeedsAttention"
     QString toolTipTitle;
-    QString toolTipText;
     QString menuPath;
     QList<QImage> icons; // one for each size offered, smallest first
-    bool operator==(const PanelItem &) const = default;
-};
-
-// How many signals the item and its menu have sent, by kind.
-struct PanelSignals {
-    int newIcon = 0;
-    int newToolTip = 0;
-    int newStatus = 0;
-    int newTitle = 0;
-    int layoutUpdated = 0;
-    int itemsPropertiesUpdated = 0;
-    int total() const { return newIcon + newToolTip + newStatus + newTitle + layoutUpdated + itemsPropertiesUpdated; }
-    bool operator==(const PanelSignals &) const = default;
 };
 
 // A status item seen as a panel sees it: found at the watcher, read and used over D-Bus (StatusNotifierItem and
@@ -61,8 +42,6 @@ public:
 
     // Waits until an item is registered, of process `pid` unless that is 0, and attaches to it. False when none came.
     bool waitForItem(std::chrono::milliseconds within, qint64 pid = 0);
-    // The bus name of the item attached to; empty without one.
-    QString service() const;
     // Whether the item attached to is still registered at the watcher.
     bool isRegistered();
 
@@ -77,9 +56,9 @@ public:
     // Chooses the visible, enabled entry of that title. False when there is none or it does not answer.
     bool click(const QString &title);
 
-    // Signals since the item was attached to, or since clearCounts().
-    PanelSignals counts() const;
-    void clearCounts();
+    // Signals of the item and its menu since it was attached to, or since clearSignals().
+    int signalCount() const;
+    void clearSignals();
     // Called once per turn of the event loop in which signals came.
     void onChange(std::function<void()> call);
 

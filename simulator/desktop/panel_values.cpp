@@ -80,13 +80,13 @@ QList<QImage> readPictures(const QDBusArgument &pictures) {
     return images;
 }
 
-void readToolTip(const QDBusArgument &toolTip, PanelItem &item) {
-    QString iconName;
+QString readToolTip(const QDBusArgument &toolTip) {
+    QString iconName, title;
     toolTip.beginStructure();
     toolTip >> iconName;
     readPictures(toolTip);
-    toolTip >> item.toolTipTitle >> item.toolTipText;
-    toolTip.endStructure();
+    toolTip >> title;
+    return title;
 }
 
 } // namespace korvel::sim

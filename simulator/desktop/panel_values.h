@@ -17,7 +17,7 @@ QList<PanelMenuEntry> readLayout(const QDBusArgument &layout);
 // A list of pictures, signature a(iiay): width, height, ARGB32 in network byte order. Malformed ones are left out.
 QList<QImage> readPictures(const QDBusArgument &pictures);
 
-// Title and text of a tool tip, signature (sa(iiay)ss), put into `item`.
-void readToolTip(const QDBusArgument &toolTip, PanelItem &item);
+// The title of a tool tip, signature (sa(iiay)ss).
+QString readToolTip(const QDBusArgument &toolTip);
 
 } // namespace korvel::sim
