@@ -185,50 +185,39 @@ TEST(NamedNotices, LastAsLongAsTheirTextNeedsAndShowErrorsAsSuch) {
     using Lost = HealthEffects::Notice;
     const auto toggled = [](ToggleDirection to, ServiceResult look) { return toggleNotice(to, look, false, {}); };
     const QJsonObject mismatch{{u"code"_s, u"mismatch"_s}};
-    const struct {
-        double secs;
-        bool error;
-        QList<Notice> notices;
-    } cases[] = {
-        {2.4,
-         false,
-         {toggled(ToggleDirection::Pause, ServiceResult::Failed),
-          toggled(ToggleDirection::Resume, ServiceResult::Succeeded)}},
-        {2.5, false, {signedOutNotice(), noLogNotice(), repairedNotice(), upToDateNotice({})}},
-        {3,
-         false,
-         {signedInNotice({}), encryptedNotice(), quittingNotice(), permissionVerdictNotice({.permsOk = true}),
-          installedNotice({})}},
-        {4,
-         false,
-         {allowedNotice({}), speechDownloadNotice(), permissionsRequestedNotice(), availableNotice({}),
-          downloadingNotice({}), installCancelledNotice({})}},
-        {4,
-         true,
-         {agentNotUpNotice(), noSignInPageNotice(), signOutFailedNotice(), noSpeechDownloadNotice({}),
-          notCheckedNotice(), notVerifiedNotice(), toggled(ToggleDirection::Pause, ServiceResult::Unknown)}},
-        {5, true, {signInFailedNotice({})}},
-        {6, false, {promptsComingNotice(), installerOpenedNotice()}},
-        {6,
-         true,
-         {deniedNotice({}), notAdmittedNotice({}), strangersResetNotice(), notRejoinedNotice({}),
-          permissionsNotRequestedNotice(), downloadFailedNotice(), downloadRefusedNotice(404, {}, {}), notSavedNotice(),
-          modifiedNotice(), swappedNotice(), lostSignInNotice(Lost::SignedOut)}},
-        {8, true, {unsignedNotice({}, {}), repairFailedNotice({})}},
-        {10,
-         true,
-         {notAdmittedNotice(mismatch), permissionVerdictNotice({.permsOk = false}),
-          toggled(ToggleDirection::Resume, ServiceResult::Failed)}},
-        {15, false, {agentAwaitedNotice()}},
-        {30, false, {signingOutNotice(), installingNotice({})}},
-        {40, false, {signingInNotice()}},
-        {50, false, {verifyingNotice()}},
-    };
-    for (const auto &c : cases)
-        for (const Notice &notice : c.notices) {
-            EXPECT_EQ(notice.secs, Seconds(c.secs)) << notice.text.toStdString();
-            EXPECT_EQ(notice.error, c.error) << notice.text.toStdString();
+    const auto expect = [](double secs, bool error, const QList<Notice> &notices) {
+        for (const Notice &notice : notices) {
+            EXPECT_EQ(notice.secs, Seconds(secs)) << notice.text.toStdString();
+            EXPECT_EQ(notice.error, error) << notice.text.toStdString();
         }
+    };
+    expect(2.4, false,
+           {toggled(ToggleDirection::Pause, ServiceResult::Failed),
+            toggled(ToggleDirection::Resume, ServiceResult::Succeeded)});
+    expect(2.5, false, {signedOutNotice(), noLogNotice(), repairedNotice(), upToDateNotice({})});
+    expect(3, false,
+           {signedInNotice({}), encryptedNotice(), quittingNotice(), permissionVerdictNotice({.permsOk = true}),
+            installedNotice({})});
+    expect(4, false,
+           {allowedNotice({}), speechDownloadNotice(), permissionsRequestedNotice(), availableNotice({}),
+            downloadingNotice({}), installCancelledNotice({})});
+    expect(4, true,
+           {agentNotUpNotice(), noSignInPageNotice(), signOutFailedNotice(), noSpeechDownloadNotice({}),
+            notCheckedNotice(), notVerifiedNotice(), toggled(ToggleDirection::Pause, ServiceResult::Unknown)});
+    expect(5, true, {signInFailedNotice({})});
+    expect(6, false, {promptsComingNotice(), installerOpenedNotice()});
+    expect(6, true,
+           {deniedNotice({}), notAdmittedNotice({}), strangersResetNotice(), notRejoinedNotice({}),
+            permissionsNotRequestedNotice(), downloadFailedNotice(), downloadRefusedNotice(404, {}, {}),
+            notSavedNotice(), modifiedNotice(), swappedNotice(), lostSignInNotice(Lost::SignedOut)});
+    expect(8, true, {unsignedNotice({}, {}), repairFailedNotice({})});
+    expect(10, true,
+           {notAdmittedNotice(mismatch), permissionVerdictNotice({.permsOk = false}),
+            toggled(ToggleDirection::Resume, ServiceResult::Failed)});
+    expect(15, false, {agentAwaitedNotice()});
+    expect(30, false, {signingOutNotice(), installingNotice({})});
+    expect(40, false, {signingInNotice()});
+    expect(50, false, {verifyingNotice()});
 }
 
 TEST(EscWindow, OnlyEscapeWithoutAModifierRunsItsAction) {
