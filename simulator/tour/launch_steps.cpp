@@ -46,7 +46,7 @@ void connect(Tour &tour) {
 /// The start-up report comes with the first good response.
 void notice(Tour &tour) {
     const QString more = L(u" · 双击 Korvel 可暂停或恢复同步", u" · Double-click Korvel to pause or resume sync");
-    expectNotice(tour, connectedLine() + more, SLACK);
+    expectNotice(tour, connectedLine() + more, POLL_INTERVAL);
     expect(tour.screenshot(u"connected-notice"_s), u"no screenshot"_s);
     expectNoNotice(tour, 2600ms + SLACK);
 }
