@@ -92,10 +92,11 @@ TEST_F(ServerJourney, LessThanAKilobyteASecondIsTooSlow) {
     EXPECT_LT(clock.elapsed(), 10'000);
 }
 
-TEST_F(ServerJourney, OnlyAMacWithoutNetworkIsCalledOffline) {
+TEST_F(ServerJourney, OnlyAMacWithoutNetworkIsCalledOfflineAndTheSystemsProxyIsTheWay) {
     bool offline = false;
+    QByteArray proxy; // of the system's settings
     const exchange::Network network{.isOffline = [&] { return offline; },
-                                    .proxyFor = [](const QByteArray &) { return QByteArray(); }};
+                                    .proxyFor = [&](const QByteArray &) { return proxy; }};
     const auto said = [&](const QString &url) {
         return sentence(exchange::run({.request = {.url = url}}, network, [](const exchange::Progress &) {}));
     };
@@ -106,6 +107,10 @@ TEST_F(ServerJourney, OnlyAMacWithoutNetworkIsCalledOffline) {
     EXPECT_EQ(said(unknown), OFFLINE);
     // This Mac can always be reached from itself.
     setServer({{u"refuse"_s, true}});
+    EXPECT_EQ(said(u"https://"_s + server), NO_CONNECTION);
+    setServer({});
+    EXPECT_NE(said(u"https://"_s + server), NO_CONNECTION);
+    proxy = "http://127.0.0.1:1"; // nobody listens there
     EXPECT_EQ(said(u"https://"_s + server), NO_CONNECTION);
 }
 
