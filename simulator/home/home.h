@@ -52,7 +52,7 @@ public:
     Permissions permissions() const { return Permissions(paths); }
     /// What the account server knows, and what the user does there.
     Accounts accounts() const { return Accounts(paths); }
-    ServerUpdates updates() const { return ServerUpdates(paths); }
+    ServerUpdates updates() const { return ServerUpdates{paths}; }
 
     /// Starts the account server, and waits until it serves; it ends with the home. True when it runs.
     bool startAccountServer();

@@ -123,10 +123,10 @@ HttpResponse AccountServer::submitSignIn(const HttpRequest &request) {
     return closingPage(accounts.endSignIn(id, end, cancels ? QString() : user) ? end : QString(), device);
 }
 
-HttpResponse AccountServer::manifest(const HttpRequest &) { return {.body = ServerUpdates(paths).offer().manifest}; }
+HttpResponse AccountServer::manifest(const HttpRequest &) { return {.body = ServerUpdates{paths}.offer().manifest}; }
 
 HttpResponse AccountServer::package(const HttpRequest &request) {
-    const UpdateOffer offer = ServerUpdates(paths).offer();
+    const UpdateOffer offer = ServerUpdates{paths}.offer();
     const QString name = QString::fromUtf8(QByteArray::fromPercentEncoding(request.path())).section(u'/', -1);
     if (name != offer.info.file)
         return refusal(404, u"There is no such package."_s);
