@@ -1,3 +1,4 @@
+#include "exchange/body_sink.h"
 #include "exchange/messages.h"
 #include "platform/exchange_client.h"
 #include "platform/http_messages.h"
@@ -41,6 +42,15 @@ TEST(ExchangeMessages, WhatIsNoTaskIsNone) {
         EXPECT_FALSE(exchange::parseTask(QByteArray(good).replace(part, instead))) << instead.toStdString();
     for (const char *bad : {"", "[]", R"({"do":"sha256"})", R"({"do":"ed25519","key":"","signature":""})"})
         EXPECT_FALSE(exchange::parseTask(bad)) << bad;
+}
+
+TEST(BodySink, KeepsABoundedPartOfAResponseThatIsNotTheFile) {
+    const QTemporaryDir folder;
+    const auto sink = exchange::makeFileSink(folder.filePath(u"file"_s), 100, [](const exchange::Progress &) {});
+    EXPECT_TRUE(sink->body(QByteArray(100 << 10, 'x'), 404, 0));
+    EXPECT_FALSE(sink->body(QByteArray(1 << 20, 'x'), 404, 0));
+    EXPECT_EQ(sink->takeBody().size(), 64 << 10);
+    EXPECT_FALSE(QFile::exists(folder.filePath(u"file"_s)));
 }
 
 ProgramResult ended(int status, ProgramResult::End end = ProgramResult::End::Itself) {
