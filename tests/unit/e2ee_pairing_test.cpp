@@ -142,6 +142,8 @@ TEST_F(PairingTest, TheButtonDoesWhatItSaysAndTheWindowStaysClosedAfter) {
     EXPECT_EQ(pairPanel.view.code, u"123456"_s);
     pairPanel.events.buttonClicked();
     EXPECT_FALSE(pairPanel.visible || loginPanel.visible || alerts.isOpen());
+    next(ACTIVE); // which no window tells
+    EXPECT_EQ(notices.last(), u"🔒 Encrypted. Syncing now."_s);
 }
 
 TEST_F(PairingTest, RefreshIsAskedForOnceAndItsFailureStaysUntilTheReportIsAnother) {
