@@ -111,10 +111,11 @@ TEST(UpdateSignature, BindsNameVersionAndHashAndNothingElse) {
         EXPECT_FALSE(isSigned(config, other)) << value.toStdString();
     }
     FixedConfig broken = config;
-    for (const QString &key : {u"short"_s, u"%%%"_s, u"AAAA"_s, QString()}) {
+    for (const QString &key : {u"AAAA"_s, QString(), u"short"_s, u"%%%"_s}) {
         broken.UPDATE_PUBKEY = key;
         EXPECT_FALSE(isSigned(broken, signedInfo()));
     }
+    EXPECT_FALSE(updateSignature(broken, signedInfo())); // no key at all
 }
 
 TEST(Sha256, AgreesWithThePublishedVectors) {
