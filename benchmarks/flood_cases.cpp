@@ -1,6 +1,6 @@
 #include "benchmarks/flood_cases.h"
 
-#include "platform/http_client.h"
+#include "ports/http_client.h"
 
 using namespace Qt::StringLiterals;
 

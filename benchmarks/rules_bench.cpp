@@ -1,12 +1,12 @@
 // What the rules cost that run at every poll, by the number of devices and alarms in the report.
 
-#include "app/deployment.h"
-#include "app/situation.h"
+#include "app/model/deployment.h"
+#include "app/model/situation.h"
 #include "benchmarks/report.h"
 #include "e2ee/pair_view.h"
 #include "status/health.h"
 #include "status/status_line.h"
-#include "ui/menu_view.h"
+#include "ui/menu/menu_view.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,14 +1,14 @@
 // The work of one health tick, from the agent's text to icon and menu, over and over, to be counted by callgrind:
 // tick COUNT.
 
-#include "app/deployment.h"
-#include "app/situation.h"
+#include "app/model/deployment.h"
+#include "app/model/situation.h"
 #include "benchmarks/report.h"
 #include "status/health.h"
-#include "status/icon_view.h"
-#include "ui/menu_view.h"
-#include "ui/menu_widget.h"
-#include "ui/picture.h"
+#include "ui/menu/menu_view.h"
+#include "ui/views/icon_view.h"
+#include "ui/widgets/menu_widget.h"
+#include "ui/widgets/picture.h"
 
 #include <QJsonDocument>
 

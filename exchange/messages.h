@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/server_client.h"
+#include "ports/server_client.h"
 
 #include <QByteArray>
 #include <QString>

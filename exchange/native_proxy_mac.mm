@@ -1,6 +1,6 @@
 #include "exchange/native_proxy_mac.h"
 
-#include "platform/native_text_mac.h"
+#include "platform/mac/native_text_mac.h"
 
 #import <CFNetwork/CFNetwork.h>
 #import <Foundation/Foundation.h>

@@ -1,6 +1,6 @@
 #include "exchange/sha256.h"
 
-#include "platform/private_file.h"
+#include "base/private_file.h"
 
 #include <QFile>
 #include <memory>

@@ -1,7 +1,7 @@
 #include "publisher/manifest_file.h"
 
-#include "platform/private_file.h"
-#include "platform/server_client.h"
+#include "base/private_file.h"
+#include "ports/server_client.h"
 
 #include <QFileInfo>
 #include <QJsonDocument>

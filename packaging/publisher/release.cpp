@@ -1,8 +1,8 @@
 #include "publisher/release.h"
 
+#include "base/json_values.h"
 #include "exchange/ed25519.h"
 #include "exchange/sha256.h"
-#include "platform/json_values.h"
 #include "update/manifest.h"
 #include "update/signature.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "app/fixed_config.h"
-#include "app/tray_state.h"
-#include "platform/result.h"
+#include "app/model/fixed_config.h"
+#include "app/model/tray_state.h"
+#include "base/result.h"
 #include "publisher/signing_key.h"
 
 #include <QByteArray>

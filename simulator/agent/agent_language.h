@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/wording.h"
+#include "app/model/wording.h"
 #include "simulator/home/scenario.h"
 
 namespace korvel::sim {

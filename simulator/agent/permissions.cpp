@@ -1,6 +1,6 @@
 #include "simulator/agent/permissions.h"
 
-#include "app/wording.h"
+#include "app/model/wording.h"
 #include "simulator/home/scenario.h"
 
 #include <QJsonArray>

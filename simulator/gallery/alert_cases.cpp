@@ -1,11 +1,11 @@
 #include "account/login_dialog.h"
 #include "account/sign_out.h"
-#include "app/wording.h"
+#include "app/model/wording.h"
 #include "e2ee/alarms.h"
 #include "e2ee/approval.h"
 #include "simulator/gallery/gallery_case.h"
-#include "ui/alert_window.h"
-#include "ui/code_field.h"
+#include "ui/widgets/alert_window.h"
+#include "ui/widgets/code_field.h"
 
 #include <QApplication>
 #include <QJsonObject>

@@ -1,6 +1,6 @@
 #include "simulator/gallery/gallery_case.h"
 
-#include "platform/plain_text.h"
+#include "base/plain_text.h"
 
 using namespace Qt::StringLiterals;
 

@@ -1,7 +1,7 @@
 #include "simulator/gallery/gallery_page.h"
 #include "simulator/gallery/layout_faults.h"
 #include "simulator/gallery/stage.h"
-#include "ui/picture.h"
+#include "ui/widgets/picture.h"
 
 #include <QCryptographicHash>
 #include <QDir>

@@ -1,6 +1,6 @@
 #include "simulator/gallery/gallery_case.h"
-#include "status/icon_view.h"
-#include "ui/icon_image.h"
+#include "ui/views/icon_view.h"
+#include "ui/widgets/icon_image.h"
 
 #include <QBoxLayout>
 #include <QLabel>

@@ -1,7 +1,7 @@
 #include "simulator/gallery/layout_faults.h"
 
-#include "ui/link_button.h"
-#include "ui/text_styles.h"
+#include "ui/widgets/link_button.h"
+#include "ui/widgets/text_styles.h"
 
 #include <QAbstractButton>
 #include <QAbstractScrollArea>

@@ -1,7 +1,7 @@
-#include "account/cn_login_window.h"
-#include "app/wording.h"
+#include "app/model/wording.h"
 #include "simulator/gallery/gallery_case.h"
-#include "ui/picture.h"
+#include "ui/widgets/cn_login_window.h"
+#include "ui/widgets/picture.h"
 
 #include <QApplication>
 #include <QKeyEvent>

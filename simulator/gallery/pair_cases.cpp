@@ -1,6 +1,6 @@
-#include "app/wording.h"
-#include "e2ee/pair_window.h"
+#include "app/model/wording.h"
 #include "simulator/gallery/gallery_case.h"
+#include "ui/widgets/pair_window.h"
 
 #include <QJsonDocument>
 

@@ -1,13 +1,13 @@
-#include "app/deployment.h"
-#include "app/wording.h"
+#include "app/model/deployment.h"
+#include "app/model/wording.h"
 #include "permissions/permission_rules.h"
 #include "simulator/gallery/gallery_case.h"
 #include "status/health.h"
 #include "status/startup_report.h"
-#include "ui/menu_view.h"
-#include "ui/menu_widget.h"
-#include "ui/notice_view.h"
-#include "ui/notice_window.h"
+#include "ui/menu/menu_view.h"
+#include "ui/views/notice_view.h"
+#include "ui/widgets/menu_widget.h"
+#include "ui/widgets/notice_window.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

@@ -1,7 +1,7 @@
 #include "simulator/gallery/stage.h"
 
-#include "app/wording.h"
-#include "ui/picture.h"
+#include "app/model/wording.h"
+#include "ui/widgets/picture.h"
 
 #include <QApplication>
 #include <QPalette>

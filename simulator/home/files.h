@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/private_file.h"
+#include "base/private_file.h"
 
 #include <QByteArray>
 #include <QJsonObject>

@@ -1,6 +1,6 @@
 #include "simulator/server/account_server.h"
 
-#include "app/wording.h"
+#include "app/model/wording.h"
 #include "simulator/home/files.h"
 #include "simulator/server/fault.h"
 #include "simulator/server/sign_in_page.h"

@@ -1,6 +1,6 @@
 #include "simulator/server/sign_in_page.h"
 
-#include "app/wording.h"
+#include "app/model/wording.h"
 
 namespace korvel::sim {
 

@@ -1,6 +1,6 @@
 #include "simulator/server/update_offer.h"
 
-#include "app/deployment.h"
+#include "app/model/deployment.h"
 #include "publisher/release.h"
 #include "simulator/home/files.h"
 

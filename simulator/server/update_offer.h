@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/tray_state.h"
+#include "app/model/tray_state.h"
 #include "simulator/home/scenario.h"
 
 #include <QByteArray>

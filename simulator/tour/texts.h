@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/wording.h"
+#include "app/model/wording.h"
 
 /// The texts that more than one step expects, written out here so that the tour does not take the tray's word for them.
 namespace korvel::sim {

@@ -1,6 +1,6 @@
 #include "simulator/tour/tour.h"
 
-#include "app/wording.h"
+#include "app/model/wording.h"
 #include "simulator/desktop/screen.h"
 
 #include <QDir>

@@ -1,7 +1,7 @@
 #include "account/account_notices.h"
 
-#include "app/wording.h"
-#include "platform/plain_text.h"
+#include "app/model/wording.h"
+#include "base/plain_text.h"
 
 namespace korvel {
 

@@ -1,7 +1,7 @@
 #include "account/after_sign_in.h"
 
 #include "account/account_notices.h"
-#include "app/situation.h"
+#include "app/model/situation.h"
 
 namespace korvel {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "app/tray_state.h"
-#include "platform/scheduler.h"
-#include "ui/notices.h"
+#include "app/model/tray_state.h"
+#include "app/notices.h"
+#include "base/scheduler.h"
 
 #include <functional>
 

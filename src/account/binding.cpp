@@ -2,7 +2,7 @@
 
 #include "account/account_notices.h"
 #include "account/server_rules.h"
-#include "app/wording.h"
+#include "app/model/wording.h"
 
 using namespace Qt::StringLiterals;
 

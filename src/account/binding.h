@@ -1,10 +1,10 @@
 #pragma once
 
 #include "account/server_api.h"
-#include "app/fixed_config.h"
-#include "app/tray_state.h"
-#include "platform/alive.h"
-#include "platform/desktop.h"
+#include "app/model/fixed_config.h"
+#include "app/model/tray_state.h"
+#include "base/alive.h"
+#include "ports/desktop.h"
 #include "service/agent_config.h"
 #include "service/config_waiter.h"
 

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "account/cn_login_form.h"
-#include "app/fixed_config.h"
-#include "app/tray_state.h"
-#include "platform/alive.h"
-#include "platform/desktop.h"
-#include "platform/login_panel.h"
-#include "platform/scheduler.h"
+#include "account/login_panel.h"
+#include "app/model/fixed_config.h"
+#include "app/model/tray_state.h"
+#include "base/alive.h"
+#include "base/scheduler.h"
+#include "ports/desktop.h"
 #include "service/agent_config.h"
 
 #include <functional>

@@ -1,7 +1,7 @@
 #include "account/cn_login_form.h"
 
-#include "app/wording.h"
-#include "platform/json_values.h"
+#include "app/model/wording.h"
+#include "base/json_values.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #include "account/cn_login_view.h"
 
-#include "app/wording.h"
-#include "platform/plain_text.h"
+#include "app/model/wording.h"
+#include "base/plain_text.h"
 
 namespace korvel {
 

@@ -2,8 +2,8 @@
 
 #include "account/account_notices.h"
 #include "account/server_rules.h"
-#include "app/wording.h"
-#include "platform/plain_text.h"
+#include "app/model/wording.h"
+#include "base/plain_text.h"
 
 namespace korvel {
 

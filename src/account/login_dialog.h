@@ -1,11 +1,11 @@
 #pragma once
 
-#include "app/fixed_config.h"
-#include "platform/alerts.h"
-#include "platform/alive.h"
-#include "platform/desktop.h"
+#include "app/model/fixed_config.h"
+#include "app/notices.h"
+#include "base/alive.h"
+#include "ports/alerts.h"
+#include "ports/desktop.h"
 #include "service/agent_config.h"
-#include "ui/notices.h"
 
 #include <functional>
 #include <optional>

@@ -1,7 +1,7 @@
 #include "account/net_error.h"
 
-#include "app/wording.h"
-#include "platform/log.h"
+#include "app/model/wording.h"
+#include "base/log.h"
 
 namespace korvel {
 

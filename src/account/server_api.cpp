@@ -1,8 +1,8 @@
 #include "account/server_api.h"
 
 #include "account/net_error.h"
-#include "app/wording.h"
-#include "platform/json_values.h"
+#include "app/model/wording.h"
+#include "base/json_values.h"
 
 #include <QJsonDocument>
 #include <QTextBoundaryFinder>

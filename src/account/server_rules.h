@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/fixed_config.h"
+#include "app/model/fixed_config.h"
 
 #include <QJsonObject>
 #include <QString>

@@ -1,7 +1,7 @@
 #include "account/sign_out.h"
 
 #include "account/account_notices.h"
-#include "app/wording.h"
+#include "app/model/wording.h"
 #include "e2ee/requests.h"
 
 using namespace Qt::StringLiterals;

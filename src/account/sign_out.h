@@ -1,14 +1,14 @@
 #pragma once
 
-#include "app/fixed_config.h"
-#include "app/tray_state.h"
-#include "platform/alerts.h"
-#include "platform/alive.h"
-#include "platform/scheduler.h"
+#include "app/model/fixed_config.h"
+#include "app/model/tray_state.h"
+#include "app/notices.h"
+#include "base/alive.h"
+#include "base/scheduler.h"
+#include "ports/alerts.h"
+#include "ports/service_control.h"
 #include "service/agent_api.h"
 #include "service/config_waiter.h"
-#include "service/service_control.h"
-#include "ui/notices.h"
 
 #include <functional>
 

@@ -1,11 +1,11 @@
 #include "app/automation_render.h"
 
-#include "account/cn_login_window.h"
 #include "app/automation_output.h"
 #include "e2ee/approval.h"
-#include "e2ee/pair_window.h"
-#include "ui/alert_window.h"
-#include "ui/picture.h"
+#include "ui/widgets/alert_window.h"
+#include "ui/widgets/cn_login_window.h"
+#include "ui/widgets/pair_window.h"
+#include "ui/widgets/picture.h"
 
 namespace korvel {
 

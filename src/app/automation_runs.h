@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/automation.h"
-#include "app/paths.h"
+#include "app/model/paths.h"
 
 #include <QByteArray>
 #include <optional>

@@ -1,11 +1,11 @@
 #include "app/automation.h"
 #include "app/automation_runs.h"
-#include "app/deployment.h"
-#include "app/paths.h"
+#include "app/model/deployment.h"
+#include "app/model/paths.h"
+#include "app/model/wording.h"
 #include "app/platform_app.h"
 #include "app/system_parts.h"
-#include "app/wording.h"
-#include "platform/standard_streams.h"
+#include "platform/qt/standard_streams.h"
 
 #include <csignal>
 #include <unistd.h>

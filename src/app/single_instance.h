@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/running_copies.h"
-#include "platform/scheduler.h"
+#include "base/scheduler.h"
+#include "ports/running_copies.h"
 
 #include <functional>
 

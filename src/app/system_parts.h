@@ -1,10 +1,10 @@
 #pragma once
 
-#include "app/paths.h"
-#include "platform/desktop.h"
-#include "platform/programs.h"
-#include "platform/running_copies.h"
-#include "platform/status_item.h"
+#include "app/model/paths.h"
+#include "ports/desktop.h"
+#include "ports/programs.h"
+#include "ports/running_copies.h"
+#include "ports/status_item.h"
 
 #include <functional>
 #include <memory>

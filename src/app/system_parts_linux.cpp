@@ -1,11 +1,11 @@
 #include "app/system_parts.h"
 
-#include "platform/desktop_qt.h"
-#include "platform/running_copies_linux.h"
-#include "platform/status_item_linux.h"
-#include "status/icon_view.h"
-#include "ui/contrast_style.h"
-#include "ui/icon_image.h"
+#include "platform/linux/running_copies_linux.h"
+#include "platform/linux/status_item_linux.h"
+#include "platform/qt/desktop_qt.h"
+#include "ui/views/icon_view.h"
+#include "ui/widgets/contrast_style.h"
+#include "ui/widgets/icon_image.h"
 
 #include <QApplication>
 

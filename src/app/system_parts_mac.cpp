@@ -1,11 +1,11 @@
 #include "app/system_parts.h"
 
-#include "platform/desktop_mac.h"
-#include "platform/log.h"
-#include "platform/native_application_mac.h"
-#include "platform/native_log_mac.h"
-#include "platform/running_copies_mac.h"
-#include "platform/status_item_mac.h"
+#include "base/log.h"
+#include "platform/mac/desktop_mac.h"
+#include "platform/mac/native_application_mac.h"
+#include "platform/mac/native_log_mac.h"
+#include "platform/mac/running_copies_mac.h"
+#include "platform/mac/status_item_mac.h"
 
 #include <QtGlobal>
 

@@ -2,11 +2,11 @@
 
 #include "account/server_rules.h"
 #include "app/reopen.h"
-#include "platform/log.h"
+#include "base/log.h"
 #include "service/login_item.h"
 #include "status/status_line.h"
-#include "ui/edit_menu.h"
-#include "ui/menu_view.h"
+#include "ui/menu/menu_view.h"
+#include "ui/views/edit_menu.h"
 
 namespace korvel {
 

@@ -1,9 +1,9 @@
 #include "e2ee/alarms.h"
 
-#include "app/wording.h"
+#include "app/model/wording.h"
+#include "base/plain_text.h"
 #include "e2ee/e2ee_notices.h"
 #include "e2ee/requests.h"
-#include "platform/plain_text.h"
 
 namespace korvel {
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "platform/alerts.h"
-#include "platform/alive.h"
+#include "app/notices.h"
+#include "base/alive.h"
+#include "ports/alerts.h"
 #include "service/agent_api.h"
-#include "ui/notices.h"
 
 #include <QJsonObject>
 #include <functional>

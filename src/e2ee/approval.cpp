@@ -1,11 +1,11 @@
 #include "e2ee/approval.h"
 
-#include "app/wording.h"
+#include "app/model/wording.h"
+#include "base/plain_text.h"
 #include "e2ee/e2ee_notices.h"
 #include "e2ee/pair_code.h"
 #include "e2ee/report.h"
 #include "e2ee/requests.h"
-#include "platform/plain_text.h"
 
 namespace korvel {
 

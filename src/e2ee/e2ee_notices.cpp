@@ -1,6 +1,6 @@
 #include "e2ee/e2ee_notices.h"
 
-#include "app/wording.h"
+#include "app/model/wording.h"
 
 namespace korvel {
 

@@ -1,6 +1,6 @@
 #include "e2ee/menu_block.h"
 
-#include "app/wording.h"
+#include "app/model/wording.h"
 #include "e2ee/report.h"
 
 namespace korvel {

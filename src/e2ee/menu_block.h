@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/situation.h"
-#include "ui/menu_entry.h"
+#include "app/model/situation.h"
+#include "ui/views/menu_entry.h"
 
 namespace korvel {
 

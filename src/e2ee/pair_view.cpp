@@ -1,8 +1,8 @@
 #include "e2ee/pair_view.h"
 
-#include "app/wording.h"
+#include "app/model/wording.h"
+#include "base/plain_text.h"
 #include "e2ee/report.h"
-#include "platform/plain_text.h"
 
 #include <QStringList>
 

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "app/tray_state.h"
+#include "app/model/tray_state.h"
+#include "app/notices.h"
+#include "base/alive.h"
+#include "base/scheduler.h"
+#include "e2ee/pair_panel.h"
 #include "e2ee/pair_view.h"
-#include "platform/alive.h"
-#include "platform/pair_panel.h"
-#include "platform/scheduler.h"
 #include "service/agent_api.h"
-#include "ui/notices.h"
 
 #include <functional>
 #include <optional>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "app/tray_state.h"
+#include "app/model/tray_state.h"
+#include "app/notices.h"
 #include "e2ee/pair_view.h"
 #include "e2ee/prompt_rules.h"
-#include "ui/notices.h"
 
 #include <functional>
 

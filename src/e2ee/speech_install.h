@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/alive.h"
+#include "app/notices.h"
+#include "base/alive.h"
 #include "service/agent_api.h"
-#include "ui/notices.h"
 
 #include <functional>
 

@@ -1,8 +1,8 @@
 #include "permissions/menu_block.h"
 
-#include "app/wording.h"
+#include "app/model/wording.h"
+#include "base/plain_text.h"
 #include "permissions/permission_rules.h"
-#include "platform/plain_text.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/tray_state.h"
-#include "ui/notices.h"
+#include "app/model/tray_state.h"
+#include "app/notices.h"
 
 namespace korvel {
 

@@ -1,9 +1,9 @@
 #include "permissions/permission_rules.h"
 
-#include "app/wording.h"
-#include "platform/json_bounds.h"
-#include "platform/json_values.h"
-#include "platform/plain_text.h"
+#include "app/model/wording.h"
+#include "base/json_bounds.h"
+#include "base/json_values.h"
+#include "base/plain_text.h"
 
 #include <QUrl>
 

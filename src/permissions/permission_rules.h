@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/tray_state.h"
+#include "app/model/tray_state.h"
 
 #include <QJsonObject>
 #include <QJsonValue>

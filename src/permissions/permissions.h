@@ -1,11 +1,11 @@
 #pragma once
 
-#include "app/tray_state.h"
-#include "platform/alive.h"
-#include "platform/desktop.h"
-#include "platform/scheduler.h"
+#include "app/model/tray_state.h"
+#include "app/notices.h"
+#include "base/alive.h"
+#include "base/scheduler.h"
+#include "ports/desktop.h"
 #include "service/agent_api.h"
-#include "ui/notices.h"
 
 #include <functional>
 

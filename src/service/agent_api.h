@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/http_client.h"
+#include "ports/http_client.h"
 #include "service/agent_config.h"
 
 #include <QHash>

@@ -1,8 +1,8 @@
 #include "service/agent_command.h"
 
-#include "app/wording.h"
-#include "platform/log.h"
-#include "platform/plain_text.h"
+#include "app/model/wording.h"
+#include "base/log.h"
+#include "base/plain_text.h"
 
 #include <QFileInfo>
 #include <QJsonDocument>

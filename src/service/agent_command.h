@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/alive.h"
-#include "platform/programs.h"
-#include "platform/scheduler.h"
+#include "base/alive.h"
+#include "base/scheduler.h"
+#include "ports/programs.h"
 
 #include <QJsonObject>
 #include <QString>

@@ -1,6 +1,6 @@
 #include "service/agent_config.h"
 
-#include "platform/log.h"
+#include "base/log.h"
 
 #include <QFileInfo>
 #include <QJsonDocument>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/paths.h"
-#include "platform/private_file.h"
+#include "app/model/paths.h"
+#include "base/private_file.h"
 
 #include <QJsonObject>
 #include <QString>

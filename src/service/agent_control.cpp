@@ -1,8 +1,8 @@
 #include "service/agent_control.h"
 
 #include "account/server_rules.h"
-#include "app/situation.h"
-#include "platform/system_tools.h"
+#include "app/model/situation.h"
+#include "ports/system_tools.h"
 #include "service/service_notices.h"
 
 #include <QFileInfo>

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "app/paths.h"
-#include "app/tray_state.h"
-#include "platform/alive.h"
-#include "platform/desktop.h"
-#include "platform/programs.h"
+#include "app/model/paths.h"
+#include "app/model/tray_state.h"
+#include "app/notices.h"
+#include "base/alive.h"
+#include "ports/desktop.h"
+#include "ports/programs.h"
+#include "ports/service_control.h"
 #include "service/agent_config.h"
-#include "service/service_control.h"
-#include "ui/notices.h"
 
 #include <functional>
 

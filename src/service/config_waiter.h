@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/scheduler.h"
+#include "base/scheduler.h"
 #include "service/agent_config.h"
 
 #include <functional>

@@ -1,6 +1,6 @@
 #include "service/launchctl.h"
 
-#include "platform/system_tools.h"
+#include "ports/system_tools.h"
 
 #include <chrono>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/programs.h"
-#include "service/service_control.h"
+#include "ports/programs.h"
+#include "ports/service_control.h"
 
 namespace korvel {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/paths.h"
+#include "app/model/paths.h"
 
 #include <QString>
 

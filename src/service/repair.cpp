@@ -1,7 +1,7 @@
 #include "service/repair.h"
 
-#include "app/situation.h"
-#include "platform/log.h"
+#include "app/model/situation.h"
+#include "base/log.h"
 #include "service/service_notices.h"
 
 using namespace Qt::StringLiterals;

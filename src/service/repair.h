@@ -1,13 +1,13 @@
 #pragma once
 
-#include "app/fixed_config.h"
-#include "app/paths.h"
-#include "app/tray_state.h"
-#include "platform/alive.h"
-#include "platform/programs.h"
-#include "platform/scheduler.h"
+#include "app/model/fixed_config.h"
+#include "app/model/paths.h"
+#include "app/model/tray_state.h"
+#include "app/notices.h"
+#include "base/alive.h"
+#include "base/scheduler.h"
+#include "ports/programs.h"
 #include "service/agent_command.h"
-#include "ui/notices.h"
 
 #include <functional>
 

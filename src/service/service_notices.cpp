@@ -1,6 +1,6 @@
 #include "service/service_notices.h"
 
-#include "app/wording.h"
+#include "app/model/wording.h"
 
 namespace korvel {
 

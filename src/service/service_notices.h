@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ui/notices.h"
+#include "app/notices.h"
 
 namespace korvel {
 

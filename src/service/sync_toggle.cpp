@@ -1,8 +1,8 @@
 #include "service/sync_toggle.h"
 
 #include "account/server_rules.h"
-#include "app/situation.h"
-#include "app/wording.h"
+#include "app/model/situation.h"
+#include "app/model/wording.h"
 
 namespace korvel {
 

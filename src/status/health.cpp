@@ -1,9 +1,9 @@
 #include "status/health.h"
 
-#include "app/situation.h"
+#include "app/model/situation.h"
+#include "base/json_bounds.h"
 #include "e2ee/report.h"
 #include "permissions/permission_rules.h"
-#include "platform/json_bounds.h"
 
 namespace korvel {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/tray_state.h"
-#include "platform/result.h"
+#include "app/model/tray_state.h"
+#include "base/result.h"
 
 #include <QJsonObject>
 #include <optional>

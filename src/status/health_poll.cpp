@@ -1,8 +1,8 @@
 #include "status/health_poll.h"
 
 #include "account/server_rules.h"
-#include "app/situation.h"
-#include "app/wording.h"
+#include "app/model/situation.h"
+#include "app/model/wording.h"
 
 #include <utility>
 

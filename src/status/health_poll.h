@@ -1,11 +1,11 @@
 #pragma once
 
-#include "app/tray_state.h"
-#include "platform/alive.h"
+#include "app/model/tray_state.h"
+#include "app/notices.h"
+#include "base/alive.h"
+#include "ports/service_control.h"
 #include "service/agent_api.h"
-#include "service/service_control.h"
 #include "status/health.h"
-#include "ui/notices.h"
 
 #include <functional>
 #include <vector>

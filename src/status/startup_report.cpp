@@ -1,6 +1,6 @@
 #include "status/startup_report.h"
 
-#include "app/wording.h"
+#include "app/model/wording.h"
 #include "e2ee/report.h"
 #include "status/status_line.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/situation.h"
-#include "ui/notices.h"
+#include "app/model/situation.h"
+#include "app/notices.h"
 
 #include <functional>
 #include <optional>

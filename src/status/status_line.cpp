@@ -1,9 +1,9 @@
 #include "status/status_line.h"
 
-#include "app/wording.h"
+#include "app/model/wording.h"
+#include "base/plain_text.h"
 #include "e2ee/report.h"
 #include "permissions/permission_rules.h"
-#include "platform/plain_text.h"
 
 namespace korvel {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/situation.h"
+#include "app/model/situation.h"
 
 #include <QString>
 

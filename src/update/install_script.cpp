@@ -1,7 +1,7 @@
 #include "update/install_script.h"
 
-#include "app/wording.h"
-#include "platform/system_tools.h"
+#include "app/model/wording.h"
+#include "ports/system_tools.h"
 
 #include <QRegularExpression>
 

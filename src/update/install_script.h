@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/tray_state.h"
-#include "platform/programs.h"
+#include "app/model/tray_state.h"
+#include "ports/programs.h"
 
 namespace korvel {
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/fixed_config.h"
-#include "app/tray_state.h"
+#include "app/model/fixed_config.h"
+#include "app/model/tray_state.h"
 
 #include <QJsonObject>
 #include <optional>

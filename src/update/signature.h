@@ -1,8 +1,8 @@
 #pragma once
 
-#include "app/fixed_config.h"
-#include "app/tray_state.h"
-#include "platform/server_client.h"
+#include "app/model/fixed_config.h"
+#include "app/model/tray_state.h"
+#include "ports/server_client.h"
 
 #include <optional>
 

@@ -3,7 +3,7 @@
 #include "account/net_error.h"
 #include "account/server_api.h"
 #include "account/server_rules.h"
-#include "platform/log.h"
+#include "base/log.h"
 #include "update/manifest.h"
 #include "update/signature.h"
 #include "update/update_notices.h"

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "app/fixed_config.h"
-#include "app/tray_state.h"
-#include "platform/alive.h"
-#include "platform/scheduler.h"
-#include "platform/server_client.h"
+#include "app/model/fixed_config.h"
+#include "app/model/tray_state.h"
+#include "app/notices.h"
+#include "base/alive.h"
+#include "base/scheduler.h"
+#include "ports/server_client.h"
 #include "service/agent_config.h"
-#include "ui/notices.h"
 
 #include <functional>
 #include <optional>

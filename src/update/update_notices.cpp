@@ -1,7 +1,7 @@
 #include "update/update_notices.h"
 
-#include "app/wording.h"
-#include "platform/plain_text.h"
+#include "app/model/wording.h"
+#include "base/plain_text.h"
 
 using namespace Qt::StringLiterals;
 

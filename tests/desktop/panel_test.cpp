@@ -1,8 +1,8 @@
 #include "desktop/panel_tray.h"
 
-#include "app/deployment.h"
+#include "app/model/deployment.h"
 #include "status/health.h"
-#include "ui/menu_view.h"
+#include "ui/menu/menu_view.h"
 
 #include <QJsonArray>
 

@@ -1,5 +1,5 @@
+#include "base/log.h"
 #include "journey/journey.h"
-#include "platform/log.h"
 
 #include <QTcpServer>
 #include <QTcpSocket>

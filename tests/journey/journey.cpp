@@ -1,6 +1,6 @@
 #include "journey/journey.h"
 
-#include "app/deployment.h"
+#include "app/model/deployment.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

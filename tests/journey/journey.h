@@ -1,10 +1,10 @@
 #pragma once
 
 #include "app/tray_app.h"
-#include "platform/exchange_client.h"
-#include "platform/loopback_http_client.h"
-#include "platform/qt_programs.h"
-#include "platform/qt_scheduler.h"
+#include "platform/net/exchange_client.h"
+#include "platform/net/loopback_http_client.h"
+#include "platform/qt/qt_programs.h"
+#include "platform/qt/qt_scheduler.h"
 #include "service/launchctl.h"
 #include "simulator/home/simulated_home.h"
 #include "support/fakes.h"

@@ -1,6 +1,6 @@
+#include "base/log.h"
 #include "exchange/sha256.h"
 #include "journey/update_journey.h"
-#include "platform/log.h"
 #include "support/full_disk.h"
 
 namespace korvel::test {

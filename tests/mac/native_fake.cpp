@@ -1,13 +1,13 @@
 #include "mac/native_fake.h"
 
-#include "platform/native_application_mac.h"
-#include "platform/native_copies_mac.h"
-#include "platform/native_edit_menu_mac.h"
-#include "platform/native_log_mac.h"
-#include "platform/native_menu_mac.h"
-#include "platform/native_session_mac.h"
-#include "platform/native_status_bar_mac.h"
-#include "platform/native_windows_mac.h"
+#include "platform/mac/native_application_mac.h"
+#include "platform/mac/native_copies_mac.h"
+#include "platform/mac/native_edit_menu_mac.h"
+#include "platform/mac/native_log_mac.h"
+#include "platform/mac/native_menu_mac.h"
+#include "platform/mac/native_session_mac.h"
+#include "platform/mac/native_status_bar_mac.h"
+#include "platform/mac/native_windows_mac.h"
 
 namespace korvel::native {
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "exchange/native_proxy_mac.h"
-#include "platform/native_sockets_mac.h"
-#include "platform/native_windows_mac.h"
+#include "platform/mac/native_sockets_mac.h"
+#include "platform/mac/native_windows_mac.h"
 
 #include <functional>
 #include <map>

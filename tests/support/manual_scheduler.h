@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/scheduler.h"
+#include "base/scheduler.h"
 
 #include <deque>
 #include <map>

@@ -1,6 +1,6 @@
 #include "account/net_error.h"
 #include "account/server_api.h"
-#include "platform/log.h"
+#include "base/log.h"
 #include "support/full_disk.h"
 #include "support/tray_fixture.h"
 

@@ -1,9 +1,9 @@
 #include "account/cn_login.h"
 #include "account/cn_login_view.h"
-#include "account/cn_login_window.h"
 #include "support/tray_fixture.h"
-#include "ui/picture.h"
-#include "ui/window_place.h"
+#include "ui/widgets/cn_login_window.h"
+#include "ui/widgets/picture.h"
+#include "ui/widgets/window_place.h"
 
 #include <QApplication>
 #include <QCheckBox>

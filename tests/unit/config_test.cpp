@@ -1,7 +1,7 @@
 #include "account/server_rules.h"
 #include "app/automation.h"
 #include "app/automation_runs.h"
-#include "app/fixed_config.h"
+#include "app/model/fixed_config.h"
 #include "support/fakes.h"
 
 #include <pwd.h>

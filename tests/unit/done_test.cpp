@@ -1,7 +1,7 @@
 #include "app/single_instance.h"
-#include "platform/alive.h"
-#include "platform/done.h"
-#include "platform/qt_scheduler.h"
+#include "base/alive.h"
+#include "base/done.h"
+#include "platform/qt/qt_scheduler.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>

@@ -1,11 +1,11 @@
 #include "account/login_dialog.h"
 #include "e2ee/approval.h"
 #include "e2ee/pair_code.h"
-#include "e2ee/pair_window.h"
 #include "support/tray_fixture.h"
-#include "ui/alert_window.h"
-#include "ui/code_field.h"
-#include "ui/picture.h"
+#include "ui/widgets/alert_window.h"
+#include "ui/widgets/code_field.h"
+#include "ui/widgets/pair_window.h"
+#include "ui/widgets/picture.h"
 
 #include <QApplication>
 #include <QDialogButtonBox>

@@ -1,7 +1,7 @@
 #include "exchange/body_sink.h"
 #include "exchange/messages.h"
-#include "platform/exchange_client.h"
-#include "platform/http_messages.h"
+#include "platform/net/exchange_client.h"
+#include "platform/net/http_messages.h"
 #include "support/fakes.h"
 #include "support/manual_scheduler.h"
 

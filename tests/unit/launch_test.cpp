@@ -1,7 +1,7 @@
 #include "support/tray_fixture.h"
 
 #include "app/reopen.h"
-#include "ui/menu_view.h"
+#include "ui/menu/menu_view.h"
 
 namespace korvel::test {
 namespace {

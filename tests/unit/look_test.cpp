@@ -1,11 +1,11 @@
-#include "platform/plain_text.h"
+#include "base/plain_text.h"
 #include "support/fakes.h"
-#include "ui/alert_window.h"
-#include "ui/code_field.h"
-#include "ui/contrast_style.h"
-#include "ui/main_button.h"
-#include "ui/text_styles.h"
-#include "ui/window_place.h"
+#include "ui/widgets/alert_window.h"
+#include "ui/widgets/code_field.h"
+#include "ui/widgets/contrast_style.h"
+#include "ui/widgets/main_button.h"
+#include "ui/widgets/text_styles.h"
+#include "ui/widgets/window_place.h"
 
 #include <QCheckBox>
 #include <QMenu>

@@ -1,10 +1,10 @@
-#include "status/icon_view.h"
 #include "status/status_line.h"
 #include "support/fakes.h"
-#include "ui/icon_image.h"
-#include "ui/menu_view.h"
-#include "ui/menu_widget.h"
-#include "ui/tool_tip.h"
+#include "ui/menu/menu_view.h"
+#include "ui/views/icon_view.h"
+#include "ui/widgets/icon_image.h"
+#include "ui/widgets/menu_widget.h"
+#include "ui/widgets/tool_tip.h"
 
 #include <QSignalSpy>
 #include <QTest>

@@ -1,4 +1,5 @@
 #include "account/account_notices.h"
+#include "app/notices.h"
 #include "e2ee/e2ee_notices.h"
 #include "permissions/permission_notices.h"
 #include "service/service_notices.h"
@@ -6,11 +7,10 @@
 #include "status/health_poll.h"
 #include "support/fakes.h"
 #include "support/manual_scheduler.h"
-#include "ui/esc_window.h"
-#include "ui/key_guard.h"
-#include "ui/notice_view.h"
-#include "ui/notice_window.h"
-#include "ui/notices.h"
+#include "ui/views/notice_view.h"
+#include "ui/widgets/esc_window.h"
+#include "ui/widgets/key_guard.h"
+#include "ui/widgets/notice_window.h"
 #include "update/update_notices.h"
 
 #include <QApplication>

@@ -1,4 +1,4 @@
-#include "platform/port_owner_linux.h"
+#include "platform/linux/port_owner_linux.h"
 
 #include <gtest/gtest.h>
 

@@ -1,0 +1,22 @@
+#include "app/notices.h"
+
+#include "base/plain_text.h"
+#include "ui/views/notice_view.h"
+
+namespace korvel {
+
+void Notices::showHUD(const Notice &notice) {
+    panel.show({.text = singleLine(notice.text), .error = notice.error}, [this, link = notice.link] {
+        if (!link.isEmpty())
+            desktop.openUrl(link);
+        hideHUD();
+    });
+    takeDown = scheduler.after(std::chrono::duration_cast<milliseconds>(notice.secs), [this] { panel.hide(); });
+}
+
+void Notices::hideHUD() {
+    takeDown.cancel();
+    panel.hide();
+}
+
+} // namespace korvel

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "base/result.h"
+#include "base/unique_function.h"
+
+#include <QCoreApplication>
+#include <QMetaObject>
+#include <QThread>
+#include <memory>
+#include <utility>
+
+namespace korvel {
+
+/// The completion of an operation, called exactly once. Dropped without a call, it reports ErrorKind::Dropped itself,
+/// on the main thread, so that nobody waits for an answer that cannot come any more.
+template <class T>
+class Done {
+public:
+    Done() = default;
+    explicit Done(UniqueFunction<void(Result<T>)> f) : call(std::move(f)) {}
+    Done(Done &&o) noexcept : call(std::exchange(o.call, nullptr)) {}
+    Done &operator=(Done &&o) noexcept {
+        Done old(std::move(*this));
+        call = std::exchange(o.call, nullptr);
+        return *this;
+    }
+    ~Done() {
+        if (!call)
+            return;
+        QCoreApplication *app = QCoreApplication::instance();
+        if (!app || QThread::currentThread() == app->thread()) {
+            (*this)(Error{ErrorKind::Dropped, {}});
+            return;
+        }
+        auto late = std::make_shared<UniqueFunction<void(Result<T>)>>(std::move(call));
+        QMetaObject::invokeMethod(
+            app,
+            [late] {
+                (*late)(Error{ErrorKind::Dropped, {}});
+            },
+            Qt::QueuedConnection);
+    }
+
+    void operator()(Result<T> r) { std::exchange(call, nullptr)(std::move(r)); }
+
+private:
+    UniqueFunction<void(Result<T>)> call;
+};
+
+} // namespace korvel

@@ -1,0 +1,146 @@
+#include "platform/linux/running_copies_linux.h"
+
+#include "app/automation.h"
+#include "base/private_file.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStringList>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <fcntl.h>
+#include <optional>
+#include <poll.h>
+#include <sys/file.h>
+#include <sys/prctl.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <thread>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace korvel {
+
+namespace {
+
+/// Name of a process (not of its program) that has had its turn; at most 15 characters.
+constexpr char ESTABLISHED[] = "Korvel";
+constexpr auto LONGEST_TURN = std::chrono::seconds(5); // a copy that hangs in its turn is passed over
+
+/// What of a process decides whether it is another copy of this program.
+struct Copy {
+    qint64 pid = 0;
+    QString name;
+    bool established = false;
+    std::optional<QString> home;
+    QStringList arguments;
+    std::optional<QString> automation;
+};
+
+QByteArray procFile(qint64 pid, const QString &name) {
+    QFile file(u"/proc/%1/%2"_s.arg(pid).arg(name));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QStringList zeroSeparated(const QByteArray &bytes) {
+    QStringList parts;
+    for (const QByteArray &part : bytes.split('\0'))
+        parts.append(QFile::decodeName(part));
+    if (!parts.isEmpty())
+        parts.removeLast(); // behind the last zero
+    return parts;
+}
+
+std::optional<QString> variable(const QStringList &environment, const QString &name) {
+    for (const QString &entry : environment)
+        if (entry.startsWith(name + u'='))
+            return entry.sliced(name.size() + 1);
+    return std::nullopt;
+}
+
+/// The process's program, arguments and environment; none for another user's process or one that is gone.
+std::optional<Copy> inspect(qint64 pid) {
+    struct stat info {};
+    const QString folder = u"/proc/%1"_s.arg(pid);
+    if (::stat(QFile::encodeName(folder).constData(), &info) != 0 || info.st_uid != ::getuid())
+        return std::nullopt;
+    QString program = QFile::symLinkTarget(folder + u"/exe"_s);
+    if (program.endsWith(u" (deleted)"_s)) // replaced while it runs, as by an update
+        program.chop(10);
+    const QStringList environment = zeroSeparated(procFile(pid, u"environ"_s));
+    if (program.isEmpty()) // also of a process that has ended and not been waited for
+        return std::nullopt;
+    return Copy{.pid = pid,
+                .name = QFileInfo(program).fileName(),
+                .established = procFile(pid, u"comm"_s).trimmed() == ESTABLISHED,
+                .home = variable(environment, u"HOME"_s),
+                .arguments = zeroSeparated(procFile(pid, u"cmdline"_s)),
+                .automation = variable(environment, u"KORVEL_TRAY_AUTOMATION"_s)};
+}
+
+} // namespace
+
+RunningCopiesLinux::~RunningCopiesLinux() {
+    if (hadTurn)
+        ::prctl(PR_SET_NAME, ESTABLISHED); // before the turn is given on
+    if (turn >= 0)
+        ::close(turn);
+    for (const auto &[pid, descriptor] : descriptors)
+        ::close(descriptor);
+}
+
+void RunningCopiesLinux::takeTurn() {
+    hadTurn = true;
+    makePrivateFolder(QFileInfo(turnFile).path());
+    turn = ::open(QFile::encodeName(turnFile).constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+    const auto deadline = std::chrono::steady_clock::now() + LONGEST_TURN;
+    // Where no lock can be had, copies that start together may both stay: better than none that starts.
+    while (turn >= 0 && ::flock(turn, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK &&
+           std::chrono::steady_clock::now() < deadline)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+}
+
+QList<qint64> RunningCopiesLinux::others() {
+    takeTurn();
+    QList<qint64> found;
+    const auto self = inspect(::getpid());
+    if (!self)
+        return found;
+    const QStringList names = QDir(u"/proc"_s).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    for (const QString &entry : names) {
+        bool isPid = false;
+        const qint64 pid = entry.toLongLong(&isPid);
+        if (!isPid || pid == self->pid || descriptors.contains(pid))
+            continue;
+        const int descriptor = static_cast<int>(::syscall(SYS_pidfd_open, static_cast<pid_t>(pid), 0));
+        if (descriptor < 0)
+            continue;
+        const auto copy = inspect(pid);
+        if (copy && copy->name == self->name && copy->home == self->home && copy->established &&
+            !automationMode(copy->arguments, copy->automation)) {
+            descriptors.emplace(pid, descriptor);
+            found.append(pid);
+        } else {
+            ::close(descriptor);
+        }
+    }
+    return found;
+}
+
+void RunningCopiesLinux::terminate(qint64 copy) {
+    ::syscall(SYS_pidfd_send_signal, descriptors.at(copy), SIGTERM, nullptr, 0);
+}
+
+void RunningCopiesLinux::forceTerminate(qint64 copy) {
+    ::syscall(SYS_pidfd_send_signal, descriptors.at(copy), SIGKILL, nullptr, 0);
+}
+
+bool RunningCopiesLinux::isTerminated(qint64 copy) {
+    pollfd descriptor{.fd = descriptors.at(copy), .events = POLLIN, .revents = 0};
+    return ::poll(&descriptor, 1, 0) > 0;
+}
+
+} // namespace korvel

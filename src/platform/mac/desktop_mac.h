@@ -1,0 +1,17 @@
+#pragma once
+
+#include "platform/qt/desktop_qt.h"
+
+namespace korvel {
+
+/// The desktop session of a Mac: what Qt does not tell of it comes from the system.
+class DesktopMac final : public DesktopQt {
+public:
+    using DesktopQt::DesktopQt;
+
+    bool optionKeyHeld() const override;
+    QString computerName() const override;
+    void installEditMenu(const QList<EditMenuItem> &items) override;
+};
+
+} // namespace korvel

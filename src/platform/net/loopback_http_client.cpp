@@ -1,0 +1,205 @@
+#include "platform/net/loopback_http_client.h"
+
+#include "base/log.h"
+#include "platform/net/http_messages.h"
+#include "platform/net/loopback_socket.h"
+
+#include <QTimer>
+#include <QUrl>
+#include <optional>
+
+namespace korvel {
+
+namespace {
+
+/// Where a request goes and what it says.
+struct Message {
+    quint16 port = 0;
+    QByteArray bytes;
+};
+
+/// None for a request that may not leave or cannot be formed.
+std::optional<Message> messageOf(const HttpRequest &request) {
+    const QUrl url(request.url, QUrl::StrictMode);
+    const bool isKnown = request.method == "GET" || request.method == "POST";
+    // Nothing may stand in front of the host, whatever a malformed port makes of the address.
+    if (!isKnown || !url.isValid() || url.scheme() != u"http" || url.host() != u"127.0.0.1" ||
+        !url.userInfo().isEmpty())
+        return std::nullopt;
+    const QByteArray authority = url.authority(QUrl::FullyEncoded).toLatin1();
+    const QUrl target = url.adjusted(QUrl::RemoveScheme | QUrl::RemoveAuthority | QUrl::RemoveFragment);
+    auto bytes = serializeRequest(request, authority, target.toEncoded());
+    return bytes ? std::optional(Message{static_cast<quint16>(url.port(80)), *std::move(bytes)}) : std::nullopt;
+}
+
+/// A timer that costs no connection: one is made with every poll.
+class Deadline final : public QTimer {
+public:
+    explicit Deadline(std::function<void()> p) : passed(std::move(p)) {
+        setSingleShot(true);
+        setTimerType(Qt::PreciseTimer);
+    }
+
+protected:
+    void timerEvent(QTimerEvent *) override {
+        stop();
+        passed();
+    }
+
+private:
+    std::function<void()> passed;
+};
+
+} // namespace
+
+/// A connection that the last poll left open. What comes on it unasked ends it.
+class LoopbackHttpClient::Idle final : public LoopbackSocket::User {
+public:
+    void keep(std::unique_ptr<LoopbackSocket> s, quint16 p) {
+        socket = std::move(s);
+        port = p;
+        socket->setUser(*this);
+    }
+    /// The connection, if it leads to that port.
+    std::unique_ptr<LoopbackSocket> take(quint16 p) {
+        return socket && p == port && socket->isQuiet() ? std::move(socket) : nullptr;
+    }
+    void received(QByteArrayView) override { socket.reset(); }
+    void closed() override { socket.reset(); }
+
+private:
+    std::unique_ptr<LoopbackSocket> socket;
+    quint16 port = 0;
+};
+
+/// One request under way.
+class LoopbackHttpClient::Exchange final : public LoopbackSocket::User {
+public:
+    Exchange(LoopbackHttpClient &c, Message m, const HttpRequest &request, Done<HttpReply> d)
+        : client(c), message(std::move(m)), isPost(request.method == "POST"), response(request.maxBytes),
+          done(std::move(d)), deadline(std::make_unique<Deadline>([this] { timedOut(); })) {
+        if (request.timeout.count() > 0)
+            deadline->start(request.timeout);
+        if (!isPost)
+            socket = client.idle->take(message.port);
+        isReused = socket != nullptr;
+        if (!isReused)
+            socket = client.connectTo(message.port);
+        talk();
+    }
+
+    void received(QByteArrayView bytes) override {
+        response.feed(bytes);
+        if (response.isOver())
+            finish();
+    }
+
+    void closed() override {
+        if (!socket->wasConnected())
+            return fail(ErrorKind::Unreachable, QStringLiteral("nothing listens"));
+        // The agent had closed a connection while nobody used it. Never for a POST, which goes over none of those.
+        if (std::exchange(isReused, false) && !response.hasBegun()) {
+            socket = client.connectTo(message.port);
+            return talk();
+        }
+        response.end();
+        finish();
+    }
+
+    Done<HttpReply> takeDone() { return std::move(done); }
+
+private:
+    void talk() {
+        if (socket && socket->isOpen()) {
+            socket->setUser(*this);
+            return socket->write(message.bytes);
+        }
+        // Nobody is told before send() has returned.
+        QMetaObject::invokeMethod(
+            deadline.get(),
+            [this] {
+                retireDeadline();
+                fail(ErrorKind::Unreachable, QStringLiteral("no connection"));
+            },
+            Qt::QueuedConnection);
+    }
+
+    /// Before an end that the deadline itself, as an object, is busy telling.
+    void retireDeadline() {
+        deadline->stop();
+        deadline.release()->deleteLater();
+    }
+
+    void timedOut() {
+        retireDeadline();
+        fail(ErrorKind::TimedOut, QStringLiteral("no whole answer in time"));
+    }
+
+    void finish() {
+        if (!isPost && response.leavesConnection())
+            client.idle->keep(std::move(socket), message.port);
+        client.finish(*this, response.outcome());
+    }
+
+    void fail(ErrorKind kind, const QString &detail) { client.finish(*this, Error{kind, detail}); }
+
+    LoopbackHttpClient &client;
+    const Message message;
+    const bool isPost;
+    bool isReused = false;
+    HttpResponseParser response;
+    Done<HttpReply> done;
+    std::unique_ptr<LoopbackSocket> socket;
+    std::unique_ptr<Deadline> deadline;
+};
+
+LoopbackHttpClient::LoopbackHttpClient(LookUpOwner l)
+    : lookUpOwner(std::move(l)), idle(std::make_unique<Idle>()), context(std::make_unique<QObject>()) {}
+
+LoopbackHttpClient::~LoopbackHttpClient() {
+    closing = true;
+    // Whoever waits is told, through the completions that go with the exchanges.
+    auto dropped = std::exchange(exchanges, {});
+    dropped.clear();
+    context.reset();
+}
+
+void LoopbackHttpClient::send(HttpRequest request, Done<HttpReply> done) {
+    if (closing)
+        return; // the completion reports that itself
+    auto message = messageOf(request);
+    if (!message)
+        return refuseLater(std::move(done));
+    auto exchange = std::make_unique<Exchange>(*this, std::move(*message), request, std::move(done));
+    exchanges.emplace(exchange.get(), std::move(exchange));
+}
+
+void LoopbackHttpClient::refuseLater(Done<HttpReply> done) {
+    auto refused = std::make_shared<Done<HttpReply>>(std::move(done));
+    QMetaObject::invokeMethod(
+        context.get(),
+        [refused] {
+            (*refused)(Error{ErrorKind::InvalidRequest, QStringLiteral("not a request to the agent")});
+        },
+        Qt::QueuedConnection);
+}
+
+std::unique_ptr<LoopbackSocket> LoopbackHttpClient::connectTo(quint16 port) {
+    const PortOwner owner = lookUpOwner(port);
+    const bool isNew = logged.insert(owner).second;
+    if (isNew && owner == PortOwner::Stranger)
+        log(QStringLiteral("[net] another user's program listens on port %1: it is sent nothing").arg(port));
+    if (isNew && owner == PortOwner::Unknown)
+        log(QStringLiteral("[net] the system does not say who listens on port %1").arg(port));
+    const bool isGiven = owner == PortOwner::Trusted || owner == PortOwner::Unknown;
+    return isGiven ? std::make_unique<LoopbackSocket>(port) : nullptr;
+}
+
+void LoopbackHttpClient::finish(Exchange &exchange, Result<HttpReply> result) {
+    // The completion comes last: it may send again, or end this client.
+    Done<HttpReply> done = exchange.takeDone();
+    exchanges.erase(&exchange);
+    done(std::move(result));
+}
+
+} // namespace korvel

@@ -1,9 +1,0 @@
-#include "platform/preferred_languages.h"
-
-#include <QLocale>
-
-namespace korvel {
-
-QStringList preferredLanguages() { return QLocale::system().uiLanguages(); }
-
-} // namespace korvel

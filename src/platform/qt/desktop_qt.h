@@ -1,0 +1,25 @@
+#pragma once
+
+#include "ports/desktop.h"
+#include "ports/programs.h"
+
+namespace korvel {
+
+/// The desktop session through Qt. With a stand-in root, addresses are opened with the stand-in of macOS's opener.
+class DesktopQt : public Desktop {
+public:
+    DesktopQt(Programs &p, bool standIn) : programs(p), hasStandIns(standIn) {}
+
+    void openUrl(const QString &url) override;
+    bool optionKeyHeld() const override;
+    QString computerName() const override;
+    /// Nothing: without a native main menu, Qt's text fields know the editing keys by themselves.
+    void installEditMenu(const QList<EditMenuItem> &items) override;
+    void terminate() override;
+
+private:
+    Programs &programs;
+    const bool hasStandIns;
+};
+
+} // namespace korvel

@@ -1,0 +1,151 @@
+#include "platform/qt/qt_programs.h"
+
+#include "ports/system_tools.h"
+
+#include <QElapsedTimer>
+#include <QProcess>
+#include <algorithm>
+#include <fcntl.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace korvel {
+
+namespace {
+
+constexpr qsizetype MAX_OUTPUT = 512 << 10; // as of a response: its last line may be parsed on the main thread
+constexpr int KILL_DELAY_MS = 3000;
+/// How soon a request to stop is noticed: QProcess waits for the program alone, nothing else wakes it.
+constexpr int STOP_CHECK_INTERVAL_MS = 100;
+
+/// Keeps the end of an output that is too long, from a line's beginning on.
+void keepTail(QByteArray &all, const QByteArray &more) {
+    all += more;
+    if (all.size() <= MAX_OUTPUT)
+        return;
+    const qsizetype lineEnd = all.indexOf('\n', all.size() - MAX_OUTPUT / 2);
+    all.remove(0, lineEnd < 0 ? all.size() - MAX_OUTPUT / 2 : lineEnd + 1);
+}
+
+/// Ends a program whose time is over or that is to stop: asks it first, kills it when it goes on.
+class Ending {
+public:
+    explicit Ending(const ProgramRun &r) : request(r) { clock.start(); }
+
+    /// Does what is due; gives the milliseconds until it is to be called again, -1: not before the next event.
+    int check(QProcess &process) {
+        if (reason == ProgramResult::End::Itself) {
+            if (request.stop && request.stop->stopRequested())
+                end(process, ProgramResult::End::Stopped);
+            else if (request.timeout && left() <= 0)
+                end(process, ProgramResult::End::TimedOut);
+        } else if (sinceAsked.elapsed() > KILL_DELAY_MS) {
+            process.kill();
+        }
+        if (request.stop || reason != ProgramResult::End::Itself)
+            return STOP_CHECK_INTERVAL_MS;
+        constexpr qint64 MAX_WAIT = 60000;
+        return request.timeout ? static_cast<int>(std::clamp<qint64>(left(), 1, MAX_WAIT)) : -1;
+    }
+    ProgramResult::End why() const { return reason; }
+
+private:
+    void end(QProcess &process, ProgramResult::End why) {
+        reason = why;
+        sinceAsked.start();
+        process.terminate();
+    }
+    qint64 left() const { return request.timeout->count() - clock.elapsed(); }
+
+    const ProgramRun &request;
+    ProgramResult::End reason = ProgramResult::End::Itself;
+    QElapsedTimer clock;
+    QElapsedTimer sinceAsked;
+};
+
+/// Libraries open descriptors that a program would inherit; a long-lived one would keep their connections open.
+void closeInherited() {
+    constexpr int FIRST_AFTER_STANDARD_STREAMS = 3;
+    for (int descriptor = FIRST_AFTER_STANDARD_STREAMS; descriptor < 256; ++descriptor)
+        ::fcntl(descriptor, F_SETFD, FD_CLOEXEC);
+}
+
+QProcessEnvironment environmentOf(const ProgramRun &request) {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    if (request.surroundings == ProgramRun::Surroundings::Own) {
+        const QStringList kept{u"HOME"_s, u"USER"_s, u"LOGNAME"_s, u"__CF_USER_TEXT_ENCODING"_s};
+        for (const QString &name : environment.keys())
+            if (!kept.contains(name))
+                environment.remove(name);
+        environment.insert(u"PATH"_s, u"/usr/bin:/bin:/usr/sbin:/sbin"_s);
+    }
+    for (const auto &[name, value] : request.extraEnvironment)
+        environment.insert(name, value);
+    return environment;
+}
+
+void prepare(QProcess &process, const ProgramRun &request) {
+    process.setChildProcessModifier([ownSession = request.surroundings == ProgramRun::Surroundings::Own] {
+        closeInherited();
+        if (ownSession)
+            ::setsid();
+    });
+    process.setArguments(request.arguments);
+    if (request.collect == ProgramRun::Collect::StandardOutput) {
+        process.setStandardErrorFile(QProcess::nullDevice());
+        process.setReadChannel(QProcess::StandardOutput);
+    } else {
+        process.setStandardOutputFile(QProcess::nullDevice());
+        process.setReadChannel(QProcess::StandardError);
+    }
+    if (request.surroundings == ProgramRun::Surroundings::Own || !request.extraEnvironment.isEmpty())
+        process.setProcessEnvironment(environmentOf(request));
+}
+
+void collect(QProcess &process, const ProgramRun &request, QByteArray &output) {
+    const QByteArray piece = process.readAll();
+    if (piece.isEmpty())
+        return;
+    if (request.onOutput)
+        request.onOutput(piece);
+    else
+        keepTail(output, piece);
+}
+
+} // namespace
+
+ProgramResult QtPrograms::run(const ProgramRun &request) {
+    ProgramResult result;
+    if (request.stop && request.stop->stopRequested()) {
+        result.end = ProgramResult::End::Stopped;
+        return result;
+    }
+    QProcess process;
+    process.setProgram(isSystemTool(request.executable) ? standInRoot + request.executable : request.executable);
+    prepare(process, request);
+    process.start();
+    if (!process.waitForStarted(-1)) {
+        result.launchError = process.errorString();
+        return result;
+    }
+    result.launched = true;
+    process.write(request.input);
+    if (!request.keepInputOpen)
+        process.closeWriteChannel();
+    Ending ending(request);
+    while (process.state() != QProcess::NotRunning) {
+        // Read as it comes, so that a chatty program neither blocks on a full pipe nor fills the memory. One that
+        // closed its output runs on: then only its end is waited for.
+        if (!process.waitForReadyRead(ending.check(process)) && process.state() != QProcess::NotRunning)
+            process.waitForFinished(ending.check(process));
+        collect(process, request, result.output);
+    }
+    collect(process, request, result.output);
+    result.end = ending.why();
+    if (process.exitStatus() == QProcess::NormalExit && result.end == ProgramResult::End::Itself)
+        result.status = process.exitCode();
+    return result;
+}
+
+} // namespace korvel

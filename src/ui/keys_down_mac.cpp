@@ -1,8 +1,0 @@
-#include "ui/keys_down.h"
-
-namespace korvel {
-
-// An NSEvent says whether its key repeats, also in a window that did not see the key go down.
-KeyCodes keysDown() { return {}; }
-
-} // namespace korvel

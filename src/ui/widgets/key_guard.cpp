@@ -1,0 +1,38 @@
+#include "ui/widgets/key_guard.h"
+
+#include <algorithm>
+
+namespace korvel {
+
+namespace {
+constexpr milliseconds FIRST_LOOK = 1s;
+constexpr milliseconds END_OF_TYPING = 700ms; // longer than people who type pause between two keys
+} // namespace
+
+void KeyGuard::close(Instant now) {
+    untouched = true;
+    closedUntil = now + FIRST_LOOK;
+}
+
+bool KeyGuard::takes(const KeyPress &key, Instant now) const {
+    return !isClosed(now) && !(key.answers && (key.repeats || held.contains(key.code)));
+}
+
+bool KeyGuard::press(const KeyPress &key, Instant now) {
+    if (!held.isEmpty()) {
+        // A key that was released while another window had the keyboard is not reported to this one.
+        const bool wasHeld = held.contains(key.code);
+        held &= keysDown();
+        if (wasHeld)
+            held.insert(key.code);
+    }
+    if (isClosed(now)) {
+        held.insert(key.code);
+        closedUntil = std::max(closedUntil, now + END_OF_TYPING);
+        return false;
+    }
+    untouched = false;
+    return takes(key, now);
+}
+
+} // namespace korvel

@@ -1,0 +1,117 @@
+#include "ui/widgets/menu_widget.h"
+
+#include "base/plain_text.h"
+#include "ui/widgets/tool_tip.h"
+
+#include <QPalette>
+#include <algorithm>
+
+namespace korvel {
+
+namespace {
+
+/// Whether one QAction can go on to show `b` where it showed `a`.
+bool sameKind(const MenuEntry &a, const MenuEntry &b) {
+    return a.isSeparator() == b.isSeparator() && a.action == b.action && a.payload == b.payload;
+}
+
+/// Information lines are disabled entries, and the first of them is what people open the menu for: their text has to
+/// stand out from the background (at least 4.5 to 1), only less so than an entry that can be chosen.
+QPalette readablePalette(QPalette palette) {
+    const QColor text = palette.color(QPalette::Active, QPalette::WindowText);
+    const QColor ground = palette.color(QPalette::Active, QPalette::Window);
+    const auto mixed = [](int a, int b) { return (62 * a + 38 * b) / 100; };
+    const QColor quiet(mixed(text.red(), ground.red()), mixed(text.green(), ground.green()),
+                       mixed(text.blue(), ground.blue()));
+    for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, quiet);
+    return palette;
+}
+
+} // namespace
+
+QString actionText(const QString &title, MenuHost host) {
+    QString text = keepOrder(title);
+    if (host == MenuHost::Program)
+        return text.replace(u'&', QStringLiteral("&&"));
+    // Qt turns the first "&" of an exported title into the mnemonic mark "_" and leaves the others alone.
+    text.replace(u'_', QStringLiteral("__"));
+    if (const qsizetype first = text.indexOf(u'&'); first >= 0)
+        text.insert(first, u'&');
+    return text;
+}
+
+QString fittedTitle(const MenuEntry &entry, const QFontMetrics &metrics) {
+    // To measure a text costs more than all else of an entry, and a longer one does not fit anyway.
+    constexpr qsizetype MAX_MEASURED = 320;
+    const QString whole = entry.title + entry.detail;
+    if (whole.size() <= MAX_MEASURED && metrics.horizontalAdvance(whole) <= MAX_ENTRY_WIDTH)
+        return whole;
+    const QString title = entry.title.size() <= MAX_MEASURED
+                              ? entry.title
+                              : entry.title.first(MAX_MEASURED / 2) + u'…' + entry.title.last(MAX_MEASURED / 2);
+    return metrics.elidedText(title, Qt::ElideMiddle, MAX_ENTRY_WIDTH);
+}
+
+MenuWidget::MenuWidget(MenuHost h, Chosen c) : host(h), chosen(std::move(c)) {
+    qmenu.setToolTipsVisible(true);
+    qmenu.setPalette(readablePalette(qmenu.palette()));
+}
+
+void MenuWidget::apply(const MenuView &view) {
+    const auto &from = shown.entries;
+    const auto &to = view.entries;
+    const qsizetype common = std::min(from.size(), to.size());
+    qsizetype head = 0;
+    while (head < common && sameKind(from[head], to[head]))
+        ++head;
+    qsizetype tail = 0;
+    while (tail < common - head && sameKind(from[from.size() - 1 - tail], to[to.size() - 1 - tail]))
+        ++tail;
+    // Only what lies between the common head and tail comes or goes.
+    for (qsizetype i = head; i < from.size() - tail; ++i)
+        delete actions.at(i);
+    QAction *const next = tail > 0 ? actions.at(from.size() - tail) : nullptr;
+    QList<QAction *> made;
+    for (qsizetype i = head; i < to.size() - tail; ++i)
+        made.append(makeAction(to[i]));
+    qmenu.insertActions(next, made);
+    actions = actions.first(head) + made + actions.last(tail);
+    const auto update = [&](qsizetype at, const MenuEntry &before) {
+        if (to[at] != before)
+            write(*actions.at(at), to[at]);
+    };
+    for (qsizetype i = 0; i < head; ++i)
+        update(i, from[i]);
+    for (qsizetype i = 1; i <= tail; ++i)
+        update(to.size() - i, from[from.size() - i]);
+    shown = view;
+}
+
+QAction *MenuWidget::makeAction(const MenuEntry &entry) {
+    auto *action = new QAction(&qmenu);
+    write(*action, entry);
+    if (entry.action != Action::None)
+        QObject::connect(action, &QAction::triggered, action, [this, action] {
+            // Later: what follows may change the menu and delete this very action.
+            const MenuEntry picked = shown.entries.value(actions.indexOf(action));
+            QMetaObject::invokeMethod(
+                &qmenu, [this, picked] { chosen(picked); }, Qt::QueuedConnection);
+        });
+    return action;
+}
+
+void MenuWidget::write(QAction &action, const MenuEntry &entry) {
+    const QString title = fittedTitle(entry, qmenu.fontMetrics());
+    const QString cutOff = title.startsWith(entry.title) ? QString() : entry.title;
+    const QString separator = cutOff.isEmpty() || entry.toolTip.isEmpty() ? QString() : QStringLiteral(" · ");
+    // QAction itself tells the panel of a property only when it changes.
+    action.setSeparator(entry.isSeparator());
+    action.setText(actionText(title, host));
+    action.setEnabled(entry.enabled || entry.isSeparator());
+    action.setToolTip(plainToolTip(cutOff + separator + entry.toolTip));
+    // On macOS Qt would move entries named "Quit" or "Settings" into the application menu.
+    action.setMenuRole(QAction::NoRole);
+}
+
+} // namespace korvel

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "ports/notice_panel.h"
+
+#include <memory>
+
+namespace korvel {
+
+/// The notice on the screen: a small dark panel near the top that never takes the focus.
+class NoticeWindow final : public NoticePanel {
+public:
+    NoticeWindow();
+    ~NoticeWindow() override;
+
+    void show(const NoticeView &view, std::function<void()> clicked) override;
+    void hide() override;
+
+private:
+    class HUDView;
+    class Announcement;
+    std::unique_ptr<HUDView> hudPanel; ///< The notice shown now.
+};
+
+} // namespace korvel

@@ -1,0 +1,87 @@
+#include "ui/widgets/window_front.h"
+
+#include "platform/mac/native_application_mac.h"
+#include "platform/mac/native_windows_mac.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QPointer>
+#include <QScreen>
+#include <QTimer>
+#include <QWidget>
+#include <algorithm>
+
+namespace korvel {
+
+namespace {
+
+void *nativeView(QWidget &window) { return reinterpret_cast<void *>(window.winId()); }
+
+/// The windows that took the keyboard. An application stays active without any: when the last one closes, the
+/// application is hidden, which gives the keyboard back.
+class FrontWindows final : public QObject {
+public:
+    using QObject::QObject;
+
+    void add(QWidget &window) {
+        if (windows.contains(&window))
+            return;
+        windows.append(&window);
+        window.installEventFilter(this);
+    }
+
+    bool eventFilter(QObject *, QEvent *event) override {
+        // Later: another window may come in the place of this one.
+        if (event->type() == QEvent::Hide)
+            QTimer::singleShot(0, this, [this] { hideWithoutWindows(); });
+        return false;
+    }
+
+private:
+    void hideWithoutWindows() {
+        windows.removeAll(nullptr);
+        if (std::none_of(windows.begin(), windows.end(), [](const auto &window) { return window->isVisible(); }))
+            native::hideApplication();
+    }
+
+    QList<QPointer<QWidget>> windows;
+};
+
+FrontWindows &frontWindows() {
+    static QPointer<FrontWindows> all;
+    if (!all)
+        all = new FrontWindows(qApp);
+    return *all;
+}
+
+} // namespace
+
+void bringToFront(QWidget &window, WindowLevel level) {
+    frontWindows().add(window);
+    window.show();
+    // Qt sets a level of its own for windows that stay on top, above the system's dialogs.
+    if (level == WindowLevel::Floating)
+        native::makeFloating(nativeView(window));
+    native::activateApplication();
+    native::makeKeyAndOrderFront(nativeView(window));
+    native::orderFrontRegardless(nativeView(window)); // in front also when the activation is refused
+    window.activateWindow();
+}
+
+// AppKit knows the window with the keyboard of any application.
+QScreen *screenInFront() {
+    const native::Point middle = native::middleOfMainScreen();
+    return QGuiApplication::screenAt(QPoint(static_cast<int>(middle.x), static_cast<int>(middle.y)));
+}
+
+void showNotice(QWidget &notice) {
+    native::makeNotice(nativeView(notice)); // first: a window that was shown once may keep activating
+    if (native::canPreventActivation(nativeView(notice)))
+        native::preventActivation(nativeView(notice));
+    notice.show();
+    // Not QWidget::raise(): on macOS it activates the application.
+    native::orderFrontRegardless(nativeView(notice));
+    native::announce(notice.windowTitle().toStdString());
+}
+
+} // namespace korvel

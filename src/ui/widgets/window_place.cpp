@@ -1,0 +1,139 @@
+#include "ui/widgets/window_place.h"
+
+#include "ui/widgets/scrolling_text.h"
+#include "ui/widgets/window_front.h"
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <QLayout>
+#include <QScreen>
+#include <QWidget>
+#include <QWindow>
+#include <algorithm>
+#include <utility>
+
+namespace korvel {
+
+namespace {
+
+constexpr int TITLE_BAR = 40;  // hardly a system has a higher one; how high it is nobody knows before it shows
+constexpr int LEAST_ROOM = 48; // for a text that is scrolled
+constexpr int MIN_PANEL = 28;  // the height of a panel that is not known
+constexpr int MAX_PANEL = 64;
+
+QRect roomOn(const QScreen *screen) {
+    if (!screen)
+        screen = QGuiApplication::primaryScreen();
+    return screen ? screen->availableGeometry() : QRect(0, 0, 800, 600);
+}
+
+QRect roomFor(const QWidget &window) {
+    return window.isVisible() ? window.screen()->availableGeometry() : roomForWindows();
+}
+
+/// The texts that can be scrolled, of those that the window shows.
+QList<ScrollingText *> scrollingTexts(const QWidget &window) {
+    QList<ScrollingText *> texts;
+    for (QScrollArea *area : window.findChildren<QScrollArea *>())
+        if (auto *text = dynamic_cast<ScrollingText *>(area); text && text->isVisibleTo(&window))
+            texts.append(text);
+    return texts;
+}
+
+int neededHeight(QWidget &window, int width) {
+    QLayout &layout = *window.layout();
+    for (QWidget *part : window.findChildren<QWidget *>())
+        if (part->layout())
+            part->updateGeometry(); // by itself it would tell only later that a text in it has changed
+    layout.activate();
+    return layout.hasHeightForWidth() ? layout.heightForWidth(width) : layout.sizeHint().height();
+}
+
+/// Centres a window that is about to show. On Linux the window manager makes its frame only then: it is taken to be
+/// that of the last window, and the window centred again if it is another.
+class Centring final : public QObject {
+public:
+    Centring(QWidget &w, const QRect &r) : QObject(&w), window(w), room(r) {
+        window.winId(); // macOS makes the frame with the window
+        if (const QMargins known = window.windowHandle()->frameMargins(); !known.isNull())
+            frame = known;
+        place();
+        window.windowHandle()->installEventFilter(this);
+    }
+
+    bool eventFilter(QObject *handle, QEvent *event) override {
+        const bool shows = event->type() == QEvent::Expose && window.windowHandle()->isExposed();
+        if (!shows && event->type() != QEvent::Hide)
+            return false;
+        handle->removeEventFilter(this);
+        deleteLater();
+        const QMargins known = window.windowHandle()->frameMargins();
+        if (shows && known != std::exchange(frame, known))
+            place();
+        return false;
+    }
+
+private:
+    void place() {
+        QRect area(QPoint(), window.size().grownBy(frame));
+        area.moveCenter(room.center());
+        const QPoint corner(std::max(area.left(), room.left()), std::max(area.top(), room.top()));
+        // Not move(), which goes by the frame that the window has already.
+        window.setGeometry(QRect(corner + QPoint(frame.left(), frame.top()), window.size()));
+    }
+
+    QWidget &window;
+    const QRect room;
+    static inline QMargins frame;
+};
+
+} // namespace
+
+QRect roomForWindows() { return roomOn(QGuiApplication::screenAt(QCursor::pos())); }
+
+QRect roomInFront() { return roomOn(screenInFront()); }
+
+void centreOnScreen(QWidget &window) { new Centring(window, roomForWindows()); }
+
+QPoint menuPlace(QPoint pointer, QSize menu, const QRect &screen, const QRect &room) {
+    QRect free = room;
+    if (free.contains(pointer)) {
+        // The panel leaves its room to windows too, or the system does not tell which it takes: an icon lies in the
+        // middle of its panel, which lies along the edge that is nearest.
+        const int left = pointer.x() - screen.left(), top = pointer.y() - screen.top();
+        const int right = screen.right() - pointer.x(), bottom = screen.bottom() - pointer.y();
+        const int nearest = std::min({left, top, right, bottom});
+        const int panel = std::clamp(2 * nearest, MIN_PANEL, MAX_PANEL);
+        free = screen.adjusted(left == nearest ? panel : 0, top == nearest ? panel : 0, right == nearest ? -panel : 0,
+                               bottom == nearest ? -panel : 0);
+    }
+    const int x = std::min(pointer.x(), free.right() + 1 - menu.width());
+    const int y = std::min(pointer.y(), free.bottom() + 1 - menu.height());
+    return {std::max(x, free.left()), std::max(y, free.top())};
+}
+
+void fitHeight(QWidget &window, int width) {
+    const QRect room = roomFor(window);
+    const QList<ScrollingText *> texts = scrollingTexts(window);
+    QList<int> rooms;
+    int height = neededHeight(window, width);
+    for (const ScrollingText *text : texts) {
+        rooms.append(text->fullHeight());
+        height += text->fullHeight() - text->height();
+    }
+    for (int over = height + TITLE_BAR - room.height(); over > 0;) {
+        const auto longest = std::max_element(rooms.begin(), rooms.end());
+        if (longest == rooms.end() || *longest <= LEAST_ROOM)
+            break;
+        const int less = std::min(over, *longest - LEAST_ROOM);
+        *longest -= less;
+        over -= less;
+    }
+    for (qsizetype i = 0; i < texts.size(); ++i)
+        texts.at(i)->setRoom(rooms.at(i));
+    window.setFixedSize(width, neededHeight(window, width));
+    if (window.isVisible() && window.frameGeometry().bottom() > room.bottom())
+        window.move(window.x(), std::max(room.top(), room.bottom() + 1 - window.frameGeometry().height()));
+}
+
+} // namespace korvel
