@@ -32,7 +32,8 @@ struct Bench {
     }
     Situation situation() const {
         return {.state = state,
-                .config = config,
+                .isCn = config.IS_CN,
+                .version = config.VERSION,
                 .timing = timingOf(state.health, NOW),
                 .bound = true,
                 .plistExists = true,

@@ -5,8 +5,9 @@
 #include "app/model/situation.h"
 #include "benchmarks/report.h"
 #include "status/health.h"
+#include "status/icon.h"
 #include "ui/menu/menu_view.h"
-#include "ui/views/icon_view.h"
+
 #include "ui/widgets/menu_widget.h"
 #include "ui/widgets/picture.h"
 
@@ -22,7 +23,8 @@ namespace korvel::bench {
     const QJsonObject answer = QJsonDocument::fromJson(text).object();
     applyHealth(state, answer, {.now = now, .bound = true, .username = u"ann"_s});
     const Situation situation{.state = state,
-                              .config = config,
+                              .isCn = config.IS_CN,
+                              .version = config.VERSION,
                               .timing = timingOf(state.health, now),
                               .bound = true,
                               .plistExists = true,

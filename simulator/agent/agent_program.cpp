@@ -1,6 +1,6 @@
 #include "simulator/agent/agent_program.h"
 
-#include "platform/qt/unix_signals.h"
+#include "base/unix_signals.h"
 #include "simulator/agent/agent_interface.h"
 #include "simulator/home/files.h"
 #include "simulator/home/scenario.h"

@@ -43,7 +43,8 @@ std::shared_ptr<void> in(const Sample &sample, std::shared_ptr<void> (*show)(con
         applyPermReply(state.permissions, answer->value(u"perms").toObject());
     sample.then(state);
     return show({.state = state,
-                 .config = config,
+                 .isCn = config.IS_CN,
+                 .version = config.VERSION,
                  .timing = timingOf(state.health, NOW),
                  .bound = sample.bound,
                  .plistExists = sample.plistExists,

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/notices.h"
+#include "ui/views/notice_view.h"
 
 #include <optional>
 

@@ -1,8 +1,11 @@
 #pragma once
 
 #include "app/model/tray_state.h"
-#include "app/notices.h"
 #include "base/scheduler.h"
+#include "ports/notices.h"
+#include "ports/poller.h"
+#include "ports/renderer.h"
+#include "service/agent_control.h"
 
 #include <functional>
 
@@ -12,15 +15,11 @@ namespace korvel {
 class AfterSignIn {
 public:
     struct Hooks {
-        std::function<void()> disregardOpenPolls;
-        std::function<void()> render;
         std::function<void()> stopBrowserLogin;
-        std::function<void(const Notice &)> showHUD;
-        std::function<void(std::function<void()> then)> startStoppedAgent;
-        std::function<void()> poll;
         std::function<void()> pairAfterLogin;
     };
-    AfterSignIn(HealthState &health, const Scheduler &scheduler, Hooks hooks);
+    AfterSignIn(HealthState &health, const Scheduler &scheduler, Notices &notices, Poller &poller, Renderer &renderer,
+                AgentControl &agent, Hooks hooks);
 
     /// This Mac is signed in as `user`: shows it, starts an agent that is stopped, polls and shows the pairing window.
     void signedIn(const QString &user);
@@ -28,6 +27,10 @@ public:
 private:
     HealthState &health;
     const Scheduler &scheduler;
+    Notices &notices;
+    Poller &poller;
+    Renderer &renderer;
+    AgentControl &agent;
     Hooks hooks;
 };
 

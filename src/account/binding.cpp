@@ -9,8 +9,8 @@ using namespace Qt::StringLiterals;
 namespace korvel {
 
 Binding::Binding(HealthState &st, const FixedConfig &f, const AgentConfig &c, ConfigWaiter &w, ServerClient &sc,
-                 const Desktop &d, Hooks hk)
-    : health(st), fixed(f), config(c), waiter(w), servers(sc), desktop(d), hooks(std::move(hk)) {}
+                 const Desktop &d, Poller &po, AgentControl &ag)
+    : health(st), fixed(f), config(c), waiter(w), servers(sc), desktop(d), poller(po), agent(ag) {}
 
 void Binding::performLogin(const QString &user, const QString &pass, const QString &server,
                            std::function<void(bool ok, const QString &message)> done) {
@@ -70,7 +70,7 @@ void Binding::store(const SignIn &signIn) {
     newestBound = signIn.number;
     forgetLostSignIn();
     health.account = signIn.username;
-    hooks.restartAgent(alive.guard([this, signIn] {
+    agent.restartAgent(alive.guard([this, signIn] {
         if (isOvertaken(signIn)) // whoever did that has released its credential
             return signIn.then(Outcome::Overtaken);
         forgetLostSignIn(); // the agent of before may have repeated it meanwhile
@@ -93,7 +93,7 @@ void Binding::giveBack(const SignIn &signIn, Outcome why) {
 }
 
 void Binding::forgetLostSignIn() {
-    hooks.disregardOpenPolls();
+    poller.ignorePollsInFlight();
     health.authDead = health.accountGone = health.authDeadNotified = false;
 }
 

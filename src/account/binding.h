@@ -5,7 +5,9 @@
 #include "app/model/tray_state.h"
 #include "base/alive.h"
 #include "ports/desktop.h"
+#include "ports/poller.h"
 #include "service/agent_config.h"
+#include "service/agent_control.h"
 #include "service/config_waiter.h"
 
 #include <functional>
@@ -16,12 +18,8 @@ namespace korvel {
 /// more than one server at a time.
 class Binding {
 public:
-    struct Hooks {
-        std::function<void(std::function<void()> then)> restartAgent;
-        std::function<void()> disregardOpenPolls;
-    };
     Binding(HealthState &health, const FixedConfig &fixed, const AgentConfig &config, ConfigWaiter &waiter,
-            ServerClient &servers, const Desktop &desktop, Hooks hooks);
+            ServerClient &servers, const Desktop &desktop, Poller &poller, AgentControl &agent);
 
     /// Signs in at `server` (host:port). `done` is called once, with whether this Mac is bound now and the sentence for
     /// the user.
@@ -61,7 +59,8 @@ private:
     ConfigWaiter &waiter;
     ServerClient &servers;
     const Desktop &desktop;
-    Hooks hooks;
+    Poller &poller;
+    AgentControl &agent;
     int signIns = 0;     ///< Numbers them.
     int abandoned = 0;   ///< The last one that a sign-out overtook.
     int newestBound = 0; ///< No older one binds this Mac any more.

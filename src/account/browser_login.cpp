@@ -36,12 +36,13 @@ AgentRequest authStatusRequest(const QString &id) {
 }
 
 BrowserLogin::BrowserLogin(BrowserLoginState &l, const HealthState &st, const FixedConfig &f, AgentApi &a, Desktop &d,
-                           Scheduler &s, Hooks h)
-    : login(l), health(st), fixed(f), api(a), desktop(d), scheduler(s), hooks(std::move(h)) {}
+                           Scheduler &s, Notices &no, CnLogin &cn, AgentControl &ag, AfterSignIn &as)
+    : login(l), health(st), fixed(f), api(a), desktop(d), scheduler(s), notices(no), cnLogin(cn), agent(ag),
+      afterSignIn(as) {}
 
 void BrowserLogin::startBrowserLogin(int attempt) {
     if (fixed.IS_CN)
-        return hooks.showCnLogin();
+        return cnLogin.showCnLogin();
     // Another click while the first still waits for the agent must not start a second sign-in.
     if (reopenPage() || (attempt == 0 && starting))
         return;
@@ -67,11 +68,11 @@ bool BrowserLogin::reopenPage() {
 void BrowserLogin::waitForAgent(int attempt) {
     if (attempt >= MOST_ATTEMPTS) {
         starting = false;
-        return hooks.showHUD(agentNotUpNotice());
+        return notices.showHUD(agentNotUpNotice());
     }
     if (attempt == 0) {
-        hooks.showHUD(agentAwaitedNotice());
-        hooks.restartAgent([] {});
+        notices.showHUD(agentAwaitedNotice());
+        agent.restartAgent([] {});
     }
     nextAttempt = scheduler.after(NEXT_ATTEMPT, [this, attempt] { startBrowserLogin(attempt + 1); });
 }
@@ -82,7 +83,7 @@ void BrowserLogin::started(const Result<QJsonObject> &reply) {
     const auto url = jsonText(answer.value(u"url"));
     if (id && url && isSecurePage(*url))
         return open(*id, *url);
-    hooks.showHUD(noSignInPageNotice());
+    notices.showHUD(noSignInPageNotice());
 }
 
 void BrowserLogin::open(const QString &id, const QString &url) {
@@ -112,10 +113,10 @@ void BrowserLogin::outcome(const QJsonObject &answer) {
     const QString status = answer.value(u"status").toString();
     if (status == u"done") {
         stopBrowserLogin();
-        hooks.signedIn(answer.value(u"user").toString());
+        afterSignIn.signedIn(answer.value(u"user").toString());
     } else if (status == u"failed") {
         stopBrowserLogin();
-        hooks.showHUD(signInFailedNotice(jsonText(answer.value(u"error"))));
+        notices.showHUD(signInFailedNotice(jsonText(answer.value(u"error"))));
     } else if (status == u"cancelled" || status == u"expired") {
         stopBrowserLogin();
     }

@@ -1,12 +1,15 @@
 #pragma once
 
+#include "account/after_sign_in.h"
+#include "account/cn_login.h"
 #include "app/model/fixed_config.h"
 #include "app/model/tray_state.h"
-#include "app/notices.h"
 #include "base/alive.h"
 #include "base/scheduler.h"
 #include "ports/desktop.h"
+#include "ports/notices.h"
 #include "service/agent_api.h"
+#include "service/agent_control.h"
 
 #include <functional>
 #include <optional>
@@ -20,14 +23,9 @@ AgentRequest authStatusRequest(const QString &id);
 /// agent every second how it went. In the mainland edition the same entrance leads to the sign-in window.
 class BrowserLogin {
 public:
-    struct Hooks {
-        std::function<void()> showCnLogin;
-        std::function<void(std::function<void()> then)> restartAgent;
-        std::function<void(const Notice &)> showHUD;
-        std::function<void(const QString &user)> signedIn;
-    };
     BrowserLogin(BrowserLoginState &login, const HealthState &health, const FixedConfig &fixed, AgentApi &api,
-                 Desktop &desktop, Scheduler &scheduler, Hooks hooks);
+                 Desktop &desktop, Scheduler &scheduler, Notices &notices, CnLogin &cnLogin, AgentControl &agent,
+                 AfterSignIn &afterSignIn);
 
     /// Starts a sign-in, or opens the page of the open one again. `attempt` counts the tries before this one.
     void startBrowserLogin(int attempt = 0);
@@ -49,7 +47,10 @@ private:
     AgentApi &api;
     Desktop &desktop;
     Scheduler &scheduler;
-    Hooks hooks;
+    Notices &notices;
+    CnLogin &cnLogin;
+    AgentControl &agent;
+    AfterSignIn &afterSignIn;
     bool starting = false; ///< Waits for the agent, to come up or to answer.
     int starts = 0;        ///< Counts the questions to the agent.
     Timer nextAttempt;

@@ -2,6 +2,7 @@
 
 #include "account/cn_login_view.h"
 #include "account/server_rules.h"
+#include "service/agent_config.h"
 
 namespace korvel {
 
@@ -10,8 +11,8 @@ constexpr milliseconds TICK = 1s;
 }
 
 CnLogin::CnLogin(const HealthState &st, const FixedConfig &f, const AgentConfig &c, LoginPanel &w, Desktop &d,
-                 Scheduler &s, Hooks h)
-    : health(st), fixed(f), config(c), window(w), desktop(d), scheduler(s), hooks(std::move(h)) {
+                 Scheduler &s, AgentCommand &co, AfterSignIn &as)
+    : health(st), fixed(f), config(c), window(w), desktop(d), scheduler(s), command(co), afterSignIn(as) {
     window.connect([this](const LoginInput &i) { input(i); });
 }
 
@@ -82,7 +83,7 @@ void CnLogin::sendCode() {
     if (!request)
         return;
     show();
-    hooks.runOp(*request, alive.guard([this, asked = opening](const std::optional<QJsonObject> &answer) {
+    command.runAgentJson(*request, alive.guard([this, asked = opening](const std::optional<QJsonObject> &answer) {
         if (!form || asked != opening)
             return;
         codeAnswered(*form, answer);
@@ -98,8 +99,8 @@ void CnLogin::submit() {
     show();
     CnLoginForm submitted = *form;
     submitted.password.clear(); // one place is enough for it
-    hooks.runOp(*request, alive.guard([this, sent = std::move(submitted),
-                                       asked = opening](const std::optional<QJsonObject> &answer) mutable {
+    command.runAgentJson(*request, alive.guard([this, sent = std::move(submitted),
+                                                asked = opening](const std::optional<QJsonObject> &answer) mutable {
         if (form && asked == opening)
             answered(answer);
         // Closing the window does not take a sign-in back: that it went through is told all the same.
@@ -123,7 +124,7 @@ void CnLogin::answered(const std::optional<QJsonObject> &answer) {
 void CnLogin::cnLoggedIn(const QString &user) {
     window.close();
     forget();
-    hooks.signedIn(user);
+    afterSignIn.signedIn(user);
 }
 
 void CnLogin::runTick() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "account/after_sign_in.h"
 #include "account/cn_login_form.h"
 #include "account/login_panel.h"
 #include "app/model/fixed_config.h"
@@ -7,6 +8,7 @@
 #include "base/alive.h"
 #include "base/scheduler.h"
 #include "ports/desktop.h"
+#include "service/agent_command.h"
 #include "service/agent_config.h"
 
 #include <functional>
@@ -18,12 +20,8 @@ namespace korvel {
 /// shows its answers. The agent signs in and binds this Mac itself.
 class CnLogin {
 public:
-    struct Hooks {
-        std::function<void(const QJsonObject &request, std::function<void(std::optional<QJsonObject>)> done)> runOp;
-        std::function<void(const QString &user)> signedIn;
-    };
     CnLogin(const HealthState &health, const FixedConfig &fixed, const AgentConfig &config, LoginPanel &window,
-            Desktop &desktop, Scheduler &scheduler, Hooks hooks);
+            Desktop &desktop, Scheduler &scheduler, AgentCommand &command, AfterSignIn &afterSignIn);
 
     /// Opens the window, or brings the open one to the front.
     void showCnLogin();
@@ -46,7 +44,8 @@ private:
     LoginPanel &window;
     Desktop &desktop;
     Scheduler &scheduler;
-    Hooks hooks;
+    AgentCommand &command;
+    AfterSignIn &afterSignIn;
     std::optional<CnLoginForm> form; ///< None: no window is open.
     int opening = 0;                 ///< Counts windows, so that an answer for a closed one is told.
     Timer tick;

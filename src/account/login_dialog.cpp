@@ -4,6 +4,7 @@
 #include "account/server_rules.h"
 #include "app/model/wording.h"
 #include "base/plain_text.h"
+#include "service/agent_config.h"
 
 namespace korvel {
 
@@ -27,12 +28,13 @@ AlertView loginAlert(const LoginAttempt &attempt, bool isBound, const QString &s
     return view;
 }
 
-LoginDialog::LoginDialog(const FixedConfig &f, const AgentConfig &c, const Desktop &d, Alerts &al, Hooks h)
-    : fixed(f), config(c), desktop(d), alerts(al), hooks(std::move(h)) {}
+LoginDialog::LoginDialog(const FixedConfig &f, const AgentConfig &c, const Desktop &d, Alerts &al, Notices &no,
+                         CnLogin &cn, Binding &bi, AfterSignIn &as)
+    : fixed(f), config(c), desktop(d), alerts(al), notices(no), cnLogin(cn), binding(bi), afterSignIn(as) {}
 
 void LoginDialog::showLogin(LoginAttempt attempt) {
     if (fixed.IS_CN)
-        return hooks.showCnLogin();
+        return cnLogin.showCnLogin();
     if (!attempt.advanced)
         attempt.advanced = desktop.optionKeyHeld();
     present(attempt, OpenedBy::User);
@@ -61,8 +63,8 @@ void LoginDialog::answered(LoginAttempt attempt, const QStringList &texts) {
         attempt.error = L(u"服务器地址格式不正确", u"The server address isn't valid.");
         return showLogin(attempt);
     }
-    hooks.showHUD(signingInNotice());
-    hooks.performLogin(attempt.user, pass, *server, alive.guard([this, attempt](bool ok, const QString &message) {
+    notices.showHUD(signingInNotice());
+    binding.performLogin(attempt.user, pass, *server, alive.guard([this, attempt](bool ok, const QString &message) {
         finished(attempt, ok, message);
     }));
 }
@@ -70,14 +72,14 @@ void LoginDialog::answered(LoginAttempt attempt, const QStringList &texts) {
 void LoginDialog::finished(LoginAttempt attempt, bool ok, const QString &message) {
     if (!ok) {
         // The dialog says it now; it must not lie below a notice that still says "signing in".
-        hooks.hideHUD();
+        notices.hideHUD();
         attempt.error = message;
         // Another alert may have come up meanwhile.
         if (!present(attempt, OpenedBy::Itself))
-            hooks.showHUD(signInFailedNotice(message));
+            notices.showHUD(signInFailedNotice(message));
         return;
     }
-    hooks.signedIn(attempt.user);
+    afterSignIn.signedIn(attempt.user);
 }
 
 } // namespace korvel

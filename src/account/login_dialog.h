@@ -1,10 +1,13 @@
 #pragma once
 
+#include "account/after_sign_in.h"
+#include "account/binding.h"
+#include "account/cn_login.h"
 #include "app/model/fixed_config.h"
-#include "app/notices.h"
 #include "base/alive.h"
 #include "ports/alerts.h"
 #include "ports/desktop.h"
+#include "ports/notices.h"
 #include "service/agent_config.h"
 
 #include <functional>
@@ -27,17 +30,8 @@ AlertView loginAlert(const LoginAttempt &attempt, bool isBound, const QString &s
 /// mainland edition the sign-in window takes its place.
 class LoginDialog {
 public:
-    struct Hooks {
-        std::function<void()> showCnLogin;
-        std::function<void(const QString &user, const QString &pass, const QString &server,
-                           std::function<void(bool ok, const QString &message)> done)>
-            performLogin;
-        std::function<void(const Notice &)> showHUD;
-        std::function<void()> hideHUD;
-        std::function<void(const QString &user)> signedIn;
-    };
     LoginDialog(const FixedConfig &fixed, const AgentConfig &config, const Desktop &desktop, Alerts &alerts,
-                Hooks hooks);
+                Notices &notices, CnLogin &cnLogin, Binding &binding, AfterSignIn &afterSignIn);
 
     void showLogin(LoginAttempt attempt = {});
 
@@ -51,7 +45,10 @@ private:
     const AgentConfig &config;
     const Desktop &desktop;
     Alerts &alerts;
-    Hooks hooks;
+    Notices &notices;
+    CnLogin &cnLogin;
+    Binding &binding;
+    AfterSignIn &afterSignIn;
     Alive alive;
 };
 

@@ -72,6 +72,4 @@ QString serverOf(const FixedConfig &config, const QJsonObject &cfg) {
     return stored && !isForeignServer(config, *stored) ? *stored : config.DEFAULT_SERVER;
 }
 
-bool bound(const QJsonObject &cfg) { return !cfgText(cfg, u"agentToken").isEmpty(); }
-
 } // namespace korvel

@@ -18,7 +18,4 @@ bool isForeignServer(const FixedConfig &config, const QString &address);
 /// The account server to use with the agent configuration `cfg`; never empty.
 QString serverOf(const FixedConfig &config, const QJsonObject &cfg);
 
-/// Whether this Mac is bound to an account.
-bool bound(const QJsonObject &cfg);
-
 } // namespace korvel

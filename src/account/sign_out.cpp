@@ -24,8 +24,9 @@ AlertView signOutAlert() {
 }
 
 SignOut::SignOut(TrayState &st, const FixedConfig &f, const AgentConfig &c, ConfigWaiter &w, AgentApi &a, Alerts &al,
-                 ServiceControl &sv, Scheduler &s, Hooks h)
-    : state(st), fixed(f), config(c), waiter(w), api(a), alerts(al), services(sv), scheduler(s), hooks(std::move(h)) {}
+                 ServiceControl &sv, Scheduler &s, Notices &no, Poller &po, Binding &bi, BrowserLogin &bl)
+    : state(st), fixed(f), config(c), waiter(w), api(a), alerts(al), services(sv), scheduler(s), notices(no),
+      poller(po), binding(bi), browserLogin(bl) {}
 
 void SignOut::logoutDialog() {
     if (underWay)
@@ -38,14 +39,14 @@ void SignOut::logoutDialog() {
 
 void SignOut::tellAgent() {
     underWay = true;
-    hooks.abandonLogins();
-    hooks.showHUD(signingOutNotice());
+    binding.abandonLogins();
+    notices.showHUD(signingOutNotice());
     e2Post(api, e2LogoutRequest(), alive.guard([this](const std::optional<QJsonObject> &) { signOutRest(); }));
 }
 
 void SignOut::signOutRest() {
-    hooks.stopBrowserLogin();
-    hooks.unbindCurrent(alive.guard([this] { waiter.whenWhole(alive.guard([this] { clear(); })); }));
+    browserLogin.stopBrowserLogin();
+    binding.unbindCurrent(alive.guard([this] { waiter.whenWhole(alive.guard([this] { clear(); })); }));
 }
 
 void SignOut::clear() {
@@ -66,8 +67,8 @@ void SignOut::finish(bool cleared) {
     state.health.authDead = state.health.accountGone = false;
     state.e2ee.e2 = {}; // it was about the account that is gone
     state.e2ee.e2Retries.clear();
-    hooks.poll();
-    hooks.showHUD(cleared ? signedOutNotice() : signOutFailedNotice());
+    poller.poll();
+    notices.showHUD(cleared ? signedOutNotice() : signOutFailedNotice());
 }
 
 } // namespace korvel

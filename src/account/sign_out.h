@@ -1,11 +1,14 @@
 #pragma once
 
+#include "account/binding.h"
+#include "account/browser_login.h"
 #include "app/model/fixed_config.h"
 #include "app/model/tray_state.h"
-#include "app/notices.h"
 #include "base/alive.h"
 #include "base/scheduler.h"
 #include "ports/alerts.h"
+#include "ports/notices.h"
+#include "ports/poller.h"
 #include "ports/service_control.h"
 #include "service/agent_api.h"
 #include "service/config_waiter.h"
@@ -20,15 +23,9 @@ AlertView signOutAlert();
 /// the way that fails or hangs keeps it from ending.
 class SignOut {
 public:
-    struct Hooks {
-        std::function<void(std::function<void()> then)> unbindCurrent;
-        std::function<void()> abandonLogins;
-        std::function<void()> stopBrowserLogin;
-        std::function<void()> poll;
-        std::function<void(const Notice &)> showHUD;
-    };
     SignOut(TrayState &state, const FixedConfig &fixed, const AgentConfig &config, ConfigWaiter &waiter, AgentApi &api,
-            Alerts &alerts, ServiceControl &services, Scheduler &scheduler, Hooks hooks);
+            Alerts &alerts, ServiceControl &services, Scheduler &scheduler, Notices &notices, Poller &poller,
+            Binding &binding, BrowserLogin &browserLogin);
 
     /// Asks the user, then signs out.
     void logoutDialog();
@@ -47,7 +44,10 @@ private:
     Alerts &alerts;
     ServiceControl &services;
     Scheduler &scheduler;
-    Hooks hooks;
+    Notices &notices;
+    Poller &poller;
+    Binding &binding;
+    BrowserLogin &browserLogin;
     bool underWay = false;
     Timer finishAnyway;
     Alive alive;

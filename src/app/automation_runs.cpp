@@ -13,6 +13,7 @@
 #include "platform/qt/qt_programs.h"
 #include "platform/qt/qt_scheduler.h"
 #include "service/agent_command.h"
+#include "service/agent_config.h"
 #include "service/agent_control.h"
 #include "service/config_waiter.h"
 #include "service/launchctl.h"
@@ -68,6 +69,19 @@ int runAgentJsonMode() {
     return reply ? 0 : 1;
 }
 
+/// No screen, and no agent that is polled.
+class Unattended final : public Notices, public Poller, public Renderer {
+public:
+    void showHUD(const Notice &) override {}
+    void hideHUD() override {}
+    void poll(std::function<void()> then) override {
+        if (then)
+            then();
+    }
+    void ignorePollsInFlight() override {}
+    void stateChanged() override {}
+};
+
 /// Signs in with the account of the arguments and the password on standard input, at the server of the arguments or
 /// else the configured one.
 int runLogin(const FixedConfig &config, const Paths &paths) {
@@ -83,14 +97,12 @@ int runLogin(const FixedConfig &config, const Paths &paths) {
     ExchangeClient servers(programs, scheduler, exchangeProgram());
     TrayState state;
     const AgentCommand command(programs, scheduler, bundlePath(), std::nullopt);
-    Repair repair(state, config, paths, command, programs, scheduler,
-                  {.render = [] {}, .poll = [](const auto &then) { then(); }, .showHUD = [](const Notice &) {}});
-    AgentControl agent(state, config, paths, agentConfig, services, programs, *desktop, scheduler,
-                       {.showHUD = [](const Notice &) {}, .repairService = [&repair] { repair.repairService({}); }});
+    Unattended nobody;
+    Repair repair(state, config, paths, command, programs, scheduler, nobody, nobody, nobody);
+    AgentControl agent(state, config, paths, agentConfig, services, programs, *desktop, scheduler, nobody,
+                       {.repairService = [&repair] { repair.repairService({}); }});
     ConfigWaiter configWaiter(agentConfig, scheduler);
-    Binding binding(
-        state.health, config, agentConfig, configWaiter, servers, *desktop,
-        {.restartAgent = [&agent](auto then) { agent.restartAgent(std::move(then)); }, .disregardOpenPolls = [] {}});
+    Binding binding(state.health, config, agentConfig, configWaiter, servers, *desktop, nobody, agent);
     int status = 1;
     QTimer::singleShot(0, [&] {
         binding.performLogin(args.at(2), password, server, [&status](bool ok, const QString &message) {
@@ -120,7 +132,8 @@ std::optional<QByteArray> menuDump(const QByteArray &description, const FixedCon
     if (answered)
         applyPermReply(state.permissions, health.value(u"perms").toObject());
     const MenuView view = menuView({.state = state,
-                                    .config = config,
+                                    .isCn = config.IS_CN,
+                                    .version = config.VERSION,
                                     .timing = timingOf(state.health, now),
                                     .bound = isBound,
                                     .plistExists = plistExists(paths),

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/automation.h"
+#include "app/model/automation.h"
 #include "app/model/paths.h"
 
 #include <QByteArray>

@@ -1,5 +1,6 @@
-#include "app/automation.h"
 #include "app/automation_runs.h"
+#include "app/launch_environment.h"
+#include "app/model/automation.h"
 #include "app/model/deployment.h"
 #include "app/model/paths.h"
 #include "app/model/wording.h"

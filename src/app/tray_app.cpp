@@ -3,7 +3,9 @@
 #include "account/server_rules.h"
 #include "app/reopen.h"
 #include "base/log.h"
+#include "service/agent_config.h"
 #include "service/login_item.h"
+#include "status/icon.h"
 #include "status/status_line.h"
 #include "ui/menu/menu_view.h"
 #include "ui/views/edit_menu.h"
@@ -19,152 +21,49 @@ constexpr milliseconds UPDATE_CHECK_PERIOD = 6h;
 TrayApp::TrayApp(const FixedConfig &f, const Paths &pa, const TrayPorts &p)
     : fixed(f), paths(pa), ports(p), config(paths), configWaiter(config, p.scheduler), api(p.agent, fixed, config),
       notices(p.noticePanel, p.desktop, p.scheduler),
-      health(state, fixed, config, api, p.services, p.scheduler, healthHooks()),
+      health(state, fixed, config, api, p.services, p.scheduler, notices, *this,
+             {.e2Prompt = [this] { prompts.e2Prompt(pairContext()); },
+              .fetchPerms = [this] { permissions.fetchPerms(); }}),
       command(p.programs, p.scheduler, p.bundlePath, p.agentBin),
-      repair(state, fixed, paths, command, p.programs, p.scheduler, repairHooks()),
-      agent(state, fixed, paths, config, p.services, p.programs, p.desktop, p.scheduler, agentHooks()),
-      permissions(state.permissions, state.health, api, p.desktop, p.scheduler, permissionHooks()),
-      sync(state, fixed, paths, config, p.services, p.scheduler, syncHooks()),
-      report(p.scheduler, {.poll = poll(), .situation = [this] { return situation(); }, .showHUD = showHUD()}),
-      pairing(state.e2ee, state.pairing, api, p.pairPanel, p.scheduler, pairingHooks()),
-      approval(state.e2ee, api, p.alerts, p.scheduler,
-               {.poll = [this] { health.poll(); }, .showHUD = showHUD(), .hideHUD = [this] { notices.hideHUD(); }}),
-      alarms(api, p.alerts,
-             {.showHUD = showHUD(), .poll = poll(), .pairAfterLogin = [this] { pairing.pairAfterLogin(); }}),
-      speech(api, {.showHUD = showHUD()}), prompts(state.e2ee, state.pairing, promptHooks()),
-      afterSignIn(state.health, p.scheduler, afterSignInHooks()),
-      binding(state.health, fixed, config, configWaiter, p.servers, p.desktop, bindingHooks()),
-      cnLogin(state.health, fixed, config, p.loginPanel, p.desktop, p.scheduler, cnLoginHooks()),
-      browserLogin(state.browserLogin, state.health, fixed, api, p.desktop, p.scheduler, browserLoginHooks()),
-      loginDialog(fixed, config, p.desktop, p.alerts, loginDialogHooks()),
-      signOut(state, fixed, config, configWaiter, api, p.alerts, p.services, p.scheduler, signOutHooks()),
-      updateCheck(state.update, fixed, config, p.servers, p.scheduler, checkHooks()),
-      updateInstall(state.update, fixed, paths, config, p.servers, p.programs, p.desktop, p.scheduler, installHooks()) {
+      repair(state, fixed, paths, command, p.programs, p.scheduler, notices, health, *this),
+      agent(state, fixed, paths, config, p.services, p.programs, p.desktop, p.scheduler, notices,
+            {.repairService = [this] { repair.repairService({}); }}),
+      permissions(state.permissions, state.health, api, p.desktop, p.scheduler, notices, *this),
+      sync(
+          state, fixed, paths, config, p.services, p.scheduler, notices, health, *this, repair,
+          {.statusLine = [this] { return statusLine(situation()); }, .showLogin = [this] { loginDialog.showLogin(); }}),
+      report(p.scheduler, notices, health, {.situation = [this] { return situation(); }}),
+      pairing(state.e2ee, state.pairing, api, p.pairPanel, p.scheduler, notices, health,
+              {.context = [this] { return pairContext(); },
+               .startBrowserLogin = [this] { browserLogin.startBrowserLogin(); },
+               .logoutDialog = [this] { signOut.logoutDialog(); }}),
+      approval(state.e2ee, api, p.alerts, p.scheduler, notices, health),
+      alarms(api, p.alerts, notices, health, pairing), speech(api, notices),
+      prompts(state.e2ee, state.pairing, p.alerts, notices, pairing, approval, alarms),
+      afterSignIn(state.health, p.scheduler, notices, health, *this, agent,
+                  {.stopBrowserLogin = [this] { browserLogin.stopBrowserLogin(); },
+                   .pairAfterLogin = [this] { pairing.pairAfterLogin(); }}),
+      binding(state.health, fixed, config, configWaiter, p.servers, p.desktop, health, agent),
+      cnLogin(state.health, fixed, config, p.loginPanel, p.desktop, p.scheduler, command, afterSignIn),
+      browserLogin(state.browserLogin, state.health, fixed, api, p.desktop, p.scheduler, notices, cnLogin, agent,
+                   afterSignIn),
+      loginDialog(fixed, config, p.desktop, p.alerts, notices, cnLogin, binding, afterSignIn),
+      signOut(state, fixed, config, configWaiter, api, p.alerts, p.services, p.scheduler, notices, health, binding,
+              browserLogin),
+      updateCheck(state.update, fixed, config, p.servers, p.scheduler, notices, *this),
+      updateInstall(state.update, fixed, paths, config, p.servers, p.programs, p.desktop, p.scheduler, notices, health,
+                    *this) {}
+
+PairContext TrayApp::pairContext() const {
+    return {
+        .bound = bound(config.readCfg()), .authDead = state.health.authDead, .accountGone = state.health.accountGone};
 }
 
-std::function<void(const Notice &)> TrayApp::showHUD() {
-    return [this](const Notice &notice) { notices.showHUD(notice); };
-}
-
-std::function<void(std::function<void()> then)> TrayApp::poll() {
-    return [this](std::function<void()> then) { health.poll(std::move(then)); };
-}
-
-std::function<void(std::function<void()> then)> TrayApp::restartAgent() {
-    return [this](std::function<void()> then) { agent.restartAgent(std::move(then)); };
-}
-
-std::function<void(const QString &user)> TrayApp::signedIn() {
-    return [this](const QString &user) { afterSignIn.signedIn(user); };
-}
-
-HealthPoll::Hooks TrayApp::healthHooks() {
-    return {.render = [this](const QJsonObject &cfg) { render(cfg); },
-            .e2Prompt = [this](const QJsonObject &cfg) { prompts.e2Prompt(pairContext(cfg)); },
-            .fetchPerms = [this] { permissions.fetchPerms(); },
-            .showHUD = showHUD()};
-}
-
-Repair::Hooks TrayApp::repairHooks() {
-    return {.render = [this] { render(); }, .poll = poll(), .showHUD = showHUD()};
-}
-
-Permissions::Hooks TrayApp::permissionHooks() {
-    return {.render = [this] { render(); }, .showHUD = showHUD()};
-}
-
-AgentControl::Hooks TrayApp::agentHooks() {
-    return {.showHUD = showHUD(), .repairService = [this] { repair.repairService({}); }};
-}
-
-SyncToggle::Hooks TrayApp::syncHooks() {
-    return {.render = [this] { render(); },
-            .poll = poll(),
-            .showHUD = showHUD(),
-            .statusLine = [this] { return statusLine(situation()); },
-            .showLogin = [this] { loginDialog.showLogin(); },
-            .repairService = [this] { repair.repairService({}); }};
-}
-
-Pairing::Hooks TrayApp::pairingHooks() {
-    return {.context = [this] { return pairContext(config.readCfg()); },
-            .poll = [this] { health.poll(); },
-            .showHUD = showHUD(),
-            .startBrowserLogin = [this] { browserLogin.startBrowserLogin(); },
-            .logoutDialog = [this] { signOut.logoutDialog(); }};
-}
-
-Prompts::Hooks TrayApp::promptHooks() {
-    return {.updatePairWindow = [this] { pairing.updatePairWindow(); },
-            .pairWindowVisible = [this] { return pairing.isVisible(); },
-            .alertOpen = [this] { return ports.alerts.isOpen(); },
-            .askAgain = [this] { approval.askAgain(); },
-            .showPairWindow = [this] { pairing.showPairWindow(OpenedBy::Itself); },
-            .showApprove = [this](const QJsonObject &request) { approval.showApprove(request, OpenedBy::Itself); },
-            .showAlarm = [this](const QJsonObject &alarm) { alarms.showAlarm(alarm, OpenedBy::Itself); },
-            .showHUD = showHUD()};
-}
-
-AfterSignIn::Hooks TrayApp::afterSignInHooks() {
-    return {.disregardOpenPolls = [this] { health.disregardOpenPolls(); },
-            .render = [this] { render(); },
-            .stopBrowserLogin = [this] { browserLogin.stopBrowserLogin(); },
-            .showHUD = showHUD(),
-            .startStoppedAgent = [this](auto then) { agent.startStoppedAgent(std::move(then)); },
-            .poll = [this] { health.poll(); },
-            .pairAfterLogin = [this] { pairing.pairAfterLogin(); }};
-}
-
-Binding::Hooks TrayApp::bindingHooks() {
-    return {.restartAgent = restartAgent(), .disregardOpenPolls = [this] { health.disregardOpenPolls(); }};
-}
-
-CnLogin::Hooks TrayApp::cnLoginHooks() {
-    return {.runOp = [this](const QJsonObject &request, auto done) { command.runAgentJson(request, std::move(done)); },
-            .signedIn = signedIn()};
-}
-
-BrowserLogin::Hooks TrayApp::browserLoginHooks() {
-    return {.showCnLogin = [this] { cnLogin.showCnLogin(); },
-            .restartAgent = restartAgent(),
-            .showHUD = showHUD(),
-            .signedIn = signedIn()};
-}
-
-LoginDialog::Hooks TrayApp::loginDialogHooks() {
-    return {.showCnLogin = [this] { cnLogin.showCnLogin(); },
-            .performLogin = [this](const QString &user, const QString &pass, const QString &server,
-                                   auto done) { binding.performLogin(user, pass, server, std::move(done)); },
-            .showHUD = showHUD(),
-            .hideHUD = [this] { notices.hideHUD(); },
-            .signedIn = signedIn()};
-}
-
-SignOut::Hooks TrayApp::signOutHooks() {
-    return {.unbindCurrent = [this](std::function<void()> then) { binding.unbindCurrent(std::move(then)); },
-            .abandonLogins = [this] { binding.abandonLogins(); },
-            .stopBrowserLogin = [this] { browserLogin.stopBrowserLogin(); },
-            .poll = [this] { health.poll(); },
-            .showHUD = showHUD()};
-}
-
-UpdateCheck::Hooks TrayApp::checkHooks() {
-    return {.render = [this] { render(); }, .showHUD = showHUD()};
-}
-
-UpdateInstall::Hooks TrayApp::installHooks() {
-    return {.render = [this] { render(); }, .poll = [this] { health.poll(); }, .showHUD = showHUD()};
-}
-
-PairContext TrayApp::pairContext(const QJsonObject &cfg) const {
-    return {.bound = bound(cfg), .authDead = state.health.authDead, .accountGone = state.health.accountGone};
-}
-
-Situation TrayApp::situation() const { return situation(config.readCfg()); }
-
-Situation TrayApp::situation(const QJsonObject &cfg) const {
+Situation TrayApp::situation() const {
+    const QJsonObject cfg = config.readCfg();
     return {.state = state,
-            .config = fixed,
+            .isCn = fixed.IS_CN,
+            .version = fixed.VERSION,
             .timing = timingOf(state.health, ports.scheduler.now()),
             .bound = bound(cfg),
             .plistExists = plistExists(paths),
@@ -196,16 +95,20 @@ void TrayApp::scheduleUpdateChecks() {
     updateChecks = ports.scheduler.every(UPDATE_CHECK_PERIOD, [this] { updateCheck.checkUpdate(false); });
 }
 
-void TrayApp::render() { render(config.readCfg()); }
+void TrayApp::stateChanged() {
+    if (!std::exchange(renderPending, true))
+        ports.scheduler.beforeWaiting(alive.guard([this] { render(); }));
+}
 
-void TrayApp::render(const QJsonObject &cfg) {
-    const Situation now = situation(cfg);
-    if (seen && seen->is(now)) // as nearly always
+void TrayApp::render() {
+    renderPending = false;
+    Situation now = situation();
+    if (now == shown) // as nearly always
         return;
-    seen.emplace(now);
-    if (IconView icon = iconView(now); icon != shownIcon)
+    shown = std::move(now);
+    if (IconView icon = iconView(*shown); icon != shownIcon)
         ports.item.apply(*(shownIcon = std::move(icon)));
-    if (MenuView menu = menuView(now); menu != shownMenu)
+    if (MenuView menu = menuView(*shown); menu != shownMenu)
         ports.item.apply(*(shownMenu = std::move(menu)));
 }
 

@@ -8,7 +8,7 @@
 #include "account/sign_out.h"
 #include "app/model/paths.h"
 #include "app/model/situation.h"
-#include "app/notices.h"
+#include "app/timed_notices.h"
 #include "e2ee/alarms.h"
 #include "e2ee/approval.h"
 #include "e2ee/pairing.h"
@@ -50,7 +50,7 @@ struct TrayPorts {
 };
 
 /// The application: holds the state, composes the features and forwards what the user does. Making one has no effect.
-class TrayApp {
+class TrayApp : private Renderer {
 public:
     TrayApp(const FixedConfig &fixed, const Paths &paths, const TrayPorts &ports);
 
@@ -58,8 +58,7 @@ public:
     void launch(const QString &executablePath);
     /// The user opened the application again while it runs.
     void reopen();
-    /// Shows what changed since the last time.
-    void render();
+    void stateChanged() override;
 
     const TrayState &currentState() const { return state; }
     Situation situation() const;
@@ -68,31 +67,8 @@ private:
     void perform(const MenuEntry &entry);
     void menuOpening();
     void scheduleUpdateChecks();
-    // Of the agent configuration `cfg` as just read.
-    void render(const QJsonObject &cfg);
-    Situation situation(const QJsonObject &cfg) const;
-    PairContext pairContext(const QJsonObject &cfg) const;
-
-    // The callbacks that each feature gets.
-    HealthPoll::Hooks healthHooks();
-    Repair::Hooks repairHooks();
-    Permissions::Hooks permissionHooks();
-    AgentControl::Hooks agentHooks();
-    SyncToggle::Hooks syncHooks();
-    Pairing::Hooks pairingHooks();
-    Prompts::Hooks promptHooks();
-    AfterSignIn::Hooks afterSignInHooks();
-    Binding::Hooks bindingHooks();
-    CnLogin::Hooks cnLoginHooks();
-    BrowserLogin::Hooks browserLoginHooks();
-    LoginDialog::Hooks loginDialogHooks();
-    SignOut::Hooks signOutHooks();
-    UpdateCheck::Hooks checkHooks();
-    UpdateInstall::Hooks installHooks();
-    std::function<void(const QString &user)> signedIn();
-    std::function<void(const Notice &)> showHUD();
-    std::function<void(std::function<void()> then)> poll();
-    std::function<void(std::function<void()> then)> restartAgent();
+    void render();
+    PairContext pairContext() const;
 
     const FixedConfig &fixed;
     const Paths &paths;
@@ -102,7 +78,7 @@ private:
     AgentConfig config;
     ConfigWaiter configWaiter;
     AgentApi api;
-    Notices notices;
+    TimedNotices notices;
     HealthPoll health;
     AgentCommand command;
     Repair repair;
@@ -124,11 +100,13 @@ private:
     UpdateCheck updateCheck;
     UpdateInstall updateInstall;
 
-    std::optional<SeenSituation> seen; ///< By the last render().
+    std::optional<Situation> shown; ///< By the last render().
+    bool renderPending = false;
     std::optional<IconView> shownIcon;
     std::optional<MenuView> shownMenu;
     Timer firstUpdateCheck;
     Timer updateChecks;
+    Alive alive;
 };
 
 } // namespace korvel

@@ -39,6 +39,8 @@ public:
     [[nodiscard]] virtual Timer after(milliseconds delay, UniqueFunction<void()> f) = 0;
     /// Runs `f` on the main thread every `period`, the first time one period from now, until the Timer goes.
     [[nodiscard]] virtual Timer every(milliseconds period, UniqueFunction<void()> f) = 0;
+    /// Runs `f` once, on the main thread, before it waits for the next event.
+    virtual void beforeWaiting(UniqueFunction<void()> f) = 0;
     /// Runs `work` off the main thread, then `then` on it. `work` must refer to nothing that may be gone by then. When
     /// the system has no thread for it, not for some seconds either, `then` runs without it.
     virtual void runInBackground(UniqueFunction<void()> work, UniqueFunction<void()> then) = 0;

@@ -34,7 +34,8 @@ AlertView alarmAlert(const QJsonObject &alarm) {
             .main = ItWasNotMe};
 }
 
-Alarms::Alarms(AgentApi &a, Alerts &al, Hooks h) : api(a), alerts(al), hooks(std::move(h)) {}
+Alarms::Alarms(AgentApi &a, Alerts &al, Notices &no, Poller &po, Pairing &pa)
+    : api(a), alerts(al), notices(no), poller(po), pairing(pa) {}
 
 void Alarms::showAlarm(const QJsonObject &alarm, OpenedBy by) {
     alerts.open(alarmAlert(alarm), by,
@@ -46,7 +47,7 @@ void Alarms::answered(const QJsonObject &alarm, const AlertAnswer &answer) {
         if (answer.button == ItWasMe)
             return rejoin();
         // Not dismissed at the agent: it stays until the user rejoins.
-        return hooks.showHUD(strangersResetNotice());
+        return notices.showHUD(strangersResetNotice());
     }
     if (const QJsonValue id = alarm.value(u"id"); id.isString())
         e2Post(api, dismissAlarmRequest(id.toString()), [](const std::optional<QJsonObject> &) {});
@@ -55,8 +56,8 @@ void Alarms::answered(const QJsonObject &alarm, const AlertAnswer &answer) {
 void Alarms::rejoin() {
     e2Post(api, acceptResetRequest(), alive.guard([this](const std::optional<QJsonObject> &reply) {
         if (replyOk(reply)) // the window has to see the report after the reset
-            return hooks.poll(hooks.pairAfterLogin);
-        hooks.showHUD(notRejoinedNotice(reply));
+            return poller.poll([this] { pairing.pairAfterLogin(); });
+        notices.showHUD(notRejoinedNotice(reply));
     }));
 }
 

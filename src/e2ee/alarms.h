@@ -1,8 +1,10 @@
 #pragma once
 
-#include "app/notices.h"
 #include "base/alive.h"
+#include "e2ee/pairing.h"
 #include "ports/alerts.h"
+#include "ports/notices.h"
+#include "ports/poller.h"
 #include "service/agent_api.h"
 
 #include <QJsonObject>
@@ -16,12 +18,7 @@ AlertView alarmAlert(const QJsonObject &alarm);
 /// Shows security alarms and encryption resets, and answers them.
 class Alarms {
 public:
-    struct Hooks {
-        std::function<void(const Notice &)> showHUD;
-        std::function<void(std::function<void()> then)> poll;
-        std::function<void()> pairAfterLogin;
-    };
-    Alarms(AgentApi &api, Alerts &alerts, Hooks hooks);
+    Alarms(AgentApi &api, Alerts &alerts, Notices &notices, Poller &poller, Pairing &pairing);
 
     /// Opens the alert for an alarm, unless one is open.
     void showAlarm(const QJsonObject &alarm, OpenedBy by);
@@ -32,7 +29,9 @@ private:
 
     AgentApi &api;
     Alerts &alerts;
-    Hooks hooks;
+    Notices &notices;
+    Poller &poller;
+    Pairing &pairing;
     Alive alive;
 };
 

@@ -40,8 +40,8 @@ AlertView approveAlert(const QJsonObject &request, const QString &error) {
             .fields = {{.kind = AlertField::Kind::Code}}};
 }
 
-Approval::Approval(E2State &e, AgentApi &a, Alerts &al, Scheduler &s, Hooks h)
-    : e2ee(e), api(a), alerts(al), scheduler(s), hooks(std::move(h)) {}
+Approval::Approval(E2State &e, AgentApi &a, Alerts &al, Scheduler &s, Notices &no, Poller &po)
+    : e2ee(e), api(a), alerts(al), scheduler(s), notices(no), poller(po) {}
 
 void Approval::showApprove(const QJsonObject &request, OpenedBy by, const QString &error) {
     if (request.value(u"pendingId").isString())
@@ -59,14 +59,14 @@ void Approval::answered(const QJsonObject &request, const AlertAnswer &answer) {
 void Approval::deny(const QJsonObject &request) {
     e2Post(api, rejectDeviceRequest(pendingIdOf(request)),
            alive.guard([this, name = nameOf(request)](const std::optional<QJsonObject> &) {
-               hooks.showHUD(deniedNotice(name));
+               notices.showHUD(deniedNotice(name));
            }));
 }
 
 void Approval::allow(const QJsonObject &request, const QString &code) {
     if (code.size() != 6)
         return showApprove(request, OpenedBy::User, L(u"配对码为 6 位数字", u"The pairing code must be 6 digits."));
-    hooks.showHUD(verifyingNotice());
+    notices.showHUD(verifyingNotice());
     e2ee.e2Answering.insert(pendingIdOf(request));
     e2Post(api, pairDeviceRequest(pendingIdOf(request), code),
            alive.guard([this, request](const std::optional<QJsonObject> &reply) { verdict(request, reply); }));
@@ -74,15 +74,15 @@ void Approval::allow(const QJsonObject &request, const QString &code) {
 
 void Approval::verdict(const QJsonObject &request, const std::optional<QJsonObject> &reply) {
     e2ee.e2Answering.remove(pendingIdOf(request));
-    hooks.hideHUD();
+    notices.hideHUD();
     const QString code = reply ? reply->value(u"code").toString() : QString();
     if (replyOk(reply))
-        hooks.showHUD(allowedNotice(nameOf(request)));
+        notices.showHUD(allowedNotice(nameOf(request)));
     else if (canBeRetried(code))
         askAgainSoon(request, errText(reply));
     else
-        hooks.showHUD(notAdmittedNotice(reply));
-    hooks.poll();
+        notices.showHUD(notAdmittedNotice(reply));
+    poller.poll();
 }
 
 void Approval::askAgainSoon(const QJsonObject &request, const QString &error) {

@@ -1,10 +1,11 @@
 #pragma once
 
 #include "app/model/tray_state.h"
-#include "app/notices.h"
 #include "base/alive.h"
 #include "base/scheduler.h"
 #include "ports/alerts.h"
+#include "ports/notices.h"
+#include "ports/poller.h"
 #include "service/agent_api.h"
 
 #include <functional>
@@ -18,12 +19,7 @@ AlertView approveAlert(const QJsonObject &request, const QString &error);
 /// Lets the user admit or refuse a device that asks to join.
 class Approval {
 public:
-    struct Hooks {
-        std::function<void()> poll;
-        std::function<void(const Notice &)> showHUD;
-        std::function<void()> hideHUD;
-    };
-    Approval(E2State &e2ee, AgentApi &api, Alerts &alerts, Scheduler &scheduler, Hooks hooks);
+    Approval(E2State &e2ee, AgentApi &api, Alerts &alerts, Scheduler &scheduler, Notices &notices, Poller &poller);
 
     /// Opens the alert for an approval request, unless one is open; `error` is what went wrong with the last try.
     void showApprove(const QJsonObject &request, OpenedBy by, const QString &error = {});
@@ -41,7 +37,8 @@ private:
     AgentApi &api;
     Alerts &alerts;
     Scheduler &scheduler;
-    Hooks hooks;
+    Notices &notices;
+    Poller &poller;
     Timer again;
     Alive alive;
 };

@@ -11,8 +11,9 @@ namespace {
 constexpr milliseconds SUCCESS_SHOWN = 1400ms;
 }
 
-Pairing::Pairing(const E2State &e, PairState &p, AgentApi &a, PairPanel &w, Scheduler &s, Hooks h)
-    : e2ee(e), pairing(p), api(a), window(w), scheduler(s), hooks(std::move(h)) {
+Pairing::Pairing(const E2State &e, PairState &p, AgentApi &a, PairPanel &w, Scheduler &s, Notices &no, Poller &po,
+                 Hooks h)
+    : e2ee(e), pairing(p), api(a), window(w), scheduler(s), notices(no), poller(po), hooks(std::move(h)) {
     window.connect({.buttonClicked = [this] { pairButtonClicked(); }, .renewClicked = [this] { pairRenewClicked(); }});
 }
 
@@ -44,7 +45,7 @@ void Pairing::follow(const PairUpdate &update) {
             window.hide();
             pairing.pairClosing = pairing.pairSawCode = false;
         });
-        hooks.showHUD(encryptedNotice());
+        notices.showHUD(encryptedNotice());
         break;
     }
     shown = update.view;
@@ -90,7 +91,7 @@ void Pairing::renewed(const std::optional<QJsonObject> &reply) {
     if (!replyOk(reply))
         renewFailure = {.error = multiLine(errText(reply)), .report = e2ee.e2};
     updatePairWindow();
-    hooks.poll();
+    poller.poll();
 }
 
 } // namespace korvel

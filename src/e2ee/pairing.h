@@ -1,11 +1,12 @@
 #pragma once
 
 #include "app/model/tray_state.h"
-#include "app/notices.h"
 #include "base/alive.h"
 #include "base/scheduler.h"
 #include "e2ee/pair_panel.h"
 #include "e2ee/pair_view.h"
+#include "ports/notices.h"
+#include "ports/poller.h"
 #include "service/agent_api.h"
 
 #include <functional>
@@ -18,13 +19,11 @@ class Pairing {
 public:
     struct Hooks {
         std::function<PairContext()> context;
-        std::function<void()> poll;
-        std::function<void(const Notice &)> showHUD;
         std::function<void()> startBrowserLogin;
         std::function<void()> logoutDialog;
     };
     Pairing(const E2State &e2ee, PairState &pairing, AgentApi &api, PairPanel &window, Scheduler &scheduler,
-            Hooks hooks);
+            Notices &notices, Poller &poller, Hooks hooks);
 
     /// Recomputes the window; nothing while it is not on the screen.
     void updatePairWindow();
@@ -51,6 +50,8 @@ private:
     AgentApi &api;
     PairPanel &window;
     Scheduler &scheduler;
+    Notices &notices;
+    Poller &poller;
     Hooks hooks;
     std::optional<RenewFailure> renewFailure;
     PairView shown;

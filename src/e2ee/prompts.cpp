@@ -5,24 +5,24 @@
 namespace korvel {
 
 void Prompts::e2Prompt(const PairContext &context) {
-    hooks.updatePairWindow();
-    hooks.askAgain();
-    const E2Prompt prompt = takePrompt(e2ee, pairing,
+    pairing.updatePairWindow();
+    approval.askAgain();
+    const E2Prompt prompt = takePrompt(e2ee, pairState,
                                        {.bound = context.bound,
                                         .authDead = context.authDead,
-                                        .pairWindowVisible = hooks.pairWindowVisible(),
-                                        .e2Modal = hooks.alertOpen()});
+                                        .pairWindowVisible = pairing.isVisible(),
+                                        .e2Modal = alerts.isOpen()});
     if (prompt.announceActive)
-        hooks.showHUD(encryptedNotice());
+        notices.showHUD(encryptedNotice());
     switch (prompt.kind) {
     case E2Prompt::Kind::None:
         return;
     case E2Prompt::Kind::PairWindow:
-        return hooks.showPairWindow();
+        return pairing.showPairWindow(OpenedBy::Itself);
     case E2Prompt::Kind::Approval:
-        return hooks.showApprove(prompt.subject);
+        return approval.showApprove(prompt.subject, OpenedBy::Itself);
     case E2Prompt::Kind::Alarm:
-        return hooks.showAlarm(prompt.subject);
+        return alarms.showAlarm(prompt.subject, OpenedBy::Itself);
     }
 }
 

@@ -7,7 +7,7 @@ namespace korvel {
 
 void SpeechInstall::e2AsrInstall() {
     e2Post(api, installSpeechRequest(), alive.guard([this](const std::optional<QJsonObject> &reply) {
-        hooks.showHUD(replyOk(reply) ? speechDownloadNotice() : noSpeechDownloadNotice(reply));
+        notices.showHUD(replyOk(reply) ? speechDownloadNotice() : noSpeechDownloadNotice(reply));
     }));
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/notices.h"
 #include "base/alive.h"
+#include "ports/notices.h"
 #include "service/agent_api.h"
 
 #include <functional>
@@ -11,16 +11,13 @@ namespace korvel {
 /// Asks the agent to install speech recognition; its report shows the progress.
 class SpeechInstall {
 public:
-    struct Hooks {
-        std::function<void(const Notice &)> showHUD;
-    };
-    SpeechInstall(AgentApi &a, Hooks h) : api(a), hooks(std::move(h)) {}
+    SpeechInstall(AgentApi &a, Notices &n) : api(a), notices(n) {}
 
     void e2AsrInstall();
 
 private:
     AgentApi &api;
-    Hooks hooks;
+    Notices &notices;
     Alive alive;
 };
 

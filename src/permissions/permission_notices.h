@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/model/tray_state.h"
-#include "app/notices.h"
+#include "ui/views/notice_view.h"
 
 namespace korvel {
 

@@ -17,8 +17,8 @@ const AgentRequest PROMPTS{
 } // namespace
 
 Permissions::Permissions(PermissionState &p, const HealthState &st, AgentApi &a, Desktop &d, const Scheduler &s,
-                         Hooks h)
-    : permissions(p), health(st), api(a), desktop(d), scheduler(s), hooks(std::move(h)) {}
+                         Notices &no, Renderer &re)
+    : permissions(p), health(st), api(a), desktop(d), scheduler(s), notices(no), renderer(re) {}
 
 void Permissions::fetchPerms(std::function<void()> then) {
     const auto finish = [then = std::move(then)] {
@@ -43,19 +43,19 @@ void Permissions::fetchPerms(std::function<void()> then) {
 void Permissions::applyPerms(const QJsonObject &reply) {
     applyPermReply(permissions, reply);
     permissions.permsFetchedAt = scheduler.now();
-    hooks.render();
+    renderer.stateChanged();
 }
 
 void Permissions::askPerms() {
     if (!health.running || permissions.permsRequesting)
         return;
     permissions.permsRequesting = true;
-    hooks.render();
-    hooks.showHUD(promptsComingNotice());
+    renderer.stateChanged();
+    notices.showHUD(promptsComingNotice());
     api.send(PROMPTS, Done<QJsonObject>(alive.guard([this](const Result<QJsonObject> &reply) {
                  permissions.permsRequesting = false;
                  asked(reply);
-                 hooks.render();
+                 renderer.stateChanged();
              })));
 }
 
@@ -63,10 +63,11 @@ void Permissions::asked(const Result<QJsonObject> &reply) {
     if (!reply) {
         if (reply.error().kind != ErrorKind::UnreadableAnswer)
             log(u"[perms] 申请没成: "_s + reply.error().detail);
-        return hooks.showHUD(permissionsNotRequestedNotice());
+        return notices.showHUD(permissionsNotRequestedNotice());
     }
     applyPerms(reply.value());
-    hooks.showHUD(holdsPermItems(reply.value()) ? permissionVerdictNotice(permissions) : permissionsRequestedNotice());
+    notices.showHUD(holdsPermItems(reply.value()) ? permissionVerdictNotice(permissions)
+                                                  : permissionsRequestedNotice());
 }
 
 void Permissions::openPermPane(const QJsonValue &pane) const {

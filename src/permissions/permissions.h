@@ -1,10 +1,11 @@
 #pragma once
 
 #include "app/model/tray_state.h"
-#include "app/notices.h"
 #include "base/alive.h"
 #include "base/scheduler.h"
 #include "ports/desktop.h"
+#include "ports/notices.h"
+#include "ports/renderer.h"
 #include "service/agent_api.h"
 
 #include <functional>
@@ -14,12 +15,8 @@ namespace korvel {
 /// Follows which macOS permissions the agent holds, has it ask for the missing ones, and opens their settings.
 class Permissions {
 public:
-    struct Hooks {
-        std::function<void()> render;
-        std::function<void(const Notice &)> showHUD;
-    };
     Permissions(PermissionState &permissions, const HealthState &health, AgentApi &api, Desktop &desktop,
-                const Scheduler &scheduler, Hooks hooks);
+                const Scheduler &scheduler, Notices &notices, Renderer &renderer);
 
     /// Asks the agent for its permissions, then calls `then`; at once while such a question is under way.
     void fetchPerms(std::function<void()> then = {});
@@ -37,7 +34,8 @@ private:
     AgentApi &api;
     Desktop &desktop;
     const Scheduler &scheduler;
-    Hooks hooks;
+    Notices &notices;
+    Renderer &renderer;
     Alive alive;
 };
 

@@ -65,4 +65,6 @@ bool AgentConfig::succeeded(const std::error_code &error) const {
 
 QString cfgText(const QJsonObject &cfg, QStringView key) { return cfg.value(key).toString(); }
 
+bool bound(const QJsonObject &cfg) { return !cfgText(cfg, u"agentToken").isEmpty(); }
+
 } // namespace korvel

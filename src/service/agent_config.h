@@ -50,4 +50,7 @@ private:
 /// The text under `key`, or the empty text when it is absent or not a text.
 QString cfgText(const QJsonObject &cfg, QStringView key);
 
+/// Whether this Mac is bound to an account.
+bool bound(const QJsonObject &cfg);
+
 } // namespace korvel

@@ -1,8 +1,8 @@
 #include "service/agent_control.h"
 
-#include "account/server_rules.h"
 #include "app/model/situation.h"
 #include "ports/system_tools.h"
+#include "service/job_state.h"
 #include "service/service_notices.h"
 
 #include <QFileInfo>
@@ -17,8 +17,8 @@ constexpr milliseconds QUIT_TIMEOUT = 30s;
 }
 
 AgentControl::AgentControl(TrayState &st, const FixedConfig &f, const Paths &p, const AgentConfig &c,
-                           ServiceControl &sv, Programs &pr, Desktop &d, Scheduler &s, Hooks h)
-    : state(st), fixed(f), paths(p), config(c), services(sv), programs(pr), desktop(d), scheduler(s),
+                           ServiceControl &sv, Programs &pr, Desktop &d, Scheduler &s, Notices &no, Hooks h)
+    : state(st), fixed(f), paths(p), config(c), services(sv), programs(pr), desktop(d), scheduler(s), notices(no),
       hooks(std::move(h)) {}
 
 void AgentControl::ensureAgentLoaded(std::function<void()> then) {
@@ -74,7 +74,7 @@ void AgentControl::startStoppedAgent(std::function<void()> then) {
 void AgentControl::quitAll() {
     if (std::exchange(quitting, true))
         return;
-    hooks.showHUD(quittingNotice());
+    notices.showHUD(quittingNotice());
     // A service manager that hangs must not keep the user from quitting.
     quitAnyway = scheduler.after(QUIT_TIMEOUT, [this] { desktop.terminate(); });
     auto stopped = [&sv = services, &pr = programs, label = fixed.AGENT_LABEL] {
@@ -95,7 +95,7 @@ void AgentControl::openLog() {
     if (QFileInfo::exists(paths.logFile))
         desktop.openUrl(QUrl::fromLocalFile(paths.logFile).toString(QUrl::FullyEncoded));
     else
-        hooks.showHUD(noLogNotice());
+        notices.showHUD(noLogNotice());
 }
 
 } // namespace korvel

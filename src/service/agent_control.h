@@ -2,9 +2,9 @@
 
 #include "app/model/paths.h"
 #include "app/model/tray_state.h"
-#include "app/notices.h"
 #include "base/alive.h"
 #include "ports/desktop.h"
+#include "ports/notices.h"
 #include "ports/programs.h"
 #include "ports/service_control.h"
 #include "service/agent_config.h"
@@ -17,11 +17,11 @@ namespace korvel {
 class AgentControl {
 public:
     struct Hooks {
-        std::function<void(const Notice &)> showHUD;
         std::function<void()> repairService;
     };
     AgentControl(TrayState &state, const FixedConfig &fixed, const Paths &paths, const AgentConfig &config,
-                 ServiceControl &services, Programs &programs, Desktop &desktop, Scheduler &scheduler, Hooks hooks);
+                 ServiceControl &services, Programs &programs, Desktop &desktop, Scheduler &scheduler, Notices &notices,
+                 Hooks hooks);
 
     /// Loads the job when this Mac is bound and the job is not loaded, then calls `then`.
     void ensureAgentLoaded(std::function<void()> then);
@@ -42,6 +42,7 @@ private:
     Programs &programs;
     Desktop &desktop;
     Scheduler &scheduler;
+    Notices &notices;
     Hooks hooks;
     bool quitting = false;
     Timer quitAnyway;

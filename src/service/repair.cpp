@@ -2,6 +2,7 @@
 
 #include "app/model/situation.h"
 #include "base/log.h"
+#include "service/job_state.h"
 #include "service/service_notices.h"
 
 using namespace Qt::StringLiterals;
@@ -26,8 +27,8 @@ bool install(Programs &programs, const QString &agent, const QString &what) {
 } // namespace
 
 Repair::Repair(TrayState &st, const FixedConfig &f, const Paths &p, const AgentCommand &c, Programs &pr, Scheduler &s,
-               Hooks h)
-    : state(st), fixed(f), paths(p), command(c), programs(pr), scheduler(s), hooks(std::move(h)) {}
+               Notices &no, Poller &po, Renderer &re)
+    : state(st), fixed(f), paths(p), command(c), programs(pr), scheduler(s), notices(no), poller(po), renderer(re) {}
 
 void Repair::repairService(std::function<void()> then) {
     const auto finish = [then = std::move(then)] {
@@ -39,12 +40,12 @@ void Repair::repairService(std::function<void()> then) {
     const auto agent = command.bundledAgent();
     if (!agent) {
         state.service.repairFailed = true;
-        hooks.render();
+        renderer.stateChanged();
         return finish();
     }
     state.service.repairing = true;
     state.service.repairFailed = false;
-    hooks.render();
+    renderer.stateChanged();
     auto installed = [&pr = programs, agent = *agent] {
         // First, and not decisive: the job is what the tray needs.
         install(pr, agent, u"install-hooks"_s);
@@ -58,14 +59,14 @@ void Repair::repaired(bool good, std::function<void()> then) {
     state.service.repairFailed = !good;
     if (good)
         expectNewJob(state.health, scheduler.now());
-    hooks.poll(std::move(then));
+    poller.poll(std::move(then));
 }
 
 void Repair::repairClicked() {
     if (state.service.repairing) // the one under way is what was asked for
         return;
     repairService(
-        [this] { hooks.showHUD(plistExists(paths) ? repairedNotice() : repairFailedNotice(fixed.SITE_URL)); });
+        [this] { notices.showHUD(plistExists(paths) ? repairedNotice() : repairFailedNotice(fixed.SITE_URL)); });
 }
 
 } // namespace korvel

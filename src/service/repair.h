@@ -3,10 +3,12 @@
 #include "app/model/fixed_config.h"
 #include "app/model/paths.h"
 #include "app/model/tray_state.h"
-#include "app/notices.h"
 #include "base/alive.h"
 #include "base/scheduler.h"
+#include "ports/notices.h"
+#include "ports/poller.h"
 #include "ports/programs.h"
+#include "ports/renderer.h"
 #include "service/agent_command.h"
 
 #include <functional>
@@ -16,13 +18,8 @@ namespace korvel {
 /// Has the agent program of the tray's own bundle install its launchd job and its hooks anew.
 class Repair {
 public:
-    struct Hooks {
-        std::function<void()> render;
-        std::function<void(std::function<void()> then)> poll;
-        std::function<void(const Notice &)> showHUD;
-    };
     Repair(TrayState &state, const FixedConfig &fixed, const Paths &paths, const AgentCommand &command,
-           Programs &programs, Scheduler &scheduler, Hooks hooks);
+           Programs &programs, Scheduler &scheduler, Notices &notices, Poller &poller, Renderer &renderer);
 
     /// Repairs, polls the agent, then calls `then`; at once while a repair runs.
     void repairService(std::function<void()> then);
@@ -38,7 +35,9 @@ private:
     const AgentCommand &command;
     Programs &programs;
     Scheduler &scheduler;
-    Hooks hooks;
+    Notices &notices;
+    Poller &poller;
+    Renderer &renderer;
     Alive alive;
 };
 

@@ -1,8 +1,8 @@
 #include "service/sync_toggle.h"
 
-#include "account/server_rules.h"
 #include "app/model/situation.h"
 #include "app/model/wording.h"
+#include "service/job_state.h"
 
 namespace korvel {
 
@@ -43,19 +43,20 @@ Notice toggleNotice(ToggleDirection direction, ServiceResult look, bool running,
 }
 
 SyncToggle::SyncToggle(TrayState &st, const FixedConfig &f, const Paths &p, const AgentConfig &c, ServiceControl &sv,
-                       Scheduler &s, Hooks h)
-    : state(st), fixed(f), paths(p), config(c), services(sv), scheduler(s), hooks(std::move(h)) {}
+                       Scheduler &s, Notices &no, Poller &po, Renderer &re, Repair &rep, Hooks h)
+    : state(st), fixed(f), paths(p), config(c), services(sv), scheduler(s), notices(no), poller(po), renderer(re),
+      repair(rep), hooks(std::move(h)) {}
 
 void SyncToggle::toggleAgent() {
     if (!bound(config.readCfg()))
         return hooks.showLogin();
     if (!plistExists(paths))
-        return hooks.repairService();
+        return repair.repairService({});
     if (state.service.busy)
         return;
     state.service.busy = true;
     const ToggleDirection direction = toggleDirection(state.health);
-    hooks.render();
+    renderer.stateChanged();
     if (direction == ToggleDirection::Pause)
         pause();
     else
@@ -102,12 +103,12 @@ void SyncToggle::settle(ToggleDirection direction, ServiceResult look) {
         state.health.jobCheckedAt = scheduler.now();
         if (direction == ToggleDirection::Resume && look == ServiceResult::Succeeded)
             countAsStarting(state.health, scheduler.now());
-        hooks.poll([this, direction, look] { report(direction, look); });
+        poller.poll([this, direction, look] { report(direction, look); });
     });
 }
 
 void SyncToggle::report(ToggleDirection direction, ServiceResult look) {
-    hooks.showHUD(toggleNotice(direction, look, state.health.running, hooks.statusLine()));
+    notices.showHUD(toggleNotice(direction, look, state.health.running, hooks.statusLine()));
 }
 
 } // namespace korvel

@@ -2,10 +2,13 @@
 
 #include "app/model/paths.h"
 #include "app/model/tray_state.h"
-#include "app/notices.h"
 #include "base/alive.h"
+#include "ports/notices.h"
+#include "ports/poller.h"
+#include "ports/renderer.h"
 #include "ports/service_control.h"
 #include "service/agent_config.h"
+#include "service/repair.h"
 
 #include <functional>
 #include <optional>
@@ -24,15 +27,12 @@ Notice toggleNotice(ToggleDirection direction, ServiceResult look, bool running,
 class SyncToggle {
 public:
     struct Hooks {
-        std::function<void()> render;
-        std::function<void(std::function<void()> then)> poll;
-        std::function<void(const Notice &)> showHUD;
         std::function<QString()> statusLine;
         std::function<void()> showLogin;
-        std::function<void()> repairService;
     };
     SyncToggle(TrayState &state, const FixedConfig &fixed, const Paths &paths, const AgentConfig &config,
-               ServiceControl &services, Scheduler &scheduler, Hooks hooks);
+               ServiceControl &services, Scheduler &scheduler, Notices &notices, Poller &poller, Renderer &renderer,
+               Repair &repair, Hooks hooks);
 
     /// Pauses or resumes; ignored while an earlier one is under way. What is missing for it is asked for instead: a
     /// sign-in, or a repair of the installation.
@@ -51,6 +51,10 @@ private:
     const AgentConfig &config;
     ServiceControl &services;
     Scheduler &scheduler;
+    Notices &notices;
+    Poller &poller;
+    Renderer &renderer;
+    Repair &repair;
     Hooks hooks;
     Timer next;
     Alive alive;

@@ -4,6 +4,7 @@
 #include "base/json_bounds.h"
 #include "e2ee/report.h"
 #include "permissions/permission_rules.h"
+#include "service/job_state.h"
 
 namespace korvel {
 

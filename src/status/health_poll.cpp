@@ -1,8 +1,9 @@
 #include "status/health_poll.h"
 
-#include "account/server_rules.h"
 #include "app/model/situation.h"
 #include "app/model/wording.h"
+#include "service/agent_config.h"
+#include "service/job_state.h"
 
 #include <utility>
 
@@ -26,8 +27,9 @@ Notice lostSignInNotice(HealthEffects::Notice which) {
 }
 
 HealthPoll::HealthPoll(TrayState &s, const FixedConfig &f, const AgentConfig &c, AgentApi &a, ServiceControl &sc,
-                       Scheduler &sch, Hooks h)
-    : state(s), fixed(f), config(c), api(a), services(sc), scheduler(sch), hooks(std::move(h)) {}
+                       Scheduler &sch, Notices &no, Renderer &re, Hooks h)
+    : state(s), fixed(f), config(c), api(a), services(sc), scheduler(sch), notices(no), renderer(re),
+      hooks(std::move(h)) {}
 
 void HealthPoll::start() {
     timer = scheduler.every(PERIOD, [this] { tick(); });
@@ -50,25 +52,25 @@ void HealthPoll::poll(std::function<void()> then) {
 
 void HealthPoll::answered(quint64 generation, const Result<QJsonObject> &reply, const std::function<void()> &then) {
     // Polls overlap. An answer to an older question says less than what is already shown.
-    const QJsonObject cfg = config.readCfg();
     if (generation < applied)
-        return follow({}, cfg, then);
+        return follow({}, then);
     applied = generation;
+    const QJsonObject cfg = config.readCfg();
     follow(applyHealth(state, healthAnswer(reply),
                        {.now = scheduler.now(), .bound = bound(cfg), .username = cfgText(cfg, u"username")}),
-           cfg, then);
+           then);
 }
 
-void HealthPoll::follow(const HealthEffects &effects, const QJsonObject &cfg, const std::function<void()> &then) {
+void HealthPoll::follow(const HealthEffects &effects, const std::function<void()> &then) {
     if (effects.notice != HealthEffects::Notice::None)
-        hooks.showHUD(lostSignInNotice(effects.notice));
+        notices.showHUD(lostSignInNotice(effects.notice));
     if (effects.fetchPerms)
         hooks.fetchPerms();
-    hooks.render(cfg);
+    renderer.stateChanged();
     if (effects.checkJob) // the silence is shown, the job's state only when the service manager has answered
         return checkJob(then);
     // Last, because it opens windows; `then` may be the end of this object.
-    auto react = alive.guard([this, &cfg] { hooks.e2Prompt(cfg); });
+    auto react = alive.guard([this] { hooks.e2Prompt(); });
     if (then)
         then();
     if (effects.reactToReport)
@@ -86,7 +88,7 @@ void HealthPoll::checkJob(const std::function<void()> &then) {
                              checkingJob = false;
                              if (state.health.jobChanges == changes)
                                  applyLook(state.health, look);
-                             hooks.render(config.readCfg());
+                             renderer.stateChanged();
                              for (const auto &waiting : std::exchange(afterJobCheck, {}))
                                  waiting();
                          }));

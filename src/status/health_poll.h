@@ -1,8 +1,10 @@
 #pragma once
 
 #include "app/model/tray_state.h"
-#include "app/notices.h"
 #include "base/alive.h"
+#include "ports/notices.h"
+#include "ports/poller.h"
+#include "ports/renderer.h"
 #include "ports/service_control.h"
 #include "service/agent_api.h"
 #include "status/health.h"
@@ -16,29 +18,24 @@ namespace korvel {
 Notice lostSignInNotice(HealthEffects::Notice which);
 
 /// Asks the agent every 3 seconds how it is, and looks after its job when it does not answer.
-class HealthPoll {
+class HealthPoll : public Poller {
 public:
     struct Hooks {
-        /// `cfg` is the agent configuration as it was read for the answer: a poll reads it once.
-        std::function<void(const QJsonObject &cfg)> render;
-        std::function<void(const QJsonObject &cfg)> e2Prompt; ///< Reacts to a new encryption report.
+        std::function<void()> e2Prompt; ///< Reacts to a new encryption report.
         std::function<void()> fetchPerms;
-        std::function<void(const Notice &)> showHUD;
     };
     HealthPoll(TrayState &state, const FixedConfig &fixed, const AgentConfig &config, AgentApi &api,
-               ServiceControl &services, Scheduler &scheduler, Hooks hooks);
+               ServiceControl &services, Scheduler &scheduler, Notices &notices, Renderer &renderer, Hooks hooks);
 
     /// Starts the 3-second timer.
     void start();
-    /// Polls once; `then` runs after the answer, or its absence, has been applied and shown.
-    void poll(std::function<void()> then = {});
-    /// Answers to questions of before this moment are not applied any more.
-    void disregardOpenPolls() { applied = sent + 1; }
+    void poll(std::function<void()> then = {}) override;
+    void ignorePollsInFlight() override { applied = sent + 1; }
 
 private:
     void tick();
     void answered(quint64 generation, const Result<QJsonObject> &reply, const std::function<void()> &then);
-    void follow(const HealthEffects &effects, const QJsonObject &cfg, const std::function<void()> &then);
+    void follow(const HealthEffects &effects, const std::function<void()> &then);
     void checkJob(const std::function<void()> &then);
 
     TrayState &state;
@@ -47,6 +44,8 @@ private:
     AgentApi &api;
     ServiceControl &services;
     Scheduler &scheduler;
+    Notices &notices;
+    Renderer &renderer;
     Hooks hooks;
     int open = 0;             ///< Polls whose answer is outstanding.
     quint64 sent = 0;         ///< Generation of the poll sent last.

@@ -46,11 +46,11 @@ void StartupReport::startupReport(int attempt) {
     const Situation situation = hooks.situation();
     if (startupReportDue(situation, attempt)) {
         if (const auto notice = startupNotice(situation))
-            hooks.showHUD(*notice);
+            notices.showHUD(*notice);
         return;
     }
     retry =
-        scheduler.after(RETRY_AFTER, [this, attempt] { hooks.poll([this, attempt] { startupReport(attempt + 1); }); });
+        scheduler.after(RETRY_AFTER, [this, attempt] { poller.poll([this, attempt] { startupReport(attempt + 1); }); });
 }
 
 } // namespace korvel

@@ -1,7 +1,8 @@
 #pragma once
 
 #include "app/model/situation.h"
-#include "app/notices.h"
+#include "ports/notices.h"
+#include "ports/poller.h"
 
 #include <functional>
 #include <optional>
@@ -18,17 +19,18 @@ std::optional<Notice> startupNotice(const Situation &situation);
 class StartupReport {
 public:
     struct Hooks {
-        std::function<void(std::function<void()> then)> poll;
         std::function<Situation()> situation;
-        std::function<void(const Notice &)> showHUD;
     };
-    StartupReport(Scheduler &s, Hooks h) : scheduler(s), hooks(std::move(h)) {}
+    StartupReport(Scheduler &s, Notices &n, Poller &po, Hooks h)
+        : scheduler(s), notices(n), poller(po), hooks(std::move(h)) {}
 
     /// Reports now, or polls again in a moment. The completion of launch's first poll.
     void startupReport(int attempt);
 
 private:
     Scheduler &scheduler;
+    Notices &notices;
+    Poller &poller;
     Hooks hooks;
     Timer retry;
 };

@@ -20,8 +20,8 @@ std::optional<ServerRequest> buildManifest(const QString &server) {
 }
 
 UpdateCheck::UpdateCheck(UpdateState &u, const FixedConfig &f, const AgentConfig &c, ServerClient &sc,
-                         const Scheduler &s, Hooks hk)
-    : update(u), fixed(f), config(c), servers(sc), scheduler(s), hooks(std::move(hk)) {}
+                         const Scheduler &s, Notices &no, Renderer &re)
+    : update(u), fixed(f), config(c), servers(sc), scheduler(s), notices(no), renderer(re) {}
 
 void UpdateCheck::checkUpdate(bool manual) {
     auto request = buildManifest(serverOf(fixed, config.readCfg()));
@@ -46,14 +46,14 @@ void UpdateCheck::answered(const Result<HttpReply> &reply, bool manual) {
 void UpdateCheck::notChecked(const QString &why, const QString &sentence, bool manual) {
     log(u"[update] 清单取不到:"_s + why);
     if (manual)
-        hooks.showHUD(notCheckedNotice(sentence));
+        notices.showHUD(notCheckedNotice(sentence));
 }
 
 void UpdateCheck::found(const UpdateInfo &info, bool manual) {
     // Until what was installed takes over, nothing older than that may come after it either.
     if (!isNewer(info.ver, fixed.VERSION) || !isNewer(info.ver, update.updatedTo)) {
         if (manual)
-            hooks.showHUD(upToDateNotice(fixed.VERSION));
+            notices.showHUD(upToDateNotice(fixed.VERSION));
         return;
     }
     if (!isWellFormed(info))
@@ -72,7 +72,7 @@ void UpdateCheck::refuse(const UpdateInfo &info, bool manual) {
     log(u"[update] %1 没通过签名校验(file=%2 sha=%3 sig=%4),不提供自动更新"_s.arg(info.ver, info.file, info.sha,
                                                                                   info.sig));
     if (manual)
-        hooks.showHUD(unsignedNotice(info.ver, fixed.SITE_URL));
+        notices.showHUD(unsignedNotice(info.ver, fixed.SITE_URL));
 }
 
 void UpdateCheck::announce(const UpdateInfo &info, bool manual) {
@@ -80,11 +80,11 @@ void UpdateCheck::announce(const UpdateInfo &info, bool manual) {
     if (update.updateBusy)
         return;
     update.updateAvail = info;
-    hooks.render();
+    renderer.stateChanged();
     if (!manual && update.updateNotified)
         return;
     update.updateNotified = true;
-    hooks.showHUD(availableNotice(info.ver));
+    notices.showHUD(availableNotice(info.ver));
 }
 
 } // namespace korvel

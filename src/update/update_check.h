@@ -2,9 +2,10 @@
 
 #include "app/model/fixed_config.h"
 #include "app/model/tray_state.h"
-#include "app/notices.h"
 #include "base/alive.h"
 #include "base/scheduler.h"
+#include "ports/notices.h"
+#include "ports/renderer.h"
 #include "ports/server_client.h"
 #include "service/agent_config.h"
 
@@ -19,12 +20,8 @@ std::optional<ServerRequest> buildManifest(const QString &server);
 /// Looks for a newer package on the account server and announces one that the publisher signed.
 class UpdateCheck {
 public:
-    struct Hooks {
-        std::function<void()> render;
-        std::function<void(const Notice &)> showHUD;
-    };
     UpdateCheck(UpdateState &update, const FixedConfig &fixed, const AgentConfig &config, ServerClient &servers,
-                const Scheduler &scheduler, Hooks hooks);
+                const Scheduler &scheduler, Notices &notices, Renderer &renderer);
 
     /// One check; only one that the user asked for (`manual`) speaks of failures.
     void checkUpdate(bool manual);
@@ -41,7 +38,8 @@ private:
     const AgentConfig &config;
     ServerClient &servers;
     const Scheduler &scheduler;
-    Hooks hooks;
+    Notices &notices;
+    Renderer &renderer;
     Alive alive;
 };
 

@@ -47,9 +47,10 @@ std::optional<ServerRequest> buildDownload(const QString &server, const UpdateIn
 }
 
 UpdateInstall::UpdateInstall(UpdateState &u, const FixedConfig &f, const Paths &p, const AgentConfig &c,
-                             ServerClient &sc, Programs &pr, Desktop &d, Scheduler &s, Hooks hk)
-    : update(u), fixed(f), paths(p), config(c), servers(sc), programs(pr), desktop(d), scheduler(s),
-      hooks(std::move(hk)) {}
+                             ServerClient &sc, Programs &pr, Desktop &d, Scheduler &s, Notices &no, Poller &po,
+                             Renderer &re)
+    : update(u), fixed(f), paths(p), config(c), servers(sc), programs(pr), desktop(d), scheduler(s), notices(no),
+      poller(po), renderer(re) {}
 
 QString UpdateInstall::cached(const UpdateInfo &info) const { return paths.updateDir + u'/' + info.file; }
 
@@ -57,7 +58,7 @@ void UpdateInstall::installUpdate() {
     if (!update.updateAvail || update.updateBusy)
         return;
     update.updateBusy = true;
-    hooks.render();
+    renderer.stateChanged();
     const UpdateInfo info = *update.updateAvail;
     verifyUpdate(servers, fixed, info, Done<bool>(alive.guard([this, info](const Result<bool> &valid) {
                      if (!valid)
@@ -65,7 +66,7 @@ void UpdateInstall::installUpdate() {
                      if (valid.value())
                          return begin(info);
                      update.updateBusy = false;
-                     hooks.render();
+                     renderer.stateChanged();
                  })));
 }
 
@@ -94,8 +95,8 @@ void UpdateInstall::startDownload(const UpdateInfo &info) {
     if (!request)
         return end(downloadFailedNotice());
     update.updatePct = 0;
-    hooks.render();
-    hooks.showHUD(downloadingNotice(info));
+    renderer.stateChanged();
+    notices.showHUD(downloadingNotice(info));
     servers.download(*request, cached(info) + UNFINISHED,
                      alive.guard([this, info](qint64 got, qint64 expected) { progress(got, expected, info); }),
                      Done<HttpReply>(alive.guard([this, info](const Result<HttpReply> &r) { downloaded(r, info); })));
@@ -109,7 +110,7 @@ void UpdateInstall::progress(qint64 got, qint64 expected, const UpdateInfo &info
     if (update.updatePct == percent)
         return;
     update.updatePct = percent;
-    hooks.render();
+    renderer.stateChanged();
 }
 
 void UpdateInstall::downloaded(const Result<HttpReply> &reply, const UpdateInfo &info) {
@@ -147,7 +148,7 @@ void UpdateInstall::keep(const UpdateInfo &info) {
 }
 
 void UpdateInstall::installPkg(const UpdateInfo &info) {
-    hooks.render();
+    renderer.stateChanged();
     ifUnchanged(info, [this, info] { runInstaller(info); });
 }
 
@@ -171,8 +172,8 @@ void UpdateInstall::ifUnchanged(const UpdateInfo &info, std::function<void()> th
 
 void UpdateInstall::runInstaller(const UpdateInfo &info) {
     update.updatePrompting = true;
-    hooks.render();
-    hooks.showHUD(installingNotice(info.ver));
+    renderer.stateChanged();
+    notices.showHUD(installingNotice(info.ver));
     ProgramRun install = buildInstall(cached(info), info);
     install.stop = installer = StopToken();
     auto run = [&pr = programs, path = cached(info), install = std::move(install)] {
@@ -194,7 +195,7 @@ void UpdateInstall::installed(const ProgramResult &result, const UpdateInfo &inf
         update.updatedTo = info.ver;
         QFile::remove(cached(info));
         end(installedNotice(info.ver));
-        return hooks.poll();
+        return poller.poll();
     case InstallOutcome::Cancelled:
         return end(installCancelledNotice(info.ver));
     case InstallOutcome::Modified:
@@ -220,8 +221,8 @@ void UpdateInstall::refuseModified(const UpdateInfo &info) {
 void UpdateInstall::end(const Notice &notice) {
     update.updateBusy = false;
     update.updatePct.reset();
-    hooks.render();
-    hooks.showHUD(notice);
+    renderer.stateChanged();
+    notices.showHUD(notice);
 }
 
 } // namespace korvel

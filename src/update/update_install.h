@@ -3,11 +3,13 @@
 #include "app/model/fixed_config.h"
 #include "app/model/paths.h"
 #include "app/model/tray_state.h"
-#include "app/notices.h"
 #include "base/alive.h"
 #include "base/scheduler.h"
 #include "ports/desktop.h"
+#include "ports/notices.h"
+#include "ports/poller.h"
 #include "ports/programs.h"
+#include "ports/renderer.h"
 #include "ports/server_client.h"
 #include "service/agent_config.h"
 
@@ -23,13 +25,9 @@ std::optional<ServerRequest> buildDownload(const QString &server, const UpdateIn
 /// rights. What was checked once is checked again at the next step, because the cache belongs to the user.
 class UpdateInstall {
 public:
-    struct Hooks {
-        std::function<void()> render;
-        std::function<void()> poll;
-        std::function<void(const Notice &)> showHUD;
-    };
     UpdateInstall(UpdateState &update, const FixedConfig &fixed, const Paths &paths, const AgentConfig &config,
-                  ServerClient &servers, Programs &programs, Desktop &desktop, Scheduler &scheduler, Hooks hooks);
+                  ServerClient &servers, Programs &programs, Desktop &desktop, Scheduler &scheduler, Notices &notices,
+                  Poller &poller, Renderer &renderer);
 
     void installUpdate();
     /// Gives up the administrator's prompt, which has no time limit of its own.
@@ -58,7 +56,9 @@ private:
     Programs &programs;
     Desktop &desktop;
     Scheduler &scheduler;
-    Hooks hooks;
+    Notices &notices;
+    Poller &poller;
+    Renderer &renderer;
     StopToken installer; ///< Of the run that asks for an administrator.
     Alive alive;
 };

@@ -27,7 +27,8 @@ struct PanelTest : PanelTray {
         TrayState state;
         applyHealth(state, health, {.now = Clock::now(), .bound = true, .username = u"ann"_s});
         const Situation situation{.state = state,
-                                  .config = built,
+                                  .isCn = built.IS_CN,
+                                  .version = built.VERSION,
                                   .timing = timingOf(state.health, Clock::now()),
                                   .bound = true,
                                   .plistExists = true,

@@ -114,7 +114,7 @@ TEST_F(UpdateJourneyTest, ADownloadOrInstallationThatGoesWrongInstallsNothingAnd
     const auto expectRefused = [&](const QString &notice, Stays stays = Stays::Nothing) {
         desktop.opened.clear();
         EXPECT_EQ(install(), notice);
-        EXPECT_TRUE(isOffered(u"2.0"_s));
+        EXPECT_TRUE(eventually([&] { return isOffered(u"2.0"_s); }));
         EXPECT_EQ(cached(), stays == Stays::Nothing ? QStringList() : QStringList{FILE_NAME});
         EXPECT_EQ(stays == Stays::Package, sha256File(package) == sha);
         const QString opened = u"file://"_s + package;

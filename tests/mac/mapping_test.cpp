@@ -2,7 +2,7 @@
 #include "base/log.h"
 #include "exchange/system_network.h"
 #include "mac/native_fake.h"
-#include "platform/net/port_owner.h"
+#include "ports/port_owner.h"
 #include "ports/preferred_languages.h"
 #include "ui/menu/menu_view.h"
 #include "ui/views/edit_menu.h"

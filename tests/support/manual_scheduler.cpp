@@ -16,6 +16,18 @@ Timer ManualScheduler::every(milliseconds period, UniqueFunction<void()> f) {
     return Timer(handle);
 }
 
+/// Outside of advance() every call of a test is a turn of its own.
+void ManualScheduler::beforeWaiting(UniqueFunction<void()> f) {
+    if (!inTurn)
+        return f();
+    atEndOfTurn.push_back(std::move(f));
+}
+
+void ManualScheduler::endTurn() {
+    for (auto &f : std::exchange(atEndOfTurn, {}))
+        f();
+}
+
 void ManualScheduler::runInBackground(UniqueFunction<void()> work, UniqueFunction<void()> then) {
     background.push_back({std::move(work), std::move(then)});
 }
@@ -40,11 +52,13 @@ void ManualScheduler::runBackground() {
         if (threads)
             job.work();
         job.then();
+        endTurn();
     }
 }
 
 void ManualScheduler::advance(milliseconds by) {
     const Instant end = clock + by;
+    const bool outer = !std::exchange(inTurn, true);
     runBackground();
     while (!due.empty() && due.begin()->first <= end) {
         auto node = due.extract(due.begin());
@@ -55,9 +69,12 @@ void ManualScheduler::advance(milliseconds by) {
         if (entry.period > 0ms)
             due.emplace(clock + entry.period, entry);
         (*entry.f)();
+        endTurn();
         runBackground();
     }
     clock = end;
+    if (outer)
+        inTurn = false;
 }
 
 } // namespace korvel::test

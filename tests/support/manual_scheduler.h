@@ -4,6 +4,7 @@
 
 #include <deque>
 #include <map>
+#include <vector>
 
 namespace korvel::test {
 
@@ -14,6 +15,7 @@ public:
     Instant now() const override { return clock; }
     Timer after(milliseconds delay, UniqueFunction<void()> f) override;
     Timer every(milliseconds period, UniqueFunction<void()> f) override;
+    void beforeWaiting(UniqueFunction<void()> f) override;
     void runInBackground(UniqueFunction<void()> work, UniqueFunction<void()> then) override;
 
     void advance(milliseconds by);
@@ -39,12 +41,15 @@ private:
         UniqueFunction<void()> then;
     };
     void runBackground();
+    void endTurn();
 
     Instant clock = Instant(std::chrono::hours(1000));
     std::multimap<Instant, Entry> due;
     std::deque<Job> background;
     std::deque<Job> hanging;
     bool held = false;
+    bool inTurn = false; ///< advance() runs what is due.
+    std::vector<UniqueFunction<void()>> atEndOfTurn;
     bool threads = true;
 };
 

@@ -26,6 +26,7 @@ struct TrayFixture : ::testing::Test {
     ScriptedAlerts alerts;
     RecordedPairPanel pairPanel;
     RecordedLoginPanel loginPanel;
+    LoginPanel *shownLogin = &loginPanel;
     std::unique_ptr<TrayApp> tray;
 
     /// Puts an agent program into the tray's bundle.
@@ -45,9 +46,10 @@ struct TrayFixture : ::testing::Test {
         services.loaded = true;
     }
     void makeTray() {
-        tray = std::make_unique<TrayApp>(home.fixed, home.paths,
-                                         TrayPorts{scheduler, http, http, programs, services, desktop, item, notices,
-                                                   alerts, pairPanel, loginPanel, home.home(), u"/opt/korvel-agent"_s});
+        tray =
+            std::make_unique<TrayApp>(home.fixed, home.paths,
+                                      TrayPorts{scheduler, http, http, programs, services, desktop, item, notices,
+                                                alerts, pairPanel, *shownLogin, home.home(), u"/opt/korvel-agent"_s});
     }
     void launch() {
         makeTray();

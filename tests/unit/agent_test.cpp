@@ -253,16 +253,9 @@ struct AgentControlTest : TrayFixture {
     TrayState state;
     int repairs = 0;
     AgentConfig config{home.paths};
-    AgentControl control{state,
-                         home.fixed,
-                         home.paths,
-                         config,
-                         services,
-                         programs,
-                         desktop,
-                         scheduler,
-                         {.showHUD = [this](const Notice &n) { notices.show({.text = n.text, .error = n.error}, {}); },
-                          .repairService = [this] { ++repairs; }}};
+    TimedNotices hud{notices, desktop, scheduler};
+    AgentControl control{state,    home.fixed, home.paths, config, services,
+                         programs, desktop,    scheduler,  hud,    {.repairService = [this] { ++repairs; }}};
 
     QStringList callsOf(void (AgentControl::*operation)(std::function<void()>)) {
         services.calls.clear();

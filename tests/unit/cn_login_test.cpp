@@ -306,27 +306,16 @@ TEST_F(CnLoginTest, TheWindowKnowsWhoSignsInAgainUnlessTheNameIsMasked) {
     EXPECT_EQ(loginPanel.presented, 4);
 }
 
-/// The sign-in with its real window; the agent refuses whatever is asked of it.
-struct CnLoginControlsTest : ::testing::Test {
-    TestHome home;
-    ManualScheduler scheduler;
-    ScriptedDesktop desktop;
-    HealthState health;
-    AgentConfig config{home.paths};
-    CnLoginPanel panel;
-    QJsonObject request; ///< The last one.
-    CnLogin login{health,
-                  home.fixed,
-                  config,
-                  panel,
-                  desktop,
-                  scheduler,
-                  {.runOp =
-                       [this](const QJsonObject &r, const auto &done) {
-                           request = r;
-                           done(QJsonObject());
-                       },
-                   .signedIn = [](const QString &) {}}};
+/// The sign-in with its real window; the agent refuses every request.
+struct CnLoginControlsTest : CnLoginTest {
+    CnLoginPanel window;
+
+    CnLoginControlsTest() { shownLogin = &window; }
+    void TearDown() override { tray.reset(); }
+    QJsonObject request() {
+        scheduler.settle();
+        return lastRequest();
+    }
 
     template <class Control>
     static Control *find(const QString &text) {
@@ -343,27 +332,27 @@ struct CnLoginControlsTest : ::testing::Test {
 };
 
 TEST_F(CnLoginControlsTest, EveryControlReachesItsRequest) {
-    login.showCnLogin();
+    openWindow();
     click(u"Code"_s);
     type(u"Phone number"_s, u"138"_s);
     type(u"Code"_s, u"123456"_s);
     click(u"Sign In"_s);
-    EXPECT_EQ(request, object(R"({"op":"login-code","phone":"138","code":"123456"})"));
+    EXPECT_EQ(request(), object(R"({"op":"login-code","phone":"138","code":"123456"})"));
     click(u"Password"_s);
     type(u"Password"_s, u"old"_s);
     click(u"Sign In"_s);
-    EXPECT_EQ(request, object(R"({"op":"login","username":"138","password":"old"})"));
+    EXPECT_EQ(request(), object(R"({"op":"login","username":"138","password":"old"})"));
     click(u"Forgot password?"_s);
     type(u"New password"_s, u"new"_s);
     click(u"Sign In"_s);
-    EXPECT_EQ(request, object(R"({"op":"reset","phone":"138","code":"123456","password":"new"})"));
+    EXPECT_EQ(request(), object(R"({"op":"reset","phone":"138","code":"123456","password":"new"})"));
     click(u"Back to sign in"_s);
     click(u"Sign up"_s);
     click(u"Get Code"_s);
-    EXPECT_EQ(request, object(R"({"op":"send-code","phone":"138","purpose":"register"})"));
+    EXPECT_EQ(request(), object(R"({"op":"send-code","phone":"138","purpose":"register"})"));
     find<QCheckBox>(u"I agree to the"_s)->click();
     click(u"Sign Up"_s);
-    EXPECT_EQ(request, object(R"({"op":"register","phone":"138","code":"123456","password":"","agree":true})"));
+    EXPECT_EQ(request(), object(R"({"op":"register","phone":"138","code":"123456","password":"","agree":true})"));
     click(u"Terms of Service"_s);
     click(u"Privacy Policy"_s);
     EXPECT_EQ(desktop.opened, (QStringList{u"https://site.example/cn/terms"_s, u"https://site.example/cn/privacy"_s}));

@@ -1,7 +1,9 @@
 #include "account/server_rules.h"
-#include "app/automation.h"
 #include "app/automation_runs.h"
+#include "app/launch_environment.h"
+#include "app/model/automation.h"
 #include "app/model/fixed_config.h"
+#include "service/agent_config.h"
 #include "support/fakes.h"
 
 #include <pwd.h>

@@ -100,8 +100,13 @@ QStringList block(const char *json, bool running = true, bool bound = true, bool
     state.health.authDead = authDead;
     state.e2ee.e2 = report(json);
     QStringList lines;
-    for (const MenuEntry &e : e2MenuItems(
-             {.state = state, .config = home.fixed, .timing = {}, .bound = bound, .plistExists = true, .server = {}}))
+    for (const MenuEntry &e : e2MenuItems({.state = state,
+                              .isCn = true,
+                              .version = {},
+                              .timing = {},
+                              .bound = bound,
+                              .plistExists = true,
+                              .server = {}}))
         lines.append(e.isSeparator() ? u"---"_s : (e.enabled ? u"[x] "_s : u""_s) + e.title);
     return lines;
 }

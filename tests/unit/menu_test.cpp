@@ -1,3 +1,4 @@
+#include "status/icon.h"
 #include "status/status_line.h"
 #include "support/fakes.h"
 #include "ui/menu/menu_view.h"
@@ -52,7 +53,8 @@ struct Scene : TrayState {
     template <class Rule>
     auto see(Rule rule) const {
         return rule({.state = *this,
-                     .config = fixed,
+                     .isCn = fixed.IS_CN,
+                     .version = fixed.VERSION,
                      .timing = timingOf(health, NOW),
                      .bound = bound,
                      .plistExists = plistExists,

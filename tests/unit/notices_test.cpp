@@ -1,5 +1,5 @@
 #include "account/account_notices.h"
-#include "app/notices.h"
+#include "app/timed_notices.h"
 #include "e2ee/e2ee_notices.h"
 #include "permissions/permission_notices.h"
 #include "service/service_notices.h"
@@ -105,7 +105,7 @@ struct NoticesTest : ::testing::Test {
     RecordedNotices panel;
     ScriptedDesktop desktop;
     ManualScheduler scheduler;
-    Notices notices{panel, desktop, scheduler};
+    TimedNotices notices{panel, desktop, scheduler};
 };
 
 TEST_F(NoticesTest, TheTimerOfAReplacedNoticeLeavesTheNewOneAlone) {

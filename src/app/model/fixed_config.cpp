@@ -1,12 +1,6 @@
 #include "app/model/fixed_config.h"
 
-#include "ports/preferred_languages.h"
-
-#include <QDir>
-#include <QFile>
 #include <algorithm>
-#include <pwd.h>
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -24,20 +18,6 @@ bool isLanguageTag(const QString &language) {
     const auto isOfTag = [](QChar c) { return c == u'-' || (c.unicode() < 128 && c.isLetterOrNumber()); };
     return name >= 2 && name <= MAX_LANGUAGE_LETTERS && language.size() <= MAX_LANGUAGE_LENGTH &&
            std::all_of(language.begin(), language.end(), isOfTag);
-}
-
-std::optional<QString> environmentValue(const char *name) {
-    if (!qEnvironmentVariableIsSet(name))
-        return std::nullopt;
-    return qEnvironmentVariable(name);
-}
-
-/// The user's home directory: where the environment has none, the one that the user database has.
-QString homeFolder() {
-    if (const QString home = qEnvironmentVariable("HOME"); !home.isEmpty())
-        return QDir::cleanPath(home);
-    const passwd *record = ::getpwuid(::getuid());
-    return record ? QFile::decodeName(record->pw_dir) : QDir::rootPath();
 }
 } // namespace
 
@@ -79,14 +59,6 @@ FixedConfig makeFixedConfig(const Deployment &deployment, const LaunchEnvironmen
     config.UPDATE_SIG_PREFIX = u"korvel-update/1"_s;
     config.VERSION = deployment.version;
     return config;
-}
-
-LaunchEnvironment readLaunchEnvironment() {
-    return {.preferredLanguages = preferredLanguages(),
-            .home = homeFolder(),
-            .hookPort = environmentValue("KORVEL_HOOK_PORT"),
-            .korvelHome = environmentValue("KORVEL_HOME"),
-            .automation = environmentValue("KORVEL_TRAY_AUTOMATION")};
 }
 
 } // namespace korvel

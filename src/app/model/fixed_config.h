@@ -59,7 +59,4 @@ QByteArray acceptLanguage(const QStringList &preferredLanguages);
 
 FixedConfig makeFixedConfig(const Deployment &deployment, const LaunchEnvironment &environment);
 
-/// Reads the process's environment and the system's language list.
-LaunchEnvironment readLaunchEnvironment();
-
 } // namespace korvel

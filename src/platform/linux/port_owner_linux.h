@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/net/port_owner.h"
+#include "ports/port_owner.h"
 
 #include <QByteArray>
 #include <optional>

@@ -1,6 +1,6 @@
 #include "platform/linux/running_copies_linux.h"
 
-#include "app/automation.h"
+#include "app/model/automation.h"
 #include "base/private_file.h"
 
 #include <QDir>

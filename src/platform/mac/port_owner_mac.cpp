@@ -1,4 +1,4 @@
-#include "platform/net/port_owner.h"
+#include "ports/port_owner.h"
 
 #include "platform/mac/native_sockets_mac.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/net/port_owner.h"
 #include "ports/http_client.h"
+#include "ports/port_owner.h"
 
 #include <QObject>
 #include <functional>

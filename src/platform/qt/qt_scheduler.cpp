@@ -2,8 +2,10 @@
 
 #include "base/log.h"
 
+#include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QTimer>
+#include <utility>
 
 namespace korvel {
 
@@ -48,6 +50,17 @@ Timer QtScheduler::after(milliseconds delay, UniqueFunction<void()> f) {
 
 Timer QtScheduler::every(milliseconds period, UniqueFunction<void()> f) {
     return Timer(makeTimer(period / speed, false, std::move(f)));
+}
+
+void QtScheduler::beforeWaiting(UniqueFunction<void()> f) {
+    atEndOfTurn.push_back(std::move(f));
+    if (endOfTurn)
+        return;
+    QAbstractEventDispatcher *loop = QAbstractEventDispatcher::instance();
+    endOfTurn = QObject::connect(loop, &QAbstractEventDispatcher::aboutToBlock, loop, alive.guard([this] {
+        for (auto &f : std::exchange(atEndOfTurn, {}))
+            f();
+    }));
 }
 
 void QtScheduler::runInBackground(UniqueFunction<void()> work, UniqueFunction<void()> then) {

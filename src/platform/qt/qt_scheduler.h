@@ -4,7 +4,9 @@
 #include "base/scheduler.h"
 #include "platform/qt/worker_threads.h"
 
+#include <QMetaObject>
 #include <deque>
+#include <vector>
 
 namespace korvel {
 
@@ -18,6 +20,7 @@ public:
     Instant now() const override;
     Timer after(milliseconds delay, UniqueFunction<void()> f) override;
     Timer every(milliseconds period, UniqueFunction<void()> f) override;
+    void beforeWaiting(UniqueFunction<void()> f) override;
     void runInBackground(UniqueFunction<void()> work, UniqueFunction<void()> then) override;
 
     /// Drops background work that has not begun; true when none is under way any more.
@@ -36,6 +39,8 @@ private:
     WorkerThreads workers;
     std::deque<Waiting> waiting;
     Timer retry;
+    std::vector<UniqueFunction<void()>> atEndOfTurn;
+    QMetaObject::Connection endOfTurn; ///< To the event loop, from the first use on.
     Alive alive;
 };
 

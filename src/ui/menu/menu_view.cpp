@@ -19,7 +19,7 @@ void appendSeparator(Entries &entries) {
 }
 
 void appendPasswordSignIn(Entries &entries, const Situation &s) {
-    if (!s.config.IS_CN)
+    if (!s.isCn)
         entries.append(menuItem(L(u"用密码登录…", u"Sign In with Password…"), Action::LoginDialog));
 }
 
@@ -36,8 +36,8 @@ MenuEntry updateItem(const Situation &s) {
     const UpdateState &update = s.state.update;
     MenuEntry item;
     if (!update.updateAvail) {
-        item = menuItem(L(u"检查更新…（当前", u"Check for Updates… (") + s.config.VERSION + L(u"）", u")"),
-                        Action::CheckUpdate);
+        item =
+            menuItem(L(u"检查更新…（当前", u"Check for Updates… (") + s.version + L(u"）", u")"), Action::CheckUpdate);
     } else {
         const QString &version = update.updateAvail->ver;
         QString title = L(u"⬆ 更新到 ", u"⬆ Update to ") + version + u'…';

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "app/model/situation.h"
-
 #include <QString>
 
 namespace korvel {
@@ -13,7 +11,5 @@ struct IconView {
     QString toolTip;    ///< Plain text on one line.
     bool operator==(const IconView &) const = default;
 };
-
-IconView iconView(const Situation &situation);
 
 } // namespace korvel

@@ -4,8 +4,20 @@
 #include <QRect>
 #include <QSize>
 #include <QString>
+#include <chrono>
 
 namespace korvel {
+
+using Seconds = std::chrono::duration<double>;
+
+/// A notice to be shown: what it says, for how long, and what a click opens.
+struct Notice {
+    QString text;
+    Seconds secs{0};
+    bool error = false;
+    QString link = {}; ///< Web address; empty: a click only closes the notice.
+    bool operator==(const Notice &) const = default;
+};
 
 /// One floating notice.
 struct NoticeView {

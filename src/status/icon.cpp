@@ -1,4 +1,4 @@
-#include "ui/views/icon_view.h"
+#include "status/icon.h"
 
 #include "app/model/wording.h"
 #include "base/plain_text.h"

@@ -1,4 +1,4 @@
-#include "platform/qt/unix_signals.h"
+#include "base/unix_signals.h"
 
 #include <QSocketNotifier>
 #include <cerrno>

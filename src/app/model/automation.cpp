@@ -1,4 +1,4 @@
-#include "app/automation.h"
+#include "app/model/automation.h"
 
 namespace korvel {
 

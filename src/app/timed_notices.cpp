@@ -1,11 +1,10 @@
-#include "app/notices.h"
+#include "app/timed_notices.h"
 
 #include "base/plain_text.h"
-#include "ui/views/notice_view.h"
 
 namespace korvel {
 
-void Notices::showHUD(const Notice &notice) {
+void TimedNotices::showHUD(const Notice &notice) {
     panel.show({.text = singleLine(notice.text), .error = notice.error}, [this, link = notice.link] {
         if (!link.isEmpty())
             desktop.openUrl(link);
@@ -14,7 +13,7 @@ void Notices::showHUD(const Notice &notice) {
     takeDown = scheduler.after(std::chrono::duration_cast<milliseconds>(notice.secs), [this] { panel.hide(); });
 }
 
-void Notices::hideHUD() {
+void TimedNotices::hideHUD() {
     takeDown.cancel();
     panel.hide();
 }

@@ -1,0 +1,38 @@
+#include "app/launch_environment.h"
+
+#include "ports/preferred_languages.h"
+
+#include <QDir>
+#include <QFile>
+#include <pwd.h>
+#include <unistd.h>
+
+namespace korvel {
+
+namespace {
+
+std::optional<QString> environmentValue(const char *name) {
+    if (!qEnvironmentVariableIsSet(name))
+        return std::nullopt;
+    return qEnvironmentVariable(name);
+}
+
+/// The user's home directory: where the environment has none, the one that the user database has.
+QString homeFolder() {
+    if (const QString home = qEnvironmentVariable("HOME"); !home.isEmpty())
+        return QDir::cleanPath(home);
+    const passwd *record = ::getpwuid(::getuid());
+    return record ? QFile::decodeName(record->pw_dir) : QDir::rootPath();
+}
+
+} // namespace
+
+LaunchEnvironment readLaunchEnvironment() {
+    return {.preferredLanguages = preferredLanguages(),
+            .home = homeFolder(),
+            .hookPort = environmentValue("KORVEL_HOOK_PORT"),
+            .korvelHome = environmentValue("KORVEL_HOME"),
+            .automation = environmentValue("KORVEL_TRAY_AUTOMATION")};
+}
+
+} // namespace korvel
