@@ -8,8 +8,8 @@ namespace korvel::sim {
 
 namespace {
 
-constexpr auto AGENT_STARTS_AFTER = 2500ms; // long enough to be seen as starting
-constexpr auto AGENT_CONNECTS_AFTER = 300ms;
+constexpr auto AGENT_START_DELAY = 2500ms; // long enough to be seen as starting
+constexpr auto AGENT_CONNECT_DELAY = 300ms;
 constexpr auto POLL_INTERVAL = 3s;
 constexpr auto SLACK = 1s; // for starting programs on a busy machine
 
@@ -23,13 +23,13 @@ QList<QImage> iconsAtStart;
 void start(Tour &tour) {
     auto &home = tour.home();
     const bool made =
-        home.setScenario({{u"agent"_s, QJsonObject{{u"startDelayMs"_s, qint64(AGENT_STARTS_AFTER.count())}}},
+        home.setScenario({{u"agent"_s, QJsonObject{{u"startDelayMs"_s, qint64(AGENT_START_DELAY.count())}}},
                           {u"health"_s, QJsonObject{{u"sessions"_s, 1}}},
                           {u"e2ee"_s, QJsonObject{{u"lang"_s, L(u"zh", u"en")}}}}) &&
         home.signIn(u"ann"_s) && home.installJobFile();
     expect(made, u"the simulated home could not be prepared"_s);
     tour.startTray();
-    expectLine(tour, L(u"○ 正在启动… · ann", u"○ Starting… · ann"), AGENT_STARTS_AFTER);
+    expectLine(tour, L(u"○ 正在启动… · ann", u"○ Starting… · ann"), AGENT_START_DELAY);
     iconsAtStart = iconsOf(tour);
     expect(!iconsAtStart.isEmpty(), u"the item offers no icon"_s);
     expect(tour.panel().item()->toolTipTitle == u"Korvel"_s, u"the tooltip has another title"_s);
@@ -38,7 +38,7 @@ void start(Tour &tour) {
 }
 
 void connect(Tour &tour) {
-    expectLine(tour, connectedLine(), AGENT_STARTS_AFTER + AGENT_CONNECTS_AFTER + POLL_INTERVAL + SLACK);
+    expectLine(tour, connectedLine(), AGENT_START_DELAY + AGENT_CONNECT_DELAY + POLL_INTERVAL + SLACK);
     const auto differs = [&] { return !iconsOf(tour).isEmpty() && iconsOf(tour) != iconsAtStart; };
     expect(tour.waitUntil(differs, SLACK), u"the icon is still that of the start"_s);
 }

@@ -14,7 +14,7 @@ namespace korvel::sim {
 
 namespace {
 
-constexpr auto MENU_WITHIN = 3s;
+constexpr auto MENU_TIMEOUT = 3s;
 constexpr int LEFT_BUTTON = 1;
 constexpr int RIGHT_BUTTON = 3;
 
@@ -34,7 +34,7 @@ QList<QRect> menusOf(qint64 pid) {
 void openWith(Tour &tour, int button, qint64 owner) {
     expect(tour.pointAtItem(), u"the panel does not show the item under the pointer"_s);
     clickButton(button);
-    expect(tour.waitUntil([&] { return !menusOf(owner).isEmpty(); }, MENU_WITHIN), u"no menu opened"_s);
+    expect(tour.waitUntil([&] { return !menusOf(owner).isEmpty(); }, MENU_TIMEOUT), u"no menu opened"_s);
     tour.waitForRest({}); // a window is there before it is painted
     // The panel puts its own where it likes.
     const QList<QRect> own = menusOf(tour.tray().processId());
@@ -47,7 +47,7 @@ void closeWith(Tour &tour, const QString &key, qint64 owner, const QString &name
     expect(tour.screenshot(name), u"no screenshot"_s);
     pressKey(key);
     movePointer(grabScreen().rect().center());
-    expect(tour.waitUntil([&] { return menusOf(owner).isEmpty(); }, MENU_WITHIN), key + u" does not close it"_s);
+    expect(tour.waitUntil([&] { return menusOf(owner).isEmpty(); }, MENU_TIMEOUT), key + u" does not close it"_s);
 }
 
 /// How often Up is pressed until an entry of the open menu is selected, which begins at its end.

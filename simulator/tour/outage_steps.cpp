@@ -17,7 +17,7 @@ constexpr auto POLL_INTERVAL = 3s;
 constexpr auto RESTART_DELAY = 8000ms;
 
 // What a poll that finds nobody needs before the panel is told: the refused connection, a run of launchctl, the bus.
-constexpr auto REPORT_WITHIN = 200ms;
+constexpr auto REPORT_TIMEOUT = 200ms;
 // For starting launchctl while both cores of a small machine draw a desktop, and for looking every 20 ms.
 constexpr auto SLACK = 500ms;
 
@@ -32,7 +32,7 @@ void die(Tour &tour) {
     const auto killed = tour.time();
     expect(tour.home().killAgent(SIGKILL), u"no agent runs"_s);
     expectLine(tour, L(u"○ Korvel 未响应，正在重试…", u"○ Korvel isn't responding. Retrying…"),
-               POLL_INTERVAL + REPORT_WITHIN + SLACK);
+               POLL_INTERVAL + REPORT_TIMEOUT + SLACK);
     std::printf("  the panel knew %.2f s after the agent was killed\n",
                 std::chrono::duration<double>(tour.time() - killed).count());
     screenshot(tour, u"agent-dead"_s);

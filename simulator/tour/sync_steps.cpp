@@ -9,13 +9,13 @@ namespace korvel::sim {
 namespace {
 
 // Stopping the job (6 s at most) or starting it, then the poll that reports it.
-constexpr auto TOGGLED_WITHIN = 12s;
+constexpr auto TOGGLE_TIMEOUT = 12s;
 
 /// Chooses a menu entry and expects the status line and one of the notices that may follow.
 void toggle(Tour &tour, const QString &entry, const QString &line, const QStringList &notices, const QString &name) {
     expectNoNotice(tour, 4s);
     choose(tour, entry);
-    expectLine(tour, line, TOGGLED_WITHIN);
+    expectLine(tour, line, TOGGLE_TIMEOUT);
     expect(tour.waitUntil([&] { return notices.contains(tour.notice().value_or(QString())); }, 2s),
            u"the notice reads "_s + tour.notice().value_or(u"nothing"_s));
     expect(tour.screenshot(name), u"no screenshot"_s);

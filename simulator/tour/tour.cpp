@@ -17,8 +17,8 @@ namespace korvel::sim {
 
 namespace {
 
-constexpr auto ITEM_WITHIN = 10s;
-constexpr auto PANEL_REACTS_WITHIN = 3s;
+constexpr auto ITEM_TIMEOUT = 10s;
+constexpr auto PANEL_TIMEOUT = 3s;
 constexpr int END_WITHIN_MS = 5000;
 constexpr int RESTS_AFTER_MS = 150;
 
@@ -78,7 +78,7 @@ void Tour::startTray() {
     trayProcess.start(program, QStringList());
     clock.start();
     expect(trayProcess.waitForStarted(), trayProcess.errorString());
-    expect(probe.waitForItem(ITEM_WITHIN, trayProcess.processId()), u"no status item was registered"_s);
+    expect(probe.waitForItem(ITEM_TIMEOUT, trayProcess.processId()), u"no status item was registered"_s);
     readLine();
 }
 
@@ -123,7 +123,7 @@ bool Tour::waitForRest(const QRect &part) {
             unchanged.start();
         return unchanged.hasExpired(RESTS_AFTER_MS);
     };
-    return waitUntil(rests, PANEL_REACTS_WITHIN);
+    return waitUntil(rests, PANEL_TIMEOUT);
 }
 
 bool Tour::waitForItemOnScreen() {
@@ -131,7 +131,7 @@ bool Tour::waitForItemOnScreen() {
         const QRect area = statusArea();
         return !area.isEmpty() && isPainted(grabScreen(area));
     };
-    return waitUntil(shown, PANEL_REACTS_WITHIN);
+    return waitUntil(shown, PANEL_TIMEOUT);
 }
 
 bool Tour::pointAtItem() {
@@ -141,7 +141,7 @@ bool Tour::pointAtItem() {
     const QRect area = statusArea();
     const QImage before = grabScreen(area);
     movePointer(area.center());
-    return waitUntil([&] { return grabScreen(area) != before; }, PANEL_REACTS_WITHIN);
+    return waitUntil([&] { return grabScreen(area) != before; }, PANEL_TIMEOUT);
 }
 
 bool Tour::screenshot(const QString &name) {

@@ -14,8 +14,8 @@ namespace {
 constexpr int PACKAGE_BYTES = 4'000'000;
 constexpr int BYTES_A_SECOND = 500'000;
 constexpr int PROMPT_TAKES_MS = 5000;
-constexpr auto DOWNLOADED_WITHIN = std::chrono::seconds(PACKAGE_BYTES / BYTES_A_SECOND + 4);
-constexpr auto INSTALLED_WITHIN = std::chrono::milliseconds(PROMPT_TAKES_MS + 4000);
+constexpr auto DOWNLOAD_TIMEOUT = std::chrono::seconds(PACKAGE_BYTES / BYTES_A_SECOND + 4);
+constexpr auto INSTALL_TIMEOUT = std::chrono::milliseconds(PROMPT_TAKES_MS + 4000);
 
 QString checkEntry(Tour &tour) { return entryThatBegins(tour, L(u"检查更新…（当前", u"Check for Updates… (")); }
 
@@ -55,7 +55,7 @@ void download(Tour &tour) {
     expectGoingOn(tour, beginning);
     screenshot(tour, u"update-downloading"_s);
     lookAtMenu(tour, u"update-progress"_s);
-    expectProgress(tour, beginning, DOWNLOADED_WITHIN);
+    expectProgress(tour, beginning, DOWNLOAD_TIMEOUT);
     expect(requestsTo(tour, u"/health"_s) > polls, u"the agent was not polled meanwhile"_s);
 }
 
@@ -64,7 +64,7 @@ void install(Tour &tour) {
                          u"Installing 2.0. Enter your Mac password when prompted."));
     expectGoingOn(tour, L(u"正在安装 2.0…", u"Installing 2.0…"));
     lookAtMenu(tour, u"update-installing"_s);
-    expectNotice(tour, L(u"✓ 已更新到 2.0", u"✓ Updated to 2.0"), INSTALLED_WITHIN);
+    expectNotice(tour, L(u"✓ 已更新到 2.0", u"✓ Updated to 2.0"), INSTALL_TIMEOUT);
     screenshot(tour, u"update-installed"_s);
     const QList<QJsonObject> installed = tour.home().installedPackages();
     expect(installed.size() == 1 && installed[0].value("sha256"_L1) == tour.home().updates().offer().info.sha,

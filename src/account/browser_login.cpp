@@ -12,7 +12,7 @@ namespace korvel {
 
 namespace {
 
-constexpr int MOST_ATTEMPTS = 15;
+constexpr int MAX_ATTEMPTS = 15;
 constexpr milliseconds NEXT_ATTEMPT = 1s;
 constexpr milliseconds STATUS_PERIOD = 1s;
 constexpr auto PAGE_GOOD_FOR = 600s;
@@ -66,7 +66,7 @@ bool BrowserLogin::reopenPage() {
 }
 
 void BrowserLogin::waitForAgent(int attempt) {
-    if (attempt >= MOST_ATTEMPTS) {
+    if (attempt >= MAX_ATTEMPTS) {
         starting = false;
         return notices.showHUD(agentNotUpNotice());
     }

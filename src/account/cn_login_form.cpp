@@ -11,7 +11,7 @@ namespace korvel {
 
 namespace {
 
-constexpr qint64 LONGEST_COUNTDOWN = 86400;
+constexpr qint64 MAX_COUNTDOWN = 86400;
 constexpr qint64 USUAL_COUNTDOWN = 60;
 
 bool succeeded(const std::optional<QJsonObject> &answer) { return answer && answer->value(u"ok").toBool(); }
@@ -111,7 +111,7 @@ void setCodeMode(CnLoginForm &form, bool codeMode) {
 bool canSendCode(const CnLoginForm &form) { return !form.busy && !form.sending && form.countdown == 0; }
 
 void startCountdown(CnLoginForm &form, qint64 seconds) {
-    form.countdown = static_cast<int>(std::clamp<qint64>(seconds, 0, LONGEST_COUNTDOWN));
+    form.countdown = static_cast<int>(std::clamp<qint64>(seconds, 0, MAX_COUNTDOWN));
 }
 
 std::optional<QJsonObject> sendCode(CnLoginForm &form) {

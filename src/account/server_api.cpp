@@ -15,7 +15,7 @@ namespace korvel {
 
 namespace {
 
-constexpr qsizetype LONGEST_NAME = 32;
+constexpr qsizetype MAX_NAME = 32;
 
 std::optional<ServerRequest> post(const QString &server, const QString &path, std::chrono::milliseconds timeout) {
     auto request = buildServerRequest(server, path, timeout);
@@ -74,7 +74,7 @@ QString computerDisplayName(QString systemName) {
     systemName.remove(u".local"_s);
     // Characters as a person counts them: an emoji is not cut in two.
     QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, systemName);
-    for (qsizetype i = 0; i < LONGEST_NAME; ++i)
+    for (qsizetype i = 0; i < MAX_NAME; ++i)
         if (characters.toNextBoundary() < 0)
             return systemName;
     return systemName.left(characters.position());

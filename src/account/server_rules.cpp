@@ -12,14 +12,14 @@ namespace {
 
 // Not regular expressions: the address is read at every refresh, and their library would be loaded for this alone.
 
-constexpr qsizetype LONGEST_HOST = 253;
+constexpr qsizetype MAX_HOST = 253;
 
 bool isDigit(QChar c) { return c >= u'0' && c <= u'9'; }
 bool isLetterOrDigit(QChar c) { return isDigit(c) || (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z'); }
 bool isOfHost(QChar c) { return isLetterOrDigit(c) || c == u'.' || c == u'-'; }
 
 bool isHost(QStringView text) {
-    return !text.isEmpty() && text.size() <= LONGEST_HOST && isLetterOrDigit(text.front()) &&
+    return !text.isEmpty() && text.size() <= MAX_HOST && isLetterOrDigit(text.front()) &&
            std::all_of(text.begin(), text.end(), isOfHost);
 }
 

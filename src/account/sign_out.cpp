@@ -11,7 +11,7 @@ namespace korvel {
 namespace {
 
 /// How long the service manager may take to stop the agent before the sign-out ends without it.
-constexpr milliseconds STOPPED_WITHIN = 10s;
+constexpr milliseconds STOP_TIMEOUT = 10s;
 
 } // namespace
 
@@ -54,7 +54,7 @@ void SignOut::clear() {
         for (const QString &key : {u"agentToken"_s, u"agentId"_s, u"username"_s, u"loginName"_s})
             cfg.remove(key);
     });
-    finishAnyway = scheduler.after(STOPPED_WITHIN, [this, cleared] { finish(cleared); });
+    finishAnyway = scheduler.after(STOP_TIMEOUT, [this, cleared] { finish(cleared); });
     scheduler.background([&sv = services, label = fixed.AGENT_LABEL] { return sv.bootout(label); },
                          alive.guard([this, cleared](ServiceResult) { finish(cleared); }));
 }

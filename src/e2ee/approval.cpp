@@ -12,7 +12,7 @@ namespace korvel {
 namespace {
 
 enum Button { Allow, Deny, Later };
-constexpr milliseconds ASK_AGAIN_AFTER = 300ms;
+constexpr milliseconds ASK_AGAIN_DELAY = 300ms;
 
 QString nameOf(const QJsonObject &request) { return deviceName(request, L(u"新设备", u"New device")); }
 
@@ -86,8 +86,8 @@ void Approval::verdict(const QJsonObject &request, const std::optional<QJsonObje
 }
 
 void Approval::askAgainSoon(const QJsonObject &request, const QString &error) {
-    e2ee.e2Retries.append({.request = request, .error = error, .due = scheduler.now() + ASK_AGAIN_AFTER});
-    again = scheduler.after(ASK_AGAIN_AFTER, [this] { askAgain(); });
+    e2ee.e2Retries.append({.request = request, .error = error, .due = scheduler.now() + ASK_AGAIN_DELAY});
+    again = scheduler.after(ASK_AGAIN_DELAY, [this] { askAgain(); });
 }
 
 void Approval::askAgain() {

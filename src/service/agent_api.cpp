@@ -5,7 +5,7 @@
 namespace korvel {
 
 namespace {
-constexpr qsizetype LONGEST_KEPT = 64 << 10;
+constexpr qsizetype MAX_KEPT_BODY = 64 << 10;
 }
 
 HttpRequest buildAgentRequest(const QString &agentLocal, const QString &localToken, const AgentRequest &request) {
@@ -33,7 +33,7 @@ Result<QJsonObject> AgentApi::hear(const std::shared_ptr<Heard> &last, Keep keep
     if (last && !reply.body.isEmpty() && last->body == reply.body)
         return last->object;
     const Result<QJsonObject> answer = parseAgentReply(reply, keep);
-    if (last && answer && reply.body.size() <= LONGEST_KEPT)
+    if (last && answer && reply.body.size() <= MAX_KEPT_BODY)
         *last = {std::move(reply.body), answer.value()};
     return answer;
 }

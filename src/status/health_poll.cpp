@@ -13,7 +13,7 @@ namespace {
 
 constexpr milliseconds PERIOD = 3s;
 constexpr milliseconds TIME_LIMIT = 2s;
-constexpr int MOST_OPEN_FOR_TICK = 3;
+constexpr int MAX_POLLS_IN_FLIGHT = 3;
 
 } // namespace
 
@@ -37,7 +37,7 @@ void HealthPoll::start() {
 
 void HealthPoll::tick() {
     // An agent that accepts and never answers must not pile up connections.
-    if (open < MOST_OPEN_FOR_TICK)
+    if (open < MAX_POLLS_IN_FLIGHT)
         poll();
 }
 

@@ -9,7 +9,7 @@ namespace korvel {
 namespace {
 
 constexpr int LAST_ATTEMPT = 4;
-constexpr milliseconds RETRY_AFTER = 1500ms;
+constexpr milliseconds RETRY_DELAY = 1500ms;
 
 QString reopenHint(const Situation &s) {
     const bool authDead = s.state.health.authDead;
@@ -50,7 +50,7 @@ void StartupReport::startupReport(int attempt) {
         return;
     }
     retry =
-        scheduler.after(RETRY_AFTER, [this, attempt] { poller.poll([this, attempt] { startupReport(attempt + 1); }); });
+        scheduler.after(RETRY_DELAY, [this, attempt] { poller.poll([this, attempt] { startupReport(attempt + 1); }); });
 }
 
 } // namespace korvel

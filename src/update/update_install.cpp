@@ -22,9 +22,9 @@ namespace korvel {
 
 namespace {
 
-constexpr milliseconds DOWNLOADED_WITHIN = 6h;
+constexpr milliseconds DOWNLOAD_TIMEOUT = 6h;
 constexpr std::chrono::seconds SLOW_TIMEOUT = 60s;
-constexpr qint64 LARGEST_PACKAGE = Q_INT64_C(4) << 30;
+constexpr qint64 MAX_PACKAGE_BYTES = Q_INT64_C(4) << 30;
 const QString UNFINISHED = u".part"_s; ///< Never the name of a package, so that no later try trusts it.
 
 /// Whether the package was not even looked at, so that nothing is known of it.
@@ -36,13 +36,13 @@ bool saysNothing(const Result<T> &look) {
 } // namespace
 
 std::optional<ServerRequest> buildDownload(const QString &server, const UpdateInfo &info) {
-    auto request = buildServerRequest(server, u"/dl/"_s + info.file, DOWNLOADED_WITHIN);
+    auto request = buildServerRequest(server, u"/dl/"_s + info.file, DOWNLOAD_TIMEOUT);
     if (!request)
         return std::nullopt;
     request->slowTimeout = SLOW_TIMEOUT;
     request->redirects = MAX_REDIRECTS;
     // The size is not signed: it can make the room smaller, not larger.
-    request->maxBytes = info.bytes > 0 ? std::min(info.bytes, LARGEST_PACKAGE) : LARGEST_PACKAGE;
+    request->maxBytes = info.bytes > 0 ? std::min(info.bytes, MAX_PACKAGE_BYTES) : MAX_PACKAGE_BYTES;
     return request;
 }
 

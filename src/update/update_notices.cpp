@@ -9,7 +9,7 @@ namespace korvel {
 
 namespace {
 
-constexpr qsizetype LONGEST_SENTENCE = 80;
+constexpr qsizetype MAX_SENTENCE = 80;
 
 Notice failure(const QString &text, const QString &link = {}) {
     return {.text = text, .secs = Seconds(6), .error = true, .link = link};
@@ -26,7 +26,7 @@ QString refusalText(int status, const QByteArray &body) {
                  u"The server is busy. Try again later or download it from the website.");
     const QString text = utf8Text(body).value_or(QString()).trimmed();
     const bool sentence =
-        !text.isEmpty() && text.size() <= LONGEST_SENTENCE && !text.startsWith(u'{') && !text.startsWith(u'<');
+        !text.isEmpty() && text.size() <= MAX_SENTENCE && !text.startsWith(u'{') && !text.startsWith(u'<');
     return sentence ? text : downloadFailed();
 }
 

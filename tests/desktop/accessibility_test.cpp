@@ -54,14 +54,14 @@ struct AccessibilityTest : PanelTray {
     }
     /// Presses Tab until a control has the focus.
     bool tabTo(const QString &name) {
-        for (int stops = 0; stops < MOST_STOPS && focus().name != name; ++stops)
+        for (int stops = 0; stops < MAX_STOPS && focus().name != name; ++stops)
             tab();
         return focus().name == name;
     }
     /// The stops that Tab leads to from where the focus is, until it comes round.
     QStringList tabOrder() {
         QStringList order{stop(focus())};
-        for (QString next = tab(); next != order.first() && order.size() < MOST_STOPS; next = tab())
+        for (QString next = tab(); next != order.first() && order.size() < MAX_STOPS; next = tab())
             order.append(next);
         return order;
     }
@@ -109,7 +109,7 @@ struct AccessibilityTest : PanelTray {
 
     /// How long a key may take to move the focus.
     static constexpr auto LOOK = std::chrono::seconds(2);
-    static constexpr int MOST_STOPS = 12;
+    static constexpr int MAX_STOPS = 12;
 };
 
 TEST_F(AccessibilityTest, ADeviceIsAllowedByKeyboardAndEachNoticeReadOnce) {

@@ -28,7 +28,7 @@ namespace {
 
 /// Name of a process (not of its program) that has had its turn; at most 15 characters.
 constexpr char ESTABLISHED[] = "Korvel";
-constexpr auto LONGEST_TURN = std::chrono::seconds(5); // a copy that hangs in its turn is passed over
+constexpr auto TURN_TIMEOUT = std::chrono::seconds(5); // a copy that hangs in its turn is passed over
 
 /// What of a process decides whether it is another copy of this program.
 struct Copy {
@@ -96,7 +96,7 @@ void RunningCopiesLinux::takeTurn() {
     hadTurn = true;
     makePrivateFolder(QFileInfo(turnFile).path());
     turn = ::open(QFile::encodeName(turnFile).constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
-    const auto deadline = std::chrono::steady_clock::now() + LONGEST_TURN;
+    const auto deadline = std::chrono::steady_clock::now() + TURN_TIMEOUT;
     // Where no lock can be had, copies that start together may both stay: better than none that starts.
     while (turn >= 0 && ::flock(turn, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK &&
            std::chrono::steady_clock::now() < deadline)
