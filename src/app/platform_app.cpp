@@ -60,8 +60,8 @@ int runTray(char **argv, const FixedConfig &config, const Paths &paths) {
         quit = true;
         QCoreApplication::exit(0);
     });
-    endOtherCopies(*makeRunningCopies(paths), runLoopFor, Clock::now);
-    if (quit) // asked to go while an older copy was still going
+    endOtherInstances(*makeRunningInstances(paths), runLoopFor, Clock::now);
+    if (quit) // asked to go while an older instance was still going
         return 0;
 
     QtPrograms programs(standInRoot());

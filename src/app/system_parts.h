@@ -3,7 +3,7 @@
 #include "app/model/paths.h"
 #include "ports/desktop.h"
 #include "ports/programs.h"
-#include "ports/running_copies.h"
+#include "ports/running_instances.h"
 #include "ports/status_item.h"
 
 #include <functional>
@@ -27,7 +27,7 @@ void settleApplication();
 /// for before there is an application object.
 std::shared_ptr<void> listenForReopen(std::function<void()> reopened);
 
-std::unique_ptr<RunningCopies> makeRunningCopies(const Paths &paths);
+std::unique_ptr<RunningInstances> makeRunningInstances(const Paths &paths);
 std::unique_ptr<StatusItem> makeStatusItem();
 std::unique_ptr<Desktop> makeDesktop(Programs &programs, bool hasStandIns);
 

@@ -1,6 +1,6 @@
 #include "app/system_parts.h"
 
-#include "platform/linux/running_copies_linux.h"
+#include "platform/linux/running_instances_linux.h"
 #include "platform/linux/status_item_linux.h"
 #include "platform/qt/desktop_qt.h"
 #include "ui/views/icon_view.h"
@@ -33,11 +33,11 @@ void settleApplication() {
 }
 
 std::shared_ptr<void> listenForReopen(std::function<void()>) {
-    return nullptr; // a second start is a new copy here, which replaces this one
+    return nullptr; // a second start is a new instance here, which replaces this one
 }
 
-std::unique_ptr<RunningCopies> makeRunningCopies(const Paths &paths) {
-    return std::make_unique<RunningCopiesLinux>(paths.turnFile);
+std::unique_ptr<RunningInstances> makeRunningInstances(const Paths &paths) {
+    return std::make_unique<RunningInstancesLinux>(paths.turnFile);
 }
 
 std::unique_ptr<StatusItem> makeStatusItem() { return std::make_unique<StatusItemLinux>(); }

@@ -4,7 +4,7 @@
 #include "platform/mac/desktop_mac.h"
 #include "platform/mac/native_application_mac.h"
 #include "platform/mac/native_log_mac.h"
-#include "platform/mac/running_copies_mac.h"
+#include "platform/mac/running_instances_mac.h"
 #include "platform/mac/status_item_mac.h"
 
 #include <QtGlobal>
@@ -34,7 +34,9 @@ std::shared_ptr<void> listenForReopen(std::function<void()> reopened) {
     return std::make_shared<native::ReopenListener>(std::move(reopened));
 }
 
-std::unique_ptr<RunningCopies> makeRunningCopies(const Paths &) { return std::make_unique<RunningCopiesMac>(); }
+std::unique_ptr<RunningInstances> makeRunningInstances(const Paths &) {
+    return std::make_unique<RunningInstancesMac>();
+}
 
 std::unique_ptr<StatusItem> makeStatusItem() { return std::make_unique<StatusItemMac>(); }
 

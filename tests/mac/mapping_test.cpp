@@ -92,7 +92,7 @@ TEST_F(MacParts, TheNativeMenuIsTheOneThatFollowsTheState) {
 
 TEST_F(MacParts, OtherCopiesLeaveOutThisOneAndThoseThatHaveEnded) {
     mac.processes = {71, ::getpid(), -1, 72};
-    const auto copies = makeRunningCopies(Paths());
+    const auto copies = makeRunningInstances(Paths());
     EXPECT_EQ(mac.takeCalls(), Calls{"dev.korvel.tray"});
     EXPECT_EQ(copies->others(), (QList<qint64>{71, 72}));
     copies->terminate(72);

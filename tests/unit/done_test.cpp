@@ -125,7 +125,7 @@ TEST(QtScheduler, ATimerMayBeCancelledByItsOwnCall) {
 }
 
 /// Copies that follow the polite request after some time, or never.
-struct FakeCopies final : RunningCopies {
+struct FakeCopies final : RunningInstances {
     QList<qint64> others() override { return goneAt.empty() ? QList<qint64>() : QList<qint64>(ids); }
     void terminate(qint64 copy) override { asked.append(copy); }
     bool isTerminated(qint64 copy) override { return now >= goneAt.at(copy); }
@@ -143,7 +143,7 @@ struct FakeCopies final : RunningCopies {
 
     milliseconds run() {
         const Instant start = now;
-        endOtherCopies(
+        endOtherInstances(
             *this, [this](milliseconds by) { now += by; }, [this] { return now; });
         return std::chrono::duration_cast<milliseconds>(now - start);
     }

@@ -1,4 +1,4 @@
-#include "platform/linux/running_copies_linux.h"
+#include "platform/linux/running_instances_linux.h"
 
 #include "app/model/automation.h"
 #include "base/private_file.h"
@@ -28,10 +28,10 @@ namespace {
 
 /// Name of a process (not of its program) that has had its turn; at most 15 characters.
 constexpr char ESTABLISHED[] = "Korvel";
-constexpr auto TURN_TIMEOUT = std::chrono::seconds(5); // a copy that hangs in its turn is passed over
+constexpr auto TURN_TIMEOUT = std::chrono::seconds(5); // an instance that hangs in its turn is passed over
 
-/// What of a process decides whether it is another copy of this program.
-struct Copy {
+/// What of a process decides whether it is another instance of this program.
+struct Instance {
     qint64 pid = 0;
     QString name;
     bool established = false;
@@ -62,7 +62,7 @@ std::optional<QString> variable(const QStringList &environment, const QString &n
 }
 
 /// The process's program, arguments and environment; none for another user's process or one that is gone.
-std::optional<Copy> inspect(qint64 pid) {
+std::optional<Instance> inspect(qint64 pid) {
     struct stat info {};
     const QString folder = u"/proc/%1"_s.arg(pid);
     if (::stat(QFile::encodeName(folder).constData(), &info) != 0 || info.st_uid != ::getuid())
@@ -73,17 +73,17 @@ std::optional<Copy> inspect(qint64 pid) {
     const QStringList environment = zeroSeparated(procFile(pid, u"environ"_s));
     if (program.isEmpty()) // also of a process that has ended and not been waited for
         return std::nullopt;
-    return Copy{.pid = pid,
-                .name = QFileInfo(program).fileName(),
-                .established = procFile(pid, u"comm"_s).trimmed() == ESTABLISHED,
-                .home = variable(environment, u"HOME"_s),
-                .arguments = zeroSeparated(procFile(pid, u"cmdline"_s)),
-                .automation = variable(environment, u"KORVEL_TRAY_AUTOMATION"_s)};
+    return Instance{.pid = pid,
+                    .name = QFileInfo(program).fileName(),
+                    .established = procFile(pid, u"comm"_s).trimmed() == ESTABLISHED,
+                    .home = variable(environment, u"HOME"_s),
+                    .arguments = zeroSeparated(procFile(pid, u"cmdline"_s)),
+                    .automation = variable(environment, u"KORVEL_TRAY_AUTOMATION"_s)};
 }
 
 } // namespace
 
-RunningCopiesLinux::~RunningCopiesLinux() {
+RunningInstancesLinux::~RunningInstancesLinux() {
     if (hadTurn)
         ::prctl(PR_SET_NAME, ESTABLISHED); // before the turn is given on
     if (turn >= 0)
@@ -92,18 +92,18 @@ RunningCopiesLinux::~RunningCopiesLinux() {
         ::close(descriptor);
 }
 
-void RunningCopiesLinux::takeTurn() {
+void RunningInstancesLinux::takeTurn() {
     hadTurn = true;
     makePrivateFolder(QFileInfo(turnFile).path());
     turn = ::open(QFile::encodeName(turnFile).constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
     const auto deadline = std::chrono::steady_clock::now() + TURN_TIMEOUT;
-    // Where no lock can be had, copies that start together may both stay: better than none that starts.
+    // Where no lock can be had, instances that start together may both stay: better than none that starts.
     while (turn >= 0 && ::flock(turn, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK &&
            std::chrono::steady_clock::now() < deadline)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
 }
 
-QList<qint64> RunningCopiesLinux::others() {
+QList<qint64> RunningInstancesLinux::others() {
     takeTurn();
     QList<qint64> found;
     const auto self = inspect(::getpid());
@@ -118,9 +118,9 @@ QList<qint64> RunningCopiesLinux::others() {
         const int descriptor = static_cast<int>(::syscall(SYS_pidfd_open, static_cast<pid_t>(pid), 0));
         if (descriptor < 0)
             continue;
-        const auto copy = inspect(pid);
-        if (copy && copy->name == self->name && copy->home == self->home && copy->established &&
-            !automationMode(copy->arguments, copy->automation)) {
+        const auto instance = inspect(pid);
+        if (instance && instance->name == self->name && instance->home == self->home && instance->established &&
+            !automationMode(instance->arguments, instance->automation)) {
             descriptors.emplace(pid, descriptor);
             found.append(pid);
         } else {
@@ -130,16 +130,16 @@ QList<qint64> RunningCopiesLinux::others() {
     return found;
 }
 
-void RunningCopiesLinux::terminate(qint64 copy) {
-    ::syscall(SYS_pidfd_send_signal, descriptors.at(copy), SIGTERM, nullptr, 0);
+void RunningInstancesLinux::terminate(qint64 instance) {
+    ::syscall(SYS_pidfd_send_signal, descriptors.at(instance), SIGTERM, nullptr, 0);
 }
 
-void RunningCopiesLinux::forceTerminate(qint64 copy) {
-    ::syscall(SYS_pidfd_send_signal, descriptors.at(copy), SIGKILL, nullptr, 0);
+void RunningInstancesLinux::forceTerminate(qint64 instance) {
+    ::syscall(SYS_pidfd_send_signal, descriptors.at(instance), SIGKILL, nullptr, 0);
 }
 
-bool RunningCopiesLinux::isTerminated(qint64 copy) {
-    pollfd descriptor{.fd = descriptors.at(copy), .events = POLLIN, .revents = 0};
+bool RunningInstancesLinux::isTerminated(qint64 instance) {
+    pollfd descriptor{.fd = descriptors.at(instance), .events = POLLIN, .revents = 0};
     return ::poll(&descriptor, 1, 0) > 0;
 }
 

@@ -1,4 +1,4 @@
-#include "platform/mac/native_copies_mac.h"
+#include "platform/mac/native_instances_mac.h"
 
 #include "platform/mac/native_text_mac.h"
 

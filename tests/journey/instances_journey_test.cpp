@@ -9,26 +9,27 @@ namespace korvel::test {
 namespace {
 
 /// Instances of the real tray program, off screen.
-struct CopiesJourney : Journey {
+struct InstancesJourney : Journey {
     std::unique_ptr<TrayProcess> start() {
         auto process = std::make_unique<TrayProcess>(home);
         EXPECT_TRUE(process->begin());
         return process;
     }
     /// Launched: it has written its first log line.
-    static bool isUp(QProcess &copy) {
-        return eventually(
-                   [&] { return copy.peek(1 << 16).contains("[tray]") || copy.state() == QProcess::NotRunning; }) &&
-               copy.state() == QProcess::Running;
+    static bool isUp(QProcess &instance) {
+        return eventually([&] {
+                   return instance.peek(1 << 16).contains("[tray]") || instance.state() == QProcess::NotRunning;
+               }) &&
+               instance.state() == QProcess::Running;
     }
     /// Past the start: it bears the name of an established instance.
-    static bool isTray(const QProcess &copy) {
-        QFile name(u"/proc/%1/comm"_s.arg(copy.processId()));
+    static bool isTray(const QProcess &instance) {
+        QFile name(u"/proc/%1/comm"_s.arg(instance.processId()));
         return name.open(QIODevice::ReadOnly) && name.readAll().trimmed() == "Korvel" &&
-               QFile::symLinkTarget(u"/proc/%1/fd/2"_s.arg(copy.processId())) == u"/dev/null"_s;
+               QFile::symLinkTarget(u"/proc/%1/fd/2"_s.arg(instance.processId())) == u"/dev/null"_s;
     }
-    static bool hasEnded(QProcess &copy) {
-        return eventually([&] { return copy.state() == QProcess::NotRunning; });
+    static bool hasEnded(QProcess &instance) {
+        return eventually([&] { return instance.state() == QProcess::NotRunning; });
     }
     /// Expects that another instance takes the place of `first`.
     void expectReplaced(TrayProcess &first, bool endsWell = true) {
@@ -40,7 +41,7 @@ struct CopiesJourney : Journey {
     }
 };
 
-TEST_F(CopiesJourney, TheNewestEndsTheOlderOneAndLeavesTheAgentAlone) {
+TEST_F(InstancesJourney, TheNewestEndsTheOlderOneAndLeavesTheAgentAlone) {
     installAndSignIn();
     const auto first = start();
     ASSERT_TRUE(isUp(*first));
@@ -50,21 +51,21 @@ TEST_F(CopiesJourney, TheNewestEndsTheOlderOneAndLeavesTheAgentAlone) {
     EXPECT_EQ(home.agentPid(), agent);
 }
 
-TEST_F(CopiesJourney, OneThatDoesNotFollowIsEndedByForce) {
+TEST_F(InstancesJourney, OneThatDoesNotFollowIsEndedByForce) {
     const auto stubborn = start();
     ASSERT_TRUE(isUp(*stubborn));
     ::kill(static_cast<pid_t>(stubborn->processId()), SIGSTOP);
     expectReplaced(*stubborn, false);
 }
 
-TEST_F(CopiesJourney, OneThatCannotTakeATurnStartsAllTheSameAndIsReplaced) {
+TEST_F(InstancesJourney, OneThatCannotTakeATurnStartsAllTheSameAndIsReplaced) {
     ASSERT_TRUE(QDir().mkpath(paths.turnFile)); // a folder, which no program can lock for writing
     const auto first = start();
     ASSERT_TRUE(isUp(*first));
     expectReplaced(*first);
 }
 
-TEST_F(CopiesJourney, ThoseOfAnotherHomeGoOn) {
+TEST_F(InstancesJourney, ThoseOfAnotherHomeGoOn) {
     sim::SimulatedHome other(folder.filePath(u"other"_s));
     const auto first = start();
     ASSERT_TRUE(isUp(*first));
@@ -75,20 +76,20 @@ TEST_F(CopiesJourney, ThoseOfAnotherHomeGoOn) {
     first->end();
 }
 
-TEST_F(CopiesJourney, OfThoseThatStartTogetherExactlyOneStays) {
+TEST_F(InstancesJourney, OfThoseThatStartTogetherExactlyOneStays) {
     for (int round = 0; round < 3; ++round) {
-        std::vector<std::unique_ptr<TrayProcess>> copies;
+        std::vector<std::unique_ptr<TrayProcess>> instances;
         for (int i = 0; i < 3; ++i)
-            copies.push_back(start());
-        const auto runs = [](const auto &copy) { return copy->state() == QProcess::Running; };
-        ASSERT_TRUE(eventually([&] { return std::ranges::count_if(copies, runs) == 1; }));
-        const auto last = std::ranges::find_if(copies, runs);
+            instances.push_back(start());
+        const auto runs = [](const auto &instance) { return instance->state() == QProcess::Running; };
+        ASSERT_TRUE(eventually([&] { return std::ranges::count_if(instances, runs) == 1; }));
+        const auto last = std::ranges::find_if(instances, runs);
         EXPECT_TRUE(isUp(**last));
         (*last)->end();
     }
 }
 
-TEST_F(CopiesJourney, OneWhoseProcessIsOlderThanItselfReplacesTheOneThatRuns) {
+TEST_F(InstancesJourney, OneWhoseProcessIsOlderThanItselfReplacesTheOneThatRuns) {
     // A process that becomes a tray later keeps its early start time.
     TrayProcess early(home);
     early.setProcessChannelMode(QProcess::MergedChannels);
@@ -102,7 +103,7 @@ TEST_F(CopiesJourney, OneWhoseProcessIsOlderThanItselfReplacesTheOneThatRuns) {
     early.end();
 }
 
-TEST_F(CopiesJourney, OneWithoutStandardStreamsRunsAndFollows) {
+TEST_F(InstancesJourney, OneWithoutStandardStreamsRunsAndFollows) {
     TrayProcess tray(home);
     tray.start(u"/bin/sh"_s, {u"-c"_s, u"exec \"$0\" 0<&- 1>&- 2>&-"_s, tray.placed});
     ASSERT_TRUE(tray.waitForStarted());
