@@ -17,7 +17,7 @@ void Binding::performLogin(const QString &user, const QString &pass, const QStri
     auto request = buildLogin(server, user, pass, computerDisplayName(desktop.computerName()));
     if (!request)
         return done(false, L(u"服务器地址不正确", u"The server address isn't valid."));
-    auto answered = [this, number = ++signIns, user, server, done = std::move(done)](const Result<HttpReply> &reply) {
+    auto received = [this, number = ++signIns, user, server, done = std::move(done)](const Result<HttpReply> &reply) {
         const auto answer = parseLogin(reply);
         if (const auto *refusal = std::get_if<QString>(&answer))
             return done(false, *refusal);
@@ -26,7 +26,7 @@ void Binding::performLogin(const QString &user, const QString &pass, const QStri
         };
         bind({number, std::get<Credential>(answer), user, server, finished}, {});
     };
-    servers.send(std::move(*request), Done<HttpReply>(alive.guard(std::move(answered))));
+    servers.send(std::move(*request), Done<HttpReply>(alive.guard(std::move(received))));
 }
 
 QString Binding::message(Outcome outcome, const QString &user) {

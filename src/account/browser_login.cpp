@@ -50,12 +50,12 @@ void BrowserLogin::startBrowserLogin(int attempt) {
     if (!health.running || !api.hasToken())
         return waitForAgent(attempt);
     // After a stop and a new start, the answer to the first start is none to the second.
-    auto answered = [this, asked = ++starts](const Result<QJsonObject> &reply) {
+    auto received = [this, asked = ++starts](const Result<QJsonObject> &reply) {
         if (asked == starts && std::exchange(starting, false))
             started(reply);
     };
     api.send(authStartRequest(computerDisplayName(desktop.computerName())),
-             Done<QJsonObject>(alive.guard(std::move(answered))));
+             Done<QJsonObject>(alive.guard(std::move(received))));
 }
 
 bool BrowserLogin::reopenPage() {
@@ -101,12 +101,12 @@ void BrowserLogin::pollBrowserLogin() {
     // An answer may come a little after the page has lapsed.
     if (scheduler.now() > login.browserLoginUntil + LATE_ANSWERS_FOR)
         return stopBrowserLogin();
-    auto answered = [this, id = *login.browserLoginId](const Result<QJsonObject> &reply) {
+    auto received = [this, id = *login.browserLoginId](const Result<QJsonObject> &reply) {
         // Slow answers overlap: the first outcome counts, and none of a sign-in that is over.
         if (reply && login.browserLoginId == id)
             outcome(reply.value());
     };
-    api.send(authStatusRequest(*login.browserLoginId), Done<QJsonObject>(alive.guard(std::move(answered))));
+    api.send(authStatusRequest(*login.browserLoginId), Done<QJsonObject>(alive.guard(std::move(received))));
 }
 
 void BrowserLogin::outcome(const QJsonObject &answer) {

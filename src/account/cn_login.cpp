@@ -102,14 +102,14 @@ void CnLogin::submit() {
     command.runAgentJson(*request, alive.guard([this, sent = std::move(submitted),
                                                 asked = opening](const std::optional<QJsonObject> &answer) mutable {
         if (form && asked == opening)
-            answered(answer);
+            received(answer);
         // Closing the window does not take a sign-in back: that it went through is told all the same.
         else if (const auto user = submitAnswered(sent, answer).user)
             cnLoggedIn(*user);
     }));
 }
 
-void CnLogin::answered(const std::optional<QJsonObject> &answer) {
+void CnLogin::received(const std::optional<QJsonObject> &answer) {
     const SubmitOutcome outcome = submitAnswered(*form, answer);
     if (outcome.user)
         return cnLoggedIn(*outcome.user);

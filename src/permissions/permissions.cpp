@@ -28,7 +28,7 @@ void Permissions::fetchPerms(std::function<void()> then) {
     if (permissions.permsFetching)
         return finish();
     permissions.permsFetching = true;
-    auto answered = [this, finish](const Result<QJsonObject> &reply) {
+    auto received = [this, finish](const Result<QJsonObject> &reply) {
         permissions.permsFetching = false;
         permissions.permsFetchFailed = !reply;
         if (reply)
@@ -37,7 +37,7 @@ void Permissions::fetchPerms(std::function<void()> then) {
             permissions.permsFetchedAt = scheduler.now();
         finish();
     };
-    api.send(STATUS, Done<QJsonObject>(alive.guard(std::move(answered))));
+    api.send(STATUS, Done<QJsonObject>(alive.guard(std::move(received))));
 }
 
 void Permissions::applyPerms(const QJsonObject &reply) {

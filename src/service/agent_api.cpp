@@ -29,7 +29,7 @@ Result<QJsonObject> parseAgentReply(const HttpReply &reply, Keep keep) {
     return keep ? keep(document.object()) : document.object();
 }
 
-Result<QJsonObject> AgentApi::hear(const std::shared_ptr<Heard> &last, Keep keep, HttpReply reply) {
+Result<QJsonObject> AgentApi::hear(const std::shared_ptr<Received> &last, Keep keep, HttpReply reply) {
     if (last && !reply.body.isEmpty() && last->body == reply.body)
         return last->object;
     const Result<QJsonObject> answer = parseAgentReply(reply, keep);
@@ -38,12 +38,12 @@ Result<QJsonObject> AgentApi::hear(const std::shared_ptr<Heard> &last, Keep keep
     return answer;
 }
 
-std::shared_ptr<AgentApi::Heard> AgentApi::lastAnswerTo(const AgentRequest &request) {
+std::shared_ptr<AgentApi::Received> AgentApi::lastAnswerTo(const AgentRequest &request) {
     if (!request.repeats)
         return nullptr;
-    std::shared_ptr<Heard> &last = heard[request.path];
+    std::shared_ptr<Received> &last = received[request.path];
     if (!last)
-        last = std::make_shared<Heard>();
+        last = std::make_shared<Received>();
     return last;
 }
 

@@ -41,19 +41,19 @@ public:
 
 private:
     /// The last answer to a request that repeats: an idle agent says the same every time.
-    struct Heard {
+    struct Received {
         QByteArray body; ///< Empty: none yet.
         QJsonObject object;
     };
-    static Result<QJsonObject> hear(const std::shared_ptr<Heard> &last, Keep keep, HttpReply reply);
-    std::shared_ptr<Heard> lastAnswerTo(const AgentRequest &request);
+    static Result<QJsonObject> hear(const std::shared_ptr<Received> &last, Keep keep, HttpReply reply);
+    std::shared_ptr<Received> lastAnswerTo(const AgentRequest &request);
     QString token() const { return cfgText(config.readCfg(), u"localToken"); }
 
     HttpClient &http;
     const FixedConfig &fixed;
     const AgentConfig &config;
     /// By path; each shared with the completions of requests, which may outlive us.
-    QHash<QString, std::shared_ptr<Heard>> heard;
+    QHash<QString, std::shared_ptr<Received>> received;
 };
 
 } // namespace korvel

@@ -77,7 +77,7 @@ void SyncToggle::waitUntilGone(Instant deadline) {
     scheduler.background([&sv = services, label = fixed.AGENT_LABEL] { return sv.print(label); },
                          alive.guard([this, deadline](ServiceResult look) {
                              if (look == ServiceResult::Failed || scheduler.now() >= deadline)
-                                 return settle(ToggleDirection::Pause, look);
+                                 return finish(ToggleDirection::Pause, look);
                              next = scheduler.after(LOOK_INTERVAL, [this, deadline] { waitUntilGone(deadline); });
                          }));
 }
@@ -90,12 +90,12 @@ void SyncToggle::resume(int attemptsLeft) {
     };
     scheduler.background(started, alive.guard([this, attemptsLeft](ServiceResult look) {
         if (look == ServiceResult::Succeeded || attemptsLeft == 1)
-            return settle(ToggleDirection::Resume, look);
+            return finish(ToggleDirection::Resume, look);
         next = scheduler.after(RESUME_RETRY_DELAY, [this, attemptsLeft] { resume(attemptsLeft - 1); });
     }));
 }
 
-void SyncToggle::settle(ToggleDirection direction, ServiceResult look) {
+void SyncToggle::finish(ToggleDirection direction, ServiceResult look) {
     next = scheduler.after(SETTLE_DELAY, [this, direction, look] {
         state.service.busy = false;
         outdateLooks(state.health);

@@ -42,7 +42,7 @@ private:
     void pause();
     void waitUntilGone(Instant deadline);
     void resume(int attemptsLeft);
-    void settle(ToggleDirection direction, ServiceResult look);
+    void finish(ToggleDirection direction, ServiceResult look);
     void report(ToggleDirection direction, ServiceResult look);
 
     TrayState &state;

@@ -46,11 +46,11 @@ void HealthPoll::poll(std::function<void()> then) {
     api.send({.path = QStringLiteral("/health"), .timeout = TIME_LIMIT, .keep = boundedHealth, .repeats = true},
              Done<QJsonObject>(alive.guard([this, generation = ++sent, then = std::move(then)](Result<QJsonObject> r) {
                  --open;
-                 answered(generation, r, then);
+                 received(generation, r, then);
              })));
 }
 
-void HealthPoll::answered(quint64 generation, const Result<QJsonObject> &reply, const std::function<void()> &then) {
+void HealthPoll::received(quint64 generation, const Result<QJsonObject> &reply, const std::function<void()> &then) {
     // Polls overlap. An answer to an older question says less than what is already shown.
     if (generation < applied)
         return follow({}, then);

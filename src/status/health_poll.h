@@ -34,7 +34,7 @@ public:
 
 private:
     void tick();
-    void answered(quint64 generation, const Result<QJsonObject> &reply, const std::function<void()> &then);
+    void received(quint64 generation, const Result<QJsonObject> &reply, const std::function<void()> &then);
     void follow(const HealthEffects &effects, const std::function<void()> &then);
     void checkJob(const std::function<void()> &then);
 

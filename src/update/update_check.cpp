@@ -27,11 +27,11 @@ void UpdateCheck::checkUpdate(bool manual) {
     auto request = buildManifest(serverOf(fixed, config.readCfg()));
     if (!request)
         return;
-    auto done = [this, manual](const Result<HttpReply> &reply) { answered(reply, manual); };
+    auto done = [this, manual](const Result<HttpReply> &reply) { received(reply, manual); };
     servers.send(std::move(*request), Done<HttpReply>(alive.guard(std::move(done))));
 }
 
-void UpdateCheck::answered(const Result<HttpReply> &reply, bool manual) {
+void UpdateCheck::received(const Result<HttpReply> &reply, bool manual) {
     update.updateCheckedAt = scheduler.now();
     const bool good = reply && reply.value().status == 200;
     const auto info = good ? packageIn(fixed, reply.value().body) : std::nullopt;

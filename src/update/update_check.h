@@ -27,7 +27,7 @@ public:
     void checkUpdate(bool manual);
 
 private:
-    void answered(const Result<HttpReply> &reply, bool manual);
+    void received(const Result<HttpReply> &reply, bool manual);
     void notChecked(const QString &why, const QString &sentence, bool manual);
     void found(const UpdateInfo &info, bool manual);
     void refuse(const UpdateInfo &info, bool manual);

@@ -50,12 +50,12 @@ struct Journey : ::testing::Test {
     LoopbackHttpClient http;
     ExchangeClient servers{programs, scheduler, exchangeProgram()};
     Launchctl services;
-    ScriptedDesktop desktop;
-    RecordedItem item;
-    RecordedNotices notices;
-    ScriptedAlerts alerts;
-    RecordedPairPanel pairPanel;
-    RecordedLoginPanel loginPanel;
+    FakeDesktop desktop;
+    FakeItem item;
+    FakeNotices notices;
+    FakeAlerts alerts;
+    FakePairPanel pairPanel;
+    FakeLoginPanel loginPanel;
     QString bundle; ///< The tray's own bundle; empty: none, and the agent's program is named by the environment.
     std::unique_ptr<TrayApp> tray;
 

@@ -91,7 +91,7 @@ public:
 };
 
 /// The agent and all servers, whose answers the test gives: at once, late, out of order, never.
-class ScriptedHttp final : public HttpClient, public ServerClient {
+class FakeHttp final : public HttpClient, public ServerClient {
 public:
     struct Request : HttpRequest {
         bool isForServer = false;
@@ -186,7 +186,7 @@ private:
     }
 };
 
-class RecordedPrograms final : public Programs {
+class FakePrograms final : public Programs {
 public:
     ProgramResult run(const ProgramRun &request) override {
         runs.push_back(request);
@@ -199,7 +199,7 @@ public:
     ProgramResult result{.status = 0, .launched = true, .output = {}, .launchError = {}};
 };
 
-class ScriptedDesktop final : public Desktop {
+class FakeDesktop final : public Desktop {
 public:
     void openUrl(const QString &url) override { opened.append(url); }
     bool optionKeyHeld() const override { return option; }
@@ -215,7 +215,7 @@ public:
 };
 
 /// Remembers what the menu bar shows and how often it was told.
-class RecordedItem final : public StatusItem {
+class FakeItem final : public StatusItem {
 public:
     void show(Events e) override { events = std::move(e); }
     void apply(const IconView &view) override {
@@ -245,7 +245,7 @@ public:
 };
 
 /// Alerts that the test answers.
-class ScriptedAlerts final : public Alerts {
+class FakeAlerts final : public Alerts {
 public:
     bool isOpen() const override { return answered != nullptr; }
     bool open(const AlertView &v, OpenedBy b, std::function<void(const AlertAnswer &)> a) override {
@@ -272,7 +272,7 @@ private:
     std::function<void(const AlertAnswer &)> answered;
 };
 
-class RecordedPairPanel final : public PairPanel {
+class FakePairPanel final : public PairPanel {
 public:
     void connect(Events e) override { events = std::move(e); }
     bool isVisible() const override { return visible; }
@@ -293,7 +293,7 @@ public:
 };
 
 /// The mainland sign-in window without a screen; the test is the user.
-class RecordedLoginPanel final : public LoginPanel {
+class FakeLoginPanel final : public LoginPanel {
 public:
     void connect(std::function<void(const LoginInput &)> i) override { input = std::move(i); }
     bool present(const CnLoginView &v, OpenedBy b) override {
@@ -319,7 +319,7 @@ public:
     int presented = 0;
 };
 
-class RecordedNotices final : public NoticePanel {
+class FakeNotices final : public NoticePanel {
 public:
     void show(const NoticeView &view, std::function<void()> onClick) override {
         shown.push_back(view);

@@ -35,14 +35,14 @@ void ManualScheduler::runInBackground(UniqueFunction<void()> work, UniqueFunctio
 void ManualScheduler::holdBackground(bool hold) {
     held = hold;
     if (!hold)
-        settle();
+        runDue();
 }
 
 void ManualScheduler::hangBackground() { hanging = std::exchange(background, {}); }
 
 void ManualScheduler::letGoBackground() {
     background = std::exchange(hanging, {});
-    settle();
+    runDue();
 }
 
 void ManualScheduler::runBackground() {

@@ -20,7 +20,7 @@ public:
 
     void advance(milliseconds by);
     /// Runs what is due now.
-    void settle() { advance(0ms); }
+    void runDue() { advance(0ms); }
     /// While true, background work does not run: a program that hangs.
     void holdBackground(bool hold);
     /// While false, there is no thread for background work, which is left out.

@@ -17,15 +17,15 @@ inline const QByteArray SIGNED_OUT = R"({"ok":true,"online":false,"account":"ann
 struct TrayFixture : ::testing::Test {
     TestHome home;
     ManualScheduler scheduler;
-    ScriptedHttp http;
+    FakeHttp http;
     FakeServices services;
-    RecordedPrograms programs;
-    ScriptedDesktop desktop;
-    RecordedItem item;
-    RecordedNotices notices;
-    ScriptedAlerts alerts;
-    RecordedPairPanel pairPanel;
-    RecordedLoginPanel loginPanel;
+    FakePrograms programs;
+    FakeDesktop desktop;
+    FakeItem item;
+    FakeNotices notices;
+    FakeAlerts alerts;
+    FakePairPanel pairPanel;
+    FakeLoginPanel loginPanel;
     LoginPanel *shownLogin = &loginPanel;
     std::unique_ptr<TrayApp> tray;
 
@@ -54,7 +54,7 @@ struct TrayFixture : ::testing::Test {
     void launch() {
         makeTray();
         tray->launch(u"/Applications/Korvel.app/Contents/MacOS/korvel-tray"_s);
-        scheduler.settle();
+        scheduler.runDue();
     }
     /// Launches a Mac bound to an account whose agent answers polls with `body`.
     void launchBound(const QByteArray &body = ONLINE) {

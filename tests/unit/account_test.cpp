@@ -51,7 +51,7 @@ struct AccountTest : TrayFixture {
     void TearDown() override { setLogSink({}); }
     void SetUp() override {
         setLogSink([this](const QString &line) { logged.append(line); });
-        http.answer = [this](const ScriptedHttp::Request &r) -> Result<HttpReply> {
+        http.answer = [this](const FakeHttp::Request &r) -> Result<HttpReply> {
             if (!r.isForServer)
                 return json(ONLINE);
             const bool isLogin = r.url.endsWith(u"/login");
@@ -83,11 +83,11 @@ struct AccountTest : TrayFixture {
     }
     void signIn() {
         beginSignIn();
-        scheduler.settle();
+        scheduler.runDue();
     }
     void signOut() {
         beginSignOut();
-        scheduler.settle();
+        scheduler.runDue();
     }
 };
 
@@ -265,7 +265,7 @@ TEST_F(AccountTest, NothingThatFailsOrHangsKeepsASignOutFromEnding) {
     EXPECT_FALSE(cfg().contains(u"agentToken"));
     scheduler.holdBackground(false);
     notices.shown.clear();
-    scheduler.settle();
+    scheduler.runDue();
     EXPECT_TRUE(notices.shown.empty());
 }
 
@@ -282,7 +282,7 @@ TEST_F(AccountTest, ASignInForgetsThatTheLastOneWasLost) {
     beginSignIn(u"ann"_s);
     answerOpen(u"/login"_s, json(loginReply));
     answerOpen(u"/unbind"_s, json("{}"));
-    scheduler.settle();
+    scheduler.runDue();
     EXPECT_EQ(health().account, u"ann"_s);
     notices.shown.clear();
     answerOpen(u"/health"_s, json(SIGNED_OUT));
@@ -358,7 +358,7 @@ TEST_F(AccountRaceTest, OfTwoSignInsTheNewerOneStaysAndTheOtherOneIsReleased) {
         released("t");
         released("older");
         EXPECT_EQ(token(), u"newer"_s);
-        scheduler.settle();
+        scheduler.runDue();
         EXPECT_EQ(notices.last(), u"● Signed in as kim"_s);
         http.open.clear();
     }
@@ -374,7 +374,7 @@ TEST_F(AccountRaceTest, ACredentialThatAppearsDuringTheReleaseOfAnotherIsRelease
         EXPECT_EQ(token(), u"another"_s);
         released("another");
         EXPECT_EQ(token(), signsOut ? u""_s : u"new"_s);
-        scheduler.settle();
+        scheduler.runDue();
     }
 }
 

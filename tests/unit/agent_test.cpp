@@ -13,7 +13,7 @@ namespace {
 
 struct AgentApiTest : ::testing::Test {
     TestHome home;
-    ScriptedHttp http;
+    FakeHttp http;
     AgentConfig config{home.paths};
     AgentApi api{http, home.fixed, config};
 
@@ -74,7 +74,7 @@ TEST(AgentReply, IsTheLastLineThatBeginsAnObject) {
 
 struct AgentCommandTest : ::testing::Test {
     QTemporaryDir bundle;
-    RecordedPrograms programs;
+    FakePrograms programs;
     ManualScheduler scheduler;
 
     AgentCommand command(std::optional<QString> agentBin) {
@@ -113,7 +113,7 @@ TEST_F(AgentCommandTest, TheRequestGoesThroughStandardInputAndTheAnswerComesOnce
         EXPECT_TRUE(reply && reply->value(u"ok").toBool());
     });
     EXPECT_EQ(answers, 0);
-    scheduler.settle();
+    scheduler.runDue();
     EXPECT_EQ(answers, 1);
     const ProgramRun run = programs.runs.at(0);
     EXPECT_EQ(run.arguments, (QStringList{u"node"_s, u"/a/agent.mjs"_s, u"login"_s, u"--stdin-json"_s}));
@@ -124,12 +124,12 @@ TEST_F(AgentCommandTest, TheRequestGoesThroughStandardInputAndTheAnswerComesOnce
     AgentCommand none = command(std::nullopt);
     none.runAgentJson({}, [&](const auto &reply) { answers += reply ? 0 : 1; });
     EXPECT_EQ(answers, 1); // not at once
-    scheduler.settle();
+    scheduler.runDue();
     EXPECT_EQ(answers, 2);
 }
 
 TEST(Launchctl, OnlyAStatusSaysHowACommandEnded) {
-    RecordedPrograms programs;
+    FakePrograms programs;
     const std::pair<ProgramResult, ServiceResult> cases[] = {
         {{.status = 0, .launched = true, .output = {}, .launchError = {}}, ServiceResult::Succeeded},
         {{.status = 113, .launched = true, .output = {}, .launchError = {}}, ServiceResult::Failed},
@@ -261,7 +261,7 @@ struct AgentControlTest : TrayFixture {
         services.calls.clear();
         bool ended = false;
         (control.*operation)([&] { ended = true; });
-        scheduler.settle();
+        scheduler.runDue();
         EXPECT_TRUE(ended);
         return services.calls;
     }
@@ -294,7 +294,7 @@ TEST_F(AgentControlTest, QuittingStopsTheAgentAndItsStraysBeforeTheTrayGoes) {
     control.quitAll();
     EXPECT_EQ(notices.last(), u"⏻ Quitting…"_s);
     EXPECT_EQ(desktop.terminated, 0);
-    scheduler.settle();
+    scheduler.runDue();
     EXPECT_EQ(services.calls, (QStringList{u"bootout com.korvel.agent"_s, u"bootout com.korvel.tray"_s}));
     ASSERT_EQ(programs.runs.size(), 2u);
     EXPECT_EQ(programs.runs[0].executable, u"/usr/bin/pkill"_s);

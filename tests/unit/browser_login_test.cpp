@@ -99,7 +99,7 @@ TEST_F(BrowserLoginTest, WhatAnotherSignInOvertookCountsNoMore) {
         item.press(Action::LoginDialog);
         alerts.answer(0, QStringList{u"ann"_s, u"pass"_s});
         answerOpen(u"/login"_s, json(R"({"agentToken":"new","agentId":"id"})"));
-        scheduler.settle();
+        scheduler.runDue();
     };
     overtake();
     answerOpen(u"/auth/start"_s, json(start));

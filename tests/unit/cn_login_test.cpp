@@ -134,7 +134,7 @@ TEST_F(CnLoginTest, ASignInGoesThroughTheAgentAndLeadsToThePairingWindow) {
     answer(R"({"ok":false,"error":"Wrong password.","field":"password"})");
     loginPanel.does(Kind::Submit);
     EXPECT_TRUE(loginPanel.view.busy);
-    scheduler.settle();
+    scheduler.runDue();
     EXPECT_FALSE(loginPanel.view.busy);
     EXPECT_EQ(loginPanel.view.error, u"Wrong password."_s);
     EXPECT_EQ(loginPanel.focused, LoginField::Password);
@@ -149,7 +149,7 @@ TEST_F(CnLoginTest, ASignInGoesThroughTheAgentAndLeadsToThePairingWindow) {
     answer(R"({"ok":true,"user":"Ann"})");
     const int polls = http.count;
     loginPanel.does(Kind::Submit);
-    scheduler.settle();
+    scheduler.runDue();
     EXPECT_FALSE(loginPanel.visible);
     EXPECT_EQ(notices.last(), u"● Signed in as Ann"_s);
     EXPECT_EQ(http.count, polls + 1);
@@ -183,7 +183,7 @@ TEST_F(CnLoginTest, ASignInStartsAnAgentThatIsStopped) {
         answer(R"({"ok":true})");
         services.calls.clear();
         loginPanel.does(Kind::Submit);
-        scheduler.settle();
+        scheduler.runDue();
         EXPECT_EQ(services.calls.mid(0, std::max<qsizetype>(c.calls.size(), 1)), c.calls);
         EXPECT_TRUE(services.loaded);
         EXPECT_EQ(item.statusLine(), c.responds ? u"● Connected · ann · 1 session"_s : u"○ Starting… · ann"_s);
@@ -196,7 +196,7 @@ TEST_F(CnLoginTest, TheCountdownRunsAcrossPagesAndOnlyWhileTheWindowIsOpen) {
     answer(R"({"ok":true,"next":3})");
     loginPanel.does(Kind::SendCode);
     loginPanel.does(Kind::SendCode);
-    scheduler.settle();
+    scheduler.runDue();
     EXPECT_EQ(programs.runs.size(), 1u);
     EXPECT_EQ(loginPanel.view.sendText, u"Resend in 3s"_s);
     EXPECT_FALSE(loginPanel.view.sendEnabled);
@@ -211,7 +211,7 @@ TEST_F(CnLoginTest, TheCountdownRunsAcrossPagesAndOnlyWhileTheWindowIsOpen) {
     answer(R"({"ok":true,"next":1})");
     for (const milliseconds second : {1s, 0s}) {
         loginPanel.does(Kind::SendCode);
-        scheduler.settle();
+        scheduler.runDue();
         EXPECT_EQ(loginPanel.view.sendText, u"1 秒后重新获取"_s);
         scheduler.advance(second);
     }
@@ -236,7 +236,7 @@ TEST_F(CnLoginTest, WhatWasTypedStaysOnTheOtherWayOfSigningInAndThePasswordOnNoO
     loginPanel.does(Kind::Tab, {}, 0);
     EXPECT_EQ(loginPanel.view.title, u"Sign In to Korvel"_s);
     EXPECT_EQ(loginPanel.view.tab, 1);
-    scheduler.settle();
+    scheduler.runDue();
     loginPanel.does(Kind::LinkA);
     EXPECT_EQ(loginPanel.view.title, u"Sign Up for Korvel"_s);
     EXPECT_EQ(loginPanel.view.password.text, u""_s);
@@ -252,7 +252,7 @@ TEST_F(CnLoginTest, AfterASignInNothingSaysThatItWasLost) {
         http.answer = nullptr; // the agent has not yet said anything new
         answer(R"({"ok":true,"user":"ann"})");
         loginPanel.does(Kind::Submit);
-        scheduler.settle();
+        scheduler.runDue();
         EXPECT_EQ(item.statusLine(), u"○ Connecting… · ann"_s);
         EXPECT_EQ(pairPanel.view.line, u"Turning on encryption…"_s);
         answerOpen(u"/health"_s, json(SIGNED_OUT)); // as long as the agent has not taken note, which is no news
@@ -273,7 +273,7 @@ TEST_F(CnLoginTest, AnAnswerForAClosedWindowIsToldOnlyWhenItSignedIn) {
         loginPanel.does(Kind::Close);
         item.choose(Action::BrowserLogin);
         scheduler.holdBackground(false);
-        scheduler.settle();
+        scheduler.runDue();
         EXPECT_EQ(loginPanel.view.error + loginPanel.view.info, u""_s);
         EXPECT_EQ(loginPanel.visible, !signsIn);
         EXPECT_EQ(notices.last() == u"● Signed in as ann", signsIn);
@@ -313,7 +313,7 @@ struct CnLoginControlsTest : CnLoginTest {
     CnLoginControlsTest() { shownLogin = &window; }
     void TearDown() override { tray.reset(); }
     QJsonObject request() {
-        scheduler.settle();
+        scheduler.runDue();
         return lastRequest();
     }
 

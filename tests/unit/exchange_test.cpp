@@ -63,7 +63,7 @@ ProgramResult ended(int status, ProgramResult::End end = ProgramResult::End::Its
 
 struct ExchangeClientTest : ::testing::Test {
     ManualScheduler scheduler;
-    RecordedPrograms programs;
+    FakePrograms programs;
     ExchangeClient client{programs, scheduler, u"/korvel-exchange"_s};
 
     /// What a request comes to when the program prints these pieces and ends so.
@@ -79,7 +79,7 @@ struct ExchangeClientTest : ::testing::Test {
                                      : "kind " + std::to_string(static_cast<int>(reply.error().kind));
                     }));
         EXPECT_EQ(told, ""); // never before send() returned
-        scheduler.settle();
+        scheduler.runDue();
         return told;
     }
     static std::string kind(ErrorKind kind) { return "kind " + std::to_string(static_cast<int>(kind)); }
@@ -117,7 +117,7 @@ TEST_F(ExchangeClientTest, ARunThatPrintsWithoutEndIsStopped) {
     };
     std::optional<ErrorKind> told;
     client.hash(u"/x"_s, Done<QString>([&](const Result<QString> &r) { told = r.error().kind; }));
-    scheduler.settle();
+    scheduler.runDue();
     EXPECT_EQ(told, ErrorKind::UnreadableAnswer);
     EXPECT_TRUE(stop->stopRequested());
 }
@@ -149,7 +149,7 @@ TEST_F(ExchangeClientTest, ADownloadReportsItsProgressInOrder) {
     client.download(
         {.url = u"https://a.example/"_s}, u"/file"_s, [&](qint64 got, qint64) { steps.append(got); },
         Done<HttpReply>([](const Result<HttpReply> &) {}));
-    scheduler.settle();
+    scheduler.runDue();
     QCoreApplication::processEvents();
     EXPECT_EQ(steps, (QList<qint64>{1, 2}));
 }

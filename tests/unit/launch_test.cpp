@@ -38,11 +38,11 @@ TEST_F(LaunchTest, WithoutAThreadEveryFeatureGoesOn) {
     item.choose(Action::BrowserLogin);
     loginPanel.does(LoginInput::Kind::Account, u"ann"_s);
     loginPanel.does(LoginInput::Kind::Submit);
-    scheduler.settle();
+    scheduler.runDue();
     EXPECT_FALSE(loginPanel.view.busy);
     EXPECT_EQ(loginPanel.view.error, u"Couldn't finish. Check your network and try again."_s);
     item.choose(Action::QuitAll);
-    scheduler.settle();
+    scheduler.runDue();
     EXPECT_EQ(desktop.terminated, 1);
 }
 
@@ -84,7 +84,7 @@ TEST_F(LaunchTest, ReopeningDoesTheMostUsefulThing) {
         services.calls.clear();
         pairPanel.hide();
         tray->reopen();
-        scheduler.settle();
+        scheduler.runDue();
         if (std::exchange(loginPanel.visible, false))
             return u"sign in"_s;
         return services.calls.value(0, pairPanel.visible ? u"show code"_s : u""_s);

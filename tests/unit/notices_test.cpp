@@ -102,8 +102,8 @@ TEST_F(KeyGuardTest, AReleaseInAnotherWindowIsNoticed) {
 }
 
 struct NoticesTest : ::testing::Test {
-    RecordedNotices panel;
-    ScriptedDesktop desktop;
+    FakeNotices panel;
+    FakeDesktop desktop;
     ManualScheduler scheduler;
     TimedNotices notices{panel, desktop, scheduler};
 };

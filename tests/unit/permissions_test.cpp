@@ -175,14 +175,14 @@ TEST_F(RepairTest, AFailedRepairSaysSoAndTheMenuOffersItAgain) {
     item.press(Action::Repair); // of a menu that was opened before: no verdict yet
     EXPECT_TRUE(notices.shown.empty());
     scheduler.holdBackground(false);
-    scheduler.settle();
+    scheduler.runDue();
     EXPECT_EQ(notices.last(), u"Couldn't repair Korvel. Download it from the website and reinstall."_s);
     notices.click();
     EXPECT_EQ(desktop.opened, QStringList{home.fixed.SITE_URL});
     serviceStatus = 0;
     writesJobFile = true;
     item.choose(Action::Repair);
-    scheduler.settle();
+    scheduler.runDue();
     EXPECT_EQ(notices.last(), u"✓ Repaired"_s);
     EXPECT_EQ(programs.runs.back().timeout, 10min);
     EXPECT_EQ(programs.runs.size(), 6u); // two a repair: of those asked for meanwhile none

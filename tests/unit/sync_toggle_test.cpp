@@ -24,7 +24,7 @@ struct SyncToggleTest : TrayFixture {
     }
     void toggle() {
         item.choose(Action::MenuToggle);
-        scheduler.settle();
+        scheduler.runDue();
     }
 };
 
@@ -104,7 +104,7 @@ TEST_F(SyncToggleTest, EachNoticeSpeaksOfItsOwnToggle) {
     toggle();
     while (!http.open.empty())
         http.reply(0, noAnswer());
-    scheduler.settle();
+    scheduler.runDue();
     EXPECT_EQ(notices.last(), u"● Sync resumed. Connecting…"_s);
     EXPECT_FALSE(notices.shown.back().error);
 }
@@ -139,7 +139,7 @@ TEST_F(SyncToggleTest, WithoutAccountOrJobFileTheMissingThingIsAskedFor) {
     programs.runs.clear();
     home.bind();
     tray->reopen();
-    scheduler.settle();
+    scheduler.runDue();
     EXPECT_EQ(programs.runs.size(), 2u);
     home.writeConfig("{}");
     item.press(Action::MenuToggle);

@@ -232,7 +232,7 @@ struct UpdateTest : TrayFixture {
         check();
         http.answer = nullptr;
         item.choose(Action::InstallUpdate);
-        scheduler.settle();
+        scheduler.runDue();
     }
     /// Answers the download that is open.
     void delivers(const QByteArray &content, Result<HttpReply> reply = HttpReply{200, {}}) {
@@ -247,7 +247,7 @@ struct UpdateTest : TrayFixture {
                                               [&](const ProgramRun &run) { return run.executable == program; }));
     }
     void expectRefused(const QString &notice) {
-        scheduler.settle();
+        scheduler.runDue();
         EXPECT_EQ(notices.last(), notice);
         EXPECT_TRUE(notices.shown.back().error);
         EXPECT_FALSE(update().updateBusy || update().updatePct);
@@ -338,7 +338,7 @@ TEST_F(UpdateTest, ADownloadShowsItsPercentAndIsInstalled) {
     delivers(PACKAGE);
     EXPECT_EQ(item.entry(Action::InstallUpdate).title, u"Installing 2.0…"_s);
     scheduler.holdBackground(false);
-    scheduler.settle();
+    scheduler.runDue();
     EXPECT_EQ(runsOf(u"/usr/bin/xattr"_s), 1);
     EXPECT_EQ(programs.runs.front().arguments, (QStringList{u"-d"_s, u"com.apple.quarantine"_s, cache}));
     EXPECT_EQ(programs.runs.front().timeout, 10s);
@@ -377,11 +377,11 @@ TEST_F(UpdateTest, ADownloadThatFailsLeavesNothingToTrustAndCanBeTriedAgain) {
         expectRefused(c.notice);
         EXPECT_TRUE(QDir(home.paths.updateDir).isEmpty());
         item.choose(Action::InstallUpdate);
-        scheduler.settle();
+        scheduler.runDue();
         EXPECT_EQ(update().updatePct, 0);
     }
     delivers(PACKAGE);
-    scheduler.settle();
+    scheduler.runDue();
     EXPECT_EQ(notices.last(), u"✓ Updated to 2.0"_s);
 }
 
@@ -395,7 +395,7 @@ TEST_F(UpdateTest, ACachedPackageIsUsedWhenItIsTheRightOneOnly) {
     EXPECT_TRUE(QDir(home.paths.updateDir).isEmpty());
     home.write(cache, PACKAGE);
     item.choose(Action::InstallUpdate);
-    scheduler.settle();
+    scheduler.runDue();
     EXPECT_EQ(notices.last(), u"✓ Updated to 2.0"_s);
     EXPECT_TRUE(http.downloadTo.isEmpty()); // nothing was downloaded
 }
@@ -424,7 +424,7 @@ TEST_F(UpdateTest, TheAdministratorsPromptCanBeGivenUpFromTheMenu) {
     EXPECT_EQ(notices.last(), u"Canceled. To install, choose Update to 2.0 in the menu."_s);
     EXPECT_EQ(item.entry(Action::CancelInstall), MenuEntry());
     item.choose(Action::InstallUpdate); // the package is still there
-    scheduler.settle();
+    scheduler.runDue();
     EXPECT_EQ(notices.last(), u"✓ Updated to 2.0"_s);
 }
 
@@ -451,7 +451,7 @@ TEST_F(UpdateTest, EachOutcomeOfTheInstallerIsToldAndTheUpdateStaysOffered) {
         programs.result = {.status = 1, .launched = true, .output = c.error, .launchError = {}};
         desktop.opened.clear();
         item.choose(Action::InstallUpdate);
-        scheduler.settle();
+        scheduler.runDue();
         EXPECT_EQ(notices.last(), c.notice);
         EXPECT_FALSE(update().updateBusy);
         EXPECT_TRUE(update().updateAvail);
@@ -466,7 +466,7 @@ TEST_F(UpdateTest, EachOutcomeOfTheInstallerIsToldAndTheUpdateStaysOffered) {
     };
     desktop.opened.clear();
     item.choose(Action::InstallUpdate);
-    scheduler.settle();
+    scheduler.runDue();
     EXPECT_TRUE(desktop.opened.isEmpty());
 }
 
