@@ -129,6 +129,8 @@ TEST_F(BrowserLoginTest, AnAgentThatNeverComesUpIsRestartedOnceAndGivenUp) {
     EXPECT_EQ(notices.last(), u"Korvel couldn't start. Try again later."_s);
     EXPECT_EQ(services.calls.filter(u"enable"_s).size(), 1);
     EXPECT_TRUE(desktop.opened.isEmpty());
+    choose();
+    EXPECT_EQ(notices.last(), u"Starting…"_s); // a new sign-in
 }
 
 } // namespace
