@@ -71,7 +71,7 @@ ErrorKind kindOf(CURLcode code, const QByteArray &description) {
     case CURLE_URL_MALFORMAT:
         return ErrorKind::InvalidRequest;
     default:
-        return ErrorKind::UnreadableAnswer;
+        return ErrorKind::UnreadableResponse;
     }
 }
 

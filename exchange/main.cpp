@@ -82,7 +82,7 @@ Line perform(const HttpTask &task) {
 
 Line perform(const HashTask &task) {
     const auto sha = sha256File(task.file);
-    return sha ? Line(Hash{*sha}) : Line(Error{ErrorKind::UnreadableAnswer, QStringLiteral("no readable file")});
+    return sha ? Line(Hash{*sha}) : Line(Error{ErrorKind::UnreadableResponse, QStringLiteral("no readable file")});
 }
 
 Line perform(const SignatureProof &proof) { return Verdict{ed25519Valid(proof)}; }

@@ -16,11 +16,12 @@ namespace {
 
 /// By ErrorKind.
 constexpr QLatin1StringView KINDS[] = {
-    "Dropped"_L1,     "InvalidRequest"_L1,     "Offline"_L1,          "HostNotFound"_L1,
-    "Unreachable"_L1, "InsecureConnection"_L1, "Interrupted"_L1,      "TimedOut"_L1,
-    "TooLarge"_L1,    "NotSaved"_L1,           "UnreadableAnswer"_L1,
+    "Dropped"_L1,      "InvalidRequest"_L1,     "Offline"_L1,
+    "HostNotFound"_L1, "Unreachable"_L1,        "InsecureConnection"_L1,
+    "Interrupted"_L1,  "TimedOut"_L1,           "TooLarge"_L1,
+    "NotSaved"_L1,     "UnreadableResponse"_L1, "Refused"_L1,
 };
-static_assert(std::size(KINDS) == static_cast<size_t>(ErrorKind::UnreadableAnswer) + 1);
+static_assert(std::size(KINDS) == static_cast<size_t>(ErrorKind::Refused) + 1);
 
 QString coded(const QByteArray &bytes) { return QString::fromLatin1(bytes.toBase64()); }
 

@@ -14,7 +14,7 @@ namespace korvel {
 Result<QByteArray> readManifest(const QString &path) {
     const auto bytes = readRegularFile(path, ServerRequest().maxBytes);
     if (!bytes)
-        return Error{ErrorKind::UnreadableAnswer, u"it cannot be read, or is too large"_s};
+        return Error{ErrorKind::UnreadableResponse, u"it cannot be read, or is too large"_s};
     return *bytes;
 }
 
@@ -27,7 +27,7 @@ Result<QJsonObject> manifestToExtend(const QString &path) {
         return bytes.error();
     const QJsonDocument document = QJsonDocument::fromJson(bytes.value());
     if (!document.isObject())
-        return Error{ErrorKind::UnreadableAnswer, u"it holds no JSON object"_s};
+        return Error{ErrorKind::UnreadableResponse, u"it holds no JSON object"_s};
     return document.object();
 }
 

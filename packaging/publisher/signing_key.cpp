@@ -22,7 +22,7 @@ const unsigned char *bytesOf(const QByteArray &bytes) {
     return reinterpret_cast<const unsigned char *>(bytes.constData());
 }
 
-Error unreadable(const QString &detail) { return {ErrorKind::UnreadableAnswer, detail}; }
+Error unreadable(const QString &detail) { return {ErrorKind::UnreadableResponse, detail}; }
 
 } // namespace
 

@@ -30,7 +30,7 @@ const QString ANNA = u"Anna’s phone"_s;
 const QString WEBSITE = u"https://korvel.example/"_s;
 const QString VERSION = u"2.1.0"_s;
 
-std::optional<QJsonObject> reply(const char *code, const QString &sentence) {
+Result<QJsonObject> reply(const char *code, const QString &sentence) {
     return QJsonObject{{u"ok"_s, false}, {u"code"_s, QLatin1StringView(code)}, {u"error"_s, sentence}};
 }
 
@@ -62,16 +62,16 @@ QList<Sample> encryptionSamples() {
         {"denied", [] { return deniedNotice(ANNA); }},
         {"denied-long-name", [] { return deniedNotice(shownName(longName())); }},
         {"denied-right-to-left", [] { return deniedNotice(rightToLeftName()); }},
-        {"not-admitted", [] { return notAdmittedNotice({}); }},
+        {"not-admitted", [] { return notAdmittedNotice(Error{}); }},
         {"not-admitted-mismatch",
          [] {
              return notAdmittedNotice(reply("mismatch", L(u"两边的密钥不一致，请勿继续，并立即修改密码",
                                                           u"The keys don't match. Stop, and change your password.")));
          }},
         {"reset-by-a-stranger", strangersResetNotice},
-        {"not-rejoined", [] { return notRejoinedNotice({}); }},
+        {"not-rejoined", [] { return notRejoinedNotice(Error{}); }},
         {"speech-download", speechDownloadNotice},
-        {"no-speech-download", [] { return noSpeechDownloadNotice({}); }},
+        {"no-speech-download", [] { return noSpeechDownloadNotice(Error{}); }},
     };
 }
 

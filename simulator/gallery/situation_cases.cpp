@@ -36,8 +36,8 @@ std::shared_ptr<void> in(const Sample &sample, std::shared_ptr<void> (*show)(con
     const FixedConfig config = makeFixedConfig(deployment, {});
     TrayState state;
     state.health.jobLoaded = true;
-    const auto answer =
-        sample.health.isEmpty() ? std::nullopt : std::optional(QJsonDocument::fromJson(sample.health).object());
+    const Result<QJsonObject> answer =
+        sample.health.isEmpty() ? Error{} : Result(QJsonDocument::fromJson(sample.health).object());
     applyHealth(state, answer, {.now = NOW, .bound = sample.bound, .username = u"anna"_s});
     if (answer)
         applyPermReply(state.permissions, answer->value(u"perms").toObject());

@@ -12,21 +12,21 @@ Binding::Binding(HealthState &st, const FixedConfig &f, const AgentConfig &c, Co
                  const Desktop &d, Poller &po, AgentControl &ag)
     : health(st), fixed(f), config(c), waiter(w), servers(sc), desktop(d), poller(po), agent(ag) {}
 
-void Binding::performLogin(const QString &user, const QString &pass, const QString &server,
-                           std::function<void(bool ok, const QString &message)> done) {
+void Binding::performLogin(const QString &user, const QString &pass, const QString &server, Done<QString> done) {
     auto request = buildLogin(server, user, pass, computerDisplayName(desktop.computerName()));
     if (!request)
-        return done(false, L(u"服务器地址不正确", u"The server address isn't valid."));
-    auto received = [this, number = ++signIns, user, server, done = std::move(done)](const Result<HttpReply> &reply) {
-        const auto answer = parseLogin(reply);
-        if (const auto *refusal = std::get_if<QString>(&answer))
-            return done(false, *refusal);
-        const auto finished = [user, done](Outcome outcome) {
-            done(outcome == Outcome::Bound, message(outcome, user));
+        return done(Error{ErrorKind::InvalidRequest, L(u"服务器地址不正确", u"The server address isn't valid.")});
+    auto received = [this, number = ++signIns, user, server, done = std::move(done)](const auto &reply) mutable {
+        const Result<Credential> credential = parseLogin(reply);
+        if (!credential)
+            return done(credential.error());
+        auto finished = [user, done = std::make_shared<Done<QString>>(std::move(done))](Outcome outcome) {
+            const QString sentence = message(outcome, user);
+            (*done)(outcome == Outcome::Bound ? Result(sentence) : Error{ErrorKind::Refused, sentence});
         };
-        bind({number, std::get<Credential>(answer), user, server, finished}, {});
+        bind({number, credential.value(), user, server, std::move(finished)}, {});
     };
-    servers.send(std::move(*request), Done<HttpReply>(alive.guard(std::move(received))));
+    servers.send(std::move(*request), alive.guard(std::move(received)));
 }
 
 QString Binding::message(Outcome outcome, const QString &user) {

@@ -4,6 +4,7 @@
 #include "app/model/fixed_config.h"
 #include "app/model/tray_state.h"
 #include "base/alive.h"
+#include "base/done.h"
 #include "ports/desktop.h"
 #include "ports/poller.h"
 #include "service/agent_config.h"
@@ -21,10 +22,9 @@ public:
     Binding(HealthState &health, const FixedConfig &fixed, const AgentConfig &config, ConfigWaiter &waiter,
             ServerClient &servers, const Desktop &desktop, Poller &poller, AgentControl &agent);
 
-    /// Signs in at `server` (host:port). `done` is called once, with whether this Mac is bound now and the sentence for
-    /// the user.
-    void performLogin(const QString &user, const QString &pass, const QString &server,
-                      std::function<void(bool ok, const QString &message)> done);
+    /// Signs in at `server` (host:port). `done` gets the sentence for the user, as a value once this Mac is bound, else
+    /// as the error's detail.
+    void performLogin(const QString &user, const QString &pass, const QString &server, Done<QString> done);
     /// From now on no sign-in that is under way binds this Mac; the credential that it may get is given back.
     void abandonLogins() { abandoned = signIns; }
     /// Releases the stored credential, if there is one.

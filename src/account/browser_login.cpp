@@ -54,8 +54,7 @@ void BrowserLogin::startBrowserLogin(int attempt) {
         if (asked == starts && std::exchange(starting, false))
             started(reply);
     };
-    api.send(authStartRequest(computerDisplayName(desktop.computerName())),
-             Done<QJsonObject>(alive.guard(std::move(received))));
+    api.send(authStartRequest(computerDisplayName(desktop.computerName())), alive.guard(std::move(received)));
 }
 
 bool BrowserLogin::reopenPage() {
@@ -106,7 +105,7 @@ void BrowserLogin::pollBrowserLogin() {
         if (reply && login.browserLoginId == id)
             outcome(reply.value());
     };
-    api.send(authStatusRequest(*login.browserLoginId), Done<QJsonObject>(alive.guard(std::move(received))));
+    api.send(authStatusRequest(*login.browserLoginId), alive.guard(std::move(received)));
 }
 
 void BrowserLogin::outcome(const QJsonObject &answer) {

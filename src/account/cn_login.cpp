@@ -83,7 +83,7 @@ void CnLogin::sendCode() {
     if (!request)
         return;
     show();
-    command.runAgentJson(*request, alive.guard([this, asked = opening](const std::optional<QJsonObject> &answer) {
+    command.runAgentJson(*request, alive.guard([this, asked = opening](const Result<QJsonObject> &answer) {
         if (!form || asked != opening)
             return;
         codeAnswered(*form, answer);
@@ -100,7 +100,7 @@ void CnLogin::submit() {
     CnLoginForm submitted = *form;
     submitted.password.clear(); // one place is enough for it
     command.runAgentJson(*request, alive.guard([this, sent = std::move(submitted),
-                                                asked = opening](const std::optional<QJsonObject> &answer) mutable {
+                                                asked = opening](const Result<QJsonObject> &answer) mutable {
         if (form && asked == opening)
             received(answer);
         // Closing the window does not take a sign-in back: that it went through is told all the same.
@@ -109,7 +109,7 @@ void CnLogin::submit() {
     }));
 }
 
-void CnLogin::received(const std::optional<QJsonObject> &answer) {
+void CnLogin::received(const Result<QJsonObject> &answer) {
     const SubmitOutcome outcome = submitAnswered(*form, answer);
     if (outcome.user)
         return cnLoggedIn(*outcome.user);

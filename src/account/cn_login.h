@@ -32,7 +32,7 @@ private:
     void chooseMode(bool codeMode);
     void sendCode();
     void submit();
-    void received(const std::optional<QJsonObject> &answer);
+    void received(const Result<QJsonObject> &answer);
     void cnLoggedIn(const QString &user);
     void runTick();
     void show();

@@ -2,6 +2,7 @@
 
 #include "app/model/wording.h"
 #include "base/json_values.h"
+#include "service/agent_api.h"
 
 #include <algorithm>
 
@@ -14,9 +15,7 @@ namespace {
 constexpr qint64 MAX_COUNTDOWN = 86400;
 constexpr qint64 USUAL_COUNTDOWN = 60;
 
-bool succeeded(const std::optional<QJsonObject> &answer) { return answer && answer->value(u"ok").toBool(); }
-
-QString errOf(const std::optional<QJsonObject> &answer) {
+QString errOf(const Result<QJsonObject> &answer) {
     const QString error = answer ? answer->value(u"error").toString() : QString();
     return error.isEmpty() ? L(u"无法完成操作，请检查网络后重试", u"Couldn't finish. Check your network and try again.")
                            : error;
@@ -73,7 +72,7 @@ QJsonObject submission(const CnLoginForm &form) {
 }
 
 /// The field that an answer names, when the page shows it; else the first empty one.
-LoginField focusField(const CnLoginForm &form, const std::optional<QJsonObject> &answer) {
+LoginField focusField(const CnLoginForm &form, const Result<QJsonObject> &answer) {
     const QString name = answer ? answer->value(u"field").toString() : QString();
     LoginField field = firstEmptyField(form);
     if (name == u"agree")
@@ -123,9 +122,9 @@ std::optional<QJsonObject> sendCode(CnLoginForm &form) {
         {u"op"_s, u"send-code"_s}, {u"phone"_s, form.account.trimmed()}, {u"purpose"_s, purpose(form.page)}};
 }
 
-void codeAnswered(CnLoginForm &form, const std::optional<QJsonObject> &answer) {
+void codeAnswered(CnLoginForm &form, const Result<QJsonObject> &answer) {
     form.sending = false;
-    if (succeeded(answer)) {
+    if (agentOk(answer)) {
         startCountdown(form, jsonInteger(answer->value(u"next")).value_or(USUAL_COUNTDOWN));
         form.info = L(u"验证码已发送", u"Code sent.");
         form.error.clear();
@@ -145,9 +144,9 @@ std::optional<QJsonObject> submit(CnLoginForm &form) {
     return submission(form);
 }
 
-SubmitOutcome submitAnswered(CnLoginForm &form, const std::optional<QJsonObject> &answer) {
+SubmitOutcome submitAnswered(CnLoginForm &form, const Result<QJsonObject> &answer) {
     const QString account = form.account.trimmed();
-    if (succeeded(answer))
+    if (agentOk(answer))
         return {.user = jsonText(answer->value(u"user")).value_or(account)};
     form.busy = false;
     if (answer && answer->value(u"reset").toBool()) {

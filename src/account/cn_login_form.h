@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/result.h"
+
 #include <QJsonObject>
 #include <QString>
 #include <optional>
@@ -45,7 +47,7 @@ void startCountdown(CnLoginForm &form, qint64 seconds);
 /// Begins to ask for a code and gives the request; none while that is not allowed.
 std::optional<QJsonObject> sendCode(CnLoginForm &form);
 /// Takes the answer to it.
-void codeAnswered(CnLoginForm &form, const std::optional<QJsonObject> &answer);
+void codeAnswered(CnLoginForm &form, const Result<QJsonObject> &answer);
 
 /// Begins to submit the page and gives the request; none while another is under way.
 std::optional<QJsonObject> submit(CnLoginForm &form);
@@ -56,7 +58,7 @@ struct SubmitOutcome {
     std::optional<LoginField> focus = {}; ///< The field that has to be looked at.
     bool bringToFront = false;
 };
-SubmitOutcome submitAnswered(CnLoginForm &form, const std::optional<QJsonObject> &answer);
+SubmitOutcome submitAnswered(CnLoginForm &form, const Result<QJsonObject> &answer);
 
 /// Whether the page shows a field.
 bool showsField(const CnLoginForm &form, LoginField field);

@@ -64,19 +64,18 @@ void LoginDialog::answered(LoginAttempt attempt, const QStringList &texts) {
         return showLogin(attempt);
     }
     notices.showHUD(signingInNotice());
-    binding.performLogin(attempt.user, pass, *server, alive.guard([this, attempt](bool ok, const QString &message) {
-        finished(attempt, ok, message);
-    }));
+    binding.performLogin(attempt.user, pass, *server,
+                         alive.guard([this, attempt](const Result<QString> &result) { finished(attempt, result); }));
 }
 
-void LoginDialog::finished(LoginAttempt attempt, bool ok, const QString &message) {
-    if (!ok) {
+void LoginDialog::finished(LoginAttempt attempt, const Result<QString> &result) {
+    if (!result) {
         // The dialog says it now; it must not lie below a notice that still says "signing in".
         notices.hideHUD();
-        attempt.error = message;
+        attempt.error = result.error().detail;
         // Another alert may have come up meanwhile.
         if (!present(attempt, OpenedBy::Itself))
-            notices.showHUD(signInFailedNotice(message));
+            notices.showHUD(signInFailedNotice(*attempt.error));
         return;
     }
     afterSignIn.signedIn(attempt.user);

@@ -39,7 +39,7 @@ private:
     /// False when another alert is open: that one comes to the front instead.
     bool present(const LoginAttempt &attempt, OpenedBy by);
     void answered(LoginAttempt attempt, const QStringList &texts);
-    void finished(LoginAttempt attempt, bool ok, const QString &message);
+    void finished(LoginAttempt attempt, const Result<QString> &result);
 
     const FixedConfig &fixed;
     const AgentConfig &config;

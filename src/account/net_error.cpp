@@ -26,7 +26,8 @@ QString netErrorText(const std::optional<Error> &error) {
     case ErrorKind::Unreachable:
     case ErrorKind::TooLarge:
     case ErrorKind::NotSaved:
-    case ErrorKind::UnreadableAnswer:
+    case ErrorKind::UnreadableResponse:
+    case ErrorKind::Refused:
         break;
     }
     return L(u"无法连接服务器，请稍后重试", u"Can't connect to the server. Try again later.");

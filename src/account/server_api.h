@@ -4,7 +4,6 @@
 
 #include <QString>
 #include <optional>
-#include <variant>
 
 namespace korvel {
 
@@ -23,8 +22,8 @@ std::optional<ServerRequest> buildServerRequest(const QString &server, const QSt
 std::optional<ServerRequest> buildLogin(const QString &server, const QString &user, const QString &pass,
                                         const QString &host);
 
-/// What a sign-in came to: the credential, or the sentence for the user. The HTTP status has no say.
-std::variant<Credential, QString> parseLogin(const Result<HttpReply> &reply);
+/// The credential of a sign-in; the error's detail is the sentence for the user. The HTTP status has no say.
+Result<Credential> parseLogin(const Result<HttpReply> &reply);
 
 /// The release of a credential at the server that gave it; its answer is not read. None as above.
 std::optional<ServerRequest> buildUnbind(const QString &server, const QString &token);

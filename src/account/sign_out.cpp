@@ -41,7 +41,7 @@ void SignOut::tellAgent() {
     underWay = true;
     binding.abandonLogins();
     notices.showHUD(signingOutNotice());
-    e2Post(api, e2LogoutRequest(), alive.guard([this](const std::optional<QJsonObject> &) { signOutRest(); }));
+    e2Post(api, e2LogoutRequest(), alive.guard([this](const Result<QJsonObject> &) { signOutRest(); }));
 }
 
 void SignOut::signOutRest() {

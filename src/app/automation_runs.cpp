@@ -54,18 +54,18 @@ int runMenuDump(const FixedConfig &config, const Paths &paths) {
 }
 
 int runAgentJsonMode() {
-    std::optional<QJsonObject> reply;
+    Result<QJsonObject> reply = Error{ErrorKind::InvalidRequest, {}};
     if (const auto request = parseObject(readLine())) {
         QtScheduler scheduler;
         QtPrograms programs(standInRoot());
         AgentCommand agent(programs, scheduler, bundlePath(), agentOverride());
-        agent.runAgentJson(*request, [&reply](std::optional<QJsonObject> r) {
+        agent.runAgentJson(*request, [&reply](Result<QJsonObject> r) {
             reply = std::move(r);
             QCoreApplication::quit();
         });
         QCoreApplication::exec();
     }
-    print((reply ? QJsonDocument(*reply).toJson(QJsonDocument::Compact) : QByteArray("null")) + '\n');
+    print((reply ? QJsonDocument(reply.value()).toJson(QJsonDocument::Compact) : QByteArray("null")) + '\n');
     return reply ? 0 : 1;
 }
 
@@ -105,9 +105,9 @@ int runLogin(const FixedConfig &config, const Paths &paths) {
     Binding binding(state.health, config, agentConfig, configWaiter, servers, *desktop, nobody, agent);
     int status = 1;
     QTimer::singleShot(0, [&] {
-        binding.performLogin(args.at(2), password, server, [&status](bool ok, const QString &message) {
-            print(singleLine(message).toUtf8() + '\n');
-            status = ok ? 0 : 1;
+        binding.performLogin(args.at(2), password, server, [&status](const Result<QString> &message) {
+            print(singleLine(message ? message.value() : message.error().detail).toUtf8() + '\n');
+            status = message ? 0 : 1;
             QCoreApplication::quit();
         });
     });
@@ -127,7 +127,7 @@ std::optional<QByteArray> menuDump(const QByteArray &description, const FixedCon
     const Instant now = Clock::now();
     TrayState state;
     const bool answered = health.value(u"ok").toBool(true);
-    applyHealth(state, answered ? std::optional(health) : std::nullopt,
+    applyHealth(state, answered ? Result(health) : Error{ErrorKind::Refused, {}},
                 {.now = now, .bound = isBound, .username = cfgText(cfg, u"username")});
     if (answered)
         applyPermReply(state.permissions, health.value(u"perms").toObject());

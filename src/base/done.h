@@ -7,6 +7,7 @@
 #include <QMetaObject>
 #include <QThread>
 #include <memory>
+#include <type_traits>
 #include <utility>
 
 namespace korvel {
@@ -17,7 +18,8 @@ template <class T>
 class Done {
 public:
     Done() = default;
-    explicit Done(UniqueFunction<void(Result<T>)> f) : call(std::move(f)) {}
+    template <class F>
+    requires(!std::is_same_v<std::remove_cvref_t<F>, Done>) Done(F f) : call(std::move(f)) {}
     Done(Done &&o) noexcept : call(std::exchange(o.call, nullptr)) {}
     Done &operator=(Done &&o) noexcept {
         Done old(std::move(*this));

@@ -18,7 +18,8 @@ enum class ErrorKind {
     TimedOut,           ///< The deadline passed.
     TooLarge,           ///< The answer is larger than its limit.
     NotSaved,           ///< What arrived could not be written to its file.
-    UnreadableAnswer,   ///< An answer came that is not what was asked for.
+    UnreadableResponse, ///< An answer came that is not what was asked for.
+    Refused,            ///< The other side says no; the detail is its sentence, for the user.
 };
 
 struct Error {
@@ -37,6 +38,7 @@ public:
     explicit operator bool() const { return ok(); }
     T &value() { return std::get<0>(held); }
     const T &value() const { return std::get<0>(held); }
+    const T *operator->() const { return &value(); }
     const Error &error() const { return std::get<1>(held); }
 
 private:

@@ -50,12 +50,12 @@ void Alarms::answered(const QJsonObject &alarm, const AlertAnswer &answer) {
         return notices.showHUD(strangersResetNotice());
     }
     if (const QJsonValue id = alarm.value(u"id"); id.isString())
-        e2Post(api, dismissAlarmRequest(id.toString()), [](const std::optional<QJsonObject> &) {});
+        e2Post(api, dismissAlarmRequest(id.toString()), [](const Result<QJsonObject> &) {});
 }
 
 void Alarms::rejoin() {
-    e2Post(api, acceptResetRequest(), alive.guard([this](const std::optional<QJsonObject> &reply) {
-        if (replyOk(reply)) // the window has to see the report after the reset
+    e2Post(api, acceptResetRequest(), alive.guard([this](const Result<QJsonObject> &reply) {
+        if (agentOk(reply)) // the window has to see the report after the reset
             return poller.poll([this] { pairing.pairAfterLogin(); });
         notices.showHUD(notRejoinedNotice(reply));
     }));

@@ -58,9 +58,8 @@ void Approval::answered(const QJsonObject &request, const AlertAnswer &answer) {
 
 void Approval::deny(const QJsonObject &request) {
     e2Post(api, rejectDeviceRequest(pendingIdOf(request)),
-           alive.guard([this, name = nameOf(request)](const std::optional<QJsonObject> &) {
-               notices.showHUD(deniedNotice(name));
-           }));
+           alive.guard(
+               [this, name = nameOf(request)](const Result<QJsonObject> &) { notices.showHUD(deniedNotice(name)); }));
 }
 
 void Approval::allow(const QJsonObject &request, const QString &code) {
@@ -69,14 +68,14 @@ void Approval::allow(const QJsonObject &request, const QString &code) {
     notices.showHUD(verifyingNotice());
     e2ee.e2Answering.insert(pendingIdOf(request));
     e2Post(api, pairDeviceRequest(pendingIdOf(request), code),
-           alive.guard([this, request](const std::optional<QJsonObject> &reply) { verdict(request, reply); }));
+           alive.guard([this, request](const Result<QJsonObject> &reply) { verdict(request, reply); }));
 }
 
-void Approval::verdict(const QJsonObject &request, const std::optional<QJsonObject> &reply) {
+void Approval::verdict(const QJsonObject &request, const Result<QJsonObject> &reply) {
     e2ee.e2Answering.remove(pendingIdOf(request));
     notices.hideHUD();
     const QString code = reply ? reply->value(u"code").toString() : QString();
-    if (replyOk(reply))
+    if (agentOk(reply))
         notices.showHUD(allowedNotice(nameOf(request)));
     else if (canBeRetried(code))
         askAgainSoon(request, errText(reply));

@@ -30,7 +30,7 @@ private:
     void answered(const QJsonObject &request, const AlertAnswer &answer);
     void allow(const QJsonObject &request, const QString &code);
     void deny(const QJsonObject &request);
-    void verdict(const QJsonObject &request, const std::optional<QJsonObject> &reply);
+    void verdict(const QJsonObject &request, const Result<QJsonObject> &reply);
     void askAgainSoon(const QJsonObject &request, const QString &error);
 
     E2State &e2ee;

@@ -22,7 +22,7 @@ Notice deniedNotice(const QString &device) {
             .error = true};
 }
 
-Notice notAdmittedNotice(const std::optional<QJsonObject> &reply) {
+Notice notAdmittedNotice(const Result<QJsonObject> &reply) {
     const bool mismatch = reply && reply->value(u"code").toString() == u"mismatch";
     return {.text = errText(reply), .secs = Seconds(mismatch ? 10 : 6), .error = true};
 }
@@ -34,7 +34,7 @@ Notice strangersResetNotice() {
             .error = true};
 }
 
-Notice notRejoinedNotice(const std::optional<QJsonObject> &reply) {
+Notice notRejoinedNotice(const Result<QJsonObject> &reply) {
     return {.text = L(u"无法重新加入：", u"Couldn't rejoin: ") + errText(reply), .secs = Seconds(6), .error = true};
 }
 
@@ -44,7 +44,7 @@ Notice speechDownloadNotice() {
             .secs = Seconds(4)};
 }
 
-Notice noSpeechDownloadNotice(const std::optional<QJsonObject> &reply) {
+Notice noSpeechDownloadNotice(const Result<QJsonObject> &reply) {
     return {.text = L(u"无法开始安装：", u"Couldn't start the installation: ") + errText(reply),
             .secs = Seconds(4),
             .error = true};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/result.h"
 #include "ui/views/notice_view.h"
 
 #include <QJsonObject>
@@ -14,13 +15,13 @@ Notice verifyingNotice();
 Notice allowedNotice(const QString &device);
 Notice deniedNotice(const QString &device);
 /// `reply` (none: it stayed away) says why the device was not admitted.
-Notice notAdmittedNotice(const std::optional<QJsonObject> &reply);
+Notice notAdmittedNotice(const Result<QJsonObject> &reply);
 
 /// An encryption reset was not the user's own doing.
 Notice strangersResetNotice();
-Notice notRejoinedNotice(const std::optional<QJsonObject> &reply);
+Notice notRejoinedNotice(const Result<QJsonObject> &reply);
 
 Notice speechDownloadNotice();
-Notice noSpeechDownloadNotice(const std::optional<QJsonObject> &reply);
+Notice noSpeechDownloadNotice(const Result<QJsonObject> &reply);
 
 } // namespace korvel

@@ -83,12 +83,12 @@ void Pairing::pairRenewClicked() {
     pairing.pairRenewing = true;
     renewFailure.reset();
     updatePairWindow();
-    e2Post(api, renewCodeRequest(), alive.guard([this](const std::optional<QJsonObject> &reply) { renewed(reply); }));
+    e2Post(api, renewCodeRequest(), alive.guard([this](const Result<QJsonObject> &reply) { renewed(reply); }));
 }
 
-void Pairing::renewed(const std::optional<QJsonObject> &reply) {
+void Pairing::renewed(const Result<QJsonObject> &reply) {
     pairing.pairRenewing = false;
-    if (!replyOk(reply))
+    if (!agentOk(reply))
         renewFailure = {.error = multiLine(errText(reply)), .report = e2ee.e2};
     updatePairWindow();
     poller.poll();

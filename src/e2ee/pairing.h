@@ -35,7 +35,7 @@ public:
 private:
     void pairButtonClicked();
     void pairRenewClicked();
-    void renewed(const std::optional<QJsonObject> &reply);
+    void renewed(const Result<QJsonObject> &reply);
     PairUpdate update();
     void follow(const PairUpdate &update);
 

@@ -27,14 +27,10 @@ AgentRequest acceptResetRequest() { return post(u"/e2ee/reset/accept"_s); }
 AgentRequest installSpeechRequest() { return post(u"/e2ee/asr/install"_s); }
 AgentRequest e2LogoutRequest() { return post(u"/e2ee/logout"_s, {}, 30s); }
 
-void e2Post(AgentApi &api, const AgentRequest &request, std::function<void(std::optional<QJsonObject>)> done) {
+void e2Post(AgentApi &api, const AgentRequest &request, Done<QJsonObject> done) {
     if (!api.hasToken())
-        return done(std::nullopt);
-    api.send(request, Done<QJsonObject>([done = std::move(done)](Result<QJsonObject> reply) {
-                 done(reply ? std::optional(reply.value()) : std::nullopt);
-             }));
+        return done(Error{ErrorKind::InvalidRequest, {}});
+    api.send(request, std::move(done));
 }
-
-bool replyOk(const std::optional<QJsonObject> &reply) { return reply && reply->value(u"ok").toBool(); }
 
 } // namespace korvel

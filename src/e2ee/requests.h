@@ -20,9 +20,6 @@ AgentRequest e2LogoutRequest();
 
 /// Posts one such request, once. `done` gets the agent's reply, or nothing when there is no usable one; without a token
 /// nothing is sent and `done` is called at once.
-void e2Post(AgentApi &api, const AgentRequest &request, std::function<void(std::optional<QJsonObject>)> done);
-
-/// Whether a reply says that the request succeeded.
-bool replyOk(const std::optional<QJsonObject> &reply);
+void e2Post(AgentApi &api, const AgentRequest &request, Done<QJsonObject> done);
 
 } // namespace korvel

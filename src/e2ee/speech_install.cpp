@@ -6,8 +6,8 @@
 namespace korvel {
 
 void SpeechInstall::e2AsrInstall() {
-    e2Post(api, installSpeechRequest(), alive.guard([this](const std::optional<QJsonObject> &reply) {
-        notices.showHUD(replyOk(reply) ? speechDownloadNotice() : noSpeechDownloadNotice(reply));
+    e2Post(api, installSpeechRequest(), alive.guard([this](const Result<QJsonObject> &reply) {
+        notices.showHUD(agentOk(reply) ? speechDownloadNotice() : noSpeechDownloadNotice(reply));
     }));
 }
 

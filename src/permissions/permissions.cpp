@@ -37,7 +37,7 @@ void Permissions::fetchPerms(std::function<void()> then) {
             permissions.permsFetchedAt = scheduler.now();
         finish();
     };
-    api.send(STATUS, Done<QJsonObject>(alive.guard(std::move(received))));
+    api.send(STATUS, alive.guard(std::move(received)));
 }
 
 void Permissions::applyPerms(const QJsonObject &reply) {
@@ -52,16 +52,16 @@ void Permissions::askPerms() {
     permissions.permsRequesting = true;
     renderer.stateChanged();
     notices.showHUD(promptsComingNotice());
-    api.send(PROMPTS, Done<QJsonObject>(alive.guard([this](const Result<QJsonObject> &reply) {
-                 permissions.permsRequesting = false;
-                 asked(reply);
-                 renderer.stateChanged();
-             })));
+    api.send(PROMPTS, alive.guard([this](const Result<QJsonObject> &reply) {
+        permissions.permsRequesting = false;
+        asked(reply);
+        renderer.stateChanged();
+    }));
 }
 
 void Permissions::asked(const Result<QJsonObject> &reply) {
     if (!reply) {
-        if (reply.error().kind != ErrorKind::UnreadableAnswer)
+        if (reply.error().kind != ErrorKind::UnreadableResponse)
             log(u"[perms] 申请没成: "_s + reply.error().detail);
         return notices.showHUD(permissionsNotRequestedNotice());
     }

@@ -25,7 +25,7 @@ HttpRequest buildAgentRequest(const QString &agentLocal, const QString &localTok
 Result<QJsonObject> parseAgentReply(const HttpReply &reply, Keep keep) {
     const QJsonDocument document = QJsonDocument::fromJson(reply.body);
     if (!document.isObject())
-        return Error{ErrorKind::UnreadableAnswer, QStringLiteral("not a JSON object")};
+        return Error{ErrorKind::UnreadableResponse, QStringLiteral("not a JSON object")};
     return keep ? keep(document.object()) : document.object();
 }
 
@@ -54,5 +54,7 @@ void AgentApi::send(const AgentRequest &request, Done<QJsonObject> done) {
     };
     http.send(buildAgentRequest(fixed.AGENT_LOCAL, token(), request), Done<HttpReply>(std::move(received)));
 }
+
+bool agentOk(const Result<QJsonObject> &reply) { return reply && reply->value(u"ok").toBool(); }
 
 } // namespace korvel

@@ -29,6 +29,9 @@ HttpRequest buildAgentRequest(const QString &agentLocal, const QString &localTok
 /// The JSON object that a response holds, whatever its HTTP status, as far as it is kept.
 Result<QJsonObject> parseAgentReply(const HttpReply &reply, Keep keep = nullptr);
 
+/// Whether the agent did what a request asks for.
+bool agentOk(const Result<QJsonObject> &reply);
+
 /// The one way in which the tray talks to the agent's loopback interface.
 class AgentApi {
 public:

@@ -40,17 +40,18 @@ std::optional<AgentLocation> AgentCommand::agentForCLI() const {
     return AgentLocation{*agentBin, {}};
 }
 
-void AgentCommand::runAgentJson(const QJsonObject &request, std::function<void(std::optional<QJsonObject>)> done,
-                                milliseconds timeout) {
+void AgentCommand::runAgentJson(const QJsonObject &request, Done<QJsonObject> done, milliseconds timeout) {
     const auto agent = agentForCLI();
     if (!agent) {
         log(u"[login] 找不到后台程序,没法登录"_s);
-        scheduler.runInBackground([] {}, alive.guard([done = std::move(done)] { done(std::nullopt); }));
+        scheduler.runInBackground([] {}, alive.guard([done = std::move(done)]() mutable {
+            done(Error{ErrorKind::InvalidRequest, {}});
+        }));
         return;
     }
     scheduler.background(
         [&programs = programs, run = buildAgentJson(*agent, request, timeout)] { return programs.run(run); },
-        alive.guard([done = std::move(done)](const ProgramResult &result) {
+        alive.guard([done = std::move(done)](const ProgramResult &result) mutable {
             if (!result.launched)
                 log(u"[login] 后台程序起不来:"_s + result.launchError);
             done(parseAgentJson(result.output));
@@ -66,7 +67,7 @@ ProgramRun buildAgentJson(const AgentLocation &agent, const QJsonObject &request
             .timeout = timeout};
 }
 
-std::optional<QJsonObject> parseAgentJson(const QByteArray &output) {
+Result<QJsonObject> parseAgentJson(const QByteArray &output) {
     const QString text = utf8Text(output).value_or(QString());
     const auto lines = QStringView(text).split(u'\n', Qt::SkipEmptyParts);
     for (auto line = lines.crbegin(); line != lines.crend(); ++line) {
@@ -74,9 +75,9 @@ std::optional<QJsonObject> parseAgentJson(const QByteArray &output) {
         if (!candidate.startsWith(u'{'))
             continue;
         const QJsonDocument reply = QJsonDocument::fromJson(candidate.toUtf8());
-        return reply.isObject() ? std::optional(reply.object()) : std::nullopt;
+        return reply.isObject() ? Result(reply.object()) : Error{ErrorKind::UnreadableResponse, {}};
     }
-    return std::nullopt;
+    return Error{ErrorKind::UnreadableResponse, {}};
 }
 
 } // namespace korvel

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/alive.h"
+#include "base/done.h"
 #include "base/scheduler.h"
 #include "ports/programs.h"
 
@@ -31,8 +32,7 @@ public:
     /// The agent program for command-line calls: the bundled one, else the override.
     std::optional<AgentLocation> agentForCLI() const;
     /// Hands `request` to the agent's sign-in command; `done` gets its reply, or nothing, on the main thread.
-    void runAgentJson(const QJsonObject &request, std::function<void(std::optional<QJsonObject>)> done,
-                      milliseconds timeout = 60s);
+    void runAgentJson(const QJsonObject &request, Done<QJsonObject> done, milliseconds timeout = 60s);
 
 private:
     Programs &programs;
@@ -46,6 +46,6 @@ private:
 ProgramRun buildAgentJson(const AgentLocation &agent, const QJsonObject &request, milliseconds timeout);
 
 /// The reply in what the agent printed: the last line that begins with "{", when it is a JSON object.
-std::optional<QJsonObject> parseAgentJson(const QByteArray &output);
+Result<QJsonObject> parseAgentJson(const QByteArray &output);
 
 } // namespace korvel

@@ -4,6 +4,7 @@
 #include "base/json_bounds.h"
 #include "e2ee/report.h"
 #include "permissions/permission_rules.h"
+#include "service/agent_api.h"
 #include "service/job_state.h"
 
 namespace korvel {
@@ -85,12 +86,12 @@ QJsonObject boundedHealth(const QJsonObject &response) {
     return kept;
 }
 
-std::optional<QJsonObject> healthAnswer(const Result<QJsonObject> &reply) {
-    return reply && reply.value().value(u"ok").toBool() ? std::optional(reply.value()) : std::nullopt;
+Result<QJsonObject> healthAnswer(const Result<QJsonObject> &reply) {
+    return !reply || agentOk(reply) ? reply : Error{ErrorKind::Refused, {}};
 }
 
-HealthEffects applyHealth(TrayState &state, const std::optional<QJsonObject> &answer, const HealthContext &context) {
-    return answer ? applyAnswer(state, *answer, context) : applySilence(state, context);
+HealthEffects applyHealth(TrayState &state, const Result<QJsonObject> &answer, const HealthContext &context) {
+    return answer ? applyAnswer(state, answer.value(), context) : applySilence(state, context);
 }
 
 } // namespace korvel

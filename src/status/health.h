@@ -29,9 +29,9 @@ struct HealthEffects {
 QJsonObject boundedHealth(const QJsonObject &response);
 
 /// What counts as an answer: a JSON object whose "ok" is true. Anything else is no answer.
-std::optional<QJsonObject> healthAnswer(const Result<QJsonObject> &reply);
+Result<QJsonObject> healthAnswer(const Result<QJsonObject> &reply);
 
 /// Writes an answer (none: no answer came) into `state`.
-HealthEffects applyHealth(TrayState &state, const std::optional<QJsonObject> &answer, const HealthContext &context);
+HealthEffects applyHealth(TrayState &state, const Result<QJsonObject> &answer, const HealthContext &context);
 
 } // namespace korvel

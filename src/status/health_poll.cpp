@@ -44,10 +44,10 @@ void HealthPoll::tick() {
 void HealthPoll::poll(std::function<void()> then) {
     ++open;
     api.send({.path = QStringLiteral("/health"), .timeout = TIME_LIMIT, .keep = boundedHealth, .repeats = true},
-             Done<QJsonObject>(alive.guard([this, generation = ++sent, then = std::move(then)](Result<QJsonObject> r) {
+             alive.guard([this, generation = ++sent, then = std::move(then)](Result<QJsonObject> r) {
                  --open;
                  received(generation, r, then);
-             })));
+             }));
 }
 
 void HealthPoll::received(quint64 generation, const Result<QJsonObject> &reply, const std::function<void()> &then) {

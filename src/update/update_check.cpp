@@ -28,7 +28,7 @@ void UpdateCheck::checkUpdate(bool manual) {
     if (!request)
         return;
     auto done = [this, manual](const Result<HttpReply> &reply) { received(reply, manual); };
-    servers.send(std::move(*request), Done<HttpReply>(alive.guard(std::move(done))));
+    servers.send(std::move(*request), alive.guard(std::move(done)));
 }
 
 void UpdateCheck::received(const Result<HttpReply> &reply, bool manual) {
@@ -58,14 +58,14 @@ void UpdateCheck::found(const UpdateInfo &info, bool manual) {
     }
     if (!isWellFormed(info))
         return refuse(info, manual);
-    verifyUpdate(servers, fixed, info, Done<bool>(alive.guard([this, info, manual](const Result<bool> &valid) {
-                     if (!valid)
-                         notChecked(valid.error().detail, {}, manual);
-                     else if (valid.value())
-                         announce(info, manual);
-                     else
-                         refuse(info, manual);
-                 })));
+    verifyUpdate(servers, fixed, info, alive.guard([this, info, manual](const Result<bool> &valid) {
+        if (!valid)
+            notChecked(valid.error().detail, {}, manual);
+        else if (valid.value())
+            announce(info, manual);
+        else
+            refuse(info, manual);
+    }));
 }
 
 void UpdateCheck::refuse(const UpdateInfo &info, bool manual) {

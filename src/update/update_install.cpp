@@ -30,7 +30,7 @@ const QString UNFINISHED = u".part"_s; ///< Never the name of a package, so that
 /// Whether the package was not even looked at, so that nothing is known of it.
 template <class T>
 bool saysNothing(const Result<T> &look) {
-    return !look && look.error().kind != ErrorKind::UnreadableAnswer;
+    return !look && look.error().kind != ErrorKind::UnreadableResponse;
 }
 
 } // namespace
@@ -60,14 +60,14 @@ void UpdateInstall::installUpdate() {
     update.updateBusy = true;
     renderer.stateChanged();
     const UpdateInfo info = *update.updateAvail;
-    verifyUpdate(servers, fixed, info, Done<bool>(alive.guard([this, info](const Result<bool> &valid) {
-                     if (!valid)
-                         return end(downloadFailedNotice(netErrorText(valid.error())));
-                     if (valid.value())
-                         return begin(info);
-                     update.updateBusy = false;
-                     renderer.stateChanged();
-                 })));
+    verifyUpdate(servers, fixed, info, alive.guard([this, info](const Result<bool> &valid) {
+        if (!valid)
+            return end(downloadFailedNotice(netErrorText(valid.error())));
+        if (valid.value())
+            return begin(info);
+        update.updateBusy = false;
+        renderer.stateChanged();
+    }));
 }
 
 void UpdateInstall::begin(const UpdateInfo &info) {
@@ -99,7 +99,7 @@ void UpdateInstall::startDownload(const UpdateInfo &info) {
     notices.showHUD(downloadingNotice(info));
     servers.download(*request, cached(info) + UNFINISHED,
                      alive.guard([this, info](qint64 got, qint64 expected) { progress(got, expected, info); }),
-                     Done<HttpReply>(alive.guard([this, info](const Result<HttpReply> &r) { downloaded(r, info); })));
+                     alive.guard([this, info](const Result<HttpReply> &r) { downloaded(r, info); }));
 }
 
 void UpdateInstall::progress(qint64 got, qint64 expected, const UpdateInfo &info) {
@@ -158,16 +158,16 @@ void UpdateInstall::ifUnchanged(const UpdateInfo &info, std::function<void()> th
             return end(notVerifiedNotice());
         if (!sha || sha.value() != info.sha)
             return refuseModified(info);
-        verifyUpdate(servers, fixed, info, Done<bool>(alive.guard([this, info, then](const Result<bool> &valid) {
-                         if (saysNothing(valid))
-                             end(notVerifiedNotice());
-                         else if (valid && valid.value())
-                             then();
-                         else
-                             refuseModified(info);
-                     })));
+        verifyUpdate(servers, fixed, info, alive.guard([this, info, then](const Result<bool> &valid) {
+            if (saysNothing(valid))
+                end(notVerifiedNotice());
+            else if (valid && valid.value())
+                then();
+            else
+                refuseModified(info);
+        }));
     };
-    servers.hash(cached(info), Done<QString>(alive.guard(std::move(hashed))));
+    servers.hash(cached(info), alive.guard(std::move(hashed)));
 }
 
 void UpdateInstall::runInstaller(const UpdateInfo &info) {

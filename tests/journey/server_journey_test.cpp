@@ -24,9 +24,8 @@ struct ServerJourney : Journey {
     }
     ServerRequest login() const { return *buildLogin(server, u"sam@example.com"_s, u"open sesame"_s, u"Mini"_s); }
     static QString sentence(const Result<HttpReply> &reply) {
-        const auto answer = parseLogin(reply);
-        const auto *refusal = std::get_if<QString>(&answer);
-        return refusal ? *refusal : u"signed in"_s;
+        const Result<Credential> credential = parseLogin(reply);
+        return credential ? u"signed in"_s : credential.error().detail;
     }
     QString signIn(std::chrono::milliseconds limit = 10s, std::chrono::seconds slow = {}) {
         ServerRequest request = login();

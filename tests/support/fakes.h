@@ -117,7 +117,7 @@ public:
     void hash(const QString &file, Done<QString> done) override {
         QFile content(file);
         if (!content.open(QIODevice::ReadOnly))
-            return done(Error{ErrorKind::UnreadableAnswer, {}});
+            return done(Error{ErrorKind::UnreadableResponse, {}});
         done(QString::fromLatin1(QCryptographicHash::hash(content.readAll(), QCryptographicHash::Sha256).toHex()));
     }
     void verify(const SignatureProof &proof, Done<bool> done) override { done(verdict(proof)); }

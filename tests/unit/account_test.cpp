@@ -27,9 +27,8 @@ TEST(ServerApi, AResponseIsJudgedByItsBodyAlone) {
         {200, "", wrong},
     };
     for (const auto &c : cases)
-        EXPECT_EQ(std::get<QString>(parseLogin(HttpReply{c.status, c.body})), c.sentence) << c.body;
-    EXPECT_EQ(std::get<Credential>(parseLogin(HttpReply{500, R"({"agentToken":"t","agentId":"i"})"})),
-              (Credential{u"t"_s, u"i"_s}));
+        EXPECT_EQ(parseLogin(HttpReply{c.status, c.body}).error().detail, c.sentence) << c.body;
+    EXPECT_EQ(parseLogin(HttpReply{500, R"({"agentToken":"t","agentId":"i"})"}).value(), (Credential{u"t"_s, u"i"_s}));
     EXPECT_EQ(netErrorText(std::nullopt), u"Can't connect to the server. Check your network and try again."_s);
 }
 

@@ -65,7 +65,7 @@ TEST(CnLoginForm, ACodeThatWasSentOrRefusedStartsItsCountdown) {
         SCOPED_TRACE(c.answer ? c.answer : "none");
         CnLoginForm form;
         ASSERT_TRUE(sendCode(form));
-        codeAnswered(form, c.answer ? std::optional(object(c.answer)) : std::nullopt);
+        codeAnswered(form, c.answer ? Result(object(c.answer)) : Error{});
         EXPECT_EQ(form.countdown, c.countdown);
         EXPECT_EQ(form.info, c.info);
         EXPECT_EQ(form.error, c.error);

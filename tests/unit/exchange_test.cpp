@@ -86,7 +86,7 @@ struct ExchangeClientTest : ::testing::Test {
 };
 
 TEST_F(ExchangeClientTest, OnlyAWholeOutputOfAGoodRunIsAResult) {
-    const std::string unreadable = kind(ErrorKind::UnreadableAnswer);
+    const std::string unreadable = kind(ErrorKind::UnreadableResponse);
     const QByteArray reply = exchange::toJson(exchange::Line(HttpReply{200, "{}"}));
     const QByteArray progress = exchange::toJson(exchange::Line(exchange::Progress{1, 2}));
     EXPECT_EQ(outcome({reply}), "200 {}");
@@ -118,7 +118,7 @@ TEST_F(ExchangeClientTest, ARunThatPrintsWithoutEndIsStopped) {
     std::optional<ErrorKind> told;
     client.hash(u"/x"_s, Done<QString>([&](const Result<QString> &r) { told = r.error().kind; }));
     scheduler.runDue();
-    EXPECT_EQ(told, ErrorKind::UnreadableAnswer);
+    EXPECT_EQ(told, ErrorKind::UnreadableResponse);
     EXPECT_TRUE(stop->stopRequested());
 }
 

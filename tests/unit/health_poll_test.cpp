@@ -183,7 +183,7 @@ TEST(HealthRules, AnObjectWhoseOkIsTrueIsAnAnswerAndNothingElse) {
     EXPECT_TRUE(healthAnswer(object(R"({"ok":true})")));
     for (const char *other : {R"({"ok":false,"online":true})", R"({"ok":"true"})", R"({"ok":1})", "{}"})
         EXPECT_FALSE(healthAnswer(object(other)));
-    EXPECT_FALSE(healthAnswer(Error{ErrorKind::UnreadableAnswer, {}}));
+    EXPECT_FALSE(healthAnswer(Error{ErrorKind::UnreadableResponse, {}}));
 }
 
 TEST(HealthRules, SilenceForgetsWhatOnlyARunningAgentKnows) {
@@ -198,9 +198,7 @@ TEST(HealthRules, SilenceForgetsWhatOnlyARunningAgentKnows) {
                          .permItems = {QJsonObject()},
                          .permsFetchedAt = now,
                          .permsFetchFailed = true};
-    const auto effects = [&] {
-        return applyHealth(state, std::nullopt, {.now = now, .bound = true, .username = u"ann"_s});
-    };
+    const auto effects = [&] { return applyHealth(state, Error{}, {.now = now, .bound = true, .username = u"ann"_s}); };
     EXPECT_FALSE(effects().checkJob); // looked at ten seconds ago, and no longer
     EXPECT_FALSE(state.health.running || state.health.online || state.health.connectingSince);
     const PermissionState &p = state.permissions;
@@ -216,7 +214,7 @@ TEST(HealthRules, ThePermissionListIsDueAfterThirtySecondsAndOnlyWhileTheAgentAn
     TrayState state;
     const auto due = [&](std::optional<Instant> fetchedAt, bool answered) {
         state.permissions.permsFetchedAt = fetchedAt;
-        const auto answer = answered ? std::optional(QJsonObject{{u"ok"_s, true}}) : std::nullopt;
+        const auto answer = answered ? Result(QJsonObject{{u"ok"_s, true}}) : Error{};
         return applyHealth(state, answer, {.now = now, .bound = true, .username = {}}).fetchPerms;
     };
     EXPECT_TRUE(due(std::nullopt, true));

@@ -202,12 +202,12 @@ TEST(NamedNotices, LastAsLongAsTheirTextNeedsAndShowErrorsAsSuch) {
            {allowedNotice({}), speechDownloadNotice(), permissionsRequestedNotice(), availableNotice({}),
             downloadingNotice({}), installCancelledNotice({})});
     expect(4, true,
-           {agentNotUpNotice(), noSignInPageNotice(), signOutFailedNotice(), noSpeechDownloadNotice({}),
+           {agentNotUpNotice(), noSignInPageNotice(), signOutFailedNotice(), noSpeechDownloadNotice(Error{}),
             notCheckedNotice(), notVerifiedNotice(), toggled(ToggleDirection::Pause, ServiceResult::Unknown)});
     expect(5, true, {signInFailedNotice({})});
     expect(6, false, {promptsComingNotice(), installerOpenedNotice()});
     expect(6, true,
-           {deniedNotice({}), notAdmittedNotice({}), strangersResetNotice(), notRejoinedNotice({}),
+           {deniedNotice({}), notAdmittedNotice(Error{}), strangersResetNotice(), notRejoinedNotice(Error{}),
             permissionsNotRequestedNotice(), downloadFailedNotice(), downloadRefusedNotice(404, {}, {}),
             notSavedNotice(), modifiedNotice(), swappedNotice(), lostSignInNotice(Lost::SignedOut)});
     expect(8, true, {unsignedNotice({}, {}), repairFailedNotice({})});

@@ -4,7 +4,7 @@
 
 namespace korvel {
 
-QString errText(const std::optional<QJsonObject> &answer) {
+QString errText(const Result<QJsonObject> &answer) {
     if (answer) {
         const QJsonValue error = answer->value(u"error");
         if (error.isString())

@@ -1,11 +1,12 @@
 #pragma once
 
+#include "base/result.h"
+
 #include <QByteArray>
 #include <QJsonObject>
 #include <QString>
 #include <QStringView>
 #include <cstddef>
-#include <optional>
 
 namespace korvel {
 
@@ -24,6 +25,6 @@ QString L(const char16_t (&zh)[Zh], const char16_t (&en)[En]) {
 }
 
 /// Wording of a failed answer of the agent: its own "error" text, or a fixed sentence where there is none.
-QString errText(const std::optional<QJsonObject> &answer);
+QString errText(const Result<QJsonObject> &answer);
 
 } // namespace korvel

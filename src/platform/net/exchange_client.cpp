@@ -49,7 +49,7 @@ public:
         if (!ended.launched)
             return Error{ErrorKind::Unreachable, u"korvel-exchange cannot be run: "_s + ended.launchError};
         if (isBroken || !pending.isEmpty() || !last || ended.status != 0)
-            return Error{ErrorKind::UnreadableAnswer, u"korvel-exchange ended without a result"_s};
+            return Error{ErrorKind::UnreadableResponse, u"korvel-exchange ended without a result"_s};
         return *last;
     }
 
@@ -99,7 +99,7 @@ void ExchangeClient::start(const exchange::Task &task, milliseconds timeout,
         if (const auto *wanted = std::get_if<Wanted>(&line))
             return done(valueOf(*wanted));
         const auto *error = std::get_if<Error>(&line);
-        done(error ? *error : Error{ErrorKind::UnreadableAnswer, u"korvel-exchange did something else"_s});
+        done(error ? *error : Error{ErrorKind::UnreadableResponse, u"korvel-exchange did something else"_s});
     };
     scheduler.background([&runner = programs, request = std::move(request)] { return runner.run(request); },
                          alive.guard(std::move(finished)));

@@ -81,7 +81,7 @@ bool HttpResponseParser::parseSome() {
         return false;
     if (failure) {
         const bool tooLarge = failure == http::error::body_limit || failure == http::error::header_limit;
-        fail(tooLarge ? ErrorKind::TooLarge : ErrorKind::UnreadableAnswer, QString::fromStdString(failure.message()));
+        fail(tooLarge ? ErrorKind::TooLarge : ErrorKind::UnreadableResponse, QString::fromStdString(failure.message()));
     } else if (message->is_header_done()) {
         messageRead();
     }
@@ -92,7 +92,7 @@ void HttpResponseParser::messageRead() {
     const auto &head = message->get();
     const bool isCoded = head.find(http::field::transfer_encoding) != head.end();
     if (head.result() == http::status::switching_protocols || (isCoded && !message->chunked()))
-        return fail(ErrorKind::UnreadableAnswer, QStringLiteral("a protocol or encoding that nobody asked for"));
+        return fail(ErrorKind::UnreadableResponse, QStringLiteral("a protocol or encoding that nobody asked for"));
     if (!message->is_done())
         return;
     if (head.result_int() < 200) // an announcement; the response follows
