@@ -5,10 +5,11 @@
 
 namespace korvel {
 
-/// Guards callbacks of an object that may be gone when they run. Keep it as the last member, so that it dies first.
+/// Prevents callbacks from running after their owner is destroyed. Declare it as the last member, so that it dies
+/// first.
 class Alive {
 public:
-    /// Gives a callable that runs `f` while this token lives and does nothing after.
+    /// Wraps `f` so that it runs only while this token is alive.
     template <class F>
     auto guard(F f) const {
         return [token = std::weak_ptr<const bool>(life), f = std::move(f)](auto &&...args) mutable {

@@ -12,8 +12,8 @@
 
 namespace korvel {
 
-/// The completion of an operation, called exactly once. Dropped without a call, it reports ErrorKind::Dropped itself,
-/// on the main thread, so that nobody waits for an answer that cannot come any more.
+/// The completion of an operation, called exactly once. If it is destroyed uncalled, it reports ErrorKind::Dropped on
+/// the main thread.
 template <class T>
 class Done {
 public:

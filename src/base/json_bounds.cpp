@@ -6,7 +6,7 @@ namespace korvel {
 
 namespace {
 
-/// The array that `v` is, when each of its elements is of that type; only the first elements of it are kept.
+/// The first elements of an array whose elements all have this type; none otherwise.
 std::optional<QJsonArray> startOfArray(const QJsonValue &v, QJsonValue::Type type) {
     if (!v.isArray())
         return std::nullopt;

@@ -11,13 +11,13 @@
 
 namespace korvel {
 
-// Typed readings of JSON from outside: a value of another type, also inside an array, counts as absent.
+// Typed access to JSON from outside: a value of the wrong type, also inside an array, counts as absent.
 
 inline std::optional<bool> jsonBool(const QJsonValue &v) {
     return v.isBool() ? std::optional(v.toBool()) : std::nullopt;
 }
 
-/// A whole number; one with a fraction, or beyond 64 bits, is none.
+/// An integer; none if it has a fraction or exceeds 64 bits.
 inline std::optional<qint64> jsonInteger(const QJsonValue &v) {
     constexpr qint64 NONE = std::numeric_limits<qint64>::min();
     const qint64 number = v.toInteger(NONE);

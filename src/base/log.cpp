@@ -18,7 +18,7 @@ void setLogSink(std::function<void(const QString &)> sink) { secondSink = std::m
 void log(const QString &line) {
     const QString plain = singleLine(line, 4000);
     const QByteArray bytes = plain.toUtf8() + '\n';
-    // One write a line: lines of several threads do not mix, and a full disk or a closed descriptor is not an error.
+    // One write per line, so lines from several threads do not mix. A full disk or a closed descriptor is not an error.
     if (::write(STDERR_FILENO, bytes.constData(), static_cast<size_t>(bytes.size())) < 0) {
     }
     if (secondSink)

@@ -16,13 +16,13 @@ bool isRightToLeft(char32_t c) {
     return direction == QChar::DirR || direction == QChar::DirAL;
 }
 
-/// The control characters, and the line and paragraph separators.
+/// Control characters, and the line and paragraph separators.
 bool breaksLine(QChar c) {
     return c < u' ' || (c >= QChar(0x7f) && c <= QChar(0x9f)) || c == QChar::LineSeparator ||
            c == QChar::ParagraphSeparator;
 }
 
-/// Of those, the ones that a writer means as the end of a line.
+/// The subset of those that ends a line.
 bool endsLine(QChar c) {
     return (c >= u'\n' && c <= u'\r') || c == QChar(0x85) || c == QChar::LineSeparator ||
            c == QChar::ParagraphSeparator;
@@ -30,21 +30,21 @@ bool endsLine(QChar c) {
 
 bool changesDirection(char32_t c) { return (c >= 0x202a && c <= 0x202e) || (c >= 0x2066 && c <= 0x2069); }
 
-/// Whether a name that began from right to left goes on with `c`.
+/// Whether `c` continues a right-to-left name.
 bool staysInName(char32_t c) {
     const QChar::Direction direction = QChar::direction(c);
     return isRightToLeft(c) || direction == QChar::DirNSM || direction == QChar::DirEN || direction == QChar::DirAN ||
            c == U' ';
 }
 
-constexpr qsizetype MAX_NAME_READ = 4096; // what is behind them cannot be seen anyway
+constexpr qsizetype MAX_NAME_READ = 4096; // characters beyond these are not visible anyway
 constexpr int MAX_NAME = 64;              // grapheme clusters
-constexpr qsizetype MAX_CLUSTER = 24;     // a family of four with its skin tones has 19
-constexpr int MAX_MARKS = 4;              // on one letter; more of them reach into the lines above and below
+constexpr qsizetype MAX_CLUSTER = 24;     // a family emoji with four skin tones takes 19
+constexpr int MAX_MARKS = 4;              // per letter; more would overlap the lines above and below
 
 constexpr char32_t ZERO_WIDTH_NON_JOINER = 0x200c, ZERO_WIDTH_JOINER = 0x200d;
 
-/// White space, and characters that look like it.
+/// White space and its look-alikes.
 bool looksBlank(char32_t c) {
     static constexpr std::u32string_view FILLERS = U"\u115f\u1160\u2800\u3164\uffa0";
     return QChar::isSpace(c) || QChar::category(c) == QChar::Other_Control || FILLERS.find(c) != FILLERS.npos;
@@ -55,7 +55,7 @@ bool isMark(char32_t c) {
     return category == QChar::Mark_NonSpacing || category == QChar::Mark_Enclosing;
 }
 
-/// Without effect on the screen but for the characters around them: marks of direction, tags, joiners.
+/// Not drawn, but affects neighbouring characters: direction marks, tags, joiners.
 bool isInvisible(char32_t c) {
     return QChar::category(c) == QChar::Other_Format || QChar::category(c) == QChar::Other_Surrogate;
 }
@@ -67,10 +67,10 @@ std::u32string visibleLine(const std::u32string &text) {
     int marks = 0;
     for (const char32_t c : text) {
         const bool atStart = line.empty() || line.back() == U' ';
-        if (isMark(c)) { // of the letter before it
+        if (isMark(c)) {
             if (!atStart && ++marks <= MAX_MARKS)
                 line += c;
-        } else if (joins(c)) { // emoji and some scripts need one between two of their characters
+        } else if (joins(c)) { // emoji and some scripts need one between two characters
             if (!atStart && !joins(line.back()))
                 line += c;
         } else if (looksBlank(c)) {
@@ -113,7 +113,7 @@ QString shortened(const QString &text, qsizetype maxLength) {
 QString shownName(const QString &name) {
     const QString line = QString::fromStdU32String(visibleLine(name.left(MAX_NAME_READ).toStdU32String()));
     QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, line);
-    qsizetype end = 0, cut = 0; // behind the last character, and behind the last but one of a full name
+    qsizetype end = 0, cut = 0; // ends of the last character and of the last one that leaves room for "…"
     for (int count = 1; count <= MAX_NAME && end < line.size(); ++count) {
         const qsizetype next = finder.toNextBoundary();
         if (next - end > MAX_CLUSTER)
@@ -140,7 +140,7 @@ QString multiLine(const QString &text) {
 
 QString singleLine(const QString &text, qsizetype maxLength) {
     QString line = shortened(withoutEndSpace(text), maxLength);
-    if (std::any_of(line.cbegin(), line.cend(), breaksLine)) // hardly ever: the text stays shared
+    if (std::any_of(line.cbegin(), line.cend(), breaksLine)) // rare: otherwise the string stays shared
         std::replace_if(line.begin(), line.end(), breaksLine, u' ');
     return line;
 }

@@ -5,30 +5,30 @@
 
 namespace korvel {
 
-/// The most characters of a text from outside that anything is done with.
+/// Maximum number of characters kept of a text from outside.
 constexpr qsizetype MAX_TEXT = 1000;
 
-/// The text that the bytes are in UTF-8; none when they are not.
+/// Decodes UTF-8; none if the bytes are invalid.
 std::optional<QString> utf8Text(const QByteArray &bytes);
 
-/// `text`, cut and ending in "…" when it has more than `maxLength` characters.
+/// `text`, cut to `maxLength` characters with a final "…" if it is longer.
 QString shortened(const QString &text, qsizetype maxLength = MAX_TEXT);
 
-/// `text` on one line: tabs, line breaks and other control characters become blanks, and there is no
-/// white space at the end; what is over `maxLength` characters is cut and ends in "…".
+/// `text` on one line: control characters and line breaks become spaces, trailing white space is removed. Cut to
+/// `maxLength` characters with a final "…" if it is longer.
 QString singleLine(const QString &text, qsizetype maxLength = MAX_TEXT);
 
-/// A text from outside as a window shows it: at most 1,000 characters, its line breaks kept, without the white space at
-/// its end. What is over that length is cut and ends in "…".
+/// A text from outside as windows show it: line breaks are kept, trailing white space is removed. Cut to MAX_TEXT
+/// characters with a final "…" if it is longer.
 QString multiLine(const QString &text);
 
-/// A name from outside as titles, notices and the menu show it: one line of at most 64 characters as a reader counts
-/// them (grapheme clusters, Unicode Standard Annex 29). A longer one ends in "…"; what cannot be seen is left out, and
-/// white space of any kind and length is one space. Empty when nothing of it can be seen.
+/// A name from outside as titles, notices and the menu show it: one line of at most 64 grapheme clusters (Unicode
+/// Standard Annex 29); a longer name ends in "…". Invisible characters are removed and white space is collapsed to one
+/// space. Empty if nothing visible remains.
 QString shownName(const QString &name);
 
-/// `text` for the screen: words in a script from right to left are isolated and marks that change the direction left
-/// out, so that the sentence around a name keeps its order.
+/// `text` for display: right-to-left words are isolated and direction marks removed, so that a name does not reorder
+/// the sentence around it.
 QString keepOrder(const QString &text);
 
 } // namespace korvel

@@ -15,13 +15,13 @@ namespace {
 
 std::error_code lastError() { return {errno, std::generic_category()}; }
 
-/// What a transfer came to; less than all bytes without an error: the file ended.
+/// Fewer bytes than requested without an error means end of file.
 struct Transfer {
     qsizetype bytes = 0;
     std::error_code error = {};
 };
 
-/// Reads or writes `size` bytes, going on after a signal.
+/// Reads or writes `size` bytes; resumes after a signal.
 template <class Step>
 Transfer transferAll(qsizetype size, Step step) {
     Transfer done;
@@ -38,18 +38,18 @@ Transfer transferAll(qsizetype size, Step step) {
     return done;
 }
 
-/// The file that `path` names in the end: a user may keep the configuration elsewhere behind a link.
+/// The file behind symbolic links: users may keep the configuration elsewhere.
 QString linkTarget(const QString &path) {
     const QFileInfo info(path.isEmpty() ? QStringLiteral(".") : path);
     const QString target = info.canonicalFilePath();
     if (!target.isEmpty())
         return target;
-    return info.isSymLink() ? info.symLinkTarget() : path; // a link to what is still to be made
+    return info.isSymLink() ? info.symLinkTarget() : path; // a link to a file that does not exist yet
 }
 
-/// Sets errno where it gives -1.
+/// Sets errno when it returns -1.
 int openRegularFile(const QString &path, struct stat &info) {
-    // O_NONBLOCK: opening a pipe that nobody writes would wait for ever.
+    // Without O_NONBLOCK, opening a pipe without a writer blocks indefinitely.
     const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (fd < 0 || (::fstat(fd, &info) == 0 && S_ISREG(info.st_mode)))
         return fd;
@@ -77,10 +77,10 @@ std::error_code writeAll(int fd, const QByteArray &content) {
     return std::make_error_code(std::errc::io_error);
 }
 
-/// Writes a new file beside `target` and gives its name through `temporary`; after an error there is none.
+/// Writes a new file next to `target`; `temporary` receives its name. Leaves no file after an error.
 std::error_code writeBeside(const QString &target, const QByteArray &content, QByteArray &temporary) {
     temporary = QFile::encodeName(target) + ".XXXXXX";
-    const int fd = ::mkstemp(temporary.data()); // mode 0600 from the first byte
+    const int fd = ::mkstemp(temporary.data()); // creates the file with mode 0600
     if (fd < 0)
         return lastError();
     std::error_code error = writeAll(fd, content);
@@ -113,7 +113,7 @@ std::optional<QByteArray> readRegularFile(const QString &path, qint64 maxBytes, 
         content.resize(static_cast<qsizetype>(info.st_size));
         const Transfer read =
             transferAll(content.size(), [&](qsizetype at, size_t n) { return ::read(fd, content.data() + at, n); });
-        content.truncate(read.bytes); // somebody may have shortened the file meanwhile
+        content.truncate(read.bytes); // the file may have been truncated meanwhile
         error = read.error;
     }
     if (fd >= 0)
@@ -124,8 +124,8 @@ std::optional<QByteArray> readRegularFile(const QString &path, qint64 maxBytes, 
 }
 
 bool FileStamp::isSettled(std::time_t now) const {
-    constexpr std::time_t COARSEST_TICK = 2;    // of the file systems that USB sticks come with
-    return now - changedAt > COARSEST_TICK + 1; // one more for the rounding
+    constexpr std::time_t COARSEST_TICK = 2;    // seconds; FAT, the usual format of USB sticks
+    return now - changedAt > COARSEST_TICK + 1; // +1 for rounding
 }
 
 std::optional<FileStamp> stampOf(const QString &path) {

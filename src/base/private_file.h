@@ -9,16 +9,15 @@
 
 namespace korvel {
 
-/// A regular file, open for reading; -1 when it is anything else or cannot be opened. Never blocks on a pipe or a
-/// device.
+/// Opens a regular file for reading; -1 if it is anything else or cannot be opened. Never blocks on a pipe or device.
 int openRegularFile(const QString &path);
 
-/// The content of a regular file of at most `maxBytes`; none when it is anything else or cannot be read, and then `why`
-/// gets the reason. Never blocks on a pipe or a device.
+/// The content of a regular file of at most `maxBytes`. On failure, none, with the reason in `why`. Never blocks on a
+/// pipe or device.
 std::optional<QByteArray> readRegularFile(const QString &path, qint64 maxBytes, std::error_code *why = nullptr);
 
-/// What one state of a file has and no later one will have, except one that follows within the same second: no program
-/// can set the time of the last change to the file or its description.
+/// Identifies one state of a file. Two changes within the same second may share a stamp. Programs cannot set the status
+/// change time, so a stamp cannot be forged.
 struct FileStamp {
     dev_t device = 0;
     ino_t inode = 0;
@@ -26,26 +25,26 @@ struct FileStamp {
     std::time_t changedAt = 0; ///< Seconds since 1970, rounded down.
 
     bool operator==(const FileStamp &) const = default;
-    /// Whether the last change is so long ago that the next one will have another time; `now` as `changedAt`.
+    /// Whether the last change is old enough that the next one gets a different time; `now` in the unit of `changedAt`.
     bool isSettled(std::time_t now) const;
 };
 
-/// The stamp of what `path` names in the end; none when there is nothing.
+/// The stamp of the file at `path`, links followed; none if there is no file.
 std::optional<FileStamp> stampOf(const QString &path);
 
-/// Makes a folder, mode 0700, with the folders above it; true when it exists afterwards.
+/// Creates a folder with mode 0700, and its parents. True if it exists afterwards.
 bool makePrivateFolder(const QString &path);
 
-/// Gives an existing folder mode 0700; false when it could not, and for a link to one.
+/// Sets an existing folder to mode 0700. False on failure and for a symbolic link.
 bool closeFolder(const QString &path);
 
-/// Replaces a file by a new one of mode 0600, through a temporary file in the same folder and a rename: whoever reads
-/// sees the old content or the new, whole, also when the disk is full. A missing folder is made, mode 0700. Gives the
-/// system's error when it could not; the old file stays.
+/// Atomically replaces a file by a new one of mode 0600, through a temporary file in the same folder and a rename.
+/// Readers see the old or the new content, never a part. Creates a missing folder with mode 0700. On failure, returns
+/// the system's error and keeps the old file.
 std::error_code replacePrivateFile(const QString &path, const QByteArray &content);
 
-/// The error with which replacePrivateFile() would fail now, as far as writing the temporary file shows; the file
-/// itself stays as it is.
+/// The error that replacePrivateFile() would return at this moment, found by writing the temporary file. The file
+/// itself is not changed.
 std::error_code tryPrivateFile(const QString &path, const QByteArray &content);
 
 } // namespace korvel

@@ -6,20 +6,20 @@
 
 namespace korvel {
 
-/// What kind of failure ended an operation; callers switch on it, the detail is for the log.
+/// The kind of failure. Callers switch on it; the detail is for the log.
 enum class ErrorKind {
-    Dropped,            ///< The operation went away without an answer.
-    InvalidRequest,     ///< The request could not be formed, or was not allowed to leave.
+    Dropped,            ///< The operation was discarded before it completed.
+    InvalidRequest,     ///< The request could not be built, or is not allowed.
     Offline,            ///< No network: only loopback interfaces are up.
-    HostNotFound,       ///< The name has no address.
-    Unreachable,        ///< No connection could be made.
-    InsecureConnection, ///< TLS failed, or the certificate is not to be trusted.
-    Interrupted,        ///< The connection ended before the answer was whole.
+    HostNotFound,       ///< The host name has no address.
+    Unreachable,        ///< No connection could be established.
+    InsecureConnection, ///< TLS failed, or the certificate is not trusted.
+    Interrupted,        ///< The connection ended before the response was complete.
     TimedOut,           ///< The deadline passed.
-    TooLarge,           ///< The answer is larger than its limit.
-    NotSaved,           ///< What arrived could not be written to its file.
-    UnreadableResponse, ///< An answer came that is not what was asked for.
-    Refused,            ///< The other side says no; the detail is its sentence, for the user.
+    TooLarge,           ///< The response exceeds its size limit.
+    NotSaved,           ///< The response could not be written to its file.
+    UnreadableResponse, ///< The response is malformed or unexpected.
+    Refused,            ///< The other side refuses; the detail is its sentence, for the user.
 };
 
 struct Error {
@@ -27,7 +27,7 @@ struct Error {
     QString detail;
 };
 
-/// A value of type T, or the Error that took its place.
+/// A value of type T, or an Error.
 template <class T>
 class Result {
 public:

@@ -9,7 +9,7 @@ namespace korvel {
 template <class Signature>
 class UniqueFunction;
 
-/// A callable that can be moved but not copied, so that it may own a Done or another move-only value.
+/// A move-only callable: it may own a Done or another move-only value.
 template <class R, class... Args>
 class UniqueFunction<R(Args...)> {
 public:

@@ -48,7 +48,7 @@ UnixSignals::UnixSignals(std::initializer_list<int> numbers, std::function<void(
 }
 
 UnixSignals::~UnixSignals() {
-    // From here on the process is leaving: a signal need not, and must not, reach the closed pipe.
+    // The process is exiting; a late signal must not write to the closed pipe.
     wakeUpEnd = -1;
     notifier.reset();
     for (const int end : ends)

@@ -8,10 +8,10 @@ class QSocketNotifier;
 
 namespace korvel {
 
-/// Turns signals into calls on the event loop, also when they came before it ran. One a process.
+/// Delivers Unix signals on the event loop, including those raised before it runs. One per process.
 class UnixSignals {
 public:
-    /// Calls `handle` with the number of each of these signals; those that are ignored, as under nohup, stay so.
+    /// Calls `handle` with the signal number. Signals that are ignored, as under nohup, stay ignored.
     UnixSignals(std::initializer_list<int> numbers, std::function<void(int)> handle);
     UnixSignals(const UnixSignals &) = delete;
     UnixSignals &operator=(const UnixSignals &) = delete;

@@ -9,47 +9,47 @@
 
 namespace korvel {
 
-/// A field that an alert asks the user to fill in.
+/// An input field of an alert.
 struct AlertField {
     enum class Kind {
-        Code,    ///< Six digits; the first button is enabled only with all of them.
+        Code,    ///< Six digits; the first button is enabled only when all are entered.
         Text,    ///< One line.
-        Secret,  ///< One line that is not shown.
+        Secret,  ///< One line, masked.
         Address, ///< One line in a small monospaced font, below a caption.
     };
     Kind kind = Kind::Text;
     QString label = {}; ///< Placeholder, or the caption of an Address.
-    QString text = {};  ///< What it holds at first.
+    QString text = {};  ///< Initial content.
     bool operator==(const AlertField &) const = default;
 };
 
-/// An alert as data: what it says and which answers it offers.
+/// An alert as data: its texts, fields and buttons.
 struct AlertView {
-    QString title;                 ///< The product's own words; a name in it is a shownName().
-    QString fromOutside = {};      ///< What the agent or a server says, above `text`; all that may be scrolled.
-    QString text = {};             ///< The product's own words. Both are plain and may hold line breaks.
+    QString title;                 ///< The product's own words; names in it are passed through shownName().
+    QString fromOutside = {};      ///< Text from the agent or a server, above `text`; the only part that scrolls.
+    QString text = {};             ///< The product's own words. Both texts are plain and may contain line breaks.
     bool warning = false;          ///< Looks like a warning.
-    QList<QString> buttons;        ///< In the order of their weight.
-    int escape = 0;                ///< The harmless button, which Escape and closing stand for; -1: none of them.
-    int main = 0;                  ///< The button that Return presses, and that has the focus where there is no field.
-    QList<AlertField> fields = {}; ///< The first has the focus when the alert opens.
+    QList<QString> buttons;        ///< Most important first.
+    int escape = 0;                ///< The harmless button, pressed by Escape and closing; -1: none.
+    int main = 0;                  ///< The default button, pressed by Return. Has the focus if there is no field.
+    QList<AlertField> fields = {}; ///< The first one has the focus when the alert opens.
     bool operator==(const AlertView &) const = default;
 };
 
-/// How an alert was answered.
+/// The user's answer to an alert.
 struct AlertAnswer {
-    int button = -1;        ///< Index into AlertView::buttons; -1: closed without one.
-    QStringList texts = {}; ///< What the fields held.
+    int button = -1;        ///< Index into AlertView::buttons; -1: closed without a button.
+    QStringList texts = {}; ///< Contents of the fields.
 };
 
-/// Shows alerts, one at a time, without a nested event loop.
+/// Shows one alert at a time, without a nested event loop.
 class Alerts {
 public:
     virtual ~Alerts() = default;
-    /// Whether an alert is open, whichever feature opened it.
+    /// Whether any alert is open.
     virtual bool isOpen() const = 0;
-    /// Opens an alert and calls `answered` once, when it is closed. While another one is open, brings that to the front
-    /// instead, does nothing more and gives false.
+    /// Opens an alert and calls `answered` once, when it closes. If another alert is open, brings that one to the front
+    /// and returns false.
     virtual bool open(const AlertView &view, OpenedBy by, std::function<void(const AlertAnswer &)> answered) = 0;
 };
 

@@ -10,8 +10,8 @@
 
 namespace korvel {
 
-/// The most bytes of a response that holds JSON. Nested as deep as Qt's parser goes, so many take it about 40 MiB and
-/// 50 ms of the main thread.
+/// Maximum size of a JSON response, in bytes. In the worst nesting, Qt's parser takes about 40 MiB and 50 ms on the
+/// main thread for it.
 constexpr qint64 MAX_RESPONSE = 512 << 10;
 
 struct HttpRequest {
@@ -20,7 +20,7 @@ struct HttpRequest {
     QList<std::pair<QByteArray, QByteArray>> headers = {};
     QByteArray body = {};
     std::chrono::milliseconds timeout{0}; ///< Hard deadline for the whole exchange.
-    qint64 maxBytes = MAX_RESPONSE;       ///< A larger response (headers included) is refused.
+    qint64 maxBytes = MAX_RESPONSE;       ///< Larger responses, headers included, are rejected.
 
     bool operator==(const HttpRequest &) const = default;
 };
@@ -30,8 +30,8 @@ struct HttpReply {
     QByteArray body;
 };
 
-/// Sends requests by plain HTTP to 127.0.0.1 and nowhere else: no proxy, no redirect. A POST leaves at most once; a
-/// completion is always called, at the deadline at the latest.
+/// Sends requests over plain HTTP to 127.0.0.1 only: no proxy, no redirect. A POST is sent at most once. The completion
+/// is always called, at the latest at the deadline.
 class HttpClient {
 public:
     virtual ~HttpClient() = default;

@@ -6,11 +6,11 @@ namespace korvel {
 
 struct NoticeView;
 
-/// The floating panel that shows one notice. It never takes the focus.
+/// The floating panel that shows one notice. Never takes the focus.
 class NoticePanel {
 public:
     virtual ~NoticePanel() = default;
-    /// Shows `view` in place of what was shown; `clicked` is called at a mouse-down in it.
+    /// Replaces the current notice. Calls `clicked` on mouse-down.
     virtual void show(const NoticeView &view, std::function<void()> clicked) = 0;
     virtual void hide() = 0;
 };

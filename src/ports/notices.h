@@ -4,7 +4,7 @@
 
 namespace korvel {
 
-/// Short messages that float near the top of the screen. At most one is shown; a new one takes the old one's place.
+/// Short messages that float near the top of the screen. A new notice replaces the current one.
 class Notices {
 public:
     virtual ~Notices() = default;

@@ -2,10 +2,10 @@
 
 namespace korvel {
 
-/// Whose doing it is that a window comes up.
+/// Who causes a window to open.
 enum class OpenedBy {
-    User,   ///< Who has just chosen it.
-    Itself, ///< The user may be typing in another program: the window takes no key at first.
+    User,   ///< The user has just requested it.
+    Itself, ///< The program. The user may be typing elsewhere, so the window ignores keys at first.
 };
 
 } // namespace korvel

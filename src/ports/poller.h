@@ -4,13 +4,13 @@
 
 namespace korvel {
 
-/// Polls the agent's health outside of the regular interval.
+/// Polls the agent's health outside the regular interval.
 class Poller {
 public:
     virtual ~Poller() = default;
-    /// Polls once; `then` runs after the response, or its absence, has been applied.
+    /// Polls once. `then` runs after the result, or a failure, is applied.
     virtual void poll(std::function<void()> then = {}) = 0;
-    /// Responses to polls sent before this moment are not applied.
+    /// Discards the results of polls in flight.
     virtual void ignorePollsInFlight() = 0;
 };
 

@@ -4,15 +4,15 @@
 
 namespace korvel {
 
-/// Whose program listens on a port of 127.0.0.1.
+/// Owner of the program that listens on a port of 127.0.0.1.
 enum class PortOwner {
-    Trusted,  ///< This user's, or root's.
-    Stranger, ///< Another user's.
-    Nobody,   ///< None that this user may see.
-    Unknown,  ///< The system does not say.
+    Trusted,  ///< This user or root.
+    Stranger, ///< Another user.
+    Nobody,   ///< No listener is visible to this user.
+    Unknown,  ///< The system does not report it.
 };
 
-/// Looks it up in the system's tables: for each new connection, never for a kept one.
+/// Reads the system's socket tables. Called for each new connection, never for a reused one.
 PortOwner portOwner(quint16 port);
 
 } // namespace korvel

@@ -4,7 +4,7 @@
 
 namespace korvel {
 
-/// The user's ordered list of languages, such as "zh-Hans-CN"; empty when the system has none.
+/// The user's preferred languages in order, such as "zh-Hans-CN"; empty if the system has no list.
 QStringList preferredLanguages();
 
 } // namespace korvel

@@ -13,8 +13,8 @@
 
 namespace korvel {
 
-/// Asks runs of programs to end, from any thread. Copies are one and the same; std::stop_token is missing in some of
-/// the standard libraries that this is built with.
+/// Requests programs to stop, from any thread. Copies share one state. Replaces std::stop_token, which some supported
+/// standard libraries lack.
 class StopToken {
 public:
     void requestStop() { flag->store(true); }
@@ -24,38 +24,38 @@ private:
     std::shared_ptr<std::atomic<bool>> flag = std::make_shared<std::atomic<bool>>(false);
 };
 
-/// One run of a program: absolute path, arguments as a list, never a shell.
+/// One run of a program: absolute path, arguments as a list, no shell.
 struct ProgramRun {
     enum class Collect { StandardError, StandardOutput };
-    /// Own: a session of its own, which the end of the tray's job leaves alone, and an environment of the few variables
-    /// that no shell, interpreter or loader obeys.
+    /// Own: a separate session, so that the program outlives the tray's job, and an environment reduced to a few
+    /// variables that no shell, interpreter or loader evaluates.
     enum class Surroundings { Inherited, Own };
 
     QString executable;
     QStringList arguments = {};
     QByteArray input = {};      ///< Written to standard input, which is then closed.
-    bool keepInputOpen = false; ///< Instead it stays open, so that its end tells the program that the tray has gone.
+    bool keepInputOpen = false; ///< Keeps it open instead: its end shows the program that the tray has exited.
     Surroundings surroundings = Surroundings::Inherited;
     QList<std::pair<QString, QString>> extraEnvironment = {}; ///< Set on top of the environment.
-    Collect collect = Collect::StandardError;                 ///< The other one goes to the null device.
-    std::optional<std::chrono::milliseconds> timeout = {};    ///< After it the program is ended; none: no limit.
-    std::optional<StopToken> stop = {};                       ///< Ends the program, or keeps it from being launched.
-    /// Where set, gets what is collected, piece by piece as it comes and in place of ProgramResult::output, on the
-    /// thread that runs the program.
+    Collect collect = Collect::StandardError;                 ///< The other stream is discarded.
+    std::optional<std::chrono::milliseconds> timeout = {};    ///< Ends the program when it passes; none: no limit.
+    std::optional<StopToken> stop = {};                       ///< Ends the program, or prevents its launch.
+    /// If set, receives collected output as it arrives, on the thread that runs the program; ProgramResult::output
+    /// stays empty.
     std::function<void(const QByteArray &piece)> onOutput = {};
 };
 
 struct ProgramResult {
-    enum class End { Itself, TimedOut, Stopped }; ///< Who ended the program.
+    enum class End { Itself, TimedOut, Stopped }; ///< Why the program ended.
 
-    int status = -1; ///< Exit status; -1 when the program could not be launched, was killed, timed out or was stopped.
+    int status = -1; ///< Exit status; -1 if the program was not launched, was killed, timed out or was stopped.
     bool launched = false;
-    QByteArray output;   ///< What was collected; when it is over 512 KiB, its end from a line's beginning on.
-    QString launchError; ///< Why launching failed, in the system's words.
+    QByteArray output;   ///< Collected output. Beyond 512 KiB, only the last part, from the start of a line.
+    QString launchError; ///< The system's error message if the launch failed.
     End end = End::Itself;
 };
 
-/// Runs programs to their end. Blocks; may be called on any thread, several at once.
+/// Runs a program and waits for its end. Thread-safe; several runs may overlap.
 class Programs {
 public:
     virtual ~Programs() = default;

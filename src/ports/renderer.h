@@ -2,11 +2,11 @@
 
 namespace korvel {
 
-/// What the user sees of the state.
+/// Displays the state.
 class Renderer {
 public:
     virtual ~Renderer() = default;
-    /// Marks the state as changed: icon and menu follow before the main thread waits again.
+    /// Marks the state as changed. Icon and menu are updated before the event loop next blocks.
     virtual void stateChanged() = 0;
 };
 

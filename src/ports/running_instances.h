@@ -4,16 +4,16 @@
 
 namespace korvel {
 
-/// Other running instances of the tray, each known by its process identifier.
+/// Other running instances of the tray, identified by process identifier.
 class RunningInstances {
 public:
     virtual ~RunningInstances() = default;
-    /// Instances of the same user that this one replaces, automation runs left out.
+    /// Instances of the same user that this one replaces; automation runs are excluded.
     virtual QList<qint64> others() = 0;
-    /// Asks an instance to quit, leaving the agent alone.
+    /// Sends a quit request to an instance. The agent keeps running.
     virtual void terminate(qint64 instance) = 0;
     virtual bool isTerminated(qint64 instance) = 0;
-    /// Ends an instance that did not follow the request.
+    /// Kills an instance that ignores terminate().
     virtual void forceTerminate(qint64 instance) = 0;
 };
 

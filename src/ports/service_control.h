@@ -4,24 +4,23 @@
 
 namespace korvel {
 
-/// How a command to the service manager ended.
+/// Result of a service manager command.
 enum class ServiceResult {
-    Unknown, ///< Without a status: it could not be run, or was ended at its time limit.
+    Unknown, ///< No exit status: the command could not run or timed out.
     Succeeded,
     Failed,
 };
 
-/// What the tray asks of the service manager, for the user's own jobs. Every operation blocks and may be called on any
-/// thread.
+/// Controls the user's own jobs in the service manager. All operations block. Thread-safe.
 class ServiceControl {
 public:
     virtual ~ServiceControl() = default;
-    virtual ServiceResult print(const QString &label) = 0; ///< Fails when the job is not loaded.
+    virtual ServiceResult print(const QString &label) = 0; ///< Fails if the job is not loaded.
     virtual ServiceResult bootstrap(const QString &jobFile) = 0;
     virtual ServiceResult bootout(const QString &label) = 0;
     virtual ServiceResult enable(const QString &label) = 0;
     virtual ServiceResult disable(const QString &label) = 0;
-    /// Kills a running instance and starts the job again.
+    /// Restarts the job, killing a running process.
     virtual ServiceResult kickstart(const QString &label) = 0;
 };
 

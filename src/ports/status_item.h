@@ -8,7 +8,7 @@ struct IconView;
 struct MenuEntry;
 struct MenuView;
 
-/// The item in the menu bar with its menu. Views are given only when they changed.
+/// The item in the menu bar and its menu. apply() is called only with changed views.
 class StatusItem {
 public:
     struct Events {
@@ -16,7 +16,7 @@ public:
         std::function<void(const MenuEntry &)> chosen;
     };
     virtual ~StatusItem() = default;
-    /// Puts the item into the menu bar, or as soon as there is one.
+    /// Adds the item to the menu bar as soon as there is one.
     virtual void show(Events events) = 0;
     virtual void apply(const IconView &view) = 0;
     virtual void apply(const MenuView &view) = 0;
