@@ -8,13 +8,13 @@
 
 namespace korvel {
 
-/// Says in one line on standard error why a mode does not do its job; gives the exit status for that.
+/// Prints one line with the reason for a failure to standard error. Returns the exit status.
 inline int refuse(const QByteArray &why) {
     std::fprintf(stderr, "%s\n", why.constData());
     return 1;
 }
 
-/// A text as a JSON object; none when it is something else.
+/// Parses a JSON object; none if the text is anything else.
 inline std::optional<QJsonObject> parseObject(const QByteArray &text) {
     const QJsonDocument document = QJsonDocument::fromJson(text);
     return document.isObject() ? std::optional(document.object()) : std::nullopt;

@@ -24,7 +24,7 @@ std::optional<CnLoginForm> formFor(const QString &page) {
     return form;
 }
 
-/// Draws a window that is on the screen.
+/// Draws a visible window.
 int draw(QWidget &window, const QString &file, const char *mode) {
     if (savePicture(pictureOf(window), file))
         return 0;

@@ -4,12 +4,12 @@
 
 namespace korvel {
 
-/// Draws the sign-in window on a page ("login", "code", "register" or "reset") to a PNG file, without a display. The
-/// exit status: 1 for another page or an unwritable file, which one line on standard error tells.
+/// Draws one page of the sign-in window ("login", "code", "register" or "reset") to a PNG file, without a display.
+/// Returns the exit status: 1 for an unknown page or an unwritable file, with the reason on standard error.
 int renderLogin(const QString &page, const QString &file);
 
-/// The same of an encryption window: "pair" with the text of an encryption report, or "approve" with that of an
-/// approval request, whose key "error" is what went wrong with the last try.
+/// Draws an encryption window in the same way. `json` is an encryption report for "pair" and an approval request for
+/// "approve"; the request's key "error" describes the last failed attempt.
 int renderE2ee(const QString &kind, const QString &file, const QByteArray &json);
 
 } // namespace korvel

@@ -31,7 +31,7 @@ namespace korvel {
 
 namespace {
 
-/// One line of standard input without its end, LF or CR LF; empty when there is none.
+/// Reads one line from standard input, without LF or CR LF; empty if there is none.
 QByteArray readLine() {
     std::string line;
     std::getline(std::cin, line);
@@ -69,7 +69,7 @@ int runAgentJsonMode() {
     return reply ? 0 : 1;
 }
 
-/// No screen, and no agent that is polled.
+/// No screen, and no agent to poll.
 class Unattended final : public Notices, public Poller, public Renderer {
 public:
     void showHUD(const Notice &) override {}
@@ -82,8 +82,8 @@ public:
     void stateChanged() override {}
 };
 
-/// Signs in with the account of the arguments and the password on standard input, at the server of the arguments or
-/// else the configured one.
+/// Signs in with the account from the arguments and the password from standard input. The server is the one from the
+/// arguments, else the configured one.
 int runLogin(const FixedConfig &config, const Paths &paths) {
     const QStringList args = QCoreApplication::arguments();
     const QString password = QString::fromUtf8(readLine());
@@ -92,7 +92,7 @@ int runLogin(const FixedConfig &config, const Paths &paths) {
         args.size() > 3 ? normalizeServer(args.at(3)).value_or(args.at(3)) : serverOf(config, agentConfig.readCfg());
     QtPrograms programs(standInRoot());
     Launchctl services(programs, paths.uid);
-    QtScheduler scheduler; // its destructor waits for a repair that still uses both
+    QtScheduler scheduler; // its destructor waits for a running repair, which uses the two above
     const auto desktop = makeDesktop(programs, !standInRoot().isEmpty());
     ExchangeClient servers(programs, scheduler, exchangeProgram());
     TrayState state;

@@ -8,11 +8,11 @@
 
 namespace korvel {
 
-/// Runs one automation mode and gives the exit status. Opens no display; touches no network beyond what the mode is
-/// for.
+/// Runs one automation mode and returns the exit status. Opens no display. Uses the network only where the mode
+/// requires it.
 int runAutomation(AutomationMode mode, int &argc, char **argv, const FixedConfig &config, const Paths &paths);
 
-/// The menu for a health description, one line an entry; none when the description is not a JSON object.
+/// The menu for a health response, one entry per line; none if the response is not a JSON object.
 std::optional<QByteArray> menuDump(const QByteArray &description, const FixedConfig &config, const Paths &paths);
 
 } // namespace korvel

@@ -5,16 +5,16 @@
 
 namespace korvel {
 
-/// This program's own path, symbolic links resolved.
+/// The absolute path of this program, symbolic links resolved.
 QString executablePath();
 
-/// The folder of the application bundle that this program lies in ("….app"): three levels above the program.
+/// The folder of the application bundle ("….app"): three levels above the program.
 QString bundlePath();
 
-/// korvel-exchange in it.
+/// The path of korvel-exchange in the bundle.
 QString exchangeProgram();
 
-/// The developer's override of the agent program, KORVEL_AGENT_BIN.
+/// The developer's override of the agent program, from KORVEL_AGENT_BIN.
 std::optional<QString> agentOverride();
 
 } // namespace korvel

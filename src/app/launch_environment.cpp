@@ -17,7 +17,7 @@ std::optional<QString> environmentValue(const char *name) {
     return qEnvironmentVariable(name);
 }
 
-/// The user's home directory: where the environment has none, the one that the user database has.
+/// The user's home directory: from the environment, else from the user database.
 QString homeFolder() {
     if (const QString home = qEnvironmentVariable("HOME"); !home.isEmpty())
         return QDir::cleanPath(home);

@@ -27,7 +27,7 @@ QStringList argumentList(int argc, char **argv) {
 int main(int argc, char **argv) {
     openStandardStreams();
     logToSystem();
-    // A program that exits without reading its input must not end the tray.
+    // Writing to a program that exits early must not kill the tray.
     std::signal(SIGPIPE, SIG_IGN);
     const LaunchEnvironment environment = readLaunchEnvironment();
     const FixedConfig config = makeFixedConfig(builtDeployment(), environment);

@@ -26,11 +26,11 @@ namespace korvel {
 
 namespace {
 
-/// The arguments for Qt: none of the tray's own, which are ignored.
+/// The arguments for Qt. The tray's own command line is not passed on.
 std::vector<char *> qtArguments(char **argv) {
     std::vector<char *> arguments{argv[0]};
     for (const char *argument : prepareToolkit())
-        arguments.push_back(const_cast<char *>(argument)); // Qt moves the pointers, never the characters
+        arguments.push_back(const_cast<char *>(argument)); // Qt moves the pointers but does not write to the strings
     arguments.push_back(nullptr);
     return arguments;
 }
@@ -61,7 +61,7 @@ int runTray(char **argv, const FixedConfig &config, const Paths &paths) {
         QCoreApplication::exit(0);
     });
     endOtherInstances(*makeRunningInstances(paths), runLoopFor, Clock::now);
-    if (quit) // asked to go while an older instance was still going
+    if (quit) // quit was requested while waiting for older instances
         return 0;
 
     QtPrograms programs(standInRoot());
@@ -85,7 +85,7 @@ int runTray(char **argv, const FixedConfig &config, const Paths &paths) {
         status = QApplication::exec();
         reopen = nullptr;
         if (!scheduler.finishBackground())
-            std::_Exit(status); // a program that still runs must not keep the tray from going
+            std::_Exit(status); // a program that is still running must not delay the exit
     }
     return status;
 }

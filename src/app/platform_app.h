@@ -4,7 +4,7 @@
 
 namespace korvel {
 
-/// A normal start: takes over from older instances, then runs the tray until it quits. Gives the exit status.
+/// A normal start: replaces older instances, then runs the tray until it quits. Returns the exit status.
 int runTray(char **argv, const FixedConfig &config, const Paths &paths);
 
 } // namespace korvel

@@ -7,7 +7,7 @@ namespace korvel {
 ReopenAction reopenAction(const Situation &s) {
     const QJsonObject &e2 = s.state.e2ee.e2;
     const bool authDead = s.state.health.authDead;
-    // A Mac that failed its pairing is also signed out; showing why comes first.
+    // A Mac whose pairing failed is also signed out; the reason takes precedence.
     if (!s.bound || (authDead && e2State(e2) != u"pair-failed"))
         return ReopenAction::SignIn;
     if (!s.plistExists)

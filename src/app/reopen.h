@@ -4,7 +4,7 @@
 
 namespace korvel {
 
-/// What opening the application again while it runs does.
+/// The effect of opening the application again while it runs.
 enum class ReopenAction { SignIn, Repair, ShowPairingCode, ToggleAgent };
 
 ReopenAction reopenAction(const Situation &situation);

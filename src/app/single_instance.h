@@ -7,8 +7,8 @@
 
 namespace korvel {
 
-/// Ends the instances of the tray that were running before: politely first, by force those that are still there after
-/// 3 seconds. `runLoopFor` runs the event loop that long; `now` tells the time.
+/// Ends older instances of the tray: sends each a quit request, and kills those still running after 3 seconds.
+/// `runLoopFor` runs the event loop for a given time.
 void endOtherInstances(RunningInstances &instances, const std::function<void(milliseconds)> &runLoopFor,
                        const std::function<Instant()> &now);
 

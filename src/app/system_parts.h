@@ -11,20 +11,20 @@
 
 namespace korvel {
 
-/// What differs between the systems that the tray runs on; one implementation each, chosen by CMake.
+/// Platform-specific parts: one implementation per system, chosen by CMake.
 
-/// Sends the log to the system's own as well, where it has one. Before any thread starts.
+/// Also sends log lines to the system log, if there is one. Call before any thread starts.
 void logToSystem();
 
-/// Sets up what the toolkit reads before there is an application object. Returns Qt's own arguments for it; static
-/// text.
+/// Prepares settings that Qt reads before the application object exists. Returns Qt's own command-line arguments, as
+/// static strings.
 QList<const char *> prepareToolkit();
 
-/// What the application object, just made, is on this system.
+/// Configures the new application object for this system.
 void settleApplication();
 
-/// Calls `reopened` whenever the user opens the application again while it runs, as long as what it gives lives. Asked
-/// for before there is an application object.
+/// Calls `reopened` whenever the user opens the application again, until the returned object is destroyed. Call before
+/// the application object exists.
 std::shared_ptr<void> listenForReopen(std::function<void()> reopened);
 
 std::unique_ptr<RunningInstances> makeRunningInstances(const Paths &paths);

@@ -22,7 +22,7 @@ bool hasDisplay() {
 
 void logToSystem() {}
 
-// Off screen is chosen here and not through the environment, which the agent's programs inherit.
+// Selects the offscreen platform by argument: the agent's programs inherit the environment.
 QList<const char *> prepareToolkit() {
     return hasDisplay() ? QList<const char *>() : QList<const char *>{"-platform", "offscreen"};
 }
@@ -33,7 +33,7 @@ void settleApplication() {
 }
 
 std::shared_ptr<void> listenForReopen(std::function<void()>) {
-    return nullptr; // a second start is a new instance here, which replaces this one
+    return nullptr; // on Linux, opening again starts a new instance, which replaces this one
 }
 
 std::unique_ptr<RunningInstances> makeRunningInstances(const Paths &paths) {

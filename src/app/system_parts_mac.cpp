@@ -12,7 +12,7 @@
 namespace korvel {
 
 namespace {
-constexpr qsizetype MAX_LOG_CHARACTERS = 300; // at most 900 bytes of UTF-8: the system log cuts a line after 1024
+constexpr qsizetype MAX_LOG_CHARACTERS = 300; // at most 900 bytes; the system log truncates lines after 1024
 }
 
 void logToSystem() {
@@ -23,7 +23,7 @@ void logToSystem() {
 }
 
 QList<const char *> prepareToolkit() {
-    // Without it Qt activates the application at every start, also one at login or after an update.
+    // Without it, Qt activates the application at every start, also at login and after an update.
     qputenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM", "1");
     return {};
 }

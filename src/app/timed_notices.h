@@ -7,7 +7,7 @@
 
 namespace korvel {
 
-/// Shows each notice in the panel for its time.
+/// Shows each notice in the panel for its duration.
 class TimedNotices : public Notices {
 public:
     TimedNotices(NoticePanel &p, Desktop &d, Scheduler &s) : panel(p), desktop(d), scheduler(s) {}

@@ -77,7 +77,7 @@ void TrayApp::launch(const QString &executablePath) {
     render();
     ensureTrayLoginItem(paths, executablePath);
     const Situation atLaunch = situation();
-    // The agent starts with the login session too: its first silent seconds are no fault.
+    // The agent may start at the same time as the tray: its initial silence is no fault.
     if (atLaunch.bound && atLaunch.plistExists)
         state.health.startingUntil = ports.scheduler.now() + LAUNCH_GRACE;
     render();
@@ -103,7 +103,7 @@ void TrayApp::stateChanged() {
 void TrayApp::render() {
     renderPending = false;
     Situation now = situation();
-    if (now == shown) // as nearly always
+    if (now == shown) // the usual case
         return;
     shown = std::move(now);
     if (IconView icon = iconView(*shown); icon != shownIcon)

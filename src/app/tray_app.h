@@ -32,7 +32,7 @@
 
 namespace korvel {
 
-/// The platform that a TrayApp runs on.
+/// The platform services of a TrayApp.
 struct TrayPorts {
     Scheduler &scheduler;
     HttpClient &agent;
@@ -45,18 +45,18 @@ struct TrayPorts {
     Alerts &alerts;
     PairPanel &pairPanel;
     LoginPanel &loginPanel;
-    QString bundlePath = {};              ///< The tray's own bundle, which the agent's program lies in.
-    std::optional<QString> agentBin = {}; ///< The developer's override of that program.
+    QString bundlePath = {};              ///< The tray's own bundle, which contains the agent program.
+    std::optional<QString> agentBin = {}; ///< The developer's override of the agent program.
 };
 
-/// The application: holds the state, composes the features and forwards what the user does. Making one has no effect.
+/// The application: holds the state, connects the features and forwards user actions. Construction has no side effects.
 class TrayApp : private Renderer {
 public:
     TrayApp(const FixedConfig &fixed, const Paths &paths, const TrayPorts &ports);
 
-    /// The launch sequence. `executablePath` is this program's own path, symbolic links resolved.
+    /// Runs the launch sequence. `executablePath` is this program's own path, symbolic links resolved.
     void launch(const QString &executablePath);
-    /// The user opened the application again while it runs.
+    /// The user opens the application again while it runs.
     void reopen();
     void stateChanged() override;
 
@@ -100,7 +100,7 @@ private:
     UpdateCheck updateCheck;
     UpdateInstall updateInstall;
 
-    std::optional<Situation> shown; ///< By the last render().
+    std::optional<Situation> shown; ///< From the last render().
     bool renderPending = false;
     std::optional<IconView> shownIcon;
     std::optional<MenuView> shownMenu;

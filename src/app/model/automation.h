@@ -9,8 +9,8 @@ namespace korvel {
 /// A command-line switch that does one job and ends the process.
 enum class AutomationMode { Login, E2eeRender, AgentJson, MenuDump, LoginRender };
 
-/// The automation switch that `args` (program path first) asks for; none: a normal start. `permission` is the value of
-/// KORVEL_TRAY_AUTOMATION, which must be "1".
+/// The automation mode requested by `args` (program path first); none: a normal start. `permission` is the value of
+/// KORVEL_TRAY_AUTOMATION and must be "1".
 std::optional<AutomationMode> automationMode(const QStringList &args, const std::optional<QString> &permission);
 
 } // namespace korvel

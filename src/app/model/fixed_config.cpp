@@ -7,12 +7,12 @@ using namespace Qt::StringLiterals;
 namespace korvel {
 
 namespace {
-constexpr qsizetype MAX_LANGUAGES = 10; // the eleventh would have quality 0, which means "not this one"
+constexpr qsizetype MAX_LANGUAGES = 10; // an eleventh language would have quality 0, which means "not acceptable"
 constexpr qsizetype MAX_LANGUAGE_LETTERS = 8;
 constexpr qsizetype MAX_LANGUAGE_LENGTH = 35;
 
-/// Whether a header may name `language`: subtags of ASCII letters and digits, joined by "-", the first one the name of
-/// a language. What systems call their neutral language ("C") is none.
+/// Whether `language` is a valid tag for a header: a language subtag, then subtags of ASCII letters and digits, joined
+/// by "-". Excludes the neutral locale "C".
 bool isLanguageTag(const QString &language) {
     const qsizetype name = language.indexOf(u'-') < 0 ? language.size() : language.indexOf(u'-');
     const auto isOfTag = [](QChar c) { return c == u'-' || (c.unicode() < 128 && c.isLetterOrNumber()); };

@@ -9,11 +9,11 @@ inline bool isStarting(const HealthState &health, Instant now) {
     return health.startingUntil && now < *health.startingUntil;
 }
 
-/// What the clock says of the agent. No rule that looks at a Situation sees more of the time: so nothing changes on the
-/// screen while neither this nor anything else of the Situation does.
+/// Time-dependent facts about the agent. Rules that read a Situation see no other time, so the screen changes only when
+/// the Situation does.
 struct Timing {
     bool starting = false;       ///< A silent agent counts as starting.
-    bool longConnecting = false; ///< For more than a minute the agent has run without being online.
+    bool longConnecting = false; ///< The agent has been running for more than a minute without being online.
     bool operator==(const Timing &) const = default;
 };
 
@@ -22,11 +22,11 @@ inline Timing timingOf(const HealthState &health, Instant now) {
             .longConnecting = health.connectingSince && now - *health.connectingSince > 60s};
 }
 
-/// All that the rules of the status line, icon and menu look at, gathered once per refresh.
+/// Input of the rules for status line, icon and menu, collected once per refresh.
 struct Situation {
     TrayState state;
     bool isCn = false; ///< The edition is the mainland one.
-    QString version;   ///< Of this program.
+    QString version;   ///< Version of this program.
     Timing timing;
     bool bound = false;       ///< This Mac is bound to an account.
     bool plistExists = false; ///< The agent's job file exists.

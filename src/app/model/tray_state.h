@@ -11,18 +11,18 @@
 
 namespace korvel {
 
-/// What the agent's last answer, or its silence, says; and what is known of its launchd job.
+/// The result of the last health poll, and the state of the agent's launchd job.
 struct HealthState {
-    bool running = false;               ///< The agent answered the last poll.
+    bool running = false;               ///< The agent responded to the last poll.
     bool online = false;                ///< The agent reports a live connection to the account server.
-    bool authDead = false;              ///< The agent reports that its sign-in is no longer accepted.
-    bool authDeadNotified = false;      ///< The user has been told of this loss of the sign-in.
+    bool authDead = false;              ///< The agent reports that its sign-in was rejected.
+    bool authDeadNotified = false;      ///< The user has been notified of the rejected sign-in.
     bool accountGone = false;           ///< The account was deleted on the server.
-    std::optional<bool> jobLoaded = {}; ///< Whether the agent's job is loaded; none: not known yet.
+    std::optional<bool> jobLoaded = {}; ///< None: not known yet.
     Instant jobCheckedAt = DISTANT_PAST;
-    quint64 jobChanges = 0;                      ///< Counts what makes a look at the job that is under way outdated.
-    std::optional<Instant> startingUntil = {};   ///< Until when a silent agent counts as starting.
-    std::optional<Instant> connectingSince = {}; ///< Since when the agent runs without being online.
+    quint64 jobChanges = 0;                      ///< Incremented to invalidate job checks in flight.
+    std::optional<Instant> startingUntil = {};   ///< End of the time in which a silent agent counts as starting.
+    std::optional<Instant> connectingSince = {}; ///< Since when the agent has been running without being online.
     qint64 sessions = 0;
     QString account = {};
     QString agentVer = {};
@@ -30,16 +30,16 @@ struct HealthState {
 };
 
 struct ServiceState {
-    bool busy = false; ///< Pause or resume is under way.
+    bool busy = false; ///< Pause or resume is in progress.
     bool repairing = false;
     bool repairFailed = false;
     bool operator==(const ServiceState &) const = default;
 };
 
 struct PermissionState {
-    std::optional<bool> permsOk = {}; ///< none: not known
+    std::optional<bool> permsOk = {}; ///< None: not known.
     QStringList permsMissing = {};
-    QList<QJsonObject> permItems = {}; ///< One object a permission, as the agent sent it.
+    QList<QJsonObject> permItems = {}; ///< One object per permission, as the agent sent it.
     std::optional<Instant> permsFetchedAt = {};
     bool permsRequesting = false;
     bool permsFetchFailed = false;
@@ -53,7 +53,7 @@ struct UpdateInfo {
     QString file = {};
     QString sha = {};
     QString sig = {};
-    qint64 bytes = 0; ///< 0: not said
+    qint64 bytes = 0; ///< 0: unknown.
     bool operator==(const UpdateInfo &) const = default;
 };
 
@@ -61,58 +61,58 @@ struct UpdateState {
     std::optional<UpdateInfo> updateAvail = {};
     std::optional<Instant> updateCheckedAt = {};
     bool updateBusy = false;
-    bool updatePrompting = false;      ///< An administrator is asked for, or already installs.
+    bool updatePrompting = false;      ///< The administrator prompt is open, or the installation is running.
     std::optional<int> updatePct = {}; ///< Percent, only while downloading.
     bool updateNotified = false;
-    QString updatedTo = {}; ///< What was installed in this run; it takes over when the tray starts anew.
+    QString updatedTo = {}; ///< Version installed during this run; takes effect when the tray restarts.
     bool operator==(const UpdateState &) const = default;
 };
 
-/// A device whose code was wrong and is to be asked for again.
+/// A device to prompt for again after a wrong code.
 struct E2Retry {
     QJsonObject request = {};
-    QString error = {};         ///< What the agent says of the last code.
-    Instant due = DISTANT_PAST; ///< Not before.
+    QString error = {};         ///< The agent's message about the last code.
+    Instant due = DISTANT_PAST; ///< Earliest time of the next prompt.
     bool operator==(const E2Retry &) const = default;
 };
 
-/// The agent's encryption report as received, and which of its prompts were shown.
+/// The agent's encryption report as received, and the prompts already shown.
 struct E2State {
     QJsonObject e2 = {};
     QSet<QString> e2ShownPending = {};
     QSet<QString> e2ShownAlarms = {};
     QSet<QString> e2Answering = {};
-    QList<E2Retry> e2Retries = {}; ///< In the order of their verdicts.
-    QString e2LastState = {};      ///< The state that the last reaction saw.
+    QList<E2Retry> e2Retries = {}; ///< Oldest verdict first.
+    QString e2LastState = {};      ///< State at the last reaction.
     bool operator==(const E2State &) const = default;
 };
 
-/// The pairing window's part of the state.
+/// State of the pairing window.
 struct PairState {
-    bool pairAutoShown = false; ///< It opened by itself once.
-    bool pairSawCode = false;   ///< It has shown a code, or the mark of success, since it was opened.
-    bool pairClosing = false;   ///< Success is shown; it will close itself.
-    bool pairRenewing = false;  ///< A new code has been asked for.
-    bool pairRelogin = false;   ///< Its button starts a sign-in.
-    bool pairLogout = false;    ///< Its button starts a sign-out.
-    bool pairPreview = false;   ///< It is drawn for review: on no screen, and whatever the sign-in.
+    bool pairAutoShown = false; ///< Has opened automatically once.
+    bool pairSawCode = false;   ///< Has shown a code, or the success mark, since it opened.
+    bool pairClosing = false;   ///< Shows success and will close automatically.
+    bool pairRenewing = false;  ///< A new code has been requested.
+    bool pairRelogin = false;   ///< The button starts a sign-in.
+    bool pairLogout = false;    ///< The button starts a sign-out.
+    bool pairPreview = false;   ///< Drawn to a picture, not on a screen; ignores the sign-in state.
     bool operator==(const PairState &) const = default;
 };
 
-/// A sign-in that the user carries out in a web browser, while it is open.
+/// A sign-in in a web browser, while it is in progress.
 struct BrowserLoginState {
-    std::optional<QString> browserLoginId = {};  ///< The agent's name for it.
+    std::optional<QString> browserLoginId = {};  ///< The agent's identifier of the sign-in.
     std::optional<QString> browserLoginURL = {}; ///< The page in the browser.
-    Instant browserLoginUntil = DISTANT_PAST;    ///< When the page stops being good; outlives the attempt.
+    Instant browserLoginUntil = DISTANT_PAST;    ///< Expiry of the page; kept after the attempt ends.
     bool operator==(const BrowserLoginState &) const = default;
 };
 
 struct MenuState {
-    bool optionKey = false; ///< Whether Option was held when the menu opened last.
+    bool optionKey = false; ///< Whether Option was held when the menu last opened.
     bool operator==(const MenuState &) const = default;
 };
 
-/// Everything that changes while the tray runs. Owned by TrayApp, touched on the main thread only.
+/// All mutable state of the tray. Owned by TrayApp, used on the main thread only.
 struct TrayState {
     HealthState health;
     ServiceState service;

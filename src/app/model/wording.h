@@ -10,21 +10,21 @@
 
 namespace korvel {
 
-/// Language of every text the user sees, settled once in the entry point.
+/// Language of all user-visible texts, set once at start.
 inline bool ZH = false;
 
-/// Value of the header by which servers choose the language of their sentences, settled once in the entry point; empty:
-/// they choose themselves.
+/// Value of the Accept-Language header, by which servers choose the language of their messages; set once at start.
+/// Empty: the server's default.
 inline QByteArray ACCEPT_LANGUAGE;
 
-/// The one of the two texts that is in the user's language. Both are literals: the value refers to them, not to a copy.
+/// Selects the text in the user's language. Both must be literals: the result refers to them without a copy.
 template <std::size_t Zh, std::size_t En>
 QString L(const char16_t (&zh)[Zh], const char16_t (&en)[En]) {
     const QStringView text = ZH ? QStringView(zh, Zh - 1) : QStringView(en, En - 1);
     return QString::fromRawData(text.data(), text.size());
 }
 
-/// Wording of a failed answer of the agent: its own "error" text, or a fixed sentence where there is none.
+/// Message of a failed agent response: its "error" text, or a fixed sentence if there is none.
 QString errText(const Result<QJsonObject> &answer);
 
 } // namespace korvel
