@@ -39,7 +39,7 @@ public:
         }
         if ((!file.isOpen() && !open()) || !accept(bytes.size()))
             return false;
-        while (!bytes.isEmpty()) { // only a write that writes nothing knows why
+        while (!bytes.isEmpty()) { // a short write sets no error; the next one reports it
             const qint64 written = file.write(bytes.data(), bytes.size());
             if (written <= 0) {
                 failure = file.errorString();
@@ -53,7 +53,7 @@ public:
 
     std::optional<Error> end(int status) override {
         if (status == 200 && !tooLarge && failure.isEmpty() && !file.isOpen())
-            open(); // an empty body is a file too
+            open(); // an empty body gives an empty file
         file.close();
         if (!failure.isEmpty())
             return Error{ErrorKind::NotSaved, failure};
@@ -62,7 +62,7 @@ public:
 
 private:
     bool open() {
-        // A new file: whoever could have put one of that name there, or a link, has no part in it.
+        // Creates a new file, so that an existing file or link of that name is never written through.
         QFile::remove(file.fileName());
         const int fd =
             ::open(QFile::encodeName(file.fileName()).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
@@ -74,7 +74,7 @@ private:
     QFile file;
     std::function<void(const Progress &)> progress;
     QString failure;
-    qint64 aside = 0; ///< Bytes of headers and of other responses, which do not count as the file's.
+    qint64 aside = 0; ///< Bytes of headers and of other responses, not counted towards the file's limit.
 };
 
 } // namespace

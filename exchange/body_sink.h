@@ -7,22 +7,22 @@
 
 namespace korvel::exchange {
 
-/// Where the bytes of a response go, and how many may come. Once it refuses some, the exchange ends.
+/// Receives the bytes of a response and enforces its size limit. A rejected byte ends the exchange.
 class BodySink {
 public:
     explicit BodySink(qint64 maxBytes) : limit(maxBytes) {}
     virtual ~BodySink() = default;
-    /// Bytes of a header. False: too many.
+    /// Counts header bytes. False: over the limit.
     virtual bool header(qint64 bytes) = 0;
-    /// Bytes of the body of a response of that status; `expected` in all, 0: not known. False: not taken.
+    /// Takes body bytes of a response with this status; `expected` is the total size, 0: unknown. False: rejected.
     virtual bool body(QByteArrayView bytes, int status, qint64 expected) = 0;
-    /// The response is through, or will never be. Why it was refused; none: it was not.
+    /// Ends the response, complete or not. Returns the reason if bytes were rejected.
     virtual std::optional<Error> end(int status) = 0;
-    /// What is kept in memory.
+    /// The part of the body kept in memory.
     QByteArray takeBody() { return std::move(kept); }
 
 protected:
-    /// Whether so many more bytes may come.
+    /// Whether this many more bytes are within the limit.
     bool accept(qint64 more);
     Error tooLargeError() const;
 
@@ -32,11 +32,11 @@ protected:
     QByteArray kept;
 };
 
-/// Keeps the whole body in memory; the limit counts headers too.
+/// Keeps the whole body in memory; the limit includes headers.
 std::unique_ptr<BodySink> makeMemorySink(qint64 maxBytes);
 
-/// Writes the body of a response of status 200 to a new private file as it comes, in place of what is there; keeps the
-/// first 64 KiB of any other.
+/// Writes the body of a response of status 200 to a new private file as it arrives, replacing an existing one. Of any
+/// other body, keeps the first 64 KiB in memory.
 std::unique_ptr<BodySink> makeFileSink(const QString &path, qint64 maxBytes,
                                        std::function<void(const Progress &)> progress);
 

@@ -4,7 +4,7 @@
 
 namespace korvel {
 
-/// Whether the signature is that of the message by the key; false for what is neither.
+/// Whether the signature matches message and key; false if key or signature is malformed.
 bool ed25519Valid(const SignatureProof &proof);
 
 } // namespace korvel

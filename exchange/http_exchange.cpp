@@ -12,7 +12,7 @@ namespace {
 
 constexpr long MIN_BYTES_PER_SECOND = 1024;
 
-/// A web address in the parts that libcurl itself reads in it; empty ones when it reads none.
+/// Parts of a URL as libcurl parses it; empty if it is invalid.
 struct Address {
     QByteArray scheme, host;
 };
@@ -60,7 +60,7 @@ ErrorKind kindOf(CURLcode code, const QByteArray &description) {
         return ErrorKind::InsecureConnection;
     case CURLE_RECV_ERROR:
     case CURLE_SEND_ERROR:
-        // Under TLS 1.3 a server that demands a client certificate says so after the handshake, by an alert.
+        // With TLS 1.3, a server rejects a missing client certificate by an alert after the handshake.
         return description.contains("alert") ? ErrorKind::InsecureConnection : ErrorKind::Interrupted;
     case CURLE_GOT_NOTHING:
     case CURLE_PARTIAL_FILE:
@@ -75,7 +75,7 @@ ErrorKind kindOf(CURLcode code, const QByteArray &description) {
     }
 }
 
-/// One exchange in libcurl. Owns everything that libcurl points to meanwhile.
+/// One libcurl transfer. Owns all data that libcurl points to.
 class Transfer {
 public:
     Transfer(const ServerRequest &r, BodySink &s)
@@ -105,7 +105,7 @@ private:
                            [](const auto &h) { return isOneLine(h.first) && isOneLine(h.second); });
     }
 
-    /// An option that could not be set may be one that protects: the request does not leave then.
+    /// A failed option may be a protective one, so the request is not sent.
     template <class Value>
     void set(CURLoption option, Value value) {
         if (refused == CURLE_OK)
@@ -147,18 +147,18 @@ private:
         if (authorities.isEmpty())
             return;
         set(CURLOPT_CAINFO, authorities.constData());
-        curl_easy_setopt(easy, CURLOPT_CAPATH, nullptr); // what cannot take a folder has none
+        curl_easy_setopt(easy, CURLOPT_CAPATH, nullptr); // some TLS libraries reject it, harmlessly
     }
 
     void prepareBody() {
         set(CURLOPT_POST, 1L);
         set(CURLOPT_POSTFIELDS, request.body.constData());
         set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request.body.size()));
-        headers = curl_slist_append(headers, "Expect:"); // no waiting for "100 Continue"
+        headers = curl_slist_append(headers, "Expect:"); // does not wait for "100 Continue"
         const bool isTyped = std::any_of(request.headers.begin(), request.headers.end(),
                                          [](const auto &header) { return header.first == "Content-Type"; });
         if (!isTyped)
-            headers = curl_slist_append(headers, "Content-Type:"); // instead of libcurl's own guess
+            headers = curl_slist_append(headers, "Content-Type:"); // suppresses libcurl's default type
     }
 
     static size_t received(char *data, size_t size, size_t count, void *self) {
@@ -190,7 +190,7 @@ private:
     ErrorKind failure(CURLcode code, const Network &network) const {
         long proxyStatus = 0;
         curl_easy_getinfo(easy, CURLINFO_HTTP_CONNECTCODE, &proxyStatus);
-        if (proxyStatus >= 300) // libcurl calls that a lost connection
+        if (proxyStatus >= 300) // libcurl reports a lost connection
             return ErrorKind::Unreachable;
         const ErrorKind kind = kindOf(code, errorText);
         const bool hasNoWay = kind == ErrorKind::HostNotFound || kind == ErrorKind::Unreachable;

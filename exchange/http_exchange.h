@@ -6,19 +6,19 @@
 
 namespace korvel::exchange {
 
-/// What an exchange depends on beyond libcurl.
+/// The environment of an exchange.
 struct Network {
-    /// Whether no interface but loopback is up.
+    /// Whether all interfaces but loopback are down.
     std::function<bool()> isOffline;
-    /// The proxy that the system's settings name for a web address, as libcurl writes it ("http://host:port"); empty:
-    /// none but what the environment names, which libcurl reads. May ask the network.
+    /// The proxy from the system settings for a URL, in libcurl's notation ("http://host:port"). Empty: only the proxy
+    /// from the environment, which libcurl reads. May use the network.
     std::function<QByteArray(const QByteArray &url)> proxyFor;
-    /// File with the certificates (PEM) of the authorities to trust; empty: the system's.
+    /// Certificate file (PEM) of the trusted authorities; empty: the system's.
     QByteArray authorities = {};
 };
 
-/// Runs one exchange to its end, over HTTPS only, with certificates verified. Blocks. `progress` gets what of the file
-/// has come, as it comes.
+/// Runs one exchange, over HTTPS only, with certificate verification. Blocks. `progress` reports the bytes of the file
+/// as they arrive.
 Result<HttpReply> run(const HttpTask &task, const Network &network,
                       const std::function<void(const Progress &)> &progress);
 

@@ -2,8 +2,8 @@
 
 namespace korvel::exchange {
 
-/// Gives up what a run has no use for, as far as the system lets it: core dumps, privileges that other programs would
-/// give, the look of debuggers into its memory, and inherited descriptors but the standard ones.
+/// Drops capabilities that a run does not need, as far as the system allows: core dumps, privileges gained by running
+/// other programs, access by debuggers, and inherited descriptors except the standard streams.
 void giveUpRights();
 
 } // namespace korvel::exchange

@@ -1,6 +1,6 @@
-// korvel-exchange: does one thing that the tray asks for and ends. Reads one line of JSON from standard input and
-// prints JSON lines, the last of which says what it came to (messages.h). Ends at once when standard input does:
-// whoever started it has gone.
+// korvel-exchange: performs one task for the tray and exits. Reads one line of JSON from standard input and prints JSON
+// lines; the last one is the result (messages.h). Exits at once at the end of standard input, which means that the tray
+// has exited.
 
 #include "exchange/ed25519.h"
 #include "exchange/limits.h"
@@ -22,7 +22,7 @@ namespace {
 
 constexpr qint64 PROGRESS_INTERVAL = 100; // milliseconds
 
-/// What one read gives; 0 at the end.
+/// Reads once; returns 0 at end of file.
 size_t readSome(char *buffer, size_t size) {
     ssize_t got = 0;
     do
@@ -31,7 +31,7 @@ size_t readSome(char *buffer, size_t size) {
     return got > 0 ? static_cast<size_t>(got) : 0;
 }
 
-/// The first line of standard input; empty when it is too long.
+/// The first line of standard input; empty if it is too long.
 QByteArray readTask() {
     QByteArray line;
     char buffer[4096];
@@ -64,7 +64,7 @@ void print(const Line &line) {
     }
 }
 
-/// What a result is as a line.
+/// Converts a result to its output line.
 template <class Value>
 Line lineOf(Result<Value> result) {
     return result ? Line(std::move(result.value())) : Line(result.error());
@@ -91,11 +91,11 @@ Line perform(const SignatureProof &proof) { return Verdict{ed25519Valid(proof)};
 
 int main() {
     giveUpRights();
-    std::signal(SIGPIPE, SIG_IGN); // of connections
-    std::signal(SIGXFSZ, SIG_IGN); // a disk's limit is a failed write
+    std::signal(SIGPIPE, SIG_IGN); // connections may close at any time
+    std::signal(SIGXFSZ, SIG_IGN); // a file size limit then appears as a failed write
     const auto task = parseTask(readTask());
     std::thread(endWithStandardInput).detach();
     print(task ? std::visit([](const auto &t) { return perform(t); }, *task)
                : Line(Error{ErrorKind::InvalidRequest, QStringLiteral("no task")}));
-    ::_exit(EXIT_SUCCESS); // the thread that waits for the end of standard input is not waited for
+    ::_exit(EXIT_SUCCESS); // skips the thread that blocks on standard input
 }

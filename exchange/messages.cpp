@@ -14,7 +14,7 @@ namespace korvel::exchange {
 
 namespace {
 
-/// By ErrorKind.
+/// Indexed by ErrorKind.
 constexpr QLatin1StringView KINDS[] = {
     "Dropped"_L1,      "InvalidRequest"_L1,     "Offline"_L1,
     "HostNotFound"_L1, "Unreachable"_L1,        "InsecureConnection"_L1,
@@ -27,12 +27,12 @@ QString coded(const QByteArray &bytes) { return QString::fromLatin1(bytes.toBase
 
 std::optional<QByteArray> decoded(const QJsonValue &value) {
     const auto text = jsonText(value);
-    auto result = QByteArray::fromBase64Encoding(text.value_or(u"%"_s).toLatin1(), // "%": no base64
+    auto result = QByteArray::fromBase64Encoding(text.value_or(u"%"_s).toLatin1(), // "%" is not valid base64
                                                  QByteArray::AbortOnBase64DecodingErrors);
     return result ? std::optional(*std::move(result)) : std::nullopt;
 }
 
-/// A whole number from 0 to `most`.
+/// An integer from 0 to `most`.
 std::optional<qint64> number(const QJsonValue &value, qint64 most) {
     const auto n = jsonInteger(value);
     return n && *n >= 0 && *n <= most ? n : std::nullopt;

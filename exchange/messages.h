@@ -9,15 +9,15 @@
 
 namespace korvel::exchange {
 
-// What the tray and korvel-exchange write to each other: one JSON object on standard input, JSON objects on standard
-// output, one a line. Bytes are base64.
+// Messages between the tray and korvel-exchange: one JSON object on standard input, one JSON object per line on
+// standard output. Bytes are base64.
 
-/// The most bytes of a task.
+/// Maximum size of a task, in bytes.
 constexpr qint64 MAX_TASK = 1 << 20;
 
-/// One HTTPS exchange. With a file, the body of a response of status 200 goes there.
+/// One HTTPS exchange. If `file` is set, the body of a response of status 200 is written there.
 struct HttpTask {
-    ServerRequest request; ///< Its deadline is the tray's business, and stays there.
+    ServerRequest request; ///< Its deadline is enforced by the tray and not transmitted.
     QString file = {};
     bool operator==(const HttpTask &) const = default;
 };
@@ -28,14 +28,14 @@ struct HashTask {
     bool operator==(const HashTask &) const = default;
 };
 
-/// The one thing that a run does.
+/// The single task of a run.
 using Task = std::variant<HttpTask, HashTask, SignatureProof>;
 
 QByteArray toJson(const Task &task);
-/// None for what is no task.
+/// None if the JSON is not a valid task.
 std::optional<Task> parseTask(const QByteArray &json);
 
-/// Bytes of a body so far, and in all (0: not known).
+/// Bytes of the body so far and in total (0: unknown).
 struct Progress {
     qint64 got = 0;
     qint64 expected = 0;
@@ -49,12 +49,12 @@ struct Verdict {
     bool valid = false;
 };
 
-/// One line of output. All but Progress are the last one.
+/// One line of output. Any line but Progress is the last one.
 using Line = std::variant<Progress, HttpReply, Hash, Verdict, Error>;
 
-/// With the line feed at its end.
+/// Includes the trailing line feed.
 QByteArray toJson(const Line &line);
-/// None for what is no line.
+/// None if the JSON is not a valid line.
 std::optional<Line> parseLine(const QByteArray &json);
 
 } // namespace korvel::exchange

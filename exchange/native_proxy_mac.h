@@ -4,22 +4,22 @@
 
 namespace korvel::native {
 
-/// A way to a server, as the system's settings have it.
+/// A proxy from the system settings.
 struct Proxy {
-    bool isHttp = false; ///< A proxy for HTTP or HTTPS.
+    bool isHttp = false; ///< An HTTP or HTTPS proxy.
     bool isSocks = false;
     std::string host = {};
     int port = 0;
-    std::string script = {}; ///< Address of the script that knows the proxy, where the settings name one.
+    std::string script = {}; ///< Address of the proxy auto-configuration script, if the settings name one.
 };
 
-/// The first way of those that the settings name for a web address.
+/// The first proxy in the system settings for a URL.
 Proxy proxyFor(const std::string &url);
 
-/// The first way of those that a script (its text) names for a web address.
+/// The first proxy that a script, given as text, returns for a URL.
 Proxy proxyByScript(const std::string &script, const std::string &url);
 
-/// The text at a web address; empty when it cannot be had. Blocks.
+/// The text at a URL; empty on failure. Blocks.
 std::string textAt(const std::string &url);
 
 } // namespace korvel::native

@@ -29,7 +29,7 @@ Proxy firstOf(NSArray *proxies) {
 
 Proxy proxyFor(const std::string &url) {
     NSDictionary *known = CFBridgingRelease(CFNetworkCopySystemProxySettings());
-    NSDictionary *settings = [NSDictionary dictionaryWithDictionary:known]; // empty without any
+    NSDictionary *settings = [NSDictionary dictionaryWithDictionary:known]; // empty if there are no settings
     return firstOf(CFBridgingRelease(
         CFNetworkCopyProxiesForURL((__bridge CFURLRef)urlOf(url), (__bridge CFDictionaryRef)settings)));
 }

@@ -2,6 +2,6 @@
 
 namespace korvel::exchange {
 
-QByteArray systemProxyFor(const QByteArray &) { return {}; } // libcurl reads the environment's own
+QByteArray systemProxyFor(const QByteArray &) { return {}; } // libcurl reads the proxy variables itself
 
 } // namespace korvel::exchange

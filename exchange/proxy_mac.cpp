@@ -11,7 +11,7 @@ QByteArray systemProxyFor(const QByteArray &url) {
     }
     if (!proxy.isHttp && !proxy.isSocks)
         return {};
-    const QByteArray scheme = proxy.isHttp ? "http://" : "socks5h://"; // the proxy looks up the name
+    const QByteArray scheme = proxy.isHttp ? "http://" : "socks5h://"; // the proxy resolves the host name
     return scheme + QByteArray::fromStdString(proxy.host) + ':' + QByteArray::number(proxy.port);
 }
 

@@ -5,8 +5,8 @@
 
 namespace korvel {
 
-/// SHA-256 (FIPS 180-4) of a regular file in lower-case hexadecimal digits; none when it is anything else or cannot be
-/// read. Streamed; blocks.
+/// SHA-256 (FIPS 180-4) of a regular file as lower-case hexadecimal digits; none if it is anything else or unreadable.
+/// Reads in chunks; blocks.
 std::optional<QString> sha256File(const QString &path);
 
 } // namespace korvel

@@ -10,7 +10,7 @@ namespace korvel::exchange {
 
 namespace {
 
-/// Tunnels and peer-to-peer interfaces stay up with nothing but an address that they gave themselves.
+/// False for link-local addresses: tunnels and peer-to-peer interfaces stay up with one while there is no network.
 bool isOfANetwork(const sockaddr *address) {
     if (address && address->sa_family == AF_INET) {
         const auto *v4 = reinterpret_cast<const sockaddr_in *>(address);

@@ -4,10 +4,10 @@
 
 namespace korvel::exchange {
 
-/// The network as the system has it.
+/// The network state and settings of this system.
 Network systemNetwork();
 
-/// Network::proxyFor, by the system's settings.
+/// Implements Network::proxyFor from the system settings.
 QByteArray systemProxyFor(const QByteArray &url);
 
 } // namespace korvel::exchange
