@@ -7,9 +7,9 @@
 
 namespace korvel {
 
-// A window of the X Window System that did not see a key go down gets its first repetition as if it went down now.
+// On X11, a window that did not see a key go down gets its first repetition as a new key press.
 KeyCodes keysDown() {
-    // Not without a display, and not on one whose repetitions are Qt's own.
+    // Empty without X11. On Wayland, Qt itself generates and marks repetitions.
     auto *x11 = QGuiApplication::platformName() == u"xcb"
                     ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>()
                     : nullptr;

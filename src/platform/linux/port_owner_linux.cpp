@@ -11,13 +11,13 @@ namespace {
 
 constexpr uid_t ROOT = 0;
 
-/// `number` in hexadecimal digits of that width, as the tables have it.
+/// `number` in upper-case hexadecimal digits of a fixed width, as in the socket tables.
 QByteArray hex(quint32 number, int width) {
     return QByteArray::number(number, 16).toUpper().rightJustified(width, '0');
 }
 
-/// The local addresses that take connections to 127.0.0.1, the one that has precedence first. The kernel writes an
-/// address in words of its own byte order, an IPv6 one in four of them.
+/// The local addresses that accept connections to 127.0.0.1, highest precedence first. The kernel prints an address as
+/// 32-bit words in host byte order; an IPv6 address has four.
 QList<QByteArray> addressesOf(quint16 port) {
     const QByteArray loopback = hex(htonl(INADDR_LOOPBACK), 8), any = hex(0, 8);
     const QByteArray mapped = any + any + hex(htonl(0xffff), 8);
@@ -25,7 +25,7 @@ QList<QByteArray> addressesOf(quint16 port) {
     return {loopback + end, any + end, mapped + loopback + end, mapped + any + end, any + any + any + any + end};
 }
 
-/// The user whose socket listens at that local address.
+/// The user id of the socket that listens on this local address.
 std::optional<uid_t> listenerAt(const QByteArray &table, const QByteArray &address) {
     enum Field { Local = 1, State = 3, User = 7 };
     for (qsizetype at = table.indexOf(address); at >= 0; at = table.indexOf(address, at + 1)) {
@@ -43,7 +43,7 @@ std::optional<QByteArray> tableIn(const QString &path) {
         const QByteArray table = file.readAll();
         return file.error() == QFile::NoError ? std::optional(table) : std::nullopt;
     }
-    return QFile::exists(path) ? std::nullopt : std::optional(QByteArray()); // of a protocol that is turned off
+    return QFile::exists(path) ? std::nullopt : std::optional(QByteArray()); // the protocol is disabled
 }
 
 } // namespace
@@ -58,7 +58,7 @@ PortOwner portOwner(const SocketTables &tables, quint16 port, uid_t user) {
 
 PortOwner portOwner(quint16 port) {
     const QString ipv4 = QStringLiteral("/proc/net/tcp");
-    // Without /proc nothing can be told of either.
+    // Without /proc, the owner is unknown.
     if (!QFile::exists(ipv4))
         return PortOwner::Unknown;
     return portOwner({.ipv4 = tableIn(ipv4), .ipv6 = tableIn(ipv4 + u'6')}, port, ::getuid());

@@ -8,13 +8,13 @@
 
 namespace korvel {
 
-/// The kernel's tables of TCP sockets, /proc/net/tcp and /proc/net/tcp6 (proc_net(5)); none: cannot be read.
+/// The kernel's TCP socket tables, /proc/net/tcp and /proc/net/tcp6 (proc_net(5)); none: unreadable.
 struct SocketTables {
     std::optional<QByteArray> ipv4;
     std::optional<QByteArray> ipv6;
 };
 
-/// Who gets a connection to `port` of 127.0.0.1 by these tables, as `user` sees it.
+/// The owner of connections to `port` of 127.0.0.1 according to these tables, as seen by `user`.
 PortOwner portOwner(const SocketTables &tables, quint16 port, uid_t user);
 
 } // namespace korvel

@@ -26,11 +26,11 @@ namespace korvel {
 
 namespace {
 
-/// Name of a process (not of its program) that has had its turn; at most 15 characters.
+/// Process name (not program name) of an instance that finished its turn; at most 15 characters.
 constexpr char ESTABLISHED[] = "Korvel";
-constexpr auto TURN_TIMEOUT = std::chrono::seconds(5); // an instance that hangs in its turn is passed over
+constexpr auto TURN_TIMEOUT = std::chrono::seconds(5); // after that, ignores an instance that hangs in its turn
 
-/// What of a process decides whether it is another instance of this program.
+/// The properties that identify a process as another instance of this program.
 struct Instance {
     qint64 pid = 0;
     QString name;
@@ -50,7 +50,7 @@ QStringList zeroSeparated(const QByteArray &bytes) {
     for (const QByteArray &part : bytes.split('\0'))
         parts.append(QFile::decodeName(part));
     if (!parts.isEmpty())
-        parts.removeLast(); // behind the last zero
+        parts.removeLast(); // text after the last zero byte
     return parts;
 }
 
@@ -61,17 +61,17 @@ std::optional<QString> variable(const QStringList &environment, const QString &n
     return std::nullopt;
 }
 
-/// The process's program, arguments and environment; none for another user's process or one that is gone.
+/// Reads a process from /proc; none if it belongs to another user or has ended.
 std::optional<Instance> inspect(qint64 pid) {
     struct stat info {};
     const QString folder = u"/proc/%1"_s.arg(pid);
     if (::stat(QFile::encodeName(folder).constData(), &info) != 0 || info.st_uid != ::getuid())
         return std::nullopt;
     QString program = QFile::symLinkTarget(folder + u"/exe"_s);
-    if (program.endsWith(u" (deleted)"_s)) // replaced while it runs, as by an update
+    if (program.endsWith(u" (deleted)"_s)) // the file was replaced while it runs, as by an update
         program.chop(10);
     const QStringList environment = zeroSeparated(procFile(pid, u"environ"_s));
-    if (program.isEmpty()) // also of a process that has ended and not been waited for
+    if (program.isEmpty()) // also true for a zombie process
         return std::nullopt;
     return Instance{.pid = pid,
                     .name = QFileInfo(program).fileName(),
@@ -85,7 +85,7 @@ std::optional<Instance> inspect(qint64 pid) {
 
 RunningInstancesLinux::~RunningInstancesLinux() {
     if (hadTurn)
-        ::prctl(PR_SET_NAME, ESTABLISHED); // before the turn is given on
+        ::prctl(PR_SET_NAME, ESTABLISHED); // before releasing the turn
     if (turn >= 0)
         ::close(turn);
     for (const auto &[pid, descriptor] : descriptors)
@@ -97,7 +97,7 @@ void RunningInstancesLinux::takeTurn() {
     makePrivateFolder(QFileInfo(turnFile).path());
     turn = ::open(QFile::encodeName(turnFile).constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
     const auto deadline = std::chrono::steady_clock::now() + TURN_TIMEOUT;
-    // Where no lock can be had, instances that start together may both stay: better than none that starts.
+    // Without a lock, instances that start at the same time may all stay. That is better than none.
     while (turn >= 0 && ::flock(turn, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK &&
            std::chrono::steady_clock::now() < deadline)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));

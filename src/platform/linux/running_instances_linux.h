@@ -8,12 +8,12 @@
 
 namespace korvel {
 
-/// Instances found in /proc: the same user's processes of the same program name with the same HOME. Each is held by a
-/// process descriptor, so that a signal never reaches another process that got its number.
+/// Instances found in /proc: processes of the same user, program name and HOME. A process descriptor (pidfd) holds each
+/// one, so that a signal never reaches another process with a recycled number.
 ///
-/// Instances that start together take turns, from others() to the end of this object's life, and end only instances
-/// that have had their turn: so they cannot end each other, and the one whose turn comes last stays. The turn is a lock
-/// on a file that nobody else can open, so that no other user can hold up a start.
+/// Instances that start at the same time take turns, from others() until this object is destroyed. Each ends only
+/// instances that finished their turn. So they cannot end each other, and the last one stays. The turn is a lock on a
+/// file in a private folder, so that other users cannot block a start.
 class RunningInstancesLinux final : public RunningInstances {
 public:
     explicit RunningInstancesLinux(QString lockedFile) : turnFile(std::move(lockedFile)) {}
@@ -29,8 +29,8 @@ public:
 private:
     void takeTurn();
 
-    const QString turnFile; ///< In a folder of this user.
-    int turn = -1;          ///< The file, locked; the system unlocks it with the process.
+    const QString turnFile; ///< In a private folder of this user.
+    int turn = -1;          ///< Descriptor of the locked file; the system releases the lock when the process ends.
     bool hadTurn = false;
     std::map<qint64, int> descriptors;
 };

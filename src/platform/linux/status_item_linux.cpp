@@ -40,12 +40,12 @@ void StatusItemLinux::show(Events e) {
 }
 
 void StatusItemLinux::putIntoPanel() {
-    // Once: Qt itself registers again with a host that restarts.
+    // Only once: Qt registers again automatically when a host restarts.
     if (tray || !hasHost || !icon)
         return;
     tray = std::make_unique<QSystemTrayIcon>();
     tray->setContextMenu(&exported->menu());
-    // A left click only tells the program; the menu is the tray's only control surface, so it opens too.
+    // A left click only activates the icon; the menu is the only user interface, so it opens it too.
     QObject::connect(tray.get(), &QSystemTrayIcon::activated, tray.get(), [this](QSystemTrayIcon::ActivationReason r) {
         if (r == QSystemTrayIcon::Trigger)
             openPopup();
@@ -63,7 +63,7 @@ void StatusItemLinux::openPopup() {
         return screen ? menuPlace(pointer, size, screen->geometry(), screen->availableGeometry()) : pointer;
     };
     menu.popup(place(menu.sizeHint()));
-    menu.move(place(menu.size())); // it may have got more entries
+    menu.move(place(menu.size())); // entries may have been added while it opened
 }
 
 void StatusItemLinux::apply(const IconView &view) {

@@ -12,9 +12,8 @@ class QDBusServiceWatcher;
 
 namespace korvel {
 
-/// The item as a StatusNotifierItem on the session bus.
-///
-/// Qt decides once, when it first asks, whether there is a tray; so the icon is made only when a host is there.
+/// The item as a StatusNotifierItem on the session bus. Qt checks for a tray only once, at first use, so the icon is
+/// created only after a host has appeared.
 class StatusItemLinux final : public StatusItem {
 public:
     StatusItemLinux();
@@ -32,10 +31,10 @@ private:
     bool hasHost = false;
     std::optional<IconView> icon;
     std::unique_ptr<QDBusServiceWatcher> watcher;
-    // A panel shows the exported menu, a left click the program's own: the two write their titles differently.
+    // The panel shows the exported menu, a left click opens the program's own. They escape titles differently.
     std::unique_ptr<MenuWidget> exported;
     std::unique_ptr<MenuWidget> popup;
-    std::unique_ptr<QSystemTrayIcon> tray; ///< None until there are a tray host and an icon.
+    std::unique_ptr<QSystemTrayIcon> tray; ///< Null until there are a tray host and an icon.
 };
 
 } // namespace korvel

@@ -8,7 +8,7 @@
 
 namespace korvel {
 
-// Window managers go by the flags and the type that the window was made with.
+// WindowLevel is unused: window managers use the flags and type set at creation.
 
 void bringToFront(QWidget &window, WindowLevel) {
     window.show();
@@ -17,11 +17,11 @@ void bringToFront(QWidget &window, WindowLevel) {
 }
 
 QScreen *screenInFront() {
-    const QWindow *front = QGuiApplication::focusWindow(); // of this program: X tells no screen of another's
+    const QWindow *front = QGuiApplication::focusWindow(); // this program's only: X11 reports no others
     return front ? front->screen() : QGuiApplication::screenAt(QCursor::pos());
 }
 
-// A screen reader reads a notification that appears.
+// Screen readers read a notification when it appears.
 void showNotice(QWidget &notice) {
     notice.show();
     notice.raise();

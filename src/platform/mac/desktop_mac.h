@@ -4,7 +4,7 @@
 
 namespace korvel {
 
-/// The desktop session of a Mac: what Qt does not tell of it comes from the system.
+/// The desktop session of a Mac. Uses the system where Qt has no equivalent.
 class DesktopMac final : public DesktopQt {
 public:
     using DesktopQt::DesktopQt;

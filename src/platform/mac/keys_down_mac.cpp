@@ -2,7 +2,7 @@
 
 namespace korvel {
 
-// An NSEvent says whether its key repeats, also in a window that did not see the key go down.
+// An NSEvent marks key repetition, even if the window did not see the key go down.
 KeyCodes keysDown() { return {}; }
 
 } // namespace korvel

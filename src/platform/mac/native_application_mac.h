@@ -5,17 +5,17 @@
 
 namespace korvel::native {
 
-/// No Dock icon and no menu bar of its own (NSApplication's accessory policy).
+/// Removes the Dock icon and the menu bar (NSApplication's accessory policy).
 void becomeAccessory();
 
-/// Brings this application's windows in front of those of the others. macOS may refuse.
+/// Brings this application's windows to the front. macOS may refuse.
 void activateApplication();
 
-/// Hides this application's windows, but for notices, and gives the keyboard to the next application.
+/// Hides this application's windows, except notices, and passes the focus to the next application.
 void hideApplication();
 
-/// Hears that the user opened the application again while it runs (the Apple event "reopen application"). It takes over
-/// from NSApplication, whose own answer would be to show a window. Made before the application object.
+/// Reports that the user opened the application again (the Apple event "reopen application"). Replaces NSApplication's
+/// handler, which would show a window. Create it before the application object.
 class ReopenListener {
 public:
     explicit ReopenListener(std::function<void()> reopened);

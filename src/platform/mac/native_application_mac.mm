@@ -13,7 +13,7 @@
 
 @implementation KorvelReopenHandler
 
-// Not earlier: while it launches, NSApplication puts in its own handlers.
+// Not earlier: NSApplication installs its own handlers during launch.
 - (void)applicationDidFinishLaunching:(NSNotification *)notification {
     [[NSAppleEventManager sharedAppleEventManager] setEventHandler:self
                                                        andSelector:@selector(handleReopen:withReplyEvent:)

@@ -5,17 +5,17 @@
 
 namespace korvel::native {
 
-/// A main menu of two submenus, the application's, which is empty, and one for editing. An accessory application never
-/// shows it, but key equivalents reach text fields through it.
+/// A main menu with an empty application menu and an Edit menu. An accessory application never shows it, but it
+/// delivers key equivalents to text fields.
 class HiddenMainMenu {
 public:
     HiddenMainMenu(const std::string &applicationTitle, const std::string &editTitle);
     ~HiddenMainMenu();
 
     void addSeparator();
-    /// `selector` goes to the first responder; `key` is pressed with Command, an upper-case one also with Shift.
+    /// `selector` is sent to the first responder. `key` is combined with Command, and with Shift if it is upper case.
     void add(const std::string &title, const std::string &selector, const std::string &key);
-    /// Makes it the application's main menu, which keeps it.
+    /// Sets it as the application's main menu. The application retains it.
     void install();
 
 private:

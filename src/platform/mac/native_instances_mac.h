@@ -6,9 +6,8 @@
 
 namespace korvel::native {
 
-/// The running applications of one bundle identifier in this login session, as they were when this object was made
-/// (NSRunningApplication). Each is known by its place in the list and stays the same process, whatever becomes of its
-/// number.
+/// A snapshot of the running applications with one bundle identifier in this login session (NSRunningApplication). An
+/// index always refers to the same process, even if its process identifier is reused.
 class RunningApplications {
 public:
     explicit RunningApplications(const std::string &bundleIdentifier);

@@ -4,7 +4,7 @@
 
 namespace korvel::native {
 
-/// Writes a line to the system log, where everybody who may read the log can read it. May be called on any thread.
+/// Writes a public line to the system log. Thread-safe.
 void writeSystemLog(const std::string &line);
 
 } // namespace korvel::native

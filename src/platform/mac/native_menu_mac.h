@@ -4,7 +4,7 @@ class QMenu;
 
 namespace korvel::native {
 
-/// The NSMenu that shows `menu` and follows its changes; it lives as long as `menu`.
+/// The NSMenu that mirrors `menu`; valid as long as `menu`.
 void *menuHandle(QMenu &menu);
 
 } // namespace korvel::native

@@ -4,13 +4,13 @@
 
 namespace korvel::native {
 
-/// The modifier keys held at this moment, one bit each (NSEvent's device-independent flags).
+/// The modifier keys currently held, one bit each (NSEvent's device-independent flags).
 unsigned long long heldModifiers();
 
-/// The name that the user gave this computer, such as "Ann's Mac"; empty when there is none.
+/// The user-visible name of this computer, such as "Ann's Mac"; empty if there is none.
 std::string computerName();
 
-/// The user's ordered list of languages, one a line, such as "zh-Hans-CN".
+/// The user's preferred languages in order, one per line, such as "zh-Hans-CN".
 std::string preferredLanguageLines();
 
 } // namespace korvel::native

@@ -8,13 +8,13 @@ namespace korvel::native {
 
 namespace {
 
-/// Whole elements in what the system says that it has written: bytes, or nothing and less for a failure.
+/// Number of complete elements in a result size in bytes; 0 or less means failure.
 template <class T>
 std::size_t elementsIn(int bytes) {
     return static_cast<std::size_t>(std::max(bytes, 0)) / sizeof(T);
 }
 
-/// What may have come since the system said how much there is.
+/// Spare elements for those that appear between the two calls.
 constexpr std::size_t MORE = 64;
 
 } // namespace
@@ -44,7 +44,7 @@ std::vector<Descriptor> descriptorsOf(int process) {
 }
 
 TcpSocket tcpSocket(int process, int descriptor) {
-    socket_fdinfo info{}; // of no kind when the system does not say
+    socket_fdinfo info{}; // its kind stays 0 on failure
     proc_pidfdinfo(process, descriptor, PROC_PIDFDSOCKETINFO, &info, static_cast<int>(sizeof info));
     const tcp_sockinfo &tcp = info.psi.soi_proto.pri_tcp;
     return {info.psi.soi_kind, tcp.tcpsi_state, tcp.tcpsi_ini.insi_vflag,

@@ -6,10 +6,10 @@
 
 namespace korvel::native {
 
-/// A picture that the menu bar draws in its own colour (NSImage, template).
+/// An image that the menu bar draws in its own colour (template NSImage).
 class TemplatePicture {
 public:
-    /// The same picture as PNG at one and at two pixels a point; `points` is its side length.
+    /// `png` has one pixel per point, `doublePng` has two; `points` is the side length.
     TemplatePicture(const std::string &png, const std::string &doublePng, double points,
                     const std::string &description);
 
@@ -19,7 +19,7 @@ private:
     std::shared_ptr<const Native> native;
 };
 
-/// A square item in the menu bar (NSStatusItem); gone with this object.
+/// A square item in the menu bar (NSStatusItem), removed with this object.
 class StatusBarItem {
 public:
     StatusBarItem();
@@ -27,13 +27,13 @@ public:
     StatusBarItem(const StatusBarItem &) = delete;
     StatusBarItem &operator=(const StatusBarItem &) = delete;
 
-    /// `nsMenu` is an NSMenu that lives on elsewhere.
+    /// `nsMenu` is an NSMenu owned elsewhere.
     void setMenu(void *nsMenu);
-    /// Makes an open menu show its entries as they are: those inserted while it opens may look enabled.
+    /// Redraws an open menu: entries inserted while it opens may look enabled.
     void updateMenu();
-    /// How many entries the menu has at this moment.
+    /// Current number of menu entries.
     std::size_t menuLength() const;
-    /// `at` is less than menuLength().
+    /// `at` must be less than menuLength().
     void setMenuToolTip(std::size_t at, const std::string &text);
     void setPicture(const TemplatePicture &picture);
     void setDimmed(bool dimmed);

@@ -4,35 +4,34 @@
 
 namespace korvel::native {
 
-/// Makes the window of an NSView a notice: at the level of the status bar, there while other applications are active or
-/// this one is hidden, and never activating this one when it appears.
+/// Makes the window of an NSView a notice: at status bar level, visible while this application is inactive or hidden,
+/// and never activating it.
 void makeNotice(void *nsView);
 
-/// Whether preventActivation() can be called for the window of an NSView.
+/// Whether preventActivation() is available for the window of an NSView.
 bool canPreventActivation(void *nsView);
 
-/// Lets clicks on the window of an NSView leave the active application as it is.
+/// Clicks on the window of an NSView no longer activate this application.
 void preventActivation(void *nsView);
 
-/// Keeps the window of an NSView above ordinary windows, also while another application is active.
+/// Keeps the window of an NSView above normal windows, also while another application is active.
 void makeFloating(void *nsView);
 
-/// Puts the window of an NSView in front of the others of its level and gives it the keyboard.
+/// Brings the window of an NSView to the front of its level and makes it the key window.
 void makeKeyAndOrderFront(void *nsView);
 
-/// Puts the window of an NSView in front of the others of its level, whichever application is active, also when this
-/// one is hidden.
+/// Brings the window of an NSView to the front of its level, even if this application is inactive or hidden.
 void orderFrontRegardless(void *nsView);
 
-/// In points, from the upper left corner of the first screen.
+/// In points, from the top left corner of the first screen.
 struct Point {
     double x = 0, y = 0;
 };
 
-/// The middle of the screen that has the window with the keyboard, whichever application's it is.
+/// The centre of the screen with the key window of any application.
 Point middleOfMainScreen();
 
-/// Has VoiceOver read a text, whatever has the keyboard.
+/// VoiceOver reads the text, regardless of the focus.
 void announce(const std::string &text);
 
 } // namespace korvel::native

@@ -4,7 +4,7 @@
 
 #import <AppKit/AppKit.h>
 
-// Not public. AppKit calls it for the mask of a non-activating panel, but only when it makes the panel, which is Qt's.
+// Private API. AppKit calls it for non-activating panels, but only on creation, and Qt creates this panel.
 @interface NSWindow (KorvelActivation)
 - (void)_setPreventsActivation:(BOOL)prevents;
 @end

@@ -26,7 +26,7 @@ bool listensAt(int process, quint16 port) {
 
 } // namespace
 
-// macOS shows a user the sockets of that user's own processes only: root's cannot be told from a stranger's.
+// macOS reveals only the sockets of the user's own processes; listeners of root and other users count as Nobody.
 PortOwner portOwner(quint16 port) {
     const auto processes = native::processesOf(::getuid());
     if (processes.empty())

@@ -10,7 +10,7 @@ QList<qint64> RunningInstancesMac::others() {
     QList<qint64> found;
     for (std::size_t i = 0; i < applications.count(); ++i) {
         const qint64 pid = applications.processIdentifier(i);
-        // An application that has ended meanwhile has no number any more: -1.
+        // -1: the application has ended.
         if (pid <= 0 || pid == ::getpid())
             continue;
         places.emplace(pid, i);

@@ -7,8 +7,8 @@
 
 namespace korvel {
 
-/// Instances known by the bundle identifier. The system lists those of this login session only, and starts one instance
-/// a bundle at a time; a run without windows, as in the automation modes, is none of its applications.
+/// Instances with the same bundle identifier. The system lists this login session only and starts one instance of a
+/// bundle at a time. Runs without windows, such as automation modes, are not listed.
 class RunningInstancesMac final : public RunningInstances {
 public:
     RunningInstancesMac();
@@ -20,7 +20,7 @@ public:
 
 private:
     native::RunningApplications applications;
-    std::map<qint64, std::size_t> places; ///< Process identifier to place among the applications.
+    std::map<qint64, std::size_t> places; ///< Process identifier to index among the applications.
 };
 
 } // namespace korvel

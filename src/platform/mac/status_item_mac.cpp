@@ -36,7 +36,7 @@ void StatusItemMac::apply(const IconView &view) {
 void StatusItemMac::apply(const MenuView &view) {
     menu->apply(view);
     item->updateMenu();
-    // Qt hands titles and the like on to a native menu, but no tool tips.
+    // Qt passes titles and states to a native menu, but not tool tips.
     const auto count = static_cast<std::size_t>(view.entries.size());
     if (item->menuLength() != count)
         return;

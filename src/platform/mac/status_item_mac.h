@@ -25,7 +25,7 @@ private:
     const native::TemplatePicture iconOff;
     std::optional<IconView> icon;
     std::unique_ptr<MenuWidget> menu;
-    std::unique_ptr<native::StatusBarItem> item; ///< Gone before the menu that it shows.
+    std::unique_ptr<native::StatusBarItem> item; ///< Destroyed before the menu that it shows.
 };
 
 } // namespace korvel

@@ -17,8 +17,8 @@ namespace {
 
 void *nativeView(QWidget &window) { return reinterpret_cast<void *>(window.winId()); }
 
-/// The windows that took the keyboard. An application stays active without any: when the last one closes, the
-/// application is hidden, which gives the keyboard back.
+/// Windows that take the focus. An application stays active without windows, so it is hidden when the last one closes;
+/// that returns the focus.
 class FrontWindows final : public QObject {
 public:
     using QObject::QObject;
@@ -31,7 +31,7 @@ public:
     }
 
     bool eventFilter(QObject *, QEvent *event) override {
-        // Later: another window may come in the place of this one.
+        // Deferred: another window may replace this one.
         if (event->type() == QEvent::Hide)
             QTimer::singleShot(0, this, [this] { hideWithoutWindows(); });
         return false;
@@ -59,27 +59,27 @@ FrontWindows &frontWindows() {
 void bringToFront(QWidget &window, WindowLevel level) {
     frontWindows().add(window);
     window.show();
-    // Qt sets a level of its own for windows that stay on top, above the system's dialogs.
+    // For windows that stay on top, Qt uses a level above the system's dialogs.
     if (level == WindowLevel::Floating)
         native::makeFloating(nativeView(window));
     native::activateApplication();
     native::makeKeyAndOrderFront(nativeView(window));
-    native::orderFrontRegardless(nativeView(window)); // in front also when the activation is refused
+    native::orderFrontRegardless(nativeView(window)); // brings it to the front even if macOS refuses the activation
     window.activateWindow();
 }
 
-// AppKit knows the window with the keyboard of any application.
+// AppKit knows the key window of any application.
 QScreen *screenInFront() {
     const native::Point middle = native::middleOfMainScreen();
     return QGuiApplication::screenAt(QPoint(static_cast<int>(middle.x), static_cast<int>(middle.y)));
 }
 
 void showNotice(QWidget &notice) {
-    native::makeNotice(nativeView(notice)); // first: a window that was shown once may keep activating
+    native::makeNotice(nativeView(notice)); // first: otherwise the window may keep activating after it was shown once
     if (native::canPreventActivation(nativeView(notice)))
         native::preventActivation(nativeView(notice));
     notice.show();
-    // Not QWidget::raise(): on macOS it activates the application.
+    // Not QWidget::raise(), which activates the application on macOS.
     native::orderFrontRegardless(nativeView(notice));
     native::announce(notice.windowTitle().toStdString());
 }

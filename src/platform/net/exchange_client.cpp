@@ -12,9 +12,9 @@ namespace {
 
 constexpr milliseconds HASH_TIMEOUT = 10min;
 constexpr milliseconds VERIFY_TIMEOUT = 30s;
-constexpr qsizetype MAX_LINE = 2 << 20; ///< Bytes: the largest response in base64, and room.
+constexpr qsizetype MAX_LINE = 2 << 20; ///< Bytes: the largest response in base64, with a margin.
 
-/// What the program obeys. Nothing that names key logs, engines or libraries.
+/// Variables passed to korvel-exchange. None that sets key logs, engines or libraries.
 QList<std::pair<QString, QString>> environment() {
     QList<std::pair<QString, QString>> variables;
     for (const char *name :
@@ -26,7 +26,7 @@ QList<std::pair<QString, QString>> environment() {
 
 } // namespace
 
-/// One run in flight. Reads what it prints, on the thread that waits for it.
+/// One run in flight. Parses its output on the thread that runs the program.
 class ExchangeClient::Run {
 public:
     explicit Run(std::function<void(const exchange::Progress &)> p) : progress(std::move(p)) {}
@@ -42,7 +42,7 @@ public:
         stop.requestStop();
     }
 
-    /// What a run that has ended came to: its last line, or why there is none.
+    /// The result of an ended run: its last line, or the error.
     exchange::Line outcome(const ProgramResult &ended, milliseconds timeout) const {
         if (ended.end == ProgramResult::End::TimedOut)
             return Error{ErrorKind::TimedOut, u"no whole response within %1 ms"_s.arg(timeout.count())};
@@ -66,9 +66,9 @@ private:
     }
 
     std::function<void(const exchange::Progress &)> progress;
-    QByteArray pending; ///< The beginning of a line.
+    QByteArray pending; ///< Start of an incomplete line.
     std::optional<exchange::Line> last;
-    bool isBroken = false; ///< It printed what it never should.
+    bool isBroken = false; ///< The output is invalid.
 };
 
 ExchangeClient::ExchangeClient(Programs &p, Scheduler &s, QString path)
@@ -79,7 +79,7 @@ ExchangeClient::~ExchangeClient() {
         run->stop.requestStop();
 }
 
-/// Runs the program for `task`; `done` gets what `valueOf` makes of the line that is `Wanted`.
+/// Runs the program for `task`. If the result is of type `Wanted`, `done` receives it through `valueOf`.
 template <class Wanted, class Value, class ValueOf>
 void ExchangeClient::start(const exchange::Task &task, milliseconds timeout,
                            std::function<void(const exchange::Progress &)> progress, ValueOf valueOf,

@@ -12,13 +12,13 @@
 
 namespace korvel {
 
-/// ServerClient through korvel-exchange: a run of that program for each call. What goes there goes through its standard
-/// input, in an environment of the few variables that it obeys.
+/// ServerClient through korvel-exchange: one run per call. The task is passed through standard input, and the
+/// environment contains only the variables that the program needs.
 class ExchangeClient final : public ServerClient {
 public:
-    /// `program` is the path of korvel-exchange.
+    /// `program`: path of korvel-exchange.
     ExchangeClient(Programs &programs, Scheduler &scheduler, QString program);
-    /// Ends the runs in flight, whose completions report Dropped.
+    /// Stops the runs in flight; their completions report Dropped.
     ~ExchangeClient() override;
     void send(ServerRequest request, Done<HttpReply> done) override;
     void download(ServerRequest request, const QString &file, std::function<void(qint64 got, qint64 expected)> progress,

@@ -13,11 +13,11 @@ namespace beast = boost::beast;
 namespace http = boost::beast::http;
 
 constexpr std::uint32_t MAX_HEAD = 32 << 10;    ///< Bytes; Beast throws for fields of 64 KiB.
-constexpr qsizetype MAX_HEADER_VALUE = 8 << 10; ///< Bytes of a request's header.
+constexpr qsizetype MAX_HEADER_VALUE = 8 << 10; ///< Bytes of one request header.
 
 beast::string_view viewOf(const QByteArray &text) { return {text.constData(), static_cast<size_t>(text.size())}; }
 
-/// A value from a file must not be able to add a header of its own.
+/// Rejects line breaks: a value from a file must not inject a header.
 bool isHeaderValue(const QByteArray &text) {
     return text.size() <= MAX_HEADER_VALUE && !text.contains('\r') && !text.contains('\n') && !text.contains('\0');
 }
@@ -63,7 +63,7 @@ void HttpResponseParser::feed(QByteArrayView bytes) {
     while (!isOver() && parseSome())
         ;
     if (!pending.isEmpty())
-        persistent = false; // nobody knows what belongs to it
+        persistent = false; // bytes after the response belong to no request
 }
 
 bool HttpResponseParser::parseSome() {
@@ -95,7 +95,7 @@ void HttpResponseParser::messageRead() {
         return fail(ErrorKind::UnreadableResponse, QStringLiteral("a protocol or encoding that nobody asked for"));
     if (!message->is_done())
         return;
-    if (head.result_int() < 200) // an announcement; the response follows
+    if (head.result_int() < 200) // an interim response; the final one follows
         return message.reset();
     persistent = message->keep_alive();
     whole = true;

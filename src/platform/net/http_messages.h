@@ -7,41 +7,41 @@
 
 namespace korvel {
 
-/// One HTTP/1.1 request (RFC 9112) to `authority` for `target`, as it leaves; none when a header cannot be one.
+/// Serializes an HTTP/1.1 request (RFC 9112) to `authority` for `target`; none if a header is invalid.
 std::optional<QByteArray> serializeRequest(const HttpRequest &request, const QByteArray &authority,
                                            const QByteArray &target);
 
-/// Reads one HTTP/1.1 response (RFC 9112) from its bytes, in whatever pieces they come. Knows no socket.
+/// Incremental parser of one HTTP/1.1 response (RFC 9112). Independent of sockets.
 class HttpResponseParser {
 public:
-    /// `maxBytes`: the most that may come, headers included.
+    /// `maxBytes`: limit of the response, headers included.
     explicit HttpResponseParser(qint64 maxBytes);
     ~HttpResponseParser();
 
-    /// Takes the next bytes. Those behind the end of the response are no part of it.
+    /// Parses the next bytes. Bytes after the end do not belong to the response.
     void feed(QByteArrayView bytes);
-    /// The connection ended: a response is whole then if nothing else says where it ends.
+    /// The connection has ended. This completes a response whose length is not given.
     void end();
 
-    /// Whether any byte has come.
+    /// Whether any byte was received.
     bool hasBegun() const { return received > 0; }
-    /// Whether the outcome is known.
+    /// Whether outcome() is available.
     bool isOver() const { return whole || error; }
-    /// Whether the connection can serve another request after this response.
+    /// Whether the connection can be reused after this response.
     bool leavesConnection() const { return whole && persistent; }
-    /// The outcome, once it is known. Called once.
+    /// The result. Call once, after isOver().
     Result<HttpReply> outcome();
 
 private:
     class Message;
-    /// Takes what it can of `pending`; false when nothing more can be taken.
+    /// Parses from `pending`; false if no progress is possible.
     bool parseSome();
     void messageRead();
     void fail(ErrorKind kind, const QString &detail);
 
     const qint64 limit;
     std::unique_ptr<Message> message;
-    QByteArray pending; ///< Bytes that only later ones give a meaning.
+    QByteArray pending; ///< Bytes not parsed yet.
     qint64 received = 0;
     bool whole = false;
     bool persistent = false;

@@ -12,17 +12,17 @@ namespace korvel {
 
 namespace {
 
-/// Where a request goes and what it says.
+/// A serialized request and its destination port.
 struct Message {
     quint16 port = 0;
     QByteArray bytes;
 };
 
-/// None for a request that may not leave or cannot be formed.
+/// None if the request is invalid or not allowed.
 std::optional<Message> messageOf(const HttpRequest &request) {
     const QUrl url(request.url, QUrl::StrictMode);
     const bool isKnown = request.method == "GET" || request.method == "POST";
-    // Nothing may stand in front of the host, whatever a malformed port makes of the address.
+    // No user information: it must not hide the actual host, also with a malformed port.
     if (!isKnown || !url.isValid() || url.scheme() != u"http" || url.host() != u"127.0.0.1" ||
         !url.userInfo().isEmpty())
         return std::nullopt;
@@ -32,7 +32,7 @@ std::optional<Message> messageOf(const HttpRequest &request) {
     return bytes ? std::optional(Message{static_cast<quint16>(url.port(80)), *std::move(bytes)}) : std::nullopt;
 }
 
-/// A timer that costs no connection: one is made with every poll.
+/// A timer without a signal connection: each poll creates one, so it must be cheap.
 class Deadline final : public QTimer {
 public:
     explicit Deadline(std::function<void()> p) : passed(std::move(p)) {
@@ -52,7 +52,7 @@ private:
 
 } // namespace
 
-/// A connection that the last poll left open. What comes on it unasked ends it.
+/// The connection left open by the last poll. Unsolicited bytes close it.
 class LoopbackHttpClient::Idle final : public LoopbackSocket::User {
 public:
     void keep(std::unique_ptr<LoopbackSocket> s, quint16 p) {
@@ -60,7 +60,7 @@ public:
         port = p;
         socket->setUser(*this);
     }
-    /// The connection, if it leads to that port.
+    /// The connection, if it is still usable and leads to this port.
     std::unique_ptr<LoopbackSocket> take(quint16 p) {
         return socket && p == port && socket->isQuiet() ? std::move(socket) : nullptr;
     }
@@ -72,7 +72,7 @@ private:
     quint16 port = 0;
 };
 
-/// One request under way.
+/// One request in flight.
 class LoopbackHttpClient::Exchange final : public LoopbackSocket::User {
 public:
     Exchange(LoopbackHttpClient &c, Message m, const HttpRequest &request, Done<HttpReply> d)
@@ -97,7 +97,7 @@ public:
     void closed() override {
         if (!socket->wasConnected())
             return fail(ErrorKind::Unreachable, QStringLiteral("nothing listens"));
-        // The agent had closed a connection while nobody used it. Never for a POST, which goes over none of those.
+        // Retries on a new connection: the agent closed the idle one. A POST never reuses a connection.
         if (std::exchange(isReused, false) && !response.hasBegun()) {
             socket = client.connectTo(message.port);
             return talk();
@@ -114,7 +114,7 @@ private:
             socket->setUser(*this);
             return socket->write(message.bytes);
         }
-        // Nobody is told before send() has returned.
+        // Completions must not run inside send().
         QMetaObject::invokeMethod(
             deadline.get(),
             [this] {
@@ -124,7 +124,7 @@ private:
             Qt::QueuedConnection);
     }
 
-    /// Before an end that the deadline itself, as an object, is busy telling.
+    /// Called from the deadline's own events, so it is deleted later.
     void retireDeadline() {
         deadline->stop();
         deadline.release()->deleteLater();
@@ -158,7 +158,7 @@ LoopbackHttpClient::LoopbackHttpClient(LookUpOwner l)
 
 LoopbackHttpClient::~LoopbackHttpClient() {
     closing = true;
-    // Whoever waits is told, through the completions that go with the exchanges.
+    // Their completions report Dropped.
     auto dropped = std::exchange(exchanges, {});
     dropped.clear();
     context.reset();
@@ -166,7 +166,7 @@ LoopbackHttpClient::~LoopbackHttpClient() {
 
 void LoopbackHttpClient::send(HttpRequest request, Done<HttpReply> done) {
     if (closing)
-        return; // the completion reports that itself
+        return; // destroying `done` reports Dropped
     auto message = messageOf(request);
     if (!message)
         return refuseLater(std::move(done));
@@ -196,7 +196,7 @@ std::unique_ptr<LoopbackSocket> LoopbackHttpClient::connectTo(quint16 port) {
 }
 
 void LoopbackHttpClient::finish(Exchange &exchange, Result<HttpReply> result) {
-    // The completion comes last: it may send again, or end this client.
+    // Last, because the completion may send again or destroy this client.
     Done<HttpReply> done = exchange.takeDone();
     exchanges.erase(&exchange);
     done(std::move(result));

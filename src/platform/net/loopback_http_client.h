@@ -13,9 +13,9 @@ namespace korvel {
 
 class LoopbackSocket;
 
-/// HttpClient for the agent: plain HTTP/1.1 to 127.0.0.1 on the Qt event loop, without proxy or redirect. A poll goes
-/// over a connection that an earlier one left open; a POST has one of its own and leaves once. A new connection is made
-/// only to a program of this user or of root; any other gets nothing, as if nothing listened.
+/// HttpClient for the agent: plain HTTP/1.1 to 127.0.0.1 on the Qt event loop, without proxies or redirects. A GET
+/// reuses the connection left open by an earlier one; a POST uses a new one and is sent once. Connects only to programs
+/// of this user or of root; others look as if nothing listens.
 class LoopbackHttpClient final : public HttpClient {
 public:
     using LookUpOwner = std::function<PortOwner(quint16 port)>;
@@ -27,7 +27,7 @@ private:
     class Exchange;
     class Idle;
     std::unique_ptr<LoopbackSocket> connectTo(quint16 port);
-    /// Reports an error once the sender has returned to the event loop, so that callers see one order of events.
+    /// Reports an error from the event loop, so that completions never run inside send().
     void refuseLater(Done<HttpReply> done);
     void finish(Exchange &exchange, Result<HttpReply> result);
 
@@ -36,7 +36,7 @@ private:
     bool closing = false;
     std::unique_ptr<Idle> idle;
     std::map<const Exchange *, std::unique_ptr<Exchange>> exchanges;
-    std::unique_ptr<QObject> context; ///< Refusals that have not been told go with it.
+    std::unique_ptr<QObject> context; ///< Context of pending refusals, which are dropped with it.
 };
 
 } // namespace korvel

@@ -13,14 +13,14 @@ namespace korvel {
 
 namespace {
 
-// Where a socket cannot be made private from the start, it is made so at once.
+// Systems without SOCK_CLOEXEC set the flag after creation.
 #ifdef SOCK_CLOEXEC
 constexpr int TYPE = SOCK_STREAM | SOCK_CLOEXEC;
 #else
 constexpr int TYPE = SOCK_STREAM;
 #endif
 
-// Where a write cannot be told to raise no signal, the socket is, or else the program ignores the signal.
+// Systems without MSG_NOSIGNAL use SO_NOSIGPIPE, or the program ignores SIGPIPE.
 #ifdef MSG_NOSIGNAL
 constexpr int NO_SIGNAL = MSG_NOSIGNAL;
 #else
@@ -40,7 +40,7 @@ int openSocket() {
     return fd;
 }
 
-/// Ends a notifier. The activity that it reports may be what ends it, so it is deleted later.
+/// Deletes a notifier later: it may be the one that is active.
 void retire(std::unique_ptr<QSocketNotifier> &notifier) {
     if (!notifier)
         return;
@@ -82,7 +82,7 @@ void LoopbackSocket::listen() {
 
 void LoopbackSocket::connected() {
     retire(room);
-    // Not by SO_ERROR, which may have been read, and so cleared, by what watches the socket.
+    // Not SO_ERROR: another observer of the socket may have read and so cleared it.
     sockaddr_in other{};
     socklen_t size = sizeof other;
     if (::getpeername(fd, reinterpret_cast<sockaddr *>(&other), &size) != 0)
@@ -108,7 +108,7 @@ void LoopbackSocket::flush() {
         if (sent < 0 && errno == EINTR)
             continue;
         if (sent < 0 && errno != EAGAIN && errno != EWOULDBLOCK)
-            outgoing.clear(); // what ended it is read, behind an answer that may have come before
+            outgoing.clear(); // the error is reported by the next read, after a response that may already have arrived
         if (sent < 0)
             break;
         outgoing.remove(0, sent);
@@ -122,7 +122,7 @@ void LoopbackSocket::flush() {
 }
 
 void LoopbackSocket::readSome() {
-    std::array<char, 16384> buffer; // once an activity, so that a flood does not hold the event loop
+    std::array<char, 16384> buffer; // one read per activation, so that a flood does not block the event loop
     const ssize_t got = ::recv(fd, buffer.data(), buffer.size(), 0);
     if (got > 0)
         return user->received(QByteArrayView(buffer.data(), got));

@@ -6,32 +6,32 @@
 
 namespace korvel {
 
-/// A TCP connection to a port of 127.0.0.1 that never blocks and never raises SIGPIPE. Tells its user from the event
-/// loop only; the user may destroy it then.
+/// A TCP connection to a port of 127.0.0.1. Never blocks and never raises SIGPIPE. Calls its user from the event loop
+/// only; the user may destroy it in a callback.
 class LoopbackSocket {
 public:
     class User {
     public:
         virtual ~User() = default;
         virtual void received(QByteArrayView bytes) = 0;
-        /// The connection ended, or none could be made.
+        /// The connection ended or could not be established.
         virtual void closed() = 0;
     };
 
-    /// Begins to connect.
+    /// Starts to connect.
     explicit LoopbackSocket(quint16 port);
     LoopbackSocket(const LoopbackSocket &) = delete;
     LoopbackSocket &operator=(const LoopbackSocket &) = delete;
     ~LoopbackSocket();
 
-    /// Whether the system gave it a connection to begin with; without one it tells nothing.
+    /// Whether the system provided a socket. Without one, there are no callbacks.
     bool isOpen() const { return fd >= 0; }
-    /// Whether the other side was reached.
+    /// Whether the connection was established.
     bool wasConnected() const { return reached; }
-    /// Whether nothing, not even its end, waits to be read.
+    /// Whether no data and no end of stream is waiting.
     bool isQuiet() const;
     void setUser(User &u) { user = &u; }
-    /// Writes as fast as the other side takes it.
+    /// Sends asynchronously.
     void write(QByteArray bytes);
 
 private:
@@ -45,7 +45,7 @@ private:
     bool reached = false;
     QByteArray outgoing;
     std::unique_ptr<QSocketNotifier> arrivals; ///< While connected.
-    std::unique_ptr<QSocketNotifier> room;     ///< While the connection is made, or bytes wait.
+    std::unique_ptr<QSocketNotifier> room;     ///< While connecting or while data waits to be sent.
 };
 
 } // namespace korvel

@@ -5,7 +5,7 @@
 
 namespace korvel {
 
-/// The desktop session through Qt. With a stand-in root, addresses are opened with the stand-in of macOS's opener.
+/// The desktop session through Qt. With a stand-in root, addresses are opened by the program under that root.
 class DesktopQt : public Desktop {
 public:
     DesktopQt(Programs &p, bool standIn) : programs(p), hasStandIns(standIn) {}
@@ -13,7 +13,7 @@ public:
     void openUrl(const QString &url) override;
     bool optionKeyHeld() const override;
     QString computerName() const override;
-    /// Nothing: without a native main menu, Qt's text fields know the editing keys by themselves.
+    /// No action: without a native main menu, Qt's text fields handle the editing keys themselves.
     void installEditMenu(const QList<EditMenuItem> &items) override;
     void terminate() override;
 

@@ -14,12 +14,12 @@ namespace korvel {
 
 namespace {
 
-constexpr qsizetype MAX_OUTPUT = 512 << 10; // as of a response: its last line may be parsed on the main thread
+constexpr qsizetype MAX_OUTPUT = 512 << 10; // as for a response: the last line may be parsed on the main thread
 constexpr int KILL_DELAY_MS = 3000;
-/// How soon a request to stop is noticed: QProcess waits for the program alone, nothing else wakes it.
+/// Polling interval for stop requests: QProcess only waits for the program.
 constexpr int STOP_CHECK_INTERVAL_MS = 100;
 
-/// Keeps the end of an output that is too long, from a line's beginning on.
+/// Truncates the output to its last part, from the start of a line.
 void keepTail(QByteArray &all, const QByteArray &more) {
     all += more;
     if (all.size() <= MAX_OUTPUT)
@@ -28,12 +28,12 @@ void keepTail(QByteArray &all, const QByteArray &more) {
     all.remove(0, lineEnd < 0 ? all.size() - MAX_OUTPUT / 2 : lineEnd + 1);
 }
 
-/// Ends a program whose time is over or that is to stop: asks it first, kills it when it goes on.
+/// Ends a program on timeout or stop request: terminates it first, kills it after a delay.
 class Ending {
 public:
     explicit Ending(const ProgramRun &r) : request(r) { clock.start(); }
 
-    /// Does what is due; gives the milliseconds until it is to be called again, -1: not before the next event.
+    /// Performs the step that is due. Returns the time in milliseconds until the next call; -1: at the next event.
     int check(QProcess &process) {
         if (reason == ProgramResult::End::Itself) {
             if (request.stop && request.stop->stopRequested())
@@ -64,7 +64,7 @@ private:
     QElapsedTimer sinceAsked;
 };
 
-/// Libraries open descriptors that a program would inherit; a long-lived one would keep their connections open.
+/// Prevents descriptors opened by libraries from being inherited, which would keep their connections open.
 void closeInherited() {
     constexpr int FIRST_AFTER_STANDARD_STREAMS = 3;
     for (int descriptor = FIRST_AFTER_STANDARD_STREAMS; descriptor < 256; ++descriptor)
@@ -135,8 +135,8 @@ ProgramResult QtPrograms::run(const ProgramRun &request) {
         process.closeWriteChannel();
     Ending ending(request);
     while (process.state() != QProcess::NotRunning) {
-        // Read as it comes, so that a chatty program neither blocks on a full pipe nor fills the memory. One that
-        // closed its output runs on: then only its end is waited for.
+        // Reads continuously, so that a full pipe does not block the program and memory stays bounded. A program may
+        // close its output and continue; then only its end is awaited.
         if (!process.waitForReadyRead(ending.check(process)) && process.state() != QProcess::NotRunning)
             process.waitForFinished(ending.check(process));
         collect(process, request, result.output);

@@ -4,7 +4,7 @@
 
 namespace korvel {
 
-/// Programs through QProcess. With a stand-in root, macOS tools run only from under that root.
+/// Programs through QProcess. With a stand-in root, macOS tools run only from that root.
 class QtPrograms final : public Programs {
 public:
     explicit QtPrograms(QString root) : standInRoot(std::move(root)) {}

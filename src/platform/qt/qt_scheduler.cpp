@@ -11,22 +11,21 @@ namespace korvel {
 
 namespace {
 
-/// Wide, not the core count: a program run may wait for a person.
+/// Not the core count: a program run may wait for user input.
 constexpr size_t MAX_THREADS = 64;
-/// For how long a thread is tried for that the system does not give, and how often.
+/// How long, and how often, to retry when the system cannot create a thread.
 constexpr milliseconds THREAD_TIMEOUT = 5s;
 constexpr milliseconds THREAD_RETRY_INTERVAL = 250ms;
 
 std::shared_ptr<QTimer> makeTimer(milliseconds interval, bool once, UniqueFunction<void()> f) {
-    // A timer may be cancelled, and so destroyed, by the very call that it makes.
+    // A timer may be destroyed in its own callback.
     std::shared_ptr<QTimer> timer(new QTimer, [](QTimer *t) {
         t->stop();
         t->deleteLater();
     });
     timer->setSingleShot(once);
     timer->setInterval(interval);
-    // What repeats at seconds-long intervals may fall together with other timers, so that an idle program wakes up
-    // less.
+    // Coarse timers may coincide with others, which saves wake-ups.
     timer->setTimerType(!once && interval >= 1s ? Qt::CoarseTimer : Qt::PreciseTimer);
     auto shared = std::make_shared<UniqueFunction<void()>>(std::move(f));
     QObject::connect(timer.get(), &QTimer::timeout, timer.get(), [shared] {
@@ -64,7 +63,7 @@ void QtScheduler::beforeWaiting(UniqueFunction<void()> f) {
 }
 
 void QtScheduler::runInBackground(UniqueFunction<void()> work, UniqueFunction<void()> then) {
-    // The continuation leaves the thread whole, so that what it owns dies on the main thread.
+    // The continuation moves to the main thread, so that its captures are destroyed there.
     auto onMainThread = [join = alive.guard([this] { workers.join(); }), then = std::move(then)]() mutable {
         join();
         then();

@@ -10,9 +10,8 @@
 
 namespace korvel {
 
-/// Scheduler on the Qt event loop of the main thread. With a `speed` above 1 its time runs that many times faster than
-/// the clock on the wall, for trials of long stretches. The threads for background work come
-/// from `makeThread`.
+/// Scheduler on the Qt event loop of the main thread. With a `speed` above 1, its time runs faster than real time by
+/// that factor, to test long periods. Threads for background work come from `makeThread`.
 class QtScheduler final : public Scheduler {
 public:
     explicit QtScheduler(int speed = 1, WorkerThreads::Make makeThread = WorkerThreads::makeThread);
@@ -23,11 +22,11 @@ public:
     void beforeWaiting(UniqueFunction<void()> f) override;
     void runInBackground(UniqueFunction<void()> work, UniqueFunction<void()> then) override;
 
-    /// Drops background work that has not begun; true when none is under way any more.
+    /// Discards background work that has not started; true if none is running.
     bool finishBackground();
 
 private:
-    /// A job for which there is no thread.
+    /// A job that waits for a thread.
     struct Waiting {
         WorkerThreads::Job job;
         Instant until;
@@ -40,7 +39,7 @@ private:
     std::deque<Waiting> waiting;
     Timer retry;
     std::vector<UniqueFunction<void()>> atEndOfTurn;
-    QMetaObject::Connection endOfTurn; ///< To the event loop, from the first use on.
+    QMetaObject::Connection endOfTurn; ///< Connection to the event loop, made at first use.
     Alive alive;
 };
 

@@ -9,7 +9,7 @@ namespace korvel {
 void openStandardStreams() {
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
         if (::fcntl(stream, F_GETFD) < 0)
-            ::open("/dev/null", O_RDWR); // takes the lowest free number, which is this one
+            ::open("/dev/null", O_RDWR); // takes the lowest free descriptor, which is this one
 }
 
 } // namespace korvel

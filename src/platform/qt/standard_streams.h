@@ -2,8 +2,8 @@
 
 namespace korvel {
 
-/// Opens the null device on each of the standard input, output and error that is closed. Otherwise the next socket
-/// would get that number, and a log line would go into the middle of its conversation. The first thing a process does.
+/// Opens the null device for each closed standard stream. Otherwise the next socket gets that descriptor, and log lines
+/// go to its peer. Call first in a process.
 void openStandardStreams();
 
 } // namespace korvel

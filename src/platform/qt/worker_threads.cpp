@@ -20,11 +20,11 @@ std::thread WorkerThreads::makeThread(std::function<void()> f) { return std::thr
 bool WorkerThreads::start(Job &job) {
     join();
     const std::lock_guard lock(mutex);
-    if (busy() >= maxThreads) { // one of them takes it before it ends
+    if (busy() >= maxThreads) { // a busy thread takes it before it ends
         queue.push_back(std::move(job));
         return true;
     }
-    // The job is handed over only once there is a thread, so that none is lost with a thread that cannot be made.
+    // The job moves only after the thread exists, so a failed creation does not lose it.
     const auto handed = std::make_shared<Job>();
     Worker &self = workers.emplace_back();
     try {
@@ -38,7 +38,7 @@ bool WorkerThreads::start(Job &job) {
 }
 
 void WorkerThreads::run(Worker &self, Job &first) {
-    std::unique_lock lock(mutex); // which start() holds until the job is handed over
+    std::unique_lock lock(mutex); // start() holds the lock until the job has moved
     Job job = std::move(first);
     while (!self.ended) {
         lock.unlock();
@@ -75,7 +75,7 @@ void WorkerThreads::join() {
 
 bool WorkerThreads::finish() {
     join();
-    std::deque<Job> dropped; // outlives the lock: what jobs own may do anything when it goes
+    std::deque<Job> dropped; // destroyed after the lock is released: job captures may call back
     const std::lock_guard lock(mutex);
     dropped.swap(queue);
     return busy() == 0;

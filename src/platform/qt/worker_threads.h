@@ -12,42 +12,41 @@
 
 namespace korvel {
 
-/// Threads for work that blocks: each is there while there is work for it, at most so many at once. Every operation is
-/// called on one and the same thread.
+/// Threads for blocking work, up to a maximum. A thread ends when there is no more work. All operations are called on
+/// the same thread.
 class WorkerThreads {
 public:
     struct Job {
         UniqueFunction<void()> work;
-        UniqueFunction<void()>
-            done; ///< Runs after `work` on its thread; join() in reply leaves no ended thread behind.
+        UniqueFunction<void()> done; ///< Runs after `work` on its thread; a join() in response also joins that thread.
     };
-    /// Makes a thread that runs `f`; throws std::system_error when there is none to be had.
+    /// Creates a thread that runs `f`; throws std::system_error on failure.
     using Make = std::function<std::thread(std::function<void()> f)>;
     static std::thread makeThread(std::function<void()> f);
 
     explicit WorkerThreads(size_t maxThreads, Make make);
-    /// Drops jobs that have not begun and waits for the others.
+    /// Discards jobs that have not started and waits for the others.
     ~WorkerThreads();
 
-    /// Begins `job`, or queues it while all threads are busy, and takes it. False when no thread can be had: then `job`
-    /// stays with the caller.
+    /// Starts `job`, or queues it while all threads are busy, and moves from it. False if no thread can be created:
+    /// `job` is unchanged.
     bool start(Job &job);
-    /// Lets go of threads that have ended.
+    /// Joins threads that have ended.
     void join();
-    /// Drops jobs that have not begun; true when none is under way any more.
+    /// Discards jobs that have not started; true if none is running.
     bool finish();
 
 private:
     struct Worker {
         std::thread thread;
-        bool ended = false; ///< It takes no more jobs.
+        bool ended = false; ///< Takes no more jobs.
     };
     void run(Worker &self, Job &first);
-    size_t busy() const; ///< Called with the mutex held.
+    size_t busy() const; ///< The mutex must be held.
 
     const size_t maxThreads;
     const Make make;
-    std::mutex mutex; ///< Of what follows.
+    std::mutex mutex; ///< Guards the members below.
     std::deque<Job> queue;
     std::list<Worker> workers;
 };
