@@ -5,10 +5,10 @@
 
 namespace korvel {
 
-/// The menu as it is to be shown now.
+/// The menu for a situation.
 MenuView menuView(const Situation &situation);
 
-/// Whether opening the menu is a reason to look for an update.
+/// Whether opening the menu triggers an update check.
 bool updateCheckDue(const UpdateState &update, Instant now);
 
 } // namespace korvel

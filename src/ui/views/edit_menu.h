@@ -5,11 +5,12 @@
 
 namespace korvel {
 
-/// One entry of the Edit menu that is never seen: on macOS the standard editing keys reach text fields through it.
+/// An entry of the Edit menu. The menu is never visible, but on macOS it delivers the standard editing keys to text
+/// fields.
 struct EditMenuItem {
-    QString title;    ///< Empty: a separator.
+    QString title;    ///< Empty for a separator.
     QString selector; ///< Sent to the first responder.
-    QString key;      ///< With Command; upper case adds Shift.
+    QString key;      ///< Combined with Command; upper case adds Shift.
 };
 
 QString editMenuTitle();

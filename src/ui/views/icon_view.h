@@ -4,10 +4,10 @@
 
 namespace korvel {
 
-/// What the item in the menu bar shows.
+/// Appearance of the item in the menu bar.
 struct IconView {
-    bool on = false;    ///< The active image instead of the inactive one.
-    bool dimmed = true; ///< The look of a disabled control.
+    bool on = false;    ///< Shows the active image instead of the inactive one.
+    bool dimmed = true; ///< Looks like a disabled control.
     QString toolTip;    ///< Plain text on one line.
     bool operator==(const IconView &) const = default;
 };

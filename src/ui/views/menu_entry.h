@@ -6,7 +6,7 @@
 
 namespace korvel {
 
-/// What choosing a menu entry does.
+/// The effect of choosing a menu entry.
 enum class Action {
     None,
     BrowserLogin,
@@ -27,14 +27,14 @@ enum class Action {
     QuitAll,
 };
 
-/// One entry of the menu, as data. An entry without an action is information and cannot be chosen.
+/// One menu entry, as data. An entry without an action is an information line and cannot be chosen.
 struct MenuEntry {
-    QString title; ///< Plain text; empty together with Action::None: a separator.
+    QString title; ///< Plain text. Empty with Action::None: a separator.
     Action action = Action::None;
     bool enabled = false;
-    QString detail = {}; ///< Goes on behind the title where the line has room for both.
+    QString detail = {}; ///< Appended to the title if the line has room for both.
     QString toolTip = {};
-    QJsonValue payload = QJsonValue::Undefined; ///< What the action is about: a request, an alarm, an address.
+    QJsonValue payload = QJsonValue::Undefined; ///< Argument of the action: a request, an alarm or an address.
 
     bool isSeparator() const { return title.isEmpty() && action == Action::None; }
     bool operator==(const MenuEntry &) const = default;

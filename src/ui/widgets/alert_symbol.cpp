@@ -10,7 +10,7 @@ namespace {
 
 constexpr int SIDE = 48, BADGE = 24; // points
 
-/// A triangle with an exclamation mark, in the 40 points at the upper left.
+/// A triangle with an exclamation mark, in the upper left 40 points.
 void drawWarningSign(QPainter &painter) {
     const QColor amber(0xf5, 0xa6, 0x23), ink(0x24, 0x29, 0x30);
     painter.setPen(QPen(amber, 5, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));

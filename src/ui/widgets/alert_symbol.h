@@ -4,8 +4,8 @@
 
 namespace korvel {
 
-/// What stands beside an alert's words: the application's icon, small beside a sign where the alert is a warning. Sharp
-/// at every scale, clear on light and dark.
+/// The symbol of an alert: the application icon, or a warning sign with a small icon. Sharp at every scale, visible on
+/// light and dark.
 QPixmap alertSymbol(bool warning, qreal pixelsPerPoint);
 
 } // namespace korvel

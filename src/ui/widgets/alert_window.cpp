@@ -39,7 +39,7 @@ QLabel *symbol(const AlertView &view, QWidget *parent) {
     return label;
 }
 
-/// Whether the system has the main button at the right end of a row.
+/// Whether the platform puts the main button at the right end.
 bool mainButtonIsLast(const QWidget &window) {
     const int layout = window.style()->styleHint(QStyle::SH_DialogButtonLayout, nullptr, &window);
     return layout == QDialogButtonBox::MacLayout || layout == QDialogButtonBox::GnomeLayout;
@@ -84,7 +84,7 @@ void AlertDialog::addWords(QVBoxLayout &column) {
         column.addWidget(said);
     }
     if (!view.fromOutside.isEmpty() && !view.text.isEmpty())
-        column.addSpacing(6); // two who speak
+        column.addSpacing(6); // between the two authors
     if (!view.text.isEmpty())
         column.addWidget(paragraph(view.text, uiFont(13), Tone::Normal, this));
 }
@@ -126,13 +126,13 @@ QWidget *AlertDialog::buttonRow() {
     const bool lastIsMain = mainButtonIsLast(*this);
     for (qsizetype i = 0; i < view.buttons.size(); ++i) {
         auto *button = new TextButton(view.buttons.at(i), row);
-        // Return is for one button alone, wherever the focus is; a disabled one does nothing.
+        // Return presses only the default button, wherever the focus is. If it is disabled, Return does nothing.
         button->setAutoDefault(false);
         connect(button, &QPushButton::clicked, this, [this, i] { answer(static_cast<int>(i)); });
         layout->insertWidget(lastIsMain ? 1 : layout->count(), button);
         answers.append(button);
     }
-    for (int i = 2; i < layout->count(); ++i) // Tab goes as people read
+    for (int i = 2; i < layout->count(); ++i) // Tab follows the reading order
         setTabOrder(layout->itemAt(i - 1)->widget(), layout->itemAt(i)->widget());
     answers.at(view.main)->setDefault(true);
     if (view.fields.isEmpty())
@@ -142,7 +142,7 @@ QWidget *AlertDialog::buttonRow() {
 
 void AlertDialog::bringUp(OpenedBy by) {
     keys.comesUp(by);
-    bringToFront(*this); // not as a modal dialog, beside which macOS greys the status menu
+    bringToFront(*this); // not modal: macOS disables the status menu during a modal dialog
 }
 
 void AlertDialog::reject() { answer(view.escape); }
@@ -167,7 +167,7 @@ bool AlertWindow::open(const AlertView &view, OpenedBy by, std::function<void(co
     const bool isFirst = !isOpen();
     if (isFirst) {
         current = new AlertDialog(view, std::move(answered));
-        // A dialog would place itself, too far left by what it takes for its frame.
+        // Otherwise QDialog places itself, too far left because of its estimate of the frame.
         centreOnScreen(*current);
     }
     current->bringUp(by);

@@ -14,17 +14,17 @@ namespace korvel {
 
 class PairCodeField;
 
-/// The window of one alert. Reports how it was answered, once, and deletes itself.
+/// The window of one alert. Reports the user's answer once and deletes itself.
 class AlertDialog final : public QDialog {
 public:
     AlertDialog(const AlertView &view, std::function<void(const AlertAnswer &)> answered);
 
-    /// The buttons, in the order of the view.
+    /// In the order of the view.
     QList<QPushButton *> buttons() const { return answers; }
     QList<QLineEdit *> fields() const { return inputs; }
-    /// Shows the dialog in front, with the keyboard.
+    /// Shows the dialog in front, with the focus.
     void bringUp(OpenedBy by);
-    /// Escape and closing.
+    /// Called by Escape and by closing.
     void reject() override;
 
 private:
@@ -41,7 +41,7 @@ private:
     KeyFilter keys;
 };
 
-/// Alerts as windows above all others that let the event loop go on.
+/// Alerts as windows above all others, without blocking the event loop.
 class AlertWindow final : public Alerts {
 public:
     ~AlertWindow() override;

@@ -9,7 +9,7 @@ namespace korvel {
 
 namespace {
 
-/// What the grid for icons leaves around the shape and how round its corners are, as shares of the side.
+/// From the icon grid: the margin around the shape and the radius of its corners, relative to the side.
 constexpr double MARGIN = 100.0 / 1024;
 constexpr double RADIUS = 185.0 / 1024;
 

@@ -4,7 +4,7 @@ class QWidget;
 
 namespace korvel {
 
-/// Closes the window by the system's key for that, such as Command-W, as its close button does.
+/// Closes the window with the platform's close shortcut, such as Command-W.
 void closeByKey(QWidget &window);
 
 } // namespace korvel

@@ -41,7 +41,7 @@ ToneLabel *leftLabel(const QFont &font, Tone tone, QWidget *parent) {
 
 ToneLabel *caption(QWidget *parent) { return leftLabel(uiFont(12), Tone::Secondary, parent); }
 
-/// A line below the fields.
+/// A message line below the fields.
 ToneLabel *message(Tone tone, QWidget *parent) {
     ToneLabel *label = leftLabel(uiFont(12), tone, parent);
     label->setWordWrap(true);
@@ -58,7 +58,7 @@ QLineEdit *lineEdit(QLabel *label, QWidget *parent) {
     return field;
 }
 
-/// From the box to the end of its text.
+/// Width from the box to the end of its text.
 int widthOf(const QCheckBox &box) {
     QStyleOptionButton option;
     option.initFrom(&box);
@@ -90,7 +90,7 @@ CnLoginWindow::CnLoginWindow(std::function<void(const LoginInput &)> in)
     agreeB->setFont(uiFont(12));
     andF->setText(L(u"和", u"and"));
     sendB->setAutoDefault(false);
-    // As wide as its longest countdown of the usual length, so that the field beside it keeps its width.
+    // Fits the longest usual countdown, so that the field next to it keeps its width.
     sendB->setMinimumWidth(std::max(sendB->widthFor(L(u"获取验证码", u"Get Code")),
                                     sendB->widthFor(L(u"60 秒后重新获取", u"Resend in 60s"))));
     sendB->setFixedHeight(FIELD_HEIGHT);
@@ -136,13 +136,13 @@ void CnLoginWindow::layOut() {
     column->addWidget(mainB);
     column->addWidget(busyBar);
     column->addLayout(links);
-    setTabOrder(codeF, sendB); // as they stand, not as they were made
+    setTabOrder(codeF, sendB); // in visual order
     setTabOrder(sendB, passF);
     setTabOrder(privacyB, mainB);
     setTabOrder(mainB, linkA);
 }
 
-/// A field below its label, closer to it than to the next group.
+/// A field with its label above, closer to it than to the next group.
 QWidget *CnLoginWindow::group(QLabel *label, const QList<QWidget *> &controls) {
     auto *all = new QWidget(this);
     auto *column = new QVBoxLayout(all);
@@ -158,9 +158,9 @@ QWidget *CnLoginWindow::group(QLabel *label, const QList<QWidget *> &controls) {
 }
 
 QLayout *CnLoginWindow::agreeRows() {
-    // A space between words; the Chinese marks of a title carry theirs.
+    // English words need a space; Chinese title marks include it.
     const int space = ZH ? 0 : andF->fontMetrics().horizontalAdvance(u' ');
-    agreeB->setFixedWidth(widthOf(*agreeB) + space); // without the margin that a style leaves behind the text
+    agreeB->setFixedWidth(widthOf(*agreeB) + space); // without the margin that styles add after the text
     auto *links = new QHBoxLayout;
     links->setSpacing(space);
     for (QWidget *part : std::initializer_list<QWidget *>{termsB, andF, privacyB})
@@ -210,7 +210,7 @@ void CnLoginWindow::apply(const CnLoginView &view) {
     passGroup->setVisible(view.password.visible);
     sendB->setText(view.sendText);
     if (focusWidget() == sendB && !view.sendEnabled)
-        codeF->setFocus(); // where the code is typed, not wherever Qt moves on to
+        codeF->setFocus(); // the code is typed there; Qt would choose another field
     sendB->setEnabled(view.sendEnabled);
     for (QWidget *part : std::initializer_list<QWidget *>{agreeB, termsB, andF, privacyB})
         part->setVisible(view.agreeVisible);
@@ -301,7 +301,7 @@ void CnLoginPanel::close() {
     if (!window)
         return;
     window->hide();
-    window.release()->deleteLater(); // it may be the one that says it
+    window.release()->deleteLater(); // the window may be the caller
 }
 
 } // namespace korvel

@@ -21,14 +21,14 @@ class ScrollingText;
 class SegmentedControl;
 class TextButton;
 
-/// The mainland sign-in window: maps a CnLoginView. Return submits, Escape closes.
+/// The mainland sign-in window: displays a CnLoginView. Return submits, Escape closes.
 class CnLoginWindow final : public EscWindow {
 public:
     explicit CnLoginWindow(std::function<void(const LoginInput &)> input);
 
     void apply(const CnLoginView &view);
     void focus(LoginField field);
-    /// Shows the window in front, with the keyboard.
+    /// Shows the window in front, with the focus.
     void bringUp(OpenedBy by);
 
 protected:
@@ -59,7 +59,7 @@ private:
     KeyFilter keys;
 };
 
-/// The window as a port: made when it is shown, gone when it is closed.
+/// The window as a port: created when shown, destroyed when closed.
 class CnLoginPanel final : public LoginPanel {
 public:
     ~CnLoginPanel() override;

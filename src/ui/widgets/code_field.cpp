@@ -26,7 +26,7 @@ bool PairCodeField::isComplete() const { return codeDigits(text()).size() == 6; 
 
 void PairCodeField::controlTextDidChange() {
     const CodeText formatted = formatCode({text(), cursorPosition()});
-    // Written back only when it differs: setting a text moves the caret.
+    // Only when it differs: setting a text moves the caret.
     if (formatted.text != text()) {
         setText(formatted.text);
         setCursorPosition(static_cast<int>(formatted.caret));
@@ -36,7 +36,7 @@ void PairCodeField::controlTextDidChange() {
 }
 
 void PairCodeField::keyPressEvent(QKeyEvent *event) {
-    // The blank between the groups is not the person's: deleting across it deletes a digit.
+    // The space between the groups is not part of the code: deleting across it deletes a digit.
     if (!hasSelectedText()) {
         const int caret = cursorPosition();
         if (event->key() == Qt::Key_Backspace && caret > 0 && text().at(caret - 1) == u' ')
@@ -47,8 +47,8 @@ void PairCodeField::keyPressEvent(QKeyEvent *event) {
     QLineEdit::keyPressEvent(event);
 }
 
-/// A code is centred. The placeholder stands where a whole code does, and the caret before its first digit: a line edit
-/// would put it in the middle, and leave the placeholder of a centred text out while it has the focus.
+/// Centres the code. An empty field is aligned left with a margin: a centred QLineEdit puts the caret in the middle and
+/// hides the placeholder while it has the focus.
 void PairCodeField::placeText() {
     const bool empty = text().isEmpty();
     setAlignment(empty ? Qt::AlignLeft | Qt::AlignVCenter : Qt::AlignCenter);

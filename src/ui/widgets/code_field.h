@@ -5,12 +5,12 @@
 
 namespace korvel {
 
-/// A field for a six-digit code: takes digits of any script, typed, pasted or from an input method, shows them in two
-/// groups and leaves the caret where the person has it.
+/// A field for a six-digit code. Accepts digits of any script, typed, pasted or from an input method. Shows them in two
+/// groups and keeps the caret in place.
 class PairCodeField : public QLineEdit {
 public:
     explicit PairCodeField(QWidget *parent = nullptr);
-    /// Whether it holds a whole code.
+    /// Whether it contains a complete code.
     bool isComplete() const;
     /// Called after each change by the user.
     std::function<void()> onEdited;

@@ -9,9 +9,9 @@ namespace korvel {
 
 namespace {
 
-constexpr int DERIVED = 140; // styles make an edge of the window's colour, that much darker, in percent
+constexpr int DERIVED = 140; // percent: styles derive edges from the window colour, darker by this factor
 
-/// The option with a window's colour from which a style derives `edge`.
+/// Adjusts the window colour so that a style derives `edge` from it.
 template <class Option>
 Option withEdge(const Option &option, const QColor &edge) {
     Option own(option);
@@ -19,7 +19,7 @@ Option withEdge(const Option &option, const QColor &edge) {
     return own;
 }
 
-/// A point wide on every side: a pen is thinner on one side than on the other where a point has several pixels.
+/// One point wide on each side. A pen would be uneven where a point has several pixels.
 void drawFrame(const QRect &rect, const QColor &edge, QPainter &painter) {
     const QRegion frame = QRegion(rect) - rect.adjusted(1, 1, -1, -1);
     for (const QRect &side : frame)
@@ -69,7 +69,7 @@ void ContrastStyle::drawControl(ControlElement element, const QStyleOption *opti
 int ContrastStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
                              QStyleHintReturn *returnData) const {
     if (hint == SH_EtchDisabledText)
-        return 0; // on a dark menu the light copy of a text beside it blurs it
+        return 0; // on a dark menu, the etched copy blurs the text
     return QProxyStyle::styleHint(hint, option, widget, returnData);
 }
 

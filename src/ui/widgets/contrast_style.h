@@ -4,11 +4,11 @@
 
 namespace korvel {
 
-/// Another style, with edges and separators that can be told from what is around them in every look. Many styles derive
-/// them from the window's colour and leave them all but invisible on a dark one.
+/// A proxy style whose edges and separators have enough contrast in every appearance. Many styles derive them from the
+/// window colour, which makes them nearly invisible on dark windows.
 class ContrastStyle final : public QProxyStyle {
 public:
-    /// Over the style of the system, or of that name.
+    /// Wraps the platform's style, or the style named `base`.
     explicit ContrastStyle(const QString &base = {}) : QProxyStyle(base) {}
 
     void drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,

@@ -5,7 +5,7 @@
 namespace korvel {
 
 void EscWindow::keyPressEvent(QKeyEvent *event) {
-    // A key on the number pad carries a modifier of its own that no person holds.
+    // Keys on the number pad always carry the keypad modifier.
     const bool plain = (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
     if (event->key() != Qt::Key_Escape || !plain)
         return QWidget::keyPressEvent(event);

@@ -5,7 +5,7 @@
 
 namespace korvel {
 
-/// A window whose onEsc runs on Escape without a modifier; the key counts as handled also when onEsc is not set.
+/// A window that calls onEsc on Escape without modifiers. Escape is always consumed, also when onEsc is not set.
 class EscWindow : public QWidget {
 public:
     using QWidget::QWidget;

@@ -11,7 +11,7 @@ namespace korvel {
 
 namespace {
 
-const QColor ON_ANY_PANEL(0x3b, 0x82, 0xf6); // at least 3 to 1 on white and on near-black (WCAG 2.1, 1.4.11)
+const QColor ON_ANY_PANEL(0x3b, 0x82, 0xf6); // contrast of at least 3:1 on white and near-black (WCAG 2.1, 1.4.11)
 
 QPainterPath frame(double inset, double thickness) {
     const QRectF outer = QRectF(2, 2, 14, 14).adjusted(inset, inset, -inset, -inset);
@@ -29,7 +29,7 @@ QPainterPath centre() {
 }
 
 QPainterPath panelShape(const IconView &view) {
-    // A running agent that is not connected shows the frame alone: panels have no disabled look.
+    // A running agent without a connection shows only the frame: panels have no disabled appearance.
     return view.on && view.dimmed ? frame(0, 2.75) : iconShape(view.on);
 }
 
@@ -46,7 +46,7 @@ QImage picture(const QPainterPath &shape, int size, const QColor &colour, QPaint
 } // namespace
 
 QPainterPath iconShape(bool on) {
-    // Active: a frame 2.75 thick. Inactive: an outline 1.5 wide whose middle lies 0.75 inside the square.
+    // Active: a frame 2.75 thick. Inactive: an outline 1.5 wide, its centre line 0.75 inside the square.
     QPainterPath shape = on ? frame(0, 2.75) : frame(0, 1.5);
     shape.addPath(centre());
     return shape;
@@ -64,7 +64,7 @@ QByteArray templatePng(bool on, int scale) {
 QIcon panelIcon(const IconView &view) {
     QIcon icon;
     const QPainterPath shape = panelShape(view);
-    // Without antialiasing: every edge is straight, and falls on whole pixels then.
+    // No antialiasing is needed: all edges are straight and fall on whole pixels.
     for (const int size : {16, 18, 22, 24, 32, 36, 44, 48, 54, 64})
         icon.addPixmap(QPixmap::fromImage(picture(shape, size, ON_ANY_PANEL, {})));
     return icon;

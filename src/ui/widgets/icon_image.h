@@ -14,11 +14,11 @@ QPainterPath iconShape(bool on);
 /// Side length of the menu-bar icon, in points.
 constexpr double TEMPLATE_POINTS = 18;
 
-/// The menu-bar icon in black on nothing, for a menu bar that gives it its colour: PNG at `scale` pixels a point.
+/// The menu-bar icon in black on transparent, for a menu bar that recolours it: PNG at `scale` pixels per point.
 QByteArray templatePng(bool on, int scale);
 
-/// The icon for panels that show pictures as they are: in a colour that stands out on light and dark ones, the dimmed
-/// look told by a missing centre. Drawn at every size that panels ask for.
+/// The icon for panels that do not recolour it: visible on light and dark, without its centre when dimmed. Contains all
+/// sizes that panels request.
 QIcon panelIcon(const IconView &view);
 
 } // namespace korvel

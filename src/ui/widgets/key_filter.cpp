@@ -10,7 +10,7 @@ namespace korvel {
 
 namespace {
 
-/// Whether a key can answer a window whose focus is there, rather than write or move.
+/// Whether a key activates or closes the window, rather than editing or navigating.
 bool answers(const QKeyEvent &event, const QWidget *focus) {
     switch (event.key()) {
     case Qt::Key_Return:
@@ -30,7 +30,7 @@ bool answers(const QKeyEvent &event, const QWidget *focus) {
 KeyFilter::KeyFilter(QWidget &w) : window(w), guard(keysDown) { w.installEventFilter(this); }
 
 void KeyFilter::comesUp(OpenedBy by) {
-    if (by == OpenedBy::Itself && !window.isActiveWindow()) // else its user is looking at it
+    if (by == OpenedBy::Itself && !window.isActiveWindow()) // an active window is already in view
         guard.close(Clock::now());
     if (by == OpenedBy::User && !window.isVisible())
         guard.open();
@@ -39,15 +39,15 @@ void KeyFilter::comesUp(OpenedBy by) {
 bool KeyFilter::eventFilter(QObject *watched, QEvent *event) {
     switch (event->type()) {
     case QEvent::Show:
-        // What the system sends arrives at the native window, ahead of every widget in it.
+        // System key events reach the native window first, before any widget.
         if (window.windowHandle())
-            window.windowHandle()->installEventFilter(this); // again does no harm
+            window.windowHandle()->installEventFilter(this); // installing it twice is harmless
         break;
     case QEvent::WindowActivate:
         if (watched == &window)
             guard.entered();
         break;
-    case QEvent::ShortcutOverride: // a shortcut goes past the native window
+    case QEvent::ShortcutOverride: // shortcuts bypass the native window
         if (guard.takes(pressOf(static_cast<QKeyEvent &>(*event)), Clock::now()))
             break;
         event->accept();

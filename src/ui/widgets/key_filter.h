@@ -10,11 +10,11 @@ class QWidget;
 
 namespace korvel {
 
-/// Keeps the keys from a window that its guard does not let through.
+/// Discards key events that the window's KeyGuard rejects.
 class KeyFilter final : public QObject {
 public:
     explicit KeyFilter(QWidget &window);
-    /// To be called before the window comes to the front.
+    /// Call before the window comes to the front.
     void comesUp(OpenedBy by);
 
 protected:

@@ -6,7 +6,7 @@ namespace korvel {
 
 namespace {
 constexpr milliseconds FIRST_LOOK = 1s;
-constexpr milliseconds END_OF_TYPING = 700ms; // longer than people who type pause between two keys
+constexpr milliseconds END_OF_TYPING = 700ms; // longer than a typist's pause between two keys
 } // namespace
 
 void KeyGuard::close(Instant now) {
@@ -20,7 +20,7 @@ bool KeyGuard::takes(const KeyPress &key, Instant now) const {
 
 bool KeyGuard::press(const KeyPress &key, Instant now) {
     if (!held.isEmpty()) {
-        // A key that was released while another window had the keyboard is not reported to this one.
+        // Key releases in other windows are not reported here.
         const bool wasHeld = held.contains(key.code);
         held &= keysDown();
         if (wasHeld)

@@ -7,36 +7,36 @@
 
 namespace korvel {
 
-/// Physical keys, by the number that the system has for each.
+/// Physical keys by scan code.
 using KeyCodes = QSet<quint32>;
 
-/// A key that goes down, as the guard sees it.
+/// A key press.
 struct KeyPress {
-    quint32 code = 0;     ///< Of the physical key.
-    bool repeats = false; ///< It was down already; the system repeats it.
-    bool answers = false; ///< Closes the window or presses what has the focus.
+    quint32 code = 0;     ///< Scan code.
+    bool repeats = false; ///< Auto-repeat of a held key.
+    bool answers = false; ///< Closes the window or presses the focused control.
 };
 
-/// Decides which keys a window takes, so that nobody answers what he has not seen. A window that came up by itself
-/// takes none in its first second, while somebody goes on typing, and until every key that was down has been released.
-/// In any window a key that is held answers nothing.
+/// Decides which keys a window accepts, so that no user answers an alert unread. A window that opens automatically
+/// rejects keys in its first second, while the user keeps typing, and until all held keys are released. In any window,
+/// a held key does not answer.
 class KeyGuard {
 public:
-    /// `keysDown` gives the keys that are down now; none where the system does not tell.
+    /// `keysDown` returns the keys that are currently down; empty if the system does not report them.
     explicit KeyGuard(std::function<KeyCodes()> keysDown) : keysDown(std::move(keysDown)) {}
 
-    /// The window comes up by itself.
+    /// The window opens automatically.
     void close(Instant now);
     /// The user opens the window.
     void open() {
         untouched = false;
         held.clear();
     }
-    /// The window got the keyboard.
+    /// The window received the focus.
     void entered() { held = keysDown(); }
-    /// Whether the window would take a key that goes down.
+    /// Whether the window accepts this key press.
     bool takes(const KeyPress &key, Instant now) const;
-    /// The same, of one that does go down.
+    /// As takes(), and records the key press.
     bool press(const KeyPress &key, Instant now);
     void release(quint32 code) { held.remove(code); }
 
@@ -45,8 +45,8 @@ private:
 
     std::function<KeyCodes()> keysDown;
     Instant closedUntil = DISTANT_PAST;
-    bool untouched = false; ///< It came up by itself and took no key yet.
-    KeyCodes held;          ///< Were down before the window took keys.
+    bool untouched = false; ///< Opened automatically and has accepted no key yet.
+    KeyCodes held;          ///< Keys that were down before the window accepted keys.
 };
 
 } // namespace korvel

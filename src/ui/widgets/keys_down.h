@@ -4,8 +4,8 @@
 
 namespace korvel {
 
-/// The keys that are down, by their QKeyEvent::nativeScanCode(). None where the system marks every repeated key itself,
-/// and so nobody has to know.
+/// The keys that are down, as QKeyEvent::nativeScanCode(). Empty where the system marks key repetition reliably, so
+/// that this is not needed.
 KeyCodes keysDown();
 
 } // namespace korvel

@@ -7,7 +7,7 @@
 namespace korvel {
 
 namespace {
-constexpr int MARGIN = 2; // above and below; at its sides it ends where its text does
+constexpr int MARGIN = 2; // above and below; there is no margin at the sides
 }
 
 LinkButton::LinkButton(const QString &text, QWidget *parent) : QPushButton(text, parent) {

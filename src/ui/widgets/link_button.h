@@ -4,7 +4,7 @@
 
 namespace korvel {
 
-/// A button that looks like a link: the system's link colour at 12 points, underlined under the pointer or the focus.
+/// A button that looks like a link: the system's link colour at 12 points, underlined on hover and focus.
 class LinkButton final : public QPushButton {
 public:
     explicit LinkButton(const QString &text, QWidget *parent = nullptr);

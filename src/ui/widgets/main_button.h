@@ -4,7 +4,7 @@
 
 namespace korvel {
 
-/// The one button that a window is for, in a strong colour whatever the style makes of default buttons.
+/// The primary button of a window, in a strong colour independent of the style.
 class MainButton final : public QPushButton {
 public:
     explicit MainButton(QWidget *parent = nullptr);

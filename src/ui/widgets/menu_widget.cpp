@@ -10,13 +10,13 @@ namespace korvel {
 
 namespace {
 
-/// Whether one QAction can go on to show `b` where it showed `a`.
+/// Whether the QAction of `a` can be reused for `b`.
 bool sameKind(const MenuEntry &a, const MenuEntry &b) {
     return a.isSeparator() == b.isSeparator() && a.action == b.action && a.payload == b.payload;
 }
 
-/// Information lines are disabled entries, and the first of them is what people open the menu for: their text has to
-/// stand out from the background (at least 4.5 to 1), only less so than an entry that can be chosen.
+/// Information lines are disabled entries, and the first one is the main information. Their text needs a contrast of at
+/// least 4.5:1, but less than enabled entries.
 QPalette readablePalette(QPalette palette) {
     const QColor text = palette.color(QPalette::Active, QPalette::WindowText);
     const QColor ground = palette.color(QPalette::Active, QPalette::Window);
@@ -34,7 +34,7 @@ QString actionText(const QString &title, MenuHost host) {
     QString text = keepOrder(title);
     if (host == MenuHost::Program)
         return text.replace(u'&', QStringLiteral("&&"));
-    // Qt turns the first "&" of an exported title into the mnemonic mark "_" and leaves the others alone.
+    // Qt converts only the first "&" of an exported title to the mnemonic mark "_".
     text.replace(u'_', QStringLiteral("__"));
     if (const qsizetype first = text.indexOf(u'&'); first >= 0)
         text.insert(first, u'&');
@@ -42,7 +42,7 @@ QString actionText(const QString &title, MenuHost host) {
 }
 
 QString fittedTitle(const MenuEntry &entry, const QFontMetrics &metrics) {
-    // To measure a text costs more than all else of an entry, and a longer one does not fit anyway.
+    // Measuring is the most expensive step, and longer texts do not fit.
     constexpr qsizetype MAX_MEASURED = 320;
     const QString whole = entry.title + entry.detail;
     if (whole.size() <= MAX_MEASURED && metrics.horizontalAdvance(whole) <= MAX_ENTRY_WIDTH)
@@ -68,7 +68,7 @@ void MenuWidget::apply(const MenuView &view) {
     qsizetype tail = 0;
     while (tail < common - head && sameKind(from[from.size() - 1 - tail], to[to.size() - 1 - tail]))
         ++tail;
-    // Only what lies between the common head and tail comes or goes.
+    // Replaces only the actions between the common head and tail.
     for (qsizetype i = head; i < from.size() - tail; ++i)
         delete actions.at(i);
     QAction *const next = tail > 0 ? actions.at(from.size() - tail) : nullptr;
@@ -93,7 +93,7 @@ QAction *MenuWidget::makeAction(const MenuEntry &entry) {
     write(*action, entry);
     if (entry.action != Action::None)
         QObject::connect(action, &QAction::triggered, action, [this, action] {
-            // Later: what follows may change the menu and delete this very action.
+            // Deferred: the handler may change the menu and delete this action.
             const MenuEntry picked = shown.entries.value(actions.indexOf(action));
             QMetaObject::invokeMethod(
                 &qmenu, [this, picked] { chosen(picked); }, Qt::QueuedConnection);
@@ -105,12 +105,12 @@ void MenuWidget::write(QAction &action, const MenuEntry &entry) {
     const QString title = fittedTitle(entry, qmenu.fontMetrics());
     const QString cutOff = title.startsWith(entry.title) ? QString() : entry.title;
     const QString separator = cutOff.isEmpty() || entry.toolTip.isEmpty() ? QString() : QStringLiteral(" · ");
-    // QAction itself tells the panel of a property only when it changes.
+    // QAction notifies the panel only of properties that change.
     action.setSeparator(entry.isSeparator());
     action.setText(actionText(title, host));
     action.setEnabled(entry.enabled || entry.isSeparator());
     action.setToolTip(plainToolTip(cutOff + separator + entry.toolTip));
-    // On macOS Qt would move entries named "Quit" or "Settings" into the application menu.
+    // Otherwise Qt moves entries named "Quit" or "Settings" to the application menu on macOS.
     action.setMenuRole(QAction::NoRole);
 }
 

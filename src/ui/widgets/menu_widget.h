@@ -9,23 +9,22 @@
 
 namespace korvel {
 
-/// Who shows the menu, which decides how a title has to be written to appear as it is.
+/// The component that draws the menu. It determines how titles are escaped.
 enum class MenuHost {
-    Program, ///< The menu is popped up by this program.
-    Panel,   ///< The menu is exported over D-Bus, where "_" marks a mnemonic.
+    Program, ///< This program shows the menu as a popup.
+    Panel,   ///< A panel shows the menu exported over D-Bus, where "_" marks a mnemonic.
 };
 
-/// A plain title as the text of a QAction that `host` shows.
+/// A plain title, escaped for a QAction that `host` draws.
 QString actionText(const QString &title, MenuHost host);
 
-/// How wide the text of an entry is at most, in points.
+/// Maximum width of an entry's text, in points.
 constexpr int MAX_ENTRY_WIDTH = 640;
 
-/// The title of an entry as it is drawn: with its detail where both fit, shortened in the middle where it alone does
-/// not.
+/// The title as drawn: with its detail if both fit, else elided in the middle if it does not fit alone.
 QString fittedTitle(const MenuEntry &entry, const QFontMetrics &metrics);
 
-/// Maps a MenuView to a QMenu. Keeps its actions and changes only what differs, because each change is a message to the
+/// Displays a MenuView in a QMenu. Keeps its actions and updates only differences: each change is a message to the
 /// panel, and a rebuilt menu flickers while it is open.
 class MenuWidget {
 public:
@@ -42,7 +41,7 @@ private:
     const MenuHost host;
     Chosen chosen;
     QMenu qmenu;
-    QList<QAction *> actions; ///< One for each entry shown, in their order.
+    QList<QAction *> actions; ///< One per entry, in the same order.
     MenuView shown;
 };
 

@@ -39,7 +39,7 @@ public:
         setAttribute(Qt::WA_QuitOnClose, false);
         setFocusPolicy(Qt::NoFocus);
         setPalette(noticePalette());
-        setWindowTitle(view.text); // never seen, but window lists and screen readers know it
+        setWindowTitle(view.text); // not visible, but used by window lists and screen readers
         auto *label = new ToneLabel(uiFont(13, QFont::DemiBold), Tone::Normal, this);
         label->setWordWrap(true);
         label->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
@@ -68,7 +68,7 @@ private:
     const bool error;
 };
 
-/// A notice as a screen reader is told of it: a notification with its text and nothing in it, so that it is read once.
+/// A notice for screen readers: a notification without children, so that its text is read once.
 class NoticeWindow::Announcement final : public QAccessibleWidget {
 public:
     explicit Announcement(HUDView &notice) : QAccessibleWidget(&notice, QAccessible::Notification) {}
@@ -87,7 +87,7 @@ NoticeWindow::~NoticeWindow() = default;
 
 void NoticeWindow::show(const NoticeView &view, std::function<void()> clicked) {
     hide();
-    // Each a window of its own: a screen reader that asks late must not read the next text for this one.
+    // A new window for each: a screen reader may query late and must not get the text of the next notice.
     hudPanel = std::make_unique<HUDView>(view, std::move(clicked));
     showNotice(*hudPanel);
 }
@@ -96,7 +96,7 @@ void NoticeWindow::hide() {
     if (!hudPanel)
         return;
     hudPanel->hide();
-    hudPanel.release()->deleteLater(); // a click in it may be what hides it
+    hudPanel.release()->deleteLater(); // a click in the window may be the caller
 }
 
 } // namespace korvel

@@ -18,7 +18,7 @@ public:
 private:
     class HUDView;
     class Announcement;
-    std::unique_ptr<HUDView> hudPanel; ///< The notice shown now.
+    std::unique_ptr<HUDView> hudPanel; ///< The current notice.
 };
 
 } // namespace korvel

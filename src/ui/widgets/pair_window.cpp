@@ -59,7 +59,7 @@ void PairWindow::apply(const PairView &view) {
     pairCodeF->setText(view.code);
     pairCodeF->setTone(view.codeMuted ? Tone::Tertiary : Tone::Normal);
     pairCodeF->setAccessibleName(view.codeName);
-    // A code can be reached with Tab, to be copied without a mouse; a placeholder is no stop.
+    // A code can be focused with Tab and copied with the keyboard; a placeholder cannot.
     pairCodeF->setFocusPolicy(view.codeName.isEmpty() ? Qt::NoFocus : Qt::StrongFocus);
     pairLineF->setTextOrHide(view.line);
     pairHintF->setTextOrHide(view.hint);

@@ -11,7 +11,7 @@
 
 namespace korvel {
 
-/// The pairing window: maps a PairView. Escape does nothing here; Return presses the main button.
+/// The pairing window: displays a PairView. Escape does nothing; Return presses the main button.
 class PairWindow final : public QWidget {
 public:
     explicit PairWindow(const PairPanel::Events &events);
@@ -33,7 +33,7 @@ private:
     KeyFilter keys;
 };
 
-/// The window as a port: made when it is first shown.
+/// The window as a port: created when first shown.
 class PairWindowPanel final : public PairPanel {
 public:
     void connect(Events events) override;

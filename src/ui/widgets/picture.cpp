@@ -14,8 +14,7 @@ namespace {
 
 char program[] = "korvel-tray", option[] = "-platform";
 
-/// Qt's name of a platform whose one screen has that size in pixels; that of its default screen when `file` cannot be
-/// written.
+/// Qt's platform name for one screen of this size in pixels; the platform's default screen if `file` cannot be written.
 QByteArray platformWith(QSize pixels, QTemporaryFile &file) {
     const QJsonObject screen{{QStringLiteral("name"), QStringLiteral("picture")},
                              {QStringLiteral("width"), pixels.width()},
@@ -32,9 +31,9 @@ QByteArray prepared(int scale, QSize screen, QTemporaryFile &file) {
     for (const char *name : {"QT_SCREEN_SCALE_FACTORS", "QT_FONT_DPI", "QT_STYLE_OVERRIDE", "QT_QPA_PLATFORMTHEME"})
         qunsetenv(name);
     qputenv("QT_SCALE_FACTOR", QByteArray::number(scale));
-    // A platform without a display complains of all that only a display can do.
+    // The offscreen platform warns about every feature that it lacks.
     QLoggingCategory::setFilterRules(QStringLiteral("default.warning=false\nqt.qpa.*=false"));
-    // Proves that macOS's own platform can be loaded, which a look at a package does.
+    // Keeps macOS's own platform, so that a package check proves that it loads.
     const QByteArray cocoa("cocoa");
     return qgetenv("QT_QPA_PLATFORM") == cocoa ? cocoa : platformWith(screen * scale, file);
 }

@@ -9,29 +9,28 @@ class QWidget;
 
 namespace korvel {
 
-/// An application that needs no display, unless QT_QPA_PLATFORM is "cocoa". It has one screen of that size in points
-/// and draws `scale` pixels a point, whatever the environment says of scales and styles, and without a blinking caret:
-/// the same windows give the same pictures.
+/// An application without a display, unless QT_QPA_PLATFORM is "cocoa". Its one screen has a size in points and `scale`
+/// pixels per point. It ignores scale and style settings of the environment, and carets do not blink, so pictures are
+/// reproducible.
 class PictureApplication {
 public:
     explicit PictureApplication(int scale = 2, QSize screen = {1280, 800});
 
 private:
-    QTemporaryFile screens; ///< Tells Qt's platform without a display which screens there are.
+    QTemporaryFile screens; ///< Screen configuration of Qt's offscreen platform.
     QByteArray platform;
     char *arguments[4];
     int count = 3;
     QApplication app;
 };
 
-/// Lets windows that were just shown come to rest: layouts, then the focus of an activated one, take turns of the event
-/// loop.
+/// Completes layout and focus changes of windows just shown, which take several event loop turns.
 void settleWindows();
 
-/// The window as it looks on the screen, which it has to be on.
+/// The image of a visible window.
 QImage pictureOf(QWidget &window);
 
-/// Writes a picture as a PNG; false when that failed.
+/// Writes a PNG file; false on failure.
 bool savePicture(const QImage &picture, const QString &file);
 
 } // namespace korvel

@@ -9,7 +9,7 @@ ScrollingText::ScrollingText(ToneLabel *l, int w, QWidget *parent) : QScrollArea
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setWidget(label);
-    // As the window behind it.
+    // Shows the window's background.
     viewport()->setAutoFillBackground(false);
     label->setAutoFillBackground(false);
     label->setWordWrap(true);
@@ -33,7 +33,7 @@ void ScrollingText::setRoom(int height) {
     label->setFixedSize(width - bar, label->heightForWidth(width - bar));
     setFixedHeight(std::min(height, fullHeight()));
     setVerticalScrollBarPolicy(scrolls ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
-    setFocusPolicy(scrolls ? Qt::StrongFocus : Qt::NoFocus); // to be scrolled with keys
+    setFocusPolicy(scrolls ? Qt::StrongFocus : Qt::NoFocus); // allows scrolling with keys
 }
 
 } // namespace korvel

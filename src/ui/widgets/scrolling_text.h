@@ -6,16 +6,16 @@
 
 namespace korvel {
 
-/// A text from outside in a window: as high as it needs, and scrolled where that is more than it may have.
+/// A text from outside: as high as needed, scrolling beyond a maximum height.
 class ScrollingText final : public QScrollArea {
 public:
     ScrollingText(ToneLabel *label, int width, QWidget *parent);
 
-    /// Shows `text`, and nothing at all when it is empty.
+    /// Shows `text`, or hides the widget if it is empty.
     void setTextOrHide(const QString &text);
-    /// The height of the whole text.
+    /// Height of the complete text.
     int fullHeight() const;
-    /// Gives the text that height, or as much of it as it needs.
+    /// Sets the maximum height.
     void setRoom(int height);
 
 private:

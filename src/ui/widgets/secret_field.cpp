@@ -17,13 +17,13 @@ bool isSecret(QObject *object) {
 QString dots(const QString &text) { return QString(text.size(), QChar(0x2022)); }
 
 void forward(QAccessibleEvent &event) {
-    // With no handler at all Qt tells the system.
+    // Without an installed handler, Qt notifies the system.
     const auto own = QAccessible::installUpdateHandler(nextHandler);
     QAccessible::updateAccessibility(&event);
     QAccessible::installUpdateHandler(own);
 }
 
-/// Tells how much was typed or removed and where, as a screen reader needs it, but not what.
+/// Reports how much text changed and where, as screen readers need it, but not its content.
 void withoutSecrets(QAccessibleEvent *event) {
     if (!isSecret(event->object()))
         return forward(*event);

@@ -4,8 +4,8 @@ class QLineEdit;
 
 namespace korvel {
 
-/// Hides what is typed into a field: on the screen, and in the notifications that assistive technology gets. Those of
-/// Qt's own password fields carry the password.
+/// Hides the content of a field on the screen and in accessibility notifications. Those of Qt's own password fields
+/// contain the password.
 void makeSecret(QLineEdit &field);
 
 } // namespace korvel

@@ -57,7 +57,7 @@ SegmentedControl::SegmentedControl(int count, QWidget *parent) : QWidget(parent)
         segment->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
         segment->setFocusPolicy(Qt::ClickFocus);
         connect(segment, &QAbstractButton::toggled, this, [this, index, segment](bool on) {
-            // One stop on the way with Tab; the arrow keys change the choice.
+            // One Tab stop; the arrow keys change the choice.
             segment->setFocusPolicy(on ? Qt::StrongFocus : Qt::ClickFocus);
             if (on && onChosen)
                 onChosen(index);
@@ -79,7 +79,7 @@ void SegmentedControl::setTitles(const QStringList &titles) {
 void SegmentedControl::setCurrent(int index) {
     if (index < 0 || index >= segments.size() || segments.at(index)->isChecked())
         return;
-    const auto told = std::exchange(onChosen, nullptr); // the program's choice, not the user's
+    const auto told = std::exchange(onChosen, nullptr); // set by the program, not by the user
     segments.at(index)->setChecked(true);
     onChosen = told;
 }

@@ -8,15 +8,15 @@ class QAbstractButton;
 
 namespace korvel {
 
-/// A row of choices of which one holds: mouse, arrow keys and assistive technology treat it as radio buttons.
+/// A row of exclusive choices. Mouse, arrow keys and assistive technology treat them as radio buttons.
 class SegmentedControl final : public QWidget {
 public:
     explicit SegmentedControl(int count, QWidget *parent = nullptr);
     void setTitles(const QStringList &titles);
     void setCurrent(int index);
-    /// Called with the number of the choice when the user made another one.
+    /// Called with the index of the choice when the user changes it.
     std::function<void(int)> onChosen;
-    /// Called when the user clicked a choice with the pointer, also the one that holds; after onChosen.
+    /// Called when the user clicks a choice, including the current one; after onChosen.
     std::function<void()> onClicked;
 
 protected:

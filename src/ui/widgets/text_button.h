@@ -4,13 +4,13 @@
 
 namespace korvel {
 
-/// A push button whose text has 16 points on either side at least; some styles leave a long one hardly any.
+/// A push button with a margin of at least 16 points beside its text; some styles leave long texts hardly any.
 class TextButton : public QPushButton {
 public:
     using QPushButton::QPushButton;
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
-    /// How wide the button is for a text.
+    /// Width of the button for a text.
     int widthFor(const QString &text) const;
 };
 

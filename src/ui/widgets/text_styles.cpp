@@ -32,7 +32,7 @@ double luminance(const QColor &colour) {
 
 constexpr double READABLE = 4.5;
 
-/// As a text layout takes it: it knows one line break only.
+/// QTextLayout only breaks at line separators.
 QString lines(const QString &text) { return keepOrder(text).replace(u'\n', QChar::LineSeparator); }
 
 } // namespace
@@ -71,7 +71,7 @@ void keepReadable(QWidget &window) {
                 apply(static_cast<QWidget &>(*watched));
             return false;
         }
-        static void apply(QWidget &w) { w.setPalette(readableColours(w.palette())); } // the same again changes nothing
+        static void apply(QWidget &w) { w.setPalette(readableColours(w.palette())); } // an equal one sends no event
     };
     Keeper::apply(window);
     window.installEventFilter(new Keeper(&window));
@@ -100,7 +100,7 @@ QColor toneColour(Tone tone, const QPalette &palette) {
         return mixed(text, ground, 0.64);
     case Tone::Link: {
         const QColor own = palette.color(QPalette::Active, QPalette::Link);
-        // Pure blue is Qt's default, where the system has no colour of its own.
+        // Pure blue is Qt's default if the system defines no link colour.
         if (own != Qt::blue && contrastRatio(own, ground) >= READABLE)
             return own;
         return ground.lightness() < 128 ? QColor(0x8c, 0xb4, 0xff) : QColor(0x12, 0x55, 0xc4);
@@ -133,7 +133,7 @@ void ToneLabel::setTextOrHide(const QString &text) {
 QRectF ToneLabel::layOut(QTextLayout &layout, int width) const {
     QTextOption option(alignment());
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-    option.setTextDirection(Qt::LeftToRight); // that of both languages, whatever script a text begins with
+    option.setTextDirection(Qt::LeftToRight); // both languages run left to right, whatever script a text starts with
     layout.setTextOption(option);
     QRectF used;
     layout.beginLayout();

@@ -4,7 +4,7 @@
 
 namespace korvel {
 
-/// `text` so that a Qt tool tip shows it as it is, also when it looks like markup.
+/// Escapes `text` so that a Qt tool tip shows it literally, even if it looks like markup.
 QString plainToolTip(const QString &text);
 
 } // namespace korvel

@@ -5,16 +5,16 @@ class QWidget;
 
 namespace korvel {
 
-/// How high a window stands among those of all applications.
+/// The stacking level of a window among all applications.
 enum class WindowLevel { Normal, Floating };
 
-/// Shows a window in front of the other applications' and gives it the keyboard.
+/// Shows a window in front of other applications and gives it the focus.
 void bringToFront(QWidget &window, WindowLevel level = WindowLevel::Normal);
 
-/// The screen where the user is: that of the window with the keyboard, else of the pointer; null where there is none.
+/// The user's current screen: of the window with the focus, else of the pointer; null if there is none.
 QScreen *screenInFront();
 
-/// Shows a notice above all windows and has a screen reader read its title; whoever has the keyboard keeps it.
+/// Shows a notice above all windows without taking the focus. Screen readers read its title.
 void showNotice(QWidget &notice);
 
 } // namespace korvel

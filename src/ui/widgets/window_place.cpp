@@ -16,9 +16,9 @@ namespace korvel {
 
 namespace {
 
-constexpr int TITLE_BAR = 40;  // hardly a system has a higher one; how high it is nobody knows before it shows
-constexpr int LEAST_ROOM = 48; // for a text that is scrolled
-constexpr int MIN_PANEL = 28;  // the height of a panel that is not known
+constexpr int TITLE_BAR = 40;  // generous: the actual height is unknown until the window shows
+constexpr int LEAST_ROOM = 48; // for a scrolling text
+constexpr int MIN_PANEL = 28;  // estimated height of an unknown panel
 constexpr int MAX_PANEL = 64;
 
 QRect roomOn(const QScreen *screen) {
@@ -31,7 +31,7 @@ QRect roomFor(const QWidget &window) {
     return window.isVisible() ? window.screen()->availableGeometry() : roomForWindows();
 }
 
-/// The texts that can be scrolled, of those that the window shows.
+/// The visible scrolling texts of the window.
 QList<ScrollingText *> scrollingTexts(const QWidget &window) {
     QList<ScrollingText *> texts;
     for (QScrollArea *area : window.findChildren<QScrollArea *>())
@@ -44,17 +44,17 @@ int neededHeight(QWidget &window, int width) {
     QLayout &layout = *window.layout();
     for (QWidget *part : window.findChildren<QWidget *>())
         if (part->layout())
-            part->updateGeometry(); // by itself it would tell only later that a text in it has changed
+            part->updateGeometry(); // otherwise a changed text inside it is reported too late
     layout.activate();
     return layout.hasHeightForWidth() ? layout.heightForWidth(width) : layout.sizeHint().height();
 }
 
-/// Centres a window that is about to show. On Linux the window manager makes its frame only then: it is taken to be
-/// that of the last window, and the window centred again if it is another.
+/// Centres a window that is about to show. On Linux, the window manager adds the frame only then: assumes the frame of
+/// the last window, and centres again if it differs.
 class Centring final : public QObject {
 public:
     Centring(QWidget &w, const QRect &r) : QObject(&w), window(w), room(r) {
-        window.winId(); // macOS makes the frame with the window
+        window.winId(); // creates the native window; on macOS this includes the frame
         if (const QMargins known = window.windowHandle()->frameMargins(); !known.isNull())
             frame = known;
         place();
@@ -78,7 +78,7 @@ private:
         QRect area(QPoint(), window.size().grownBy(frame));
         area.moveCenter(room.center());
         const QPoint corner(std::max(area.left(), room.left()), std::max(area.top(), room.top()));
-        // Not move(), which goes by the frame that the window has already.
+        // Not move(), which includes the current frame.
         window.setGeometry(QRect(corner + QPoint(frame.left(), frame.top()), window.size()));
     }
 
@@ -98,8 +98,8 @@ void centreOnScreen(QWidget &window) { new Centring(window, roomForWindows()); }
 QPoint menuPlace(QPoint pointer, QSize menu, const QRect &screen, const QRect &room) {
     QRect free = room;
     if (free.contains(pointer)) {
-        // The panel leaves its room to windows too, or the system does not tell which it takes: an icon lies in the
-        // middle of its panel, which lies along the edge that is nearest.
+        // The panel's area counts as room for windows, or is not reported. Assumes that the icon is in the middle of
+        // its panel, along the nearest screen edge.
         const int left = pointer.x() - screen.left(), top = pointer.y() - screen.top();
         const int right = screen.right() - pointer.x(), bottom = screen.bottom() - pointer.y();
         const int nearest = std::min({left, top, right, bottom});

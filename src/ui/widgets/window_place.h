@@ -8,21 +8,21 @@ class QWidget;
 
 namespace korvel {
 
-/// The room for windows on the screen that the pointer is on.
+/// The usable area of the screen with the pointer.
 QRect roomForWindows();
-/// The same on the screen where the user is.
+/// The usable area of the user's current screen.
 QRect roomInFront();
 
-/// Puts a window that is about to show in the middle of the room for windows, with its frame, and never over the upper
-/// or left edge.
+/// Centres a window that is about to show, including its frame, in the usable area. It never extends beyond the left or
+/// top edge.
 void centreOnScreen(QWidget &window);
 
-/// Where a menu opens that the user asked for with a click at `pointer` on a panel: beside the panel, not over it.
-/// `room` is the part of `screen` that panels leave to windows.
+/// Position of a menu opened by a click at `pointer` on a panel: next to the panel, not over it. `room` is the area of
+/// `screen` without panels.
 QPoint menuPlace(QPoint pointer, QSize menu, const QRect &screen, const QRect &room);
 
-/// Fixes the window's size: `width` points wide, as high as what it shows needs. Where the screen has no room for that,
-/// the longest text from outside is scrolled; a window that is shown stays on the screen.
+/// Fixes the window's size: `width` points wide, as high as its content. If the screen is too small, the longest text
+/// from outside scrolls. A visible window is kept on the screen.
 void fitHeight(QWidget &window, int width);
 
 } // namespace korvel
