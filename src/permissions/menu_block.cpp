@@ -10,7 +10,7 @@ namespace korvel {
 
 namespace {
 
-/// One line: mark, name, state, use; and what breaks without the permission where there is room, and as a tool tip.
+/// One line with mark, name, state and use. The effect of a missing permission is the detail and the tool tip.
 MenuEntry permissionItem(const QJsonObject &item) {
     const QString separator = QStringLiteral(" · ");
     const auto textOf = [&item](QStringView key) { return singleLine(item.value(key).toString()); };

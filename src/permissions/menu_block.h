@@ -5,7 +5,8 @@
 
 namespace korvel {
 
-/// The permission block of the menu: heading, one entry a permission, the request; empty when there is nothing to show.
+/// The permission block of the menu: a heading, an entry for each permission and the entry that requests them. Empty if
+/// there is nothing to show.
 QList<MenuEntry> permMenuItems(const Situation &situation);
 
 } // namespace korvel

@@ -5,11 +5,11 @@
 
 namespace korvel {
 
-/// Before the system's own prompts come up.
+/// Shown before the system's own prompts appear.
 Notice promptsComingNotice();
-/// The prompts are through, and this is what the agent holds now.
+/// Shown after the prompts: the permissions that the agent has.
 Notice permissionVerdictNotice(const PermissionState &permissions);
-/// The prompts are through, and the agent does not say what it holds.
+/// Shown after the prompts if the agent does not report its permissions.
 Notice permissionsRequestedNotice();
 Notice permissionsNotRequestedNotice();
 

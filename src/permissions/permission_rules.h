@@ -9,31 +9,31 @@
 
 namespace korvel {
 
-/// Whether the agent says that permissions are missing, and which.
+/// Whether the agent reports missing permissions and names them.
 bool permissionsMissing(const PermissionState &permissions);
 
-/// The part of a reply, or of the summary in a health response, that the tray reads, within bounds.
+/// The fields that the tray reads of a reply, or of the summary in a health response, with bounded sizes.
 QJsonObject boundedPerms(const QJsonObject &reply);
 
-/// Takes over whether permissions are missing, and which; what `perms` does not say is not known.
+/// Applies the summary: whether permissions are missing, and which. Fields absent from `perms` become unknown.
 void applyPermSummary(PermissionState &permissions, const QJsonObject &perms);
 
-/// Whether a reply of the agent lists its permissions. An older agent's reply may not.
+/// Whether an agent's reply lists its permissions. Older agents may omit the list.
 bool holdsPermItems(const QJsonObject &reply);
 
-/// Takes over what a reply lists; one without a list changes nothing, so that the last good list stays.
+/// Applies a reply. A reply without a list changes nothing, so that the last good list stays.
 void applyPermReply(PermissionState &permissions, const QJsonObject &reply);
 
-/// Whether the state of a permission item cannot be told.
+/// Whether the state of a permission item is unknown.
 bool permUnknown(const QJsonObject &item);
 
-/// A permission's state word as the user reads it.
+/// Display text of a permission's state word.
 QString permStateText(const QString &state);
 
-/// Whether the agent says for certain that a permission is missing.
+/// Whether a permission is known to be missing.
 bool permLacks(const QJsonObject &item);
 
-/// The address of a permission's settings, when it is one that may be opened: the system's settings, or a web page.
+/// The address of a permission's settings; none unless it is a pane of the system's settings or a web page.
 std::optional<QString> settingsAddress(const QJsonValue &pane);
 
 /// Heading of the menu's permission block with `count` missing permissions.

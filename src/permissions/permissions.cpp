@@ -12,7 +12,7 @@ namespace {
 
 const AgentRequest STATUS{.path = u"/perms"_s, .timeout = 20s, .keep = boundedPerms, .repeats = true};
 const AgentRequest PROMPTS{
-    .method = "POST", .path = u"/perms/request"_s, .timeout = 150s, .keep = boundedPerms}; // a person answers
+    .method = "POST", .path = u"/perms/request"_s, .timeout = 150s, .keep = boundedPerms}; // waits for the user
 
 } // namespace
 

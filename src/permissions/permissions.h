@@ -12,17 +12,17 @@
 
 namespace korvel {
 
-/// Follows which macOS permissions the agent holds, has it ask for the missing ones, and opens their settings.
+/// Tracks the agent's macOS permissions, makes the agent request the missing ones, and opens their settings.
 class Permissions {
 public:
     Permissions(PermissionState &permissions, const HealthState &health, AgentApi &api, Desktop &desktop,
                 const Scheduler &scheduler, Notices &notices, Renderer &renderer);
 
-    /// Asks the agent for its permissions, then calls `then`; at once while such a question is under way.
+    /// Fetches the agent's permissions, then calls `then`. Calls `then` at once if a fetch is already in flight.
     void fetchPerms(std::function<void()> then = {});
-    /// Has the agent bring up the system's prompts; it answers when the user is through with them.
+    /// Makes the agent show the system's prompts. The agent responds once the user has answered them.
     void askPerms();
-    /// Opens the settings pane of a permission; does nothing with an address that is not one of settings.
+    /// Opens the settings pane of a permission. Ignores any other address.
     void openPermPane(const QJsonValue &pane) const;
 
 private:

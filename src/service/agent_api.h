@@ -10,42 +10,42 @@
 
 namespace korvel {
 
-/// The part of a response that is worth keeping, within bounds.
+/// Reduces a response to the fields that the tray reads, with bounded sizes.
 using Keep = QJsonObject (*)(const QJsonObject &response);
 
 /// One request to the agent's loopback interface.
 struct AgentRequest {
     QByteArray method = "GET";
-    QString path; ///< Beginning with "/".
+    QString path; ///< Starts with "/".
     std::optional<QJsonObject> body = {};
     std::chrono::milliseconds timeout{0};
-    Keep keep = nullptr;  ///< What is kept of the response; none: the whole.
-    bool repeats = false; ///< Asked for ever: an answer that is the last one again is not parsed again.
+    Keep keep = nullptr;  ///< Applied to the response; null: keeps all of it.
+    bool repeats = false; ///< Sent periodically: an unchanged body is not parsed again.
 };
 
-/// The request as it leaves: the token header when there is a token, a body in compact JSON.
+/// Builds the HTTP request, with a compact JSON body, and with the token header if there is a token.
 HttpRequest buildAgentRequest(const QString &agentLocal, const QString &localToken, const AgentRequest &request);
 
-/// The JSON object that a response holds, whatever its HTTP status, as far as it is kept.
+/// Parses the JSON object in a response, whatever its HTTP status, and applies `keep`.
 Result<QJsonObject> parseAgentReply(const HttpReply &reply, Keep keep = nullptr);
 
 /// Whether the agent did what a request asks for.
 bool agentOk(const Result<QJsonObject> &reply);
 
-/// The one way in which the tray talks to the agent's loopback interface.
+/// Client of the agent's loopback interface. All of the tray's requests to the agent go through it.
 class AgentApi {
 public:
     AgentApi(HttpClient &h, const FixedConfig &f, const AgentConfig &c) : http(h), fixed(f), config(c) {}
 
-    /// Whether the configuration file holds a token at this moment.
+    /// Whether the configuration file currently holds a token.
     bool hasToken() const { return !token().isEmpty(); }
-    /// Sends once, with the token as the configuration file holds it at this moment; without one, without the header.
+    /// Sends once, without retries. Reads the token from the configuration file for each request.
     void send(const AgentRequest &request, Done<QJsonObject> done);
 
 private:
-    /// The last answer to a request that repeats: an idle agent says the same every time.
+    /// The last response to a repeating request. An idle agent sends the same body every time.
     struct Received {
-        QByteArray body; ///< Empty: none yet.
+        QByteArray body; ///< Empty until the first response.
         QJsonObject object;
     };
     static Result<QJsonObject> hear(const std::shared_ptr<Received> &last, Keep keep, HttpReply reply);
@@ -55,7 +55,7 @@ private:
     HttpClient &http;
     const FixedConfig &fixed;
     const AgentConfig &config;
-    /// By path; each shared with the completions of requests, which may outlive us.
+    /// By path. Shared with the completions of requests, which may outlive this object.
     QHash<QString, std::shared_ptr<Received>> received;
 };
 

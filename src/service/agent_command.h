@@ -27,11 +27,12 @@ public:
     AgentCommand(Programs &programs, Scheduler &scheduler, QString bundlePath, std::optional<QString> agentBin)
         : programs(programs), scheduler(scheduler), bundlePath(std::move(bundlePath)), agentBin(std::move(agentBin)) {}
 
-    /// The agent program inside the tray's own bundle, when it is executable there.
+    /// The agent program in the tray's own bundle; none if it is missing or not executable.
     std::optional<QString> bundledAgent() const;
-    /// The agent program for command-line calls: the bundled one, else the override.
+    /// The agent program for command-line calls: the bundled one, else the override; none without either.
     std::optional<AgentLocation> agentForCLI() const;
-    /// Hands `request` to the agent's sign-in command; `done` gets its reply, or nothing, on the main thread.
+    /// Runs the agent's sign-in command with `request` as its input. Calls `done` on the main thread with the reply, or
+    /// with none on failure.
     void runAgentJson(const QJsonObject &request, Done<QJsonObject> done, milliseconds timeout = 60s);
 
 private:
@@ -42,10 +43,10 @@ private:
     Alive alive;
 };
 
-/// The program run that carries `request`.
+/// Builds the program run of the sign-in command with `request` as its input.
 ProgramRun buildAgentJson(const AgentLocation &agent, const QJsonObject &request, milliseconds timeout);
 
-/// The reply in what the agent printed: the last line that begins with "{", when it is a JSON object.
+/// Parses the agent's output: the last line that starts with "{"; none if that is not a JSON object.
 Result<QJsonObject> parseAgentJson(const QByteArray &output);
 
 } // namespace korvel

@@ -14,13 +14,13 @@ constexpr qint64 MAX_CONFIG_BYTES = 1 << 20;
 }
 
 QJsonObject AgentConfig::readCfg() const {
-    // Taken before the reading: should the file change between the two, the next stamp differs.
+    // Taken before reading: if the file changes in between, the next stamp differs.
     const std::optional<FileStamp> stamp = stampOf(paths.agentCfg);
     if (stamp && stamp == readAt)
         return content;
     const auto bytes = readRegularFile(paths.agentCfg, MAX_CONFIG_BYTES);
     content = bytes ? QJsonDocument::fromJson(*bytes).object() : QJsonObject();
-    // A reading that failed may succeed without any change to the file.
+    // A failed read may succeed later although the file is unchanged.
     readAt = bytes && stamp && stamp->isSettled(wallNow()) ? stamp : std::nullopt;
     return content;
 }
@@ -41,9 +41,9 @@ bool AgentConfig::isHalfWritten() const {
 }
 
 std::error_code AgentConfig::writeBy(Put put, const QJsonObject &cfg) const {
-    // QJsonObject keeps its keys sorted, so the indented form is stable.
+    // QJsonObject sorts its keys, so the output is stable.
     const QByteArray text = QJsonDocument(cfg).toJson(QJsonDocument::Indented);
-    // A file that could not be read again would never be replaced either.
+    // A file too large to read would never be replaced, because changeBy() refuses to.
     return text.size() > MAX_CONFIG_BYTES ? std::make_error_code(std::errc::file_too_large) : put(paths.agentCfg, text);
 }
 

@@ -12,9 +12,9 @@
 
 namespace korvel {
 
-/// The configuration file that the tray and the agent share: one JSON object, read and written whole. A reading is
-/// always of the file as it is now; it is only not read again while its stamp proves that nobody wrote to it. Keys that
-/// a caller does not change survive because it reads, changes and writes the whole object. On the main thread only.
+/// The configuration file that the tray and the agent share: one JSON object. Reads always reflect the current file;
+/// cached content is used only while the file's stamp proves that the file is unchanged. Reads and writes cover the
+/// whole object, so keys that the tray does not know survive. Main thread only.
 class AgentConfig {
 public:
     using WallClock = std::function<std::time_t()>;
@@ -24,15 +24,16 @@ public:
 
     /// The object in the file; empty when it is missing, unreadable, not a regular file, over 1 MiB or not an object.
     QJsonObject readCfg() const;
-    /// Replaces the file (mode 0600, folder 0700). False when it could not: the old file stays whole, and the log says
-    /// why.
+    /// Replaces the file atomically (mode 0600, folder 0700). On failure returns false, keeps the old file and logs the
+    /// reason.
     bool writeCfg(const QJsonObject &cfg) const;
-    /// Reads the object, lets `change` alter it and writes it back. False as above, and when a file is there that
-    /// cannot be read: what it holds must not be lost. A file that holds no object counts as empty.
+    /// Reads the object, applies `change` and writes it back. Fails as above, and also if an existing file cannot be
+    /// read, because its content must not be lost. A file that holds no object counts as empty.
     bool changeCfg(const std::function<void(QJsonObject &cfg)> &change) const;
-    /// Whether changeCfg() would succeed now, as far as that shows without changing the file; logs as it does.
+    /// Whether changeCfg() would succeed now, as far as can be checked without changing the file. Logs like
+    /// changeCfg().
     bool canChangeCfg(const std::function<void(QJsonObject &cfg)> &change) const;
-    /// Whether the file can be read and holds no object: the agent may be in the middle of writing it.
+    /// Whether the file is readable but holds no object: the agent may be writing it.
     bool isHalfWritten() const;
 
 private:
@@ -43,11 +44,11 @@ private:
 
     const Paths &paths;
     const WallClock wallNow;
-    mutable std::optional<FileStamp> readAt; ///< The state of the file that `content` is of.
+    mutable std::optional<FileStamp> readAt; ///< Stamp of the file that `content` was read from.
     mutable QJsonObject content;
 };
 
-/// The text under `key`, or the empty text when it is absent or not a text.
+/// The string under `key`; empty if it is absent or not a string.
 QString cfgText(const QJsonObject &cfg, QStringView key);
 
 /// Whether this Mac is bound to an account.

@@ -75,17 +75,17 @@ void AgentControl::quitAll() {
     if (std::exchange(quitting, true))
         return;
     notices.showHUD(quittingNotice());
-    // A service manager that hangs must not keep the user from quitting.
+    // A hanging service manager must not block quitting.
     quitAnyway = scheduler.after(QUIT_TIMEOUT, [this] { desktop.terminate(); });
     auto stopped = [&sv = services, &pr = programs, label = fixed.AGENT_LABEL] {
         sv.bootout(label);
-        // Agents that somebody started outside launchd, in the bundle or as a script.
+        // Agents started outside launchd, from the bundle or as a script.
         for (const QString &pattern : {u"Korvel.app/Contents/Resources/korvel-agent"_s, u"korvel-agent.mjs run"_s})
             pr.run({.executable = PKILL, .arguments = {u"-f"_s, pattern}, .timeout = SHORT_TOOL_TIMEOUT});
         return true;
     };
     scheduler.background(stopped, alive.guard([this](bool) {
-        // The tray's own job, so that launchd does not keep it. This may end the process.
+        // The tray's own job, so that it does not stay loaded. This may end the process.
         scheduler.background([&sv = services] { return sv.bootout(u"com.korvel.tray"_s); },
                              alive.guard([this](ServiceResult) { desktop.terminate(); }));
     }));

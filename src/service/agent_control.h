@@ -23,13 +23,13 @@ public:
                  ServiceControl &services, Programs &programs, Desktop &desktop, Scheduler &scheduler, Notices &notices,
                  Hooks hooks);
 
-    /// Loads the job when this Mac is bound and the job is not loaded, then calls `then`.
+    /// Loads the job if this Mac is bound and the job is not loaded, then calls `then`.
     void ensureAgentLoaded(std::function<void()> then);
-    /// Starts the job anew, so that it picks up a new sign-in, then calls `then`.
+    /// Restarts the job so that it picks up a new sign-in, then calls `then`.
     void restartAgent(std::function<void()> then);
-    /// Starts the job when the agent neither responds nor is loaded, though it was paused, then calls `then`.
+    /// Starts the job, even a paused one, if the agent does not respond and the job is not loaded; then calls `then`.
     void startStoppedAgent(std::function<void()> then);
-    /// Stops the job and every stray agent process, then leaves the tray.
+    /// Stops the job and every stray agent process, then quits the tray.
     void quitAll();
     void openLog();
 

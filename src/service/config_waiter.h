@@ -8,13 +8,13 @@
 
 namespace korvel {
 
-/// Makes changes of the agent configuration wait while the agent writes it: a file that is caught half-written is read
-/// again shortly before it counts as empty.
+/// Delays changes to the agent configuration while the agent is writing it. A half-written file is read again for a
+/// short time before it counts as empty.
 class ConfigWaiter {
 public:
     ConfigWaiter(const AgentConfig &config, Scheduler &scheduler);
 
-    /// Calls `then` once the file is not half-written: at once as a rule, and in any case after half a second.
+    /// Calls `then` once the file is not half-written: usually at once, and after 0.5 s at the latest.
     void whenWhole(std::function<void()> then);
 
 private:

@@ -5,17 +5,17 @@
 
 namespace korvel {
 
-/// The agent's job may be in another state now than a look at it that is under way finds.
+/// Invalidates lookups of the agent's job that are in flight: the job's state may have changed since they started.
 inline void outdateLooks(HealthState &health) { ++health.jobChanges; }
 
-/// The agent's job was just started: for a while its silence means that it comes up.
+/// Records that the agent's job was just started. For 25 s a missing response means that the agent is starting up.
 inline void countAsStarting(HealthState &health, Instant now) {
     outdateLooks(health);
     health.startingUntil = now + 25s;
 }
 
-/// Writes what a look at the job found. One that found nothing out leaves what is known; where nothing is, an installed
-/// job counts as loaded, because only one that is known not to be has been paused.
+/// Applies the result of a job lookup. An unknown result keeps the known state. Without a known state the job counts as
+/// loaded, because only a job that is known to be unloaded counts as paused.
 inline void applyLook(HealthState &health, ServiceResult look) {
     if (look == ServiceResult::Unknown)
         health.jobLoaded = health.jobLoaded.value_or(true);
@@ -23,7 +23,7 @@ inline void applyLook(HealthState &health, ServiceResult look) {
         health.jobLoaded = look == ServiceResult::Succeeded;
 }
 
-/// As `countAsStarting`, of a job or a sign-in that is another one now: what was seen before says nothing about it.
+/// As `countAsStarting`, for a new job or a new sign-in: also discards the known state of the job.
 inline void expectNewJob(HealthState &health, Instant now) {
     countAsStarting(health, now);
     health.jobLoaded.reset();

@@ -37,7 +37,7 @@ void ensureTrayLoginItem(const Paths &paths, const QString &executablePath) {
         return;
     QDir().mkpath(QFileInfo(paths.trayPlist).absolutePath());
     QFile file(paths.trayPlist);
-    // A half-written job file would never be repaired, because an existing one is left alone.
+    // A half-written job file would never be repaired, because an existing file is never changed.
     const QByteArray text = loginItemText(executablePath, paths.trayLog).toUtf8();
     if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
         return;

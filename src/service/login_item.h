@@ -9,11 +9,11 @@ namespace korvel {
 /// Text of the tray's own launchd job file (a property list, see launchd.plist(5)).
 QString loginItemText(const QString &executablePath, const QString &logPath);
 
-/// Whether a tray at this path may start itself at login: only an installed copy.
+/// Whether the program at this path is the installed one. Only that one may start at login.
 bool isInstalledCopy(const QString &executablePath);
 
-/// Writes the tray's login item when there is none and this is an installed copy. An existing one is never touched.
-/// Failures are silent: a convenience must not keep the tray from starting.
+/// Writes the tray's login item if there is none and the program is installed. Never changes an existing one. Ignores
+/// failures, because the tray must start without a login item too.
 void ensureTrayLoginItem(const Paths &paths, const QString &executablePath);
 
 } // namespace korvel

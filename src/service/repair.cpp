@@ -11,10 +11,10 @@ namespace korvel {
 
 namespace {
 
-/// An installation that hangs must not keep the status at "repairing" indefinitely.
+/// A hanging installation must not keep the status at "repairing" indefinitely.
 constexpr milliseconds INSTALL_TIMEOUT = 10min;
 
-/// Runs one of the agent's installation commands; a failure is logged.
+/// Runs one of the agent's installation commands. Logs a failure.
 bool install(Programs &programs, const QString &agent, const QString &what) {
     const ProgramResult result = programs.run({.executable = agent, .arguments = {what}, .timeout = INSTALL_TIMEOUT});
     if (result.status != 0)
@@ -47,7 +47,7 @@ void Repair::repairService(std::function<void()> then) {
     state.service.repairFailed = false;
     renderer.stateChanged();
     auto installed = [&pr = programs, agent = *agent] {
-        // First, and not decisive: the job is what the tray needs.
+        // A failure here is not fatal: the tray needs only the job.
         install(pr, agent, u"install-hooks"_s);
         return install(pr, agent, u"install-service"_s);
     };
@@ -63,7 +63,7 @@ void Repair::repaired(bool good, std::function<void()> then) {
 }
 
 void Repair::repairClicked() {
-    if (state.service.repairing) // the one under way is what was asked for
+    if (state.service.repairing) // the running repair serves this click
         return;
     repairService(
         [this] { notices.showHUD(plistExists(paths) ? repairedNotice() : repairFailedNotice(fixed.SITE_URL)); });

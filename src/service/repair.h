@@ -15,15 +15,15 @@
 
 namespace korvel {
 
-/// Has the agent program of the tray's own bundle install its launchd job and its hooks anew.
+/// Makes the bundled agent program reinstall its launchd job and its hooks.
 class Repair {
 public:
     Repair(TrayState &state, const FixedConfig &fixed, const Paths &paths, const AgentCommand &command,
            Programs &programs, Scheduler &scheduler, Notices &notices, Poller &poller, Renderer &renderer);
 
-    /// Repairs, polls the agent, then calls `then`; at once while a repair runs.
+    /// Repairs, polls the agent, then calls `then`. Calls `then` at once if a repair is already running.
     void repairService(std::function<void()> then);
-    /// Repairs at the user's wish and says whether the job file is there now.
+    /// Repairs at the user's request, then shows a notice that says whether the job file exists.
     void repairClicked();
 
 private:

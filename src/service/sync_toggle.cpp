@@ -23,7 +23,7 @@ ToggleDirection toggleDirection(const HealthState &health) {
 
 Notice toggleNotice(ToggleDirection direction, ServiceResult look, bool running, const QString &statusLine) {
     if (direction == ToggleDirection::Pause) {
-        if (look != ServiceResult::Failed) // a pause that nobody has seen is none
+        if (look != ServiceResult::Failed) // a pause counts only once the job is known to be unloaded
             return {.text = L(u"无法暂停同步，请重试", u"Couldn't pause sync. Try again."),
                     .secs = Seconds(4),
                     .error = true};

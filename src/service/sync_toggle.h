@@ -17,13 +17,13 @@ namespace korvel {
 
 enum class ToggleDirection { Pause, Resume };
 
-/// What the user's wish to toggle means in the present state.
+/// Whether a toggle pauses or resumes in the current state.
 ToggleDirection toggleDirection(const HealthState &health);
 
-/// The notice at the end of a toggle. `look`: the last look at the job; `running`: whether the agent responds.
+/// The notice at the end of a toggle. `look`: result of the last job lookup; `running`: whether the agent responds.
 Notice toggleNotice(ToggleDirection direction, ServiceResult look, bool running, const QString &statusLine);
 
-/// Pauses and resumes sync: takes the agent's job down so that it stays down, or brings it back.
+/// Pauses and resumes sync: unloads and disables the agent's job, or enables and loads it.
 class SyncToggle {
 public:
     struct Hooks {
@@ -34,8 +34,8 @@ public:
                ServiceControl &services, Scheduler &scheduler, Notices &notices, Poller &poller, Renderer &renderer,
                Repair &repair, Hooks hooks);
 
-    /// Pauses or resumes; ignored while an earlier one is under way. What is missing for it is asked for instead: a
-    /// sign-in, or a repair of the installation.
+    /// Pauses or resumes; ignored while a toggle is running. Starts the sign-in instead if this Mac is not bound, and
+    /// a repair if the job file is missing.
     void toggleAgent();
 
 private:

@@ -14,7 +14,7 @@ namespace {
 constexpr auto JOB_CHECK_INTERVAL = 10s;
 constexpr auto PERMISSION_FETCH_INTERVAL = 30s;
 
-/// True when this loss of the sign-in has still to be told.
+/// True if the user has not been notified of this loss of the sign-in.
 bool applySignIn(HealthState &health, bool dead, bool accountGone) {
     const bool tell = dead && !health.authDeadNotified;
     health.accountGone = dead && accountGone;

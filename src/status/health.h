@@ -8,30 +8,30 @@
 
 namespace korvel {
 
-/// What applying a health answer needs to know besides the answer.
+/// Inputs of applyHealth() besides the response.
 struct HealthContext {
     Instant now;
     bool bound = false;
-    QString username; ///< From the agent configuration; stands in for an account that the agent does not name.
+    QString username; ///< From the agent configuration; used if the agent reports no account.
 };
 
-/// What has to follow once an answer, or its absence, is applied.
+/// The follow-up actions once a response, or its absence, is applied.
 struct HealthEffects {
     enum class Notice { None, SignedOut, AccountDeleted };
     Notice notice = Notice::None;
     bool reactToReport = false; ///< A new encryption report is in place.
-    bool fetchPerms = false;    ///< The full permission list is due.
-    bool checkJob = false;      ///< Whether the job is loaded has to be looked up.
+    bool fetchPerms = false;    ///< The full permission list has to be fetched.
+    bool checkJob = false;      ///< The job's state has to be looked up.
     bool operator==(const HealthEffects &) const = default;
 };
 
-/// The part of a response that the tray reads, within bounds.
+/// The fields of a response that the tray reads, with bounded sizes.
 QJsonObject boundedHealth(const QJsonObject &response);
 
-/// What counts as an answer: a JSON object whose "ok" is true. Anything else is no answer.
+/// The response, if it is a JSON object whose "ok" is true. Any other response counts as missing.
 Result<QJsonObject> healthAnswer(const Result<QJsonObject> &reply);
 
-/// Writes an answer (none: no answer came) into `state`.
+/// Applies a response (none: the agent did not respond) to `state`.
 HealthEffects applyHealth(TrayState &state, const Result<QJsonObject> &answer, const HealthContext &context);
 
 } // namespace korvel

@@ -36,7 +36,7 @@ void HealthPoll::start() {
 }
 
 void HealthPoll::tick() {
-    // An agent that accepts and never answers must not pile up connections.
+    // An agent that accepts connections and never responds must not make them pile up.
     if (open < MAX_POLLS_IN_FLIGHT)
         poll();
 }
@@ -51,7 +51,7 @@ void HealthPoll::poll(std::function<void()> then) {
 }
 
 void HealthPoll::received(quint64 generation, const Result<QJsonObject> &reply, const std::function<void()> &then) {
-    // Polls overlap. An answer to an older question says less than what is already shown.
+    // Polls overlap: the response to an older poll is out of date.
     if (generation < applied)
         return follow({}, then);
     applied = generation;
@@ -67,9 +67,9 @@ void HealthPoll::follow(const HealthEffects &effects, const std::function<void()
     if (effects.fetchPerms)
         hooks.fetchPerms();
     renderer.stateChanged();
-    if (effects.checkJob) // the silence is shown, the job's state only when the service manager has answered
+    if (effects.checkJob) // the missing response is already shown; the job's state follows
         return checkJob(then);
-    // Last, because it opens windows; `then` may be the end of this object.
+    // Comes last because it opens windows. `then` may destroy this object.
     auto react = alive.guard([this] { hooks.e2Prompt(); });
     if (then)
         then();
@@ -80,7 +80,7 @@ void HealthPoll::follow(const HealthEffects &effects, const std::function<void()
 void HealthPoll::checkJob(const std::function<void()> &then) {
     if (then)
         afterJobCheck.push_back(then);
-    // A service manager that hangs must not use up the background threads: later polls join the look under way.
+    // A hanging service manager must not use up the background threads: later polls wait for the lookup in flight.
     if (std::exchange(checkingJob, true))
         return;
     scheduler.background([&services = services, label = fixed.AGENT_LABEL] { return services.print(label); },

@@ -14,10 +14,10 @@
 
 namespace korvel {
 
-/// Tells the user, once, that the sign-in or the account is gone.
+/// Reports that the sign-in has ended or the account is deleted.
 Notice lostSignInNotice(HealthEffects::Notice which);
 
-/// Asks the agent every 3 seconds how it is, and looks after its job when it does not answer.
+/// Polls the agent's health every 3 seconds, and looks up the state of its job when it does not respond.
 class HealthPoll : public Poller {
 public:
     struct Hooks {
@@ -47,10 +47,10 @@ private:
     Notices &notices;
     Renderer &renderer;
     Hooks hooks;
-    int open = 0;             ///< Polls whose answer is outstanding.
+    int open = 0;             ///< Polls in flight.
     quint64 sent = 0;         ///< Generation of the poll sent last.
-    quint64 applied = 0;      ///< Generation of the newest answer applied.
-    bool checkingJob = false; ///< A look at the job is under way.
+    quint64 applied = 0;      ///< Generation of the newest response applied.
+    bool checkingJob = false; ///< A job lookup is in flight.
     std::vector<std::function<void()>> afterJobCheck;
     Timer timer;
     Alive alive;

@@ -9,13 +9,13 @@
 
 namespace korvel {
 
-/// Whether the report after launch should be made now, or wait for the agent to come up.
+/// Whether to show the report now. False while the agent may still be starting up.
 bool startupReportDue(const Situation &situation, int attempt);
 
-/// The notice of the report; none when another notice says it already.
+/// The notice of the report; none if another notice already says it.
 std::optional<Notice> startupNotice(const Situation &situation);
 
-/// Shows the resulting status once, in a short notice, soon after launch.
+/// Shows the status in a short notice soon after launch.
 class StartupReport {
 public:
     struct Hooks {
@@ -24,7 +24,7 @@ public:
     StartupReport(Scheduler &s, Notices &n, Poller &po, Hooks h)
         : scheduler(s), notices(n), poller(po), hooks(std::move(h)) {}
 
-    /// Reports now, or polls again in a moment. The completion of launch's first poll.
+    /// Reports now, or polls again after a delay. Called when the first poll after launch completes.
     void startupReport(int attempt);
 
 private:

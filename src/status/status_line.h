@@ -6,7 +6,7 @@
 
 namespace korvel {
 
-/// The one line that says what state the whole system is in. Heads the menu and opens the startup notice.
+/// The status of the whole system in one line: the first line of the menu and of the startup notice.
 QString statusLine(const Situation &situation);
 
 } // namespace korvel
