@@ -8,13 +8,13 @@ namespace korvel {
 
 Notice signedInNotice(const QString &user);
 Notice signingInNotice();
-/// `reason`: the sentence of who refused the sign-in; none: it gave none.
+/// `reason`: the sentence that came with the refusal; none if there was none.
 Notice signInFailedNotice(const std::optional<QString> &reason);
 
-/// While a sign-in through the browser waits for the agent to come up.
+/// Shown while a sign-in through the browser waits for the agent to start.
 Notice agentAwaitedNotice();
 Notice agentNotUpNotice();
-/// The agent named no page to open.
+/// The agent's response names no page to open.
 Notice noSignInPageNotice();
 
 Notice signingOutNotice();

@@ -11,9 +11,9 @@ AfterSignIn::AfterSignIn(HealthState &st, const Scheduler &s, Notices &no, Polle
     : health(st), scheduler(s), notices(no), poller(po), renderer(re), agent(ag), hooks(std::move(h)) {}
 
 void AfterSignIn::signedIn(const QString &user) {
-    // What was asked, or seen of the job, before this sign-in says nothing about it.
+    // Results of polls and job lookups from before this sign-in do not apply to it.
     poller.ignorePollsInFlight();
-    // The agent may repeat the loss of the sign-in before; the user has been told of it.
+    // The agent may still report the loss of the previous sign-in, of which the user has been notified.
     health.authDead = health.accountGone = false;
     if (!health.running)
         expectNewJob(health, scheduler.now());

@@ -11,7 +11,7 @@
 
 namespace korvel {
 
-/// What follows on every sign-in, whichever way it was made.
+/// The steps after every successful sign-in, whatever its method.
 class AfterSignIn {
 public:
     struct Hooks {
@@ -21,7 +21,7 @@ public:
     AfterSignIn(HealthState &health, const Scheduler &scheduler, Notices &notices, Poller &poller, Renderer &renderer,
                 AgentControl &agent, Hooks hooks);
 
-    /// This Mac is signed in as `user`: shows it, starts an agent that is stopped, polls and shows the pairing window.
+    /// This Mac is signed in as `user`: shows a notice, starts a stopped agent, polls and shows the pairing window.
     void signedIn(const QString &user);
 
 private:

@@ -54,12 +54,12 @@ void Binding::bind(const SignIn &signIn, const QString &released) {
         const QString old = cfgText(cfg, u"agentToken");
         if (old.isEmpty() || old == signIn.credential.agentToken || old == released)
             return store(signIn);
-        // Once it is released there is no way back to it.
+        // Checked before releasing the old credential, because a release cannot be undone.
         if (!config.canChangeCfg([&](QJsonObject &changed) { write(signIn, changed); }))
             return giveBack(signIn, Outcome::NotSaved);
-        // The server that holds it, also when it is another edition's.
+        // The server that issued it, even one of another edition.
         const QString oldServer = normalizeServer(cfgText(cfg, u"server")).value_or(fixed.DEFAULT_SERVER);
-        // Somebody else may bind this Mac meanwhile: that credential is the older one then.
+        // bind() reads the configuration again: another sign-in may have stored a credential meanwhile.
         unbind(old, oldServer, alive.guard([this, signIn, old] { bind(signIn, old); }));
     }));
 }
@@ -71,9 +71,9 @@ void Binding::store(const SignIn &signIn) {
     forgetLostSignIn();
     health.account = signIn.username;
     agent.restartAgent(alive.guard([this, signIn] {
-        if (isOvertaken(signIn)) // whoever did that has released its credential
+        if (isOvertaken(signIn)) // the newer sign-in or the sign-out has released the credential
             return signIn.then(Outcome::Overtaken);
-        forgetLostSignIn(); // the agent of before may have repeated it meanwhile
+        forgetLostSignIn(); // the previous agent may have reported it again meanwhile
         signIn.then(Outcome::Bound);
     }));
 }
@@ -87,7 +87,7 @@ void Binding::write(const SignIn &signIn, QJsonObject &cfg) const {
         cfg[key] = signIn.username;
 }
 
-/// Nobody could ever release a credential that is kept nowhere.
+/// Releases a credential that is not stored: nothing else could release it later.
 void Binding::giveBack(const SignIn &signIn, Outcome why) {
     unbind(signIn.credential.agentToken, signIn.server, [then = signIn.then, why] { then(why); });
 }
@@ -110,7 +110,7 @@ void Binding::unbindCurrent(std::function<void()> then, const QString &released)
         const QString token = cfgText(cfg, u"agentToken");
         if (token.isEmpty() || token == released)
             return then();
-        // A sign-in that ends meanwhile leaves another credential.
+        // A sign-in that completes meanwhile stores another credential.
         unbind(token, serverOf(fixed, cfg), alive.guard([this, then, token] { unbindCurrent(then, token); }));
     }));
 }

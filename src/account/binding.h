@@ -15,17 +15,17 @@
 
 namespace korvel {
 
-/// Signs this Mac in with a password and keeps the credential that comes of it: in the agent configuration, and at no
-/// more than one server at a time.
+/// Signs this Mac in with a password and stores the credential in the agent configuration. This Mac is bound at no more
+/// than one server at a time.
 class Binding {
 public:
     Binding(HealthState &health, const FixedConfig &fixed, const AgentConfig &config, ConfigWaiter &waiter,
             ServerClient &servers, const Desktop &desktop, Poller &poller, AgentControl &agent);
 
-    /// Signs in at `server` (host:port). `done` gets the sentence for the user, as a value once this Mac is bound, else
-    /// as the error's detail.
+    /// Signs in at `server` (host:port). `done` gets the sentence for the user: a value if this Mac is bound, else the
+    /// detail of the error.
     void performLogin(const QString &user, const QString &pass, const QString &server, Done<QString> done);
-    /// From now on no sign-in that is under way binds this Mac; the credential that it may get is given back.
+    /// Prevents the sign-ins in flight from binding this Mac. A credential that they receive is released.
     void abandonLogins() { abandoned = signIns; }
     /// Releases the stored credential, if there is one.
     void unbindCurrent(std::function<void()> then) { unbindCurrent(std::move(then), {}); }
@@ -40,8 +40,8 @@ private:
         std::function<void(Outcome)> then; ///< Called once.
     };
 
-    /// Releases an older, different credential where it is held, stores the new one and restarts the agent with it.
-    /// `released` is the credential for which the first has been done.
+    /// Releases an older, different credential at its server, stores the new one and restarts the agent. `released` is
+    /// the credential that has been released already.
     void bind(const SignIn &signIn, const QString &released);
     void store(const SignIn &signIn);
     static QString message(Outcome outcome, const QString &user);
@@ -49,7 +49,7 @@ private:
     void giveBack(const SignIn &signIn, Outcome why);
     bool isOvertaken(const SignIn &signIn) const;
     void forgetLostSignIn();
-    /// Releases `token` at `server`, then calls `then` once, whatever came of it.
+    /// Releases `token` at `server`, then calls `then` once, also on failure.
     void unbind(const QString &token, const QString &server, std::function<void()> then);
     void unbindCurrent(std::function<void()> then, const QString &released);
 
@@ -61,9 +61,9 @@ private:
     const Desktop &desktop;
     Poller &poller;
     AgentControl &agent;
-    int signIns = 0;     ///< Numbers them.
-    int abandoned = 0;   ///< The last one that a sign-out overtook.
-    int newestBound = 0; ///< No older one binds this Mac any more.
+    int signIns = 0;     ///< Number of the last sign-in.
+    int abandoned = 0;   ///< The last one that a sign-out cancelled.
+    int newestBound = 0; ///< No older one may bind this Mac.
     Alive alive;
 };
 

@@ -30,7 +30,7 @@ AgentRequest authStartRequest(const QString &device) {
 }
 
 AgentRequest authStatusRequest(const QString &id) {
-    // Only letters and digits stay as they are.
+    // Encodes everything but letters and digits.
     const QByteArray encoded = QUrl::toPercentEncoding(id, {}, "-._~");
     return {.path = u"/auth/status?id="_s + QString::fromLatin1(encoded), .timeout = 3s};
 }
@@ -43,13 +43,13 @@ BrowserLogin::BrowserLogin(BrowserLoginState &l, const HealthState &st, const Fi
 void BrowserLogin::startBrowserLogin(int attempt) {
     if (fixed.IS_CN)
         return cnLogin.showCnLogin();
-    // Another click while the first still waits for the agent must not start a second sign-in.
+    // A second click while the first waits for the agent must not start a second sign-in.
     if (reopenPage() || (attempt == 0 && starting))
         return;
     starting = true;
     if (!health.running || !api.hasToken())
         return waitForAgent(attempt);
-    // After a stop and a new start, the answer to the first start is none to the second.
+    // After a stop and a new start, the response to the first request is out of date.
     auto received = [this, asked = ++starts](const Result<QJsonObject> &reply) {
         if (asked == starts && std::exchange(starting, false))
             started(reply);
@@ -97,11 +97,11 @@ void BrowserLogin::open(const QString &id, const QString &url) {
 void BrowserLogin::pollBrowserLogin() {
     if (!login.browserLoginId)
         return;
-    // An answer may come a little after the page has lapsed.
+    // A response may arrive shortly after the page has expired.
     if (scheduler.now() > login.browserLoginUntil + LATE_ANSWERS_FOR)
         return stopBrowserLogin();
     auto received = [this, id = *login.browserLoginId](const Result<QJsonObject> &reply) {
-        // Slow answers overlap: the first outcome counts, and none of a sign-in that is over.
+        // Slow responses overlap: only the first outcome counts, and only for the sign-in in progress.
         if (reply && login.browserLoginId == id)
             outcome(reply.value());
     };

@@ -19,19 +19,19 @@ namespace korvel {
 AgentRequest authStartRequest(const QString &device);
 AgentRequest authStatusRequest(const QString &id);
 
-/// Sign-in through the web browser: the agent names the page and does the binding, the tray opens the page and asks the
-/// agent every second how it went. In the mainland edition the same entrance leads to the sign-in window.
+/// Sign-in through the web browser. The agent names the page and binds this Mac; the tray opens the page and polls the
+/// agent for the status every second. In the mainland edition it opens the sign-in window instead.
 class BrowserLogin {
 public:
     BrowserLogin(BrowserLoginState &login, const HealthState &health, const FixedConfig &fixed, AgentApi &api,
                  Desktop &desktop, Scheduler &scheduler, Notices &notices, CnLogin &cnLogin, AgentControl &agent,
                  AfterSignIn &afterSignIn);
 
-    /// Starts a sign-in, or opens the page of the open one again. `attempt` counts the tries before this one.
+    /// Starts a sign-in, or opens the page of the current one again. `attempt` counts the previous attempts.
     void startBrowserLogin(int attempt = 0);
-    /// Asks the agent once how the open sign-in went.
+    /// Polls the agent once for the status of the current sign-in.
     void pollBrowserLogin();
-    /// Ends the attempt, also one that still waits for the agent.
+    /// Ends the sign-in, also while it waits for the agent.
     void stopBrowserLogin();
 
 private:
@@ -51,8 +51,8 @@ private:
     CnLogin &cnLogin;
     AgentControl &agent;
     AfterSignIn &afterSignIn;
-    bool starting = false; ///< Waits for the agent, to come up or to answer.
-    int starts = 0;        ///< Counts the questions to the agent.
+    bool starting = false; ///< Waits for the agent to start or to respond.
+    int starts = 0;        ///< Counts the start requests to the agent.
     Timer nextAttempt;
     Timer browserLoginTimer;
     Alive alive;

@@ -98,12 +98,12 @@ void CnLogin::submit() {
         return;
     show();
     CnLoginForm submitted = *form;
-    submitted.password.clear(); // one place is enough for it
+    submitted.password.clear(); // no second copy of it in memory
     command.runAgentJson(*request, alive.guard([this, sent = std::move(submitted),
                                                 asked = opening](const Result<QJsonObject> &answer) mutable {
         if (form && asked == opening)
             received(answer);
-        // Closing the window does not take a sign-in back: that it went through is told all the same.
+        // Closing the window does not cancel a sign-in: its success is still reported.
         else if (const auto user = submitAnswered(sent, answer).user)
             cnLoggedIn(*user);
     }));

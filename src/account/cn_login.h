@@ -16,14 +16,14 @@
 
 namespace korvel {
 
-/// The mainland sign-in window: collects what the user types, hands each operation to the agent's command line and
-/// shows its answers. The agent signs in and binds this Mac itself.
+/// The mainland sign-in window: collects the input, runs each operation through the agent's command line and shows the
+/// replies. The agent itself signs in and binds this Mac.
 class CnLogin {
 public:
     CnLogin(const HealthState &health, const FixedConfig &fixed, const AgentConfig &config, LoginPanel &window,
             Desktop &desktop, Scheduler &scheduler, AgentCommand &command, AfterSignIn &afterSignIn);
 
-    /// Opens the window, or brings the open one to the front.
+    /// Opens the window, or brings it to the front if it is open.
     void showCnLogin();
 
 private:
@@ -46,8 +46,8 @@ private:
     Scheduler &scheduler;
     AgentCommand &command;
     AfterSignIn &afterSignIn;
-    std::optional<CnLoginForm> form; ///< None: no window is open.
-    int opening = 0;                 ///< Counts windows, so that an answer for a closed one is told.
+    std::optional<CnLoginForm> form; ///< None while no window is open.
+    int opening = 0;                 ///< Counts windows, to recognise a reply that belongs to a closed one.
     Timer tick;
     Alive alive;
 };

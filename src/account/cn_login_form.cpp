@@ -26,14 +26,14 @@ void clearLines(CnLoginForm &form) {
     form.error.clear();
 }
 
-/// A code as the server knows it. Messages write it as "123 456", with blanks of any kind, and some keyboards in
-/// full-width digits.
+/// A code in the server's form. Messages write it as "123 456", with spaces of any kind; some keyboards type full-width
+/// digits.
 QString plainCode(const QString &typed) {
     QString code;
     for (const QChar c : typed) {
         if (c.category() == QChar::Number_DecimalDigit)
             code += QString::number(c.digitValue());
-        else if (!c.isSpace() && c.category() != QChar::Other_Format) // the latter: blanks of no width
+        else if (!c.isSpace() && c.category() != QChar::Other_Format) // Other_Format: zero-width spaces
             code += c;
     }
     return code;
@@ -71,7 +71,7 @@ QJsonObject submission(const CnLoginForm &form) {
     return {{u"op"_s, u"login"_s}, {u"username"_s, account}, {u"password"_s, form.password}};
 }
 
-/// The field that an answer names, when the page shows it; else the first empty one.
+/// The field that a reply names, if the page shows it; else the first empty one.
 LoginField focusField(const CnLoginForm &form, const Result<QJsonObject> &answer) {
     const QString name = answer ? answer->value(u"field").toString() : QString();
     LoginField field = firstEmptyField(form);
@@ -150,7 +150,7 @@ SubmitOutcome submitAnswered(CnLoginForm &form, const Result<QJsonObject> &answe
         return {.user = jsonText(answer->value(u"user")).value_or(account)};
     form.busy = false;
     if (answer && answer->value(u"reset").toBool()) {
-        // The new password holds; only the sign-in with it is still to be made.
+        // The password is changed, but the sign-in with it failed.
         form.codeMode = false;
         setPage(form, Page::Login);
         form.account = account;

@@ -10,17 +10,17 @@ namespace korvel {
 
 enum class Page { Login, Register, Reset };
 
-/// A field of the sign-in window that can have the keyboard, in their order on the screen.
+/// The fields of the sign-in window that can have keyboard focus, in screen order.
 enum class LoginField { Account, Code, Password, Agree };
 
-/// Everything that the mainland sign-in window is in the middle of; no clock and no widget.
+/// State of the mainland sign-in window; no clock and no widget.
 struct CnLoginForm {
     Page page = Page::Login;
-    bool codeMode = false; ///< On the sign-in page: with a code sent to the phone instead of a password.
-    bool sending = false;  ///< A code has been asked for.
-    bool busy = false;     ///< A request other than that is under way.
-    int countdown = 0;     ///< Seconds until a new code may be asked for.
-    bool again = false;    ///< Renews the sign-in of an account whose session died.
+    bool codeMode = false; ///< On the sign-in page: a code sent to the phone instead of a password.
+    bool sending = false;  ///< A request for a code is in flight.
+    bool busy = false;     ///< Another request is in flight.
+    int countdown = 0;     ///< Seconds until a new code may be requested.
+    bool again = false;    ///< Renews the sign-in of an account whose session has ended.
     QString notice = {};   ///< Shown at the top.
     QString account = {};
     QString code = {};
@@ -31,38 +31,38 @@ struct CnLoginForm {
     bool operator==(const CnLoginForm &) const = default;
 };
 
-/// A form as it opens, for an account that may be known. A masked name is no account.
+/// The initial form. Prefills `account` unless it is masked.
 CnLoginForm openCnLoginForm(bool again, const QString &account, const QString &notice = {});
 
-/// Turns to a page. The password and both lines are cleared.
+/// Switches to a page. Clears the password and both lines.
 void setPage(CnLoginForm &form, Page page);
-/// Chooses the other way of signing in. What was typed stays; both lines are cleared.
+/// Switches between password and code. Keeps the input and clears both lines.
 void setCodeMode(CnLoginForm &form, bool codeMode);
 
-/// Whether a code may be asked for now.
+/// Whether a code may be requested now.
 bool canSendCode(const CnLoginForm &form);
-/// Counts down from `seconds`, kept within a day; 0: no waiting.
+/// Counts down from `seconds`, at most a day; 0: no waiting.
 void startCountdown(CnLoginForm &form, qint64 seconds);
 
-/// Begins to ask for a code and gives the request; none while that is not allowed.
+/// Starts the request for a code and returns it; none while none is allowed.
 std::optional<QJsonObject> sendCode(CnLoginForm &form);
-/// Takes the answer to it.
+/// Applies the reply to it.
 void codeAnswered(CnLoginForm &form, const Result<QJsonObject> &answer);
 
-/// Begins to submit the page and gives the request; none while another is under way.
+/// Starts submitting the page and returns the request; none while another is in flight.
 std::optional<QJsonObject> submit(CnLoginForm &form);
 
-/// What the answer to a submission comes to.
+/// The result of a submission.
 struct SubmitOutcome {
-    std::optional<QString> user = {};     ///< Signed in as; the form stays busy.
-    std::optional<LoginField> focus = {}; ///< The field that has to be looked at.
+    std::optional<QString> user = {};     ///< The account that is signed in; the form stays busy.
+    std::optional<LoginField> focus = {}; ///< The field that gets the keyboard focus.
     bool bringToFront = false;
 };
 SubmitOutcome submitAnswered(CnLoginForm &form, const Result<QJsonObject> &answer);
 
 /// Whether the page shows a field.
 bool showsField(const CnLoginForm &form, LoginField field);
-/// The first field that is shown and empty; the account when none is.
+/// The first visible field that is empty; the account if none is.
 LoginField firstEmptyField(const CnLoginForm &form);
 
 } // namespace korvel

@@ -9,7 +9,7 @@ namespace korvel {
 
 /// One labelled field of the sign-in window.
 struct LoginFieldView {
-    bool visible = true; ///< The account always is.
+    bool visible = true; ///< Always true for the account.
     QString label;
     QString placeholder = {};
     QString text = {};
@@ -32,7 +32,7 @@ struct CnLoginView {
     QString info;
     QString error;
     QString mainText;
-    bool busy = false; ///< Nothing can be changed; a request is under way.
+    bool busy = false; ///< A request is in flight and the controls are disabled.
     bool operator==(const CnLoginView &) const = default;
 };
 

@@ -70,10 +70,10 @@ void LoginDialog::answered(LoginAttempt attempt, const QStringList &texts) {
 
 void LoginDialog::finished(LoginAttempt attempt, const Result<QString> &result) {
     if (!result) {
-        // The dialog says it now; it must not lie below a notice that still says "signing in".
+        // The dialog shows the failure; a notice must not still say "signing in" above it.
         notices.hideHUD();
         attempt.error = result.error().detail;
-        // Another alert may have come up meanwhile.
+        // Another alert may have opened meanwhile.
         if (!present(attempt, OpenedBy::Itself))
             notices.showHUD(signInFailedNotice(*attempt.error));
         return;

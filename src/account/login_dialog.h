@@ -15,19 +15,19 @@
 
 namespace korvel {
 
-/// What one showing of the sign-in dialog is given: what survives of a failed attempt.
+/// The initial values of the sign-in dialog, kept from a failed attempt.
 struct LoginAttempt {
     QString user = {};
     std::optional<QString> error = {};  ///< Why the last attempt failed.
     std::optional<QString> server = {}; ///< As typed in the last attempt.
-    std::optional<bool> advanced = {};  ///< Whether the server can be chosen; none: when the Option key is held now.
+    std::optional<bool> advanced = {};  ///< Whether the server can be chosen; none: if the Option key is down.
 };
 
-/// The alert of one attempt.
+/// The alert for one attempt.
 AlertView loginAlert(const LoginAttempt &attempt, bool isBound, const QString &serverInUse);
 
-/// Asks for account and password in an alert, again and again until a sign-in succeeds or the user cancels. In the
-/// mainland edition the sign-in window takes its place.
+/// Asks for account and password in an alert until a sign-in succeeds or the user cancels. The mainland edition shows
+/// the sign-in window instead.
 class LoginDialog {
 public:
     LoginDialog(const FixedConfig &fixed, const AgentConfig &config, const Desktop &desktop, Alerts &alerts,
@@ -36,7 +36,7 @@ public:
     void showLogin(LoginAttempt attempt = {});
 
 private:
-    /// False when another alert is open: that one comes to the front instead.
+    /// Returns false if another alert is open, and brings that one to the front.
     bool present(const LoginAttempt &attempt, OpenedBy by);
     void answered(LoginAttempt attempt, const QStringList &texts);
     void finished(LoginAttempt attempt, const Result<QString> &result);

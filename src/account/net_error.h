@@ -7,9 +7,8 @@
 
 namespace korvel {
 
-/// One sentence for the user about a failed exchange with a server, the same wherever one fails. Logs the description,
-/// where there is one.
-/// Without an error: what is said when no usable answer came for no known reason.
+/// The sentence for the user about a failed request to a server; the same for all requests. Logs the error's
+/// description if there is one. Without an error: the sentence for an unusable response of unknown cause.
 QString netErrorText(const std::optional<Error> &error);
 
 } // namespace korvel

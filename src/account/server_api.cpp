@@ -75,7 +75,7 @@ std::optional<ServerRequest> buildUnbind(const QString &server, const QString &t
 
 QString computerDisplayName(QString systemName) {
     systemName.remove(u".local"_s);
-    // Characters as a person counts them: an emoji is not cut in two.
+    // Counts grapheme clusters, so that an emoji is not cut in two.
     QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, systemName);
     for (qsizetype i = 0; i < MAX_NAME; ++i)
         if (characters.toNextBoundary() < 0)

@@ -10,7 +10,7 @@ namespace korvel {
 
 namespace {
 
-// Not regular expressions: the address is read at every refresh, and their library would be loaded for this alone.
+// Avoids regular expressions: the address is read at every refresh, and only this code would load their library.
 
 constexpr qsizetype MAX_HOST = 253;
 
@@ -23,7 +23,7 @@ bool isHost(QStringView text) {
            std::all_of(text.begin(), text.end(), isOfHost);
 }
 
-/// Digits alone, perhaps behind one sign.
+/// Whether `text` is digits only, with an optional sign.
 bool isDecimal(QStringView text) {
     const QStringView digits = text.startsWith(u'+') || text.startsWith(u'-') ? text.sliced(1) : text;
     return !digits.isEmpty() && std::all_of(digits.begin(), digits.end(), isDigit);

@@ -8,8 +8,7 @@
 
 namespace korvel {
 
-/// The address "host:port" that a typed or stored text means, without scheme and path; none when it is no usable
-/// server.
+/// The address "host:port" of a typed or stored text, without scheme and path; none if it is not a usable server.
 std::optional<QString> normalizeServer(const QString &text);
 
 /// Whether `address` is an official server of another edition than this one.

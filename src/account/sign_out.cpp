@@ -65,7 +65,7 @@ void SignOut::finish(bool cleared) {
     finishAnyway.cancel();
     state.health.account.clear();
     state.health.authDead = state.health.accountGone = false;
-    state.e2ee.e2 = {}; // it was about the account that is gone
+    state.e2ee.e2 = {}; // it belongs to the account that was signed out
     state.e2ee.e2Retries.clear();
     poller.poll();
     notices.showHUD(cleared ? signedOutNotice() : signOutFailedNotice());

@@ -19,8 +19,8 @@ namespace korvel {
 
 AlertView signOutAlert();
 
-/// Signs this Mac out: tells the agent, releases the credential, clears the configuration, stops the agent. Nothing on
-/// the way that fails or hangs keeps it from ending.
+/// Signs this Mac out: notifies the agent, releases the credential, clears the configuration and stops the agent.
+/// Always completes, even if a step fails or hangs.
 class SignOut {
 public:
     SignOut(TrayState &state, const FixedConfig &fixed, const AgentConfig &config, ConfigWaiter &waiter, AgentApi &api,

@@ -46,7 +46,7 @@ void Alarms::answered(const QJsonObject &alarm, const AlertAnswer &answer) {
     if (isReset(alarm)) {
         if (answer.button == ItWasMe)
             return rejoin();
-        // Not dismissed at the agent: it stays until the user rejoins.
+        // Not dismissed at the agent: the alarm stays until the user rejoins.
         return notices.showHUD(strangersResetNotice());
     }
     if (const QJsonValue id = alarm.value(u"id"); id.isString())

@@ -15,7 +15,7 @@ namespace korvel {
 /// The alert for a security alarm.
 AlertView alarmAlert(const QJsonObject &alarm);
 
-/// Shows security alarms and encryption resets, and answers them.
+/// Shows security alarms and encryption resets, and sends the user's answers to the agent.
 class Alarms {
 public:
     Alarms(AgentApi &api, Alerts &alerts, Notices &notices, Poller &poller, Pairing &pairing);

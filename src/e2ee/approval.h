@@ -13,17 +13,17 @@
 
 namespace korvel {
 
-/// The alert that asks for the code of a new device, with the sentence of a failed try above its usual text.
+/// The alert that asks for the code of a new device. `error`, of a failed attempt, stands above the usual text.
 AlertView approveAlert(const QJsonObject &request, const QString &error);
 
-/// Lets the user admit or refuse a device that asks to join.
+/// Lets the user approve or reject a device that asks to join.
 class Approval {
 public:
     Approval(E2State &e2ee, AgentApi &api, Alerts &alerts, Scheduler &scheduler, Notices &notices, Poller &poller);
 
-    /// Opens the alert for an approval request, unless one is open; `error` is what went wrong with the last try.
+    /// Opens the alert for an approval request, unless an alert is open. `error`: why the last attempt failed.
     void showApprove(const QJsonObject &request, OpenedBy by, const QString &error = {});
-    /// Asks again for a code that was wrong, if one is due and no alert is open.
+    /// Asks again for a code that was wrong, if a retry is due and no alert is open.
     void askAgain();
 
 private:

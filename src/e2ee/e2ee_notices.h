@@ -10,14 +10,14 @@ namespace korvel {
 
 Notice encryptedNotice();
 
-/// The code of a new device is on its way to the agent.
+/// Shown while the agent verifies the code of a new device.
 Notice verifyingNotice();
 Notice allowedNotice(const QString &device);
 Notice deniedNotice(const QString &device);
-/// `reply` (none: it stayed away) says why the device was not admitted.
+/// `reply` says why the device was not approved; none if there was no reply.
 Notice notAdmittedNotice(const Result<QJsonObject> &reply);
 
-/// An encryption reset was not the user's own doing.
+/// Shown if the user did not start an encryption reset.
 Notice strangersResetNotice();
 Notice notRejoinedNotice(const Result<QJsonObject> &reply);
 

@@ -5,7 +5,7 @@
 
 namespace korvel {
 
-/// The encryption block of the menu: empty when there is nothing to show, otherwise it ends in a separator.
+/// The encryption block of the menu. Empty if there is nothing to show, otherwise ends with a separator.
 QList<MenuEntry> e2MenuItems(const Situation &situation);
 
 } // namespace korvel

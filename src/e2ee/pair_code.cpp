@@ -28,7 +28,7 @@ CodeText formatCode(const CodeText &typed) {
     const QString text = showCode(codeDigits(typed.text));
     qsizetype caret = codeDigits(typed.text.first(std::clamp<qsizetype>(typed.caret, 0, typed.text.size()))).size();
     if (caret > GROUP)
-        ++caret; // the blank
+        ++caret; // the space
     return {text, std::min(caret, text.size())};
 }
 

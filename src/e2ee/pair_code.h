@@ -4,20 +4,20 @@
 
 namespace korvel {
 
-/// What a code field shows, and where its caret stands.
+/// The text of a code field and the position of its caret.
 struct CodeText {
     QString text;
     qsizetype caret = 0;
     bool operator==(const CodeText &) const = default;
 };
 
-/// The digits of a text, of any script, as at most six ASCII digits; everything else is dropped.
+/// The decimal digits of a text, of any script, as at most six ASCII digits. Drops all other characters.
 QString codeDigits(const QString &text);
 
-/// A code as it is shown: three digits, a blank, the rest.
+/// A code in display form: three digits, a space, the rest.
 QString showCode(const QString &digits);
 
-/// A field's text brought into that form, with the caret behind the same digit as before.
+/// Formats a field's text that way and keeps the caret behind the same digit.
 CodeText formatCode(const CodeText &typed);
 
 } // namespace korvel

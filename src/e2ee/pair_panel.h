@@ -8,7 +8,7 @@ namespace korvel {
 
 struct PairView;
 
-/// The pairing window as its feature sees it.
+/// Interface of the pairing window for its feature.
 class PairPanel {
 public:
     struct Events {
@@ -18,7 +18,7 @@ public:
     virtual ~PairPanel() = default;
     virtual void connect(Events events) = 0;
     virtual bool isVisible() const = 0;
-    /// Shows the window in front with the keyboard, centred if it was not on the screen.
+    /// Shows the window in front with keyboard focus, centred if it was not on the screen.
     virtual void present(const PairView &view, OpenedBy by) = 0;
     virtual void apply(const PairView &view) = 0;
     virtual void hide() = 0;

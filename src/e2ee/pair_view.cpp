@@ -65,7 +65,7 @@ PairView successView() {
             .button = L(u"关闭", u"Close")};
 }
 
-/// Fills in the code label; true while it shows a code.
+/// Sets the code label. Returns true if it shows a code.
 bool showCode(PairView &view, const QJsonObject &e2, PairState &pairing) {
     if (e2PairDone(e2)) {
         view.code = QStringLiteral("✓");
@@ -114,7 +114,7 @@ PairUpdate pairView(const QJsonObject &e2, PairState &pairing, const PairContext
     view.hint = multiLine(sentences.hint);
     view.error = sentences.error;
     pairing.pairRelogin = sentences.relogin;
-    // An approved Mac holds no keys: it gets them by signing out and in. A lapsed sign-in only has to be renewed.
+    // An approved Mac without keys gets them by signing out and in. An expired sign-in only has to be renewed.
     pairing.pairLogout = sentences.relogin && state == u"approved" && !context.authDead && !pairing.pairPreview;
     view.button = buttonTitle(pairing);
     view.refreshVisible = showsCode && !sentences.relogin;

@@ -10,8 +10,8 @@ namespace korvel {
 struct PairView {
     QString title;
     QString code;           ///< The code, a mark, or the placeholder.
-    bool codeMuted = false; ///< The placeholder's colour.
-    QString codeName;       ///< What a screen reader says for the code: its digits one by one.
+    bool codeMuted = false; ///< Shown in the placeholder's colour.
+    QString codeName;       ///< Accessible name of the code: its digits one by one.
     QString line;
     QString hint;  ///< Empty: hidden.
     QString error; ///< Empty: hidden.
@@ -27,23 +27,23 @@ struct PairContext {
     bool accountGone = false;
 };
 
-/// What a refresh of the pairing window comes to.
+/// The result of a refresh of the pairing window.
 struct PairUpdate {
     enum class Step {
-        Show,      ///< The view is shown.
-        Vanish,    ///< The window goes without a word.
-        Celebrate, ///< The view tells the success; the window closes itself after a moment.
-        Keep,      ///< Nothing changes: the success is being shown.
+        Show,      ///< Show the view.
+        Vanish,    ///< Hide the window silently.
+        Celebrate, ///< Show the success; the window closes automatically after 1.4 s.
+        Keep,      ///< Change nothing while the success is shown.
     };
     Step step = Step::Show;
     PairView view;
     bool operator==(const PairUpdate &) const = default;
 };
 
-/// Recomputes the window from the report, and its flags with it.
+/// Computes the window from the report, and updates the flags in `pairing`.
 PairUpdate pairView(const QJsonObject &e2, PairState &pairing, const PairContext &context);
 
-/// The characters of a code with blanks between, as a screen reader says them.
+/// The characters of a code separated by spaces, for screen readers.
 QString spelledOut(const QString &code);
 
 } // namespace korvel

@@ -56,7 +56,7 @@ void Pairing::showPairWindow(OpenedBy by) {
     if (!window.isVisible())
         renewFailure.reset();
     const PairUpdate now = update();
-    // A window whose news is old goes again at once, silently; it is not even brought up.
+    // Never shows a window that would vanish at once.
     if (now.step != PairUpdate::Step::Vanish)
         window.present(now.step == PairUpdate::Step::Keep ? shown : now.view, by);
     follow(now);
@@ -65,7 +65,7 @@ void Pairing::showPairWindow(OpenedBy by) {
 void Pairing::pairAfterLogin() {
     pairing.pairSawCode = false;
     showPairWindow(OpenedBy::Itself);
-    // A report from before the sign-in may have sent the window away: then it opens by itself with the next one.
+    // A report from before the sign-in may have hidden the window: then the next report opens it automatically.
     pairing.pairAutoShown = window.isVisible();
 }
 

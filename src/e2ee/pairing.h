@@ -14,7 +14,7 @@
 
 namespace korvel {
 
-/// The pairing window: shows this Mac's code and every other situation of its pairing.
+/// The pairing window: shows this Mac's code and every other state of its pairing.
 class Pairing {
 public:
     struct Hooks {
@@ -25,10 +25,10 @@ public:
     Pairing(const E2State &e2ee, PairState &pairing, AgentApi &api, PairPanel &window, Scheduler &scheduler,
             Notices &notices, Poller &poller, Hooks hooks);
 
-    /// Recomputes the window; nothing while it is not on the screen.
+    /// Updates the window if it is on the screen.
     void updatePairWindow();
     void showPairWindow(OpenedBy by);
-    /// Shows the window after a sign-in, when it has no past yet.
+    /// Shows the window after a sign-in, with the pairing state reset.
     void pairAfterLogin();
     bool isVisible() const { return window.isVisible(); }
 
@@ -39,10 +39,10 @@ private:
     PairUpdate update();
     void follow(const PairUpdate &update);
 
-    /// A code could not be renewed.
+    /// A failed renewal of the code.
     struct RenewFailure {
         QString error;
-        QJsonObject report; ///< The one that was shown then: the next one takes the sentence away.
+        QJsonObject report; ///< The report at that time; a different one clears the error.
     };
 
     const E2State &e2ee;

@@ -7,12 +7,12 @@
 
 namespace korvel {
 
-/// What a new report is to put in front of the user.
+/// The prompt that a new report raises.
 struct E2Prompt {
     enum class Kind { None, PairWindow, Approval, Alarm };
     Kind kind = Kind::None;
     QJsonObject subject;         ///< The approval request or alarm.
-    bool announceActive = false; ///< Encryption came on while no window tells it.
+    bool announceActive = false; ///< Encryption became active while the pairing window is hidden.
     bool operator==(const E2Prompt &) const = default;
 };
 
@@ -20,10 +20,10 @@ struct PromptContext {
     bool bound = false;
     bool authDead = false;
     bool pairWindowVisible = false;
-    bool e2Modal = false; ///< An alert is open, whatever it is about: nothing is shown beside it, nor marked as shown.
+    bool e2Modal = false; ///< Any alert is open: no prompt is shown beside it, nor marked as shown.
 };
 
-/// Identity of an approval request: a re-issued one counts as new.
+/// Identity of an approval request. A new attempt counts as a new request.
 QString pendKey(const QJsonObject &request);
 
 /// Chooses the one prompt, if any, that the report in `e2ee` raises, and marks it as shown.

@@ -7,13 +7,13 @@
 
 namespace korvel {
 
-/// Puts what a new report asks for in front of the user, one thing a report.
+/// Shows the prompts that new reports raise, one for each report.
 class Prompts {
 public:
     Prompts(E2State &e, PairState &p, const Alerts &al, Notices &n, Pairing &w, Approval &ap, Alarms &s)
         : e2ee(e), pairState(p), alerts(al), notices(n), pairing(w), approval(ap), alarms(s) {}
 
-    /// The reaction to a report that has just been stored.
+    /// Reacts to a report that has just been stored.
     void e2Prompt(const PairContext &context);
 
 private:

@@ -11,7 +11,7 @@ namespace korvel {
 
 namespace {
 
-/// Six digits, and room for whatever an agent puts between them.
+/// Six digits, and room for separators.
 constexpr qsizetype MAX_CODE = 16;
 
 QJsonObject pairOf(const QJsonObject &e2) { return e2.value(u"pair").toObject(); }

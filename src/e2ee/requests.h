@@ -8,7 +8,7 @@
 
 namespace korvel {
 
-// The answers that the user gives to the agent's encryption machinery, as requests.
+// The user's answers about encryption, as requests to the agent.
 
 AgentRequest pairDeviceRequest(const QString &pendingId, const QString &code); ///< May take the agent a minute.
 AgentRequest rejectDeviceRequest(const QString &pendingId);
@@ -18,8 +18,8 @@ AgentRequest acceptResetRequest();
 AgentRequest installSpeechRequest();
 AgentRequest e2LogoutRequest();
 
-/// Posts one such request, once. `done` gets the agent's reply, or nothing when there is no usable one; without a token
-/// nothing is sent and `done` is called at once.
+/// Sends such a request once. `done` gets the agent's reply, or an error if there is no usable one. Without a token it
+/// sends nothing and calls `done` at once.
 void e2Post(AgentApi &api, const AgentRequest &request, Done<QJsonObject> done);
 
 } // namespace korvel

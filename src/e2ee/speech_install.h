@@ -8,7 +8,7 @@
 
 namespace korvel {
 
-/// Asks the agent to install speech recognition; its report shows the progress.
+/// Requests the installation of speech recognition from the agent, whose report shows the progress.
 class SpeechInstall {
 public:
     SpeechInstall(AgentApi &a, Notices &n) : api(a), notices(n) {}

@@ -12,11 +12,11 @@ namespace korvel {
 namespace {
 
 constexpr int USER_CANCELLED = -128; // AppleScript's error number
-constexpr int OTHER_HASH = 72;       // the script's own
+constexpr int OTHER_HASH = 72;       // of the script, see installScript()
 
 QString quoted(QString path) { return u'\'' + path.replace(u'\'', u"'\\''"_s) + u'\''; }
 
-/// The number in brackets at the end of the error text: the script's status.
+/// The script's exit status: the number in brackets at the end of the error text.
 std::optional<int> innerStatus(const QString &error) {
     static const QRegularExpression NUMBER(u"\\((-?[0-9]+)\\)\\s*$"_s);
     const auto match = NUMBER.match(error);

@@ -5,11 +5,11 @@
 
 namespace korvel {
 
-/// The privileged shell's one line: copies the package into a folder that only it can write, checks the hash of the
-/// copy, installs the copy. Ends with 70 (no folder), 71 (no copy), 72 (another hash) or the installer's status.
+/// The command line of the privileged shell. Copies the package into a folder that only root can write, checks the hash
+/// of the copy and installs the copy. Exit status: 70 (no folder), 71 (no copy), 72 (wrong hash) or the installer's.
 QString installScript(const QString &package, const QString &sha);
 
-/// The run that asks for an administrator's password and then runs the script.
+/// The program run that asks for an administrator's password and then runs the script.
 ProgramRun buildInstall(const QString &package, const UpdateInfo &info);
 
 /// How a privileged run ended.

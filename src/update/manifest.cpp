@@ -12,7 +12,7 @@ namespace korvel {
 
 namespace {
 
-/// Over the whole text: a pattern that ends in "$" would let a line break at the end pass.
+/// Matches the whole text: a pattern that ends in "$" would accept a line break at the end.
 bool matches(const QString &pattern, const QString &text) {
     return QRegularExpression(QRegularExpression::anchoredPattern(pattern)).match(text).hasMatch();
 }

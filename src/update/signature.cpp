@@ -4,7 +4,7 @@ namespace korvel {
 
 namespace {
 
-/// The bytes of a base64 text of whole groups of four; Qt's decoder alone takes one without its padding too.
+/// Decodes base64 that consists of whole groups of four. Qt's decoder also accepts base64 without padding.
 std::optional<QByteArray> fromBase64(const QString &text) {
     if (text.size() % 4 != 0)
         return std::nullopt;

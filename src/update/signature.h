@@ -8,13 +8,13 @@
 
 namespace korvel {
 
-/// The text that the publisher signs: prefix, file, version and hash, a line each, without a line feed at the end.
+/// The text that the publisher signs: prefix, file, version and hash on a line each, without a final line feed.
 QByteArray signedMessage(const QString &prefix, const UpdateInfo &info);
 
-/// By what to check that the publisher of UPDATE_PUBKEY signed this package; none when key or signature is no base64.
+/// The data to verify this package's signature with UPDATE_PUBKEY; none if the key or the signature is not base64.
 std::optional<SignatureProof> updateSignature(const FixedConfig &config, const UpdateInfo &info);
 
-/// Whether the publisher signed this package; an error: nobody knows.
+/// Whether the publisher signed this package. An error means that the check could not run.
 void verifyUpdate(ServerClient &servers, const FixedConfig &config, const UpdateInfo &info, Done<bool> done);
 
 } // namespace korvel

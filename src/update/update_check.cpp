@@ -50,7 +50,7 @@ void UpdateCheck::notChecked(const QString &why, const QString &sentence, bool m
 }
 
 void UpdateCheck::found(const UpdateInfo &info, bool manual) {
-    // Until what was installed takes over, nothing older than that may come after it either.
+    // Until the installed version is running, an older one must not replace it.
     if (!isNewer(info.ver, fixed.VERSION) || !isNewer(info.ver, update.updatedTo)) {
         if (manual)
             notices.showHUD(upToDateNotice(fixed.VERSION));
@@ -76,7 +76,7 @@ void UpdateCheck::refuse(const UpdateInfo &info, bool manual) {
 }
 
 void UpdateCheck::announce(const UpdateInfo &info, bool manual) {
-    // What is being installed stays what the menu shows; the next check finds the newer one again.
+    // The menu keeps showing the version that is being installed; the next check finds the newer one again.
     if (update.updateBusy)
         return;
     update.updateAvail = info;

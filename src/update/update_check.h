@@ -14,16 +14,16 @@
 
 namespace korvel {
 
-/// The request for the manifest at `server` (host:port); none when that makes no web address.
+/// The request for the manifest at `server` (host:port); none without a valid URL.
 std::optional<ServerRequest> buildManifest(const QString &server);
 
-/// Looks for a newer package on the account server and announces one that the publisher signed.
+/// Checks the account server for a newer package and announces it if the publisher signed it.
 class UpdateCheck {
 public:
     UpdateCheck(UpdateState &update, const FixedConfig &fixed, const AgentConfig &config, ServerClient &servers,
                 const Scheduler &scheduler, Notices &notices, Renderer &renderer);
 
-    /// One check; only one that the user asked for (`manual`) speaks of failures.
+    /// Runs one check. Shows failures only if the user requested it (`manual`).
     void checkUpdate(bool manual);
 
 private:

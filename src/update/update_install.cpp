@@ -25,9 +25,9 @@ namespace {
 constexpr milliseconds DOWNLOAD_TIMEOUT = 6h;
 constexpr std::chrono::seconds SLOW_TIMEOUT = 60s;
 constexpr qint64 MAX_PACKAGE_BYTES = Q_INT64_C(4) << 30;
-const QString UNFINISHED = u".part"_s; ///< Never the name of a package, so that no later try trusts it.
+const QString UNFINISHED = u".part"_s; ///< No package name ends so: a partial file is never taken for a package.
 
-/// Whether the package was not even looked at, so that nothing is known of it.
+/// Whether the package could not be checked at all.
 template <class T>
 bool saysNothing(const Result<T> &look) {
     return !look && look.error().kind != ErrorKind::UnreadableResponse;
@@ -41,7 +41,7 @@ std::optional<ServerRequest> buildDownload(const QString &server, const UpdateIn
         return std::nullopt;
     request->slowTimeout = SLOW_TIMEOUT;
     request->redirects = MAX_REDIRECTS;
-    // The size is not signed: it can make the room smaller, not larger.
+    // The size is not signed, so it may lower the limit but not raise it.
     request->maxBytes = info.bytes > 0 ? std::min(info.bytes, MAX_PACKAGE_BYTES) : MAX_PACKAGE_BYTES;
     return request;
 }
@@ -83,7 +83,7 @@ void UpdateInstall::begin(const UpdateInfo &info) {
 bool UpdateInstall::prepareCache(const UpdateInfo &info) const {
     if (!makePrivateFolder(paths.updateDir) || !closeFolder(paths.updateDir))
         return false;
-    // What an interrupted download left, which is never gone on with, and packages that another one has replaced.
+    // Removes superseded packages and partial downloads, which are never resumed.
     for (const QString &left : QDir(paths.updateDir).entryList(QDir::Files | QDir::Hidden | QDir::System))
         if (left != info.file)
             QFile::remove(paths.updateDir + u'/' + left);
@@ -206,7 +206,7 @@ void UpdateInstall::installed(const ProgramResult &result, const UpdateInfo &inf
     }
     log(u"[update] 安装没成(osascript 退出码 %1):%2"_s.arg(result.status)
             .arg(result.launched ? QString::fromUtf8(result.output) : result.launchError));
-    // Only what was signed is handed to the graphical installer too.
+    // The graphical installer gets only the signed package too.
     ifUnchanged(info, [this, info] {
         desktop.openUrl(QUrl::fromLocalFile(cached(info)).toString(QUrl::FullyEncoded));
         end(installerOpenedNotice());

@@ -18,11 +18,11 @@
 
 namespace korvel {
 
-/// The request for a package at `server`; none when that makes no web address.
+/// The request for a package at `server`; none without a valid URL.
 std::optional<ServerRequest> buildDownload(const QString &server, const UpdateInfo &info);
 
-/// Downloads the announced package into the private cache, checks it, and has it installed with an administrator's
-/// rights. What was checked once is checked again at the next step, because the cache belongs to the user.
+/// Downloads the announced package into the private cache, verifies it and installs it with administrator rights. Each
+/// step verifies the package again, because the user's programs can write to the cache.
 class UpdateInstall {
 public:
     UpdateInstall(UpdateState &update, const FixedConfig &fixed, const Paths &paths, const AgentConfig &config,
@@ -30,7 +30,7 @@ public:
                   Poller &poller, Renderer &renderer);
 
     void installUpdate();
-    /// Gives up the administrator's prompt, which has no time limit of its own.
+    /// Cancels the administrator prompt, which has no time limit.
     void cancelInstall();
 
 private:
@@ -59,7 +59,7 @@ private:
     Notices &notices;
     Poller &poller;
     Renderer &renderer;
-    StopToken installer; ///< Of the run that asks for an administrator.
+    StopToken installer; ///< Stops the run that asks for an administrator's password.
     Alive alive;
 };
 

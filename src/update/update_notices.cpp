@@ -19,7 +19,7 @@ QString megabytes(qint64 bytes) { return QString::number(static_cast<double>(byt
 
 QString downloadFailed() { return L(u"下载失败，请稍后重试", u"The download failed. Try again later."); }
 
-/// What a server says with an answer that is no package.
+/// The text of a response that is not a package.
 QString refusalText(int status, const QByteArray &body) {
     if (status == 503 || status == 429)
         return L(u"服务器繁忙，请稍后重试或从官网下载",

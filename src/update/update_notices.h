@@ -5,23 +5,23 @@
 
 namespace korvel {
 
-/// A check that the user asked for found nothing newer than `version`, which runs.
+/// A requested check found nothing newer than the running `version`.
 Notice upToDateNotice(const QString &version);
-/// Such a check failed, for a reason that is known or for none.
+/// A requested check failed. `reason` may be empty.
 Notice notCheckedNotice(const QString &reason = {});
-/// A newer version is offered, but not with the publisher's signature.
+/// A newer version is offered without the publisher's signature.
 Notice unsignedNotice(const QString &version, const QString &website);
 Notice availableNotice(const QString &version);
 
 Notice downloadingNotice(const UpdateInfo &info);
 /// The download ended without a package.
 Notice downloadFailedNotice(const QString &reason = {});
-/// The server gave an answer instead of the package: what it says, where that can be shown.
+/// The server refused the download: shows the text of its response if that is fit to show.
 Notice downloadRefusedNotice(int status, const QByteArray &body, const QString &website);
 Notice notSavedNotice();
-/// The package could not be looked at.
+/// The package could not be checked.
 Notice notVerifiedNotice();
-/// The package is not the one that was announced.
+/// The package differs from the announced one.
 Notice modifiedNotice();
 
 Notice installingNotice(const QString &version);
