@@ -1,5 +1,5 @@
-// Floods the real tray from its agent's port and prints, for each flood, how long its main thread was blocked at the
-// longest and how much memory it took.
+// Floods the real tray from its agent's port. Prints for each flood the longest time that the main thread was blocked
+// and the memory that the tray used.
 
 #include "benchmarks/flood_cases.h"
 #include "benchmarks/main_thread.h"
@@ -56,7 +56,7 @@ public:
     quint16 port() const { return server.serverPort(); }
 
     Flood flood = calm();
-    int polls = 0; ///< Of /health.
+    int polls = 0; ///< Requests to /health.
 
 private:
     void respond(QTcpSocket &socket) {
@@ -70,7 +70,7 @@ private:
     QTcpServer server;
 };
 
-/// Opens the tray's own menu, as a left click on its item does.
+/// Opens the tray's menu, as a left click on its item does.
 void openMenu(const QString &service) {
     QDBusMessage click = QDBusMessage::createMethodCall(service, u"/StatusNotifierItem"_s,
                                                         u"org.kde.StatusNotifierItem"_s, u"Activate"_s);
@@ -97,7 +97,7 @@ void measure(const Flood &flood, FloodingAgent &agent, const QString &tray, cons
         agent.flood = flood;
         const int calmPolls = agent.polls;
         waitUntil([&] { return agent.polls >= calmPolls + 2; }, 20s);
-        openMenu(item); // which also has the permissions fetched
+        openMenu(item); // also fetches the permissions
         waitUntil([&] { return agent.polls >= calmPolls + 4; }, 20s);
         pass(500ms);
         const double peak = static_cast<double>(residentOf(pid).peak - held) / 1024;

@@ -8,7 +8,7 @@ namespace korvel::bench {
 
 namespace {
 
-/// Room for what stands around a text in a response of the longest length.
+/// Room for the JSON around a text in a response of maximum length.
 constexpr qsizetype AROUND = 1024;
 constexpr qsizetype FITS = MAX_RESPONSE - AROUND, TOO_LONG = 8'000'000;
 const QByteArray NO_PERMS = R"({"ok":true})";
@@ -21,7 +21,7 @@ QByteArray list(const QByteArray &element, qsizetype count) {
     return '[' + (element + ',').repeated(count - 1) + element + ']';
 }
 
-/// As many entries of both lists together.
+/// A flood with `count` entries, half of them in each list.
 Flood entries(const QString &what, const QByteArray &entry, qsizetype count) {
     const QByteArray half = list(entry, count / 2);
     return {u"%1 %2 entries"_s.arg(count).arg(what),
@@ -30,7 +30,7 @@ Flood entries(const QString &what, const QByteArray &entry, qsizetype count) {
 
 struct TextField {
     const char *name;
-    QByteArray before, after; ///< Of the text in the response.
+    QByteArray before, after; ///< The JSON around the text.
     bool isOfPerms = false;
 };
 

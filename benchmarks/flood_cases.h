@@ -6,18 +6,18 @@
 
 namespace korvel::bench {
 
-/// What an agent floods the tray with.
+/// The responses that an agent floods the tray with.
 struct Flood {
     QString name;
     QByteArray health; ///< Response to /health.
     QByteArray perms;  ///< Response to /perms.
 };
 
-/// Reports of 1,000 to 1,000,000 entries, texts of 8 MB and of just under the limit of a response in each text field,
-/// and the nesting that costs a parser most.
+/// Reports of 1,000 to 1,000,000 entries; in each text field a text of 8 MB and one of just under the response limit;
+/// and the nesting that is most expensive to parse.
 QList<Flood> floods();
 
-/// What a tray is shown before: nothing unusual.
+/// The ordinary responses before a flood.
 Flood calm();
 
 } // namespace korvel::bench

@@ -1,5 +1,5 @@
-// The least that a tray program can cost: an icon with a menu of three entries, and a request every 3 s over one
-// kept-open connection whose answer nobody looks at.
+// A minimal tray program, the baseline for the tray's cost: an icon with a menu of three entries, and a request every
+// 3 s over one kept-alive connection, whose response it ignores.
 
 #include <QApplication>
 #include <QMenu>

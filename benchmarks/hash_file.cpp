@@ -1,4 +1,4 @@
-// Hashes a file as the update does before it installs one: korvel-hash FILE prints the digest.
+// korvel-hash FILE prints the digest of a file, computed as an update does before it installs a package.
 
 #include "exchange/sha256.h"
 

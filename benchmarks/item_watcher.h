@@ -5,7 +5,7 @@
 
 namespace korvel::bench {
 
-/// The session bus's StatusNotifierWatcher, as a panel has it, that only takes notice of items that register.
+/// A minimal StatusNotifierWatcher on the session bus that only reports the registration of items.
 class ItemWatcher final : public QObject {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierWatcher")
@@ -15,7 +15,7 @@ public:
     /// Called when an item registers.
     std::function<void()> registered;
 
-    /// Takes the name on the session bus; false when another one has it.
+    /// Takes the name on the session bus; false if it is taken.
     bool start();
     bool hasHost() const { return true; }
 

@@ -7,15 +7,16 @@
 
 namespace korvel::bench {
 
-/// The name on the session bus under which a process has its item in the panel; empty while it has none.
+/// The bus name of a process's panel item; empty while it has none.
 QString itemService(qint64 pid);
 
-/// Asks the item in the panel of a tray for its name, over and over, from its making on: the main thread answers.
+/// Requests the name of a tray's panel item over D-Bus, repeatedly from construction on. The tray's main thread
+/// responds.
 class MainThread {
 public:
     MainThread(qint64 p, QString s) : pid(p), service(std::move(s)) { ask(); }
 
-    /// The longest time, in milliseconds, that the main thread was busy before it came to such a call.
+    /// The longest time, in milliseconds, that the main thread was busy before it handled such a call.
     double longestBlock() const { return static_cast<double>(longest) / 1e6; }
 
 private:
@@ -23,7 +24,7 @@ private:
 
     const qint64 pid;
     const QString service;
-    qint64 longest = 0; ///< Nanoseconds on a processor: what others do on this machine does not count.
+    qint64 longest = 0; ///< Nanoseconds of CPU time, so that the load of other processes does not count.
     std::unique_ptr<QObject> call = std::make_unique<QObject>();
 };
 

@@ -16,7 +16,7 @@ QByteArray content(const QString &path) {
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-/// The number behind a name in a file of such lines.
+/// The number after `name` in a text of lines "name number".
 qint64 valueOf(const QByteArray &text, const QByteArray &name) {
     for (const QByteArray &line : text.split('\n'))
         if (line.startsWith(name))
@@ -30,7 +30,7 @@ Used usedBy(qint64 pid) {
     Used used;
     clockid_t clock{};
     timespec time{};
-    // The process's own clock: it also holds what threads used that have ended.
+    // The process's CPU clock includes the time of threads that have ended.
     if (::clock_getcpuclockid(static_cast<pid_t>(pid), &clock) == 0 && ::clock_gettime(clock, &time) == 0)
         used.cpuMs = static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
     const QDir threads(u"/proc/%1/task"_s.arg(pid));

@@ -1,4 +1,4 @@
-// What the rules cost that run at every poll, by the number of devices and alarms in the report.
+// Measures the rules that run at every poll, by the number of devices and alarms in the report.
 
 #include "app/model/deployment.h"
 #include "app/model/situation.h"
@@ -17,7 +17,7 @@ namespace {
 
 constexpr Instant NOW = Instant(1h);
 
-/// Made once: each benchmark is begun several times.
+/// Computed once, because each benchmark is started several times.
 const QJsonObject &answerOf(int devices) {
     static QMap<int, QJsonObject> made;
     if (!made.contains(devices))
@@ -25,7 +25,7 @@ const QJsonObject &answerOf(int devices) {
     return *made.constFind(devices);
 }
 
-/// A tray's state after an answer of that length.
+/// A tray's state after a response with that many devices.
 struct Bench {
     explicit Bench(int devices) : answer(answerOf(devices)) {
         applyHealth(state, answer, {.now = NOW, .bound = true, .username = u"ann"_s});

@@ -1,5 +1,4 @@
-// The work of one health tick, from the agent's text to icon and menu, over and over, to be counted by callgrind:
-// tick COUNT.
+// tick COUNT runs the work of a health tick, from the agent's text to icon and menu, COUNT times. For callgrind.
 
 #include "app/model/deployment.h"
 #include "app/model/situation.h"
@@ -17,7 +16,7 @@ using namespace Qt::StringLiterals;
 
 namespace korvel::bench {
 
-/// One tick. Not inlined, so that callgrind knows it by its name.
+/// One tick. Not inlined, so that callgrind lists it by name.
 [[gnu::noinline]] void tick(const QByteArray &text, TrayState &state, const FixedConfig &config, MenuWidget &menu) {
     const Instant now = Instant(1h);
     const QJsonObject answer = QJsonDocument::fromJson(text).object();
@@ -44,7 +43,7 @@ int main(int argc, char **argv) {
     const QByteArray text = bench::healthText(1);
     TrayState state;
     MenuWidget menu(MenuHost::Program, [](const MenuEntry &) {});
-    bench::tick(text, state, config, menu); // what happens once
+    bench::tick(text, state, config, menu); // one-time work
     for (int i = 0; i < count; ++i)
         bench::tick(text, state, config, menu);
     return 0;

@@ -1,4 +1,4 @@
-// Starts the tray and the floor in turns against the same agent and prints what each costs.
+// Starts the tray and the floor in turns against the same agent and prints the cost of each.
 
 #include "benchmarks/item_watcher.h"
 #include "benchmarks/process_cost.h"
@@ -26,10 +26,10 @@ using std::chrono::milliseconds;
 
 namespace {
 
-/// What a program holds at one moment, over its runs, in MiB.
+/// The memory of a program at one moment, in MiB; one value for each run.
 struct Memory {
     QList<double> pss, privateDirty;
-    int sharers = 0; ///< The most that there were.
+    int sharers = 0; ///< The maximum over the runs.
 
     void look(qint64 pid) {
         const Held held = heldBy(pid);
@@ -59,7 +59,7 @@ double median(QList<double> values) {
     return values.isEmpty() ? 0 : values.at(values.size() / 2);
 }
 
-/// A run of a program, from its start on.
+/// A run of a program from its start on.
 class Run {
 public:
     Run(Program &program, ItemWatcher &watcher) {
@@ -96,7 +96,7 @@ private:
 
 /// The tray's first check for updates comes 20 s after its start.
 constexpr milliseconds BEFORE_CHECK = 19s, PAST_CHECK = 11s;
-/// The threads of the launch and of that check wait 30 s for more work before they end.
+/// The threads of the launch and of that check end after 30 s without work.
 constexpr milliseconds UNTIL_IDLE = 30s;
 
 void measureMemory(Program &program, const Run &run) {
@@ -126,7 +126,7 @@ void print(const char *figure, const QList<double> &tray, const QList<double> &f
                     : "");
 }
 
-/// The share of Qt's pages says nothing about either program while others hold them too.
+/// The share of Qt's pages is not comparable while other programs hold them too.
 void printMemory(const char *after, const Memory &tray, const Memory &floor) {
     const int sharers = std::max(tray.sharers, floor.sharers);
     print(qPrintable(u"PSS after %1, MiB"_s.arg(QLatin1StringView(after))), tray.pss, floor.pss,
@@ -137,7 +137,7 @@ void printMemory(const char *after, const Memory &tray, const Memory &floor) {
         std::printf("PSS is not judged: %d other programs hold Qt's widgets\n", sharers);
 }
 
-/// What a desktop's theme adds to both programs, which no program can help.
+/// Measures both programs with a desktop's theme plug-in, whose cost no Qt program can avoid.
 void measureWithTheme(Program tray, Program floor, ItemWatcher &watcher, int starts) {
     if (!QFileInfo::exists(QLibraryInfo::path(QLibraryInfo::PluginsPath) + u"/platformthemes/libqgtk3.so"_s)) {
         std::printf("with a desktop theme: not measured, its plugin is not installed\n");

@@ -1,12 +1,12 @@
-# Build-time deployment data: everything that an operator of the service decides.
+# Build-time deployment data: everything that the operator of the service decides.
 #
-# The defaults are reserved example names (RFC 2606), documentation addresses (RFC 5737) and a published key, so that a
-# development build can reach nobody's servers. Nothing with one of them is packed but a trial. A shipped build sets them
-# on the CMake command line, e.g.
+# The defaults are reserved example names (RFC 2606), documentation addresses (RFC 5737) and a published key, so a
+# development build cannot reach anyone's servers. cpack accepts these defaults only for a trial. A release sets all of
+# them on the CMake command line, e.g.
 #   cmake --preset release -DKORVEL_CN_SERVER=relay.example.cn:443 -DKORVEL_UPDATE_PUBKEY=...
-# Servers are written "host:port", in lower case.
+# Servers have the form "host:port", in lower case.
 
-# RFC 8032, section 7.1, test 1: everybody knows its private half.
+# RFC 8032, section 7.1, test 1. Its private key is public.
 set(published_key "11qYAYKxCrfVS/7TyWQHOg7hcvPapiMlrwIaaPcHURo=")
 
 set(KORVEL_VERSION "0.1.0" CACHE STRING "Version of the package, MAJOR.MINOR.PATCH")
@@ -26,9 +26,9 @@ if(NOT KORVEL_EDITION MATCHES "^(cn|intl)$")
     message(FATAL_ERROR "KORVEL_EDITION is '${KORVEL_EDITION}'; it must be cn or intl")
 endif()
 
-set(KORVEL_PLACEHOLDERS "") # what no release may hold
+set(KORVEL_PLACEHOLDERS "") # the variables with example values, which a release must not contain
 
-# 32 bytes are 42 characters of six bits and one of four, then the padding.
+# 32 bytes are 42 characters of six bits, one character of four bits and the padding.
 string(LENGTH "${KORVEL_UPDATE_PUBKEY}" length)
 if(NOT length EQUAL 44 OR NOT KORVEL_UPDATE_PUBKEY MATCHES "^[A-Za-z0-9+/]+[AEIMQUYcgkosw048]=$")
     message(FATAL_ERROR "KORVEL_UPDATE_PUBKEY is '${KORVEL_UPDATE_PUBKEY}'; it must be base64 of 32 bytes")

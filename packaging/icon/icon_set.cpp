@@ -15,8 +15,8 @@ struct Member {
     int side;         ///< In pixels.
 };
 
-// Each size in points, and again with two pixels a point. The two smallest ones exist only for the latter: their other
-// types hold no PNG.
+// Each size with one and with two pixels a point. The two smallest exist only with two: their types for one pixel a
+// point cannot hold a PNG.
 constexpr Member MEMBERS[] = {{"ic11", 32},  {"ic12", 64},  {"ic07", 128}, {"ic13", 256},
                               {"ic08", 256}, {"ic14", 512}, {"ic09", 512}, {"ic10", 1024}};
 

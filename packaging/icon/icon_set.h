@@ -4,9 +4,8 @@
 
 namespace korvel {
 
-/// The application's icon in all sizes as one file for a bundle: the letters "icns" and the file's length, then for
-/// each picture four letters that tell its size, the length of its part and a PNG; lengths count these eight bytes and
-/// stand with their most significant byte first.
+/// The application's icon in all sizes, as an icns file: the letters "icns" and the file's length, then for each image
+/// a four-letter type, the length of its block and a PNG. Lengths are big-endian and include these eight bytes.
 QByteArray iconSet();
 
 } // namespace korvel

@@ -1,4 +1,4 @@
-// Writes the icon of the bundle to the file named on the command line, for the build.
+// Writes the bundle's icon to the file named on the command line. Run by the build.
 
 #include "icon/icon_set.h"
 

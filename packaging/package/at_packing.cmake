@@ -1,4 +1,4 @@
-# Read by cpack before it packs.
+# Read by cpack before packing.
 if(NOT CPACK_KORVEL_AGENT_PROGRAM)
     message(FATAL_ERROR "A package needs the agent: configure with -DKORVEL_AGENT_PROGRAM=FILE")
 endif()

@@ -1,5 +1,5 @@
-# Puts Qt, and the libraries that are no part of macOS, into the bundle APP, with the program MACDEPLOYQT. That goes on
-# after an error, and tells of it by what it prints alone.
+# Copies Qt, and the libraries that are not part of macOS, into the bundle APP, with the program MACDEPLOYQT.
+# macdeployqt continues after an error and reports it only in its output.
 file(REAL_PATH "${APP}" app)
 file(GLOB helpers "${app}/Contents/Helpers/*")
 list(TRANSFORM helpers PREPEND "-executable=")

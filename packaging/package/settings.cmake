@@ -1,5 +1,5 @@
-# The installer package, made by cpack: for the macOS installer on macOS, elsewhere an archive of the same bundle, made in
-# the same steps.
+# The package that cpack makes: an installer package on macOS, elsewhere an archive of the same bundle, made in the same
+# steps.
 
 include(${CMAKE_CURRENT_LIST_DIR}/name.cmake)
 set(CPACK_PACKAGE_NAME Korvel)
@@ -35,12 +35,12 @@ endif()
 
 set(CPACK_GENERATOR productbuild)
 set(CPACK_PRODUCTBUILD_IDENTIFIER dev.korvel.tray)
-set(CPACK_PRODUCTBUILD_DOMAINS ON) # or each package asks for an administrator by an attribute of old
+set(CPACK_PRODUCTBUILD_DOMAINS ON) # otherwise a deprecated attribute of each package requests an administrator
 set(CPACK_POSTFLIGHT_TRAY_SCRIPT ${CMAKE_CURRENT_LIST_DIR}/postinstall)
-# cpack takes its template CPack.distribution.dist.in from here first. Its own leaves out the processors: the installer
-# would run everything under Rosetta then, and refuse where there is none.
+# cpack looks for its template CPack.distribution.dist.in here first. Its own template does not name the processors: the
+# installer would then run everything under Rosetta, and refuse to install without it.
 set(CPACK_MODULE_PATH ${CMAKE_CURRENT_LIST_DIR})
-# The installer takes texts by the ending of their file's name, and shows CMake's own where there is none.
+# The installer chooses the format of a text by its file extension. CMake's own texts are shown where none is set.
 foreach(text IN ITEMS welcome readme)
     string(TOUPPER ${text} upper)
     set(CPACK_RESOURCE_FILE_${upper} ${CMAKE_CURRENT_LIST_DIR}/${text}.txt)

@@ -1,4 +1,4 @@
-# Run by cpack between installing the bundle into its own folder and packing it.
+# Run by cpack after staging the bundle and before packing it.
 set(app "${CPACK_TEMPORARY_DIRECTORY}/tray${CPACK_PACKAGING_INSTALL_PREFIX}/Korvel.app")
 if(NOT EXISTS "${app}/Contents/Info.plist")
     message(FATAL_ERROR "No bundle at ${app}")

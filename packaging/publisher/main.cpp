@@ -1,4 +1,4 @@
-// korvel-publish: makes the publisher's key, signs packages into a manifest, and looks at one as a tray does.
+// korvel-publish: makes the publisher's key, signs packages into a manifest, and verifies a manifest as a tray does.
 
 #include "publisher/manifest_file.h"
 #include "publisher/release.h"
@@ -42,8 +42,8 @@ int complain(int status, const QString &text) {
     return status;
 }
 
-/// The files that a command names, from `fewest` to `most`, once the options that it takes are read; none, after a
-/// complaint, when the command line is wrong.
+/// Parses the options of a command and returns its files, from `fewest` to `most`. Prints the error and returns none if
+/// the command line is wrong.
 std::optional<QStringList> filesOf(QCommandLineParser &parser, const QStringList &arguments,
                                    const QStringList &required, qsizetype fewest, qsizetype most) {
     QString wrong = parser.parse(arguments) ? QString() : parser.errorText();

@@ -22,7 +22,7 @@ Error refused(const QString &detail) { return {ErrorKind::InvalidRequest, detail
 
 QString platformOf(const QString &file) { return editionOf(file) == u"cn" ? CN_PLATFORM : INTL_PLATFORM; }
 
-/// What is wrong with the form of name, version or hash, each tried beside two that are right.
+/// Describes the malformed one of name, version and hash; empty if none is. Checks each beside two valid values.
 QString formRefusal(const UpdateInfo &info) {
     const UpdateInfo right{.ver = u"0"_s, .file = u"a.pkg"_s, .sha = QString(64, u'0')};
     UpdateInfo name = right, version = right, hash = right;

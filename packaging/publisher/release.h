@@ -11,34 +11,34 @@
 
 namespace korvel {
 
-/// A tray as far as updates go: its edition ("cn" or "intl"), the public key that it holds and the version that runs.
+/// The configuration of a tray that matters for updates: edition ("cn" or "intl"), public key and installed version.
 FixedConfig trayWith(const QString &edition, const QString &publicKey, const QString &installed);
 
-/// The edition that a package is for, by its name.
+/// The edition of a package, by its file name.
 QString editionOf(const QString &file);
 
-/// The signature of a package as the manifest has it.
+/// The signature of a package in the manifest's form.
 QString signatureOf(const SigningKey &key, const UpdateInfo &info);
 
-/// A package as an object of the manifest's `packages`.
+/// A package as an entry of the manifest's `packages`.
 QJsonObject entryOf(const UpdateInfo &info);
 
-/// A package file with its name, size and hash, signed as that version. The error's detail says why there is none.
+/// Describes a package file by name, size and hash, and signs it as `version`. The error's detail gives the reason.
 Result<UpdateInfo> signedPackage(const SigningKey &key, const QString &version, const QString &path);
 
-/// A manifest with that package in it: in place of the one that its edition would take now, if that is an older one,
-/// or else at the end. All else stays. The error's detail says why not: a version that is not newer, or a package that
-/// trays with `publicKey` would not take.
+/// The manifest with the package added: it replaces the older package that its edition takes, or is appended. Keeps all
+/// other content. Fails if the version is not newer, or if trays with `publicKey` would refuse the package; the error's
+/// detail gives the reason.
 Result<QJsonObject> withPackage(const QJsonObject &manifest, const UpdateInfo &info, const QString &publicKey);
 
-/// What a tray makes of a manifest.
+/// A tray's decision about a manifest.
 struct Verdict {
-    std::optional<UpdateInfo> package = {}; ///< The one that it looks at.
-    QString refusal = {};                   ///< Why it does not offer it; empty when it does.
+    std::optional<UpdateInfo> package = {}; ///< The package for its edition.
+    QString refusal = {};                   ///< Why it does not offer the package; empty if it does.
 };
 Verdict judge(const FixedConfig &tray, const QByteArray &manifest);
 
-/// Why a tray that was offered this package would not install that file; empty when it would.
+/// Why a tray that offers this package would not install the file; empty if it would.
 QString fileRefusal(const UpdateInfo &info, const QString &path);
 
 } // namespace korvel
