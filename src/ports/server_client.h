@@ -21,7 +21,7 @@ struct ServerRequest {
     QList<std::pair<QByteArray, QByteArray>> headers = {};
     QByteArray body = {};
     std::chrono::milliseconds timeout{0}; ///< Hard deadline for the whole exchange.
-    qint64 maxBytes = 512 << 10;          ///< Larger responses, headers included, are rejected.
+    qint64 maxBytes = MAX_RESPONSE;       ///< Larger responses, headers included, are rejected.
     std::chrono::seconds slowTimeout{0};  ///< Fails if the rate stays below 1 KiB/s for this long; 0: no limit.
     int redirects = 0; ///< Maximum number of redirects, HTTPS only. Only for a GET without credentials.
 
