@@ -35,7 +35,7 @@ inline const QString CONNECTED = u"● Connected · ann · 0 sessions"_s;
 /// A TrayApp on real sockets, processes and files, in a home of its own whose agent is simulated. Its clock runs
 /// `speed` times as fast as the one on the wall, so that a test does not wait; time limits of programs and requests
 /// stay real.
-struct Journey : ::testing::Test {
+struct Journey : ::testing::Test, FakeScreen {
     explicit Journey(int speed = 5);
     ~Journey() override;
 
@@ -50,12 +50,6 @@ struct Journey : ::testing::Test {
     LoopbackHttpClient http;
     ExchangeClient servers{programs, scheduler, exchangeProgram()};
     Launchctl services;
-    FakeDesktop desktop;
-    FakeItem item;
-    FakeNotices notices;
-    FakeAlerts alerts;
-    FakePairPanel pairPanel;
-    FakeLoginPanel loginPanel;
     QString bundle; ///< The tray's own bundle; empty: none, and the agent's program is named by the environment.
     std::unique_ptr<TrayApp> tray;
 

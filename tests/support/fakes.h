@@ -334,4 +334,14 @@ public:
     std::function<void()> click;
 };
 
+/// Everything that the tray shows to the user and the user does in it.
+struct FakeScreen {
+    FakeDesktop desktop;
+    FakeItem item;
+    FakeNotices notices;
+    FakeAlerts alerts;
+    FakePairPanel pairPanel;
+    FakeLoginPanel loginPanel;
+};
+
 } // namespace korvel::test

@@ -14,18 +14,12 @@ inline const QByteArray OFFLINE = R"({"ok":true,"online":false,"account":"ann"})
 inline const QByteArray SIGNED_OUT = R"({"ok":true,"online":false,"account":"ann","authDead":true})";
 
 /// A whole TrayApp on scripted ports and a virtual clock.
-struct TrayFixture : ::testing::Test {
+struct TrayFixture : ::testing::Test, FakeScreen {
     TestHome home;
     ManualScheduler scheduler;
     FakeHttp http;
     FakeServices services;
     FakePrograms programs;
-    FakeDesktop desktop;
-    FakeItem item;
-    FakeNotices notices;
-    FakeAlerts alerts;
-    FakePairPanel pairPanel;
-    FakeLoginPanel loginPanel;
     LoginPanel *shownLogin = &loginPanel;
     std::unique_ptr<TrayApp> tray;
 
