@@ -11,9 +11,6 @@
 #include "service/agent_api.h"
 #include "service/agent_control.h"
 
-#include <functional>
-#include <optional>
-
 namespace korvel {
 
 AgentRequest authStartRequest(const QString &device);

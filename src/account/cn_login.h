@@ -11,7 +11,6 @@
 #include "service/agent_command.h"
 #include "service/agent_config.h"
 
-#include <functional>
 #include <optional>
 
 namespace korvel {

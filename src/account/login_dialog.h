@@ -10,7 +10,6 @@
 #include "ports/notices.h"
 #include "service/agent_config.h"
 
-#include <functional>
 #include <optional>
 
 namespace korvel {

@@ -13,8 +13,6 @@
 #include "service/agent_api.h"
 #include "service/config_waiter.h"
 
-#include <functional>
-
 namespace korvel {
 
 AlertView signOutAlert();

@@ -6,7 +6,7 @@
 
 namespace korvel {
 
-/// The kind of failure. Callers switch on it; the detail is for the log.
+/// The kind of failure. Callers switch on it. The detail is for the log, or for the user where the operation says so.
 enum class ErrorKind {
     Dropped,            ///< The operation was discarded before it completed.
     InvalidRequest,     ///< The request could not be built, or is not allowed.
@@ -19,7 +19,7 @@ enum class ErrorKind {
     TooLarge,           ///< The response exceeds its size limit.
     NotSaved,           ///< The response could not be written to its file.
     UnreadableResponse, ///< The response is malformed or unexpected.
-    Refused,            ///< The other side refuses; the detail is its sentence, for the user.
+    Refused,            ///< The other side declined the request.
 };
 
 struct Error {

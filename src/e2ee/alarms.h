@@ -8,7 +8,6 @@
 #include "service/agent_api.h"
 
 #include <QJsonObject>
-#include <functional>
 
 namespace korvel {
 

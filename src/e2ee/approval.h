@@ -8,9 +8,6 @@
 #include "ports/poller.h"
 #include "service/agent_api.h"
 
-#include <functional>
-#include <optional>
-
 namespace korvel {
 
 /// The alert that asks for the code of a new device. `error`, of a failed attempt, stands above the usual text.

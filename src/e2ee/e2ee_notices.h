@@ -4,7 +4,6 @@
 #include "ui/views/notice_view.h"
 
 #include <QJsonObject>
-#include <optional>
 
 namespace korvel {
 
@@ -14,7 +13,7 @@ Notice encryptedNotice();
 Notice verifyingNotice();
 Notice allowedNotice(const QString &device);
 Notice deniedNotice(const QString &device);
-/// `reply` says why the device was not approved; none if there was no reply.
+/// `reply` says why the device was not approved, unless there was none.
 Notice notAdmittedNotice(const Result<QJsonObject> &reply);
 
 /// Shown if the user did not start an encryption reset.

@@ -3,8 +3,6 @@
 #include "service/agent_api.h"
 
 #include <QJsonObject>
-#include <functional>
-#include <optional>
 
 namespace korvel {
 

@@ -4,8 +4,6 @@
 #include "ports/notices.h"
 #include "service/agent_api.h"
 
-#include <functional>
-
 namespace korvel {
 
 /// Requests the installation of speech recognition from the agent, whose report shows the progress.

@@ -29,7 +29,7 @@ Result<QJsonObject> parseAgentReply(const HttpReply &reply, Keep keep) {
     return keep ? keep(document.object()) : document.object();
 }
 
-Result<QJsonObject> AgentApi::hear(const std::shared_ptr<Received> &last, Keep keep, HttpReply reply) {
+Result<QJsonObject> AgentApi::parse(const std::shared_ptr<Received> &last, Keep keep, HttpReply reply) {
     if (last && !reply.body.isEmpty() && last->body == reply.body)
         return last->object;
     const Result<QJsonObject> answer = parseAgentReply(reply, keep);
@@ -38,7 +38,7 @@ Result<QJsonObject> AgentApi::hear(const std::shared_ptr<Received> &last, Keep k
     return answer;
 }
 
-std::shared_ptr<AgentApi::Received> AgentApi::lastAnswerTo(const AgentRequest &request) {
+std::shared_ptr<AgentApi::Received> AgentApi::lastResponseTo(const AgentRequest &request) {
     if (!request.repeats)
         return nullptr;
     std::shared_ptr<Received> &last = received[request.path];
@@ -48,9 +48,9 @@ std::shared_ptr<AgentApi::Received> AgentApi::lastAnswerTo(const AgentRequest &r
 }
 
 void AgentApi::send(const AgentRequest &request, Done<QJsonObject> done) {
-    auto received = [done = std::move(done), last = lastAnswerTo(request),
+    auto received = [done = std::move(done), last = lastResponseTo(request),
                      keep = request.keep](Result<HttpReply> reply) mutable {
-        done(reply ? hear(last, keep, std::move(reply.value())) : Result<QJsonObject>(reply.error()));
+        done(reply ? parse(last, keep, std::move(reply.value())) : Result<QJsonObject>(reply.error()));
     };
     http.send(buildAgentRequest(fixed.AGENT_LOCAL, token(), request), Done<HttpReply>(std::move(received)));
 }

@@ -48,8 +48,8 @@ private:
         QByteArray body; ///< Empty until the first response.
         QJsonObject object;
     };
-    static Result<QJsonObject> hear(const std::shared_ptr<Received> &last, Keep keep, HttpReply reply);
-    std::shared_ptr<Received> lastAnswerTo(const AgentRequest &request);
+    static Result<QJsonObject> parse(const std::shared_ptr<Received> &last, Keep keep, HttpReply reply);
+    std::shared_ptr<Received> lastResponseTo(const AgentRequest &request);
     QString token() const { return cfgText(config.readCfg(), u"localToken"); }
 
     HttpClient &http;

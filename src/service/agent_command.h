@@ -8,7 +8,6 @@
 #include <QJsonObject>
 #include <QString>
 #include <QStringList>
-#include <functional>
 #include <optional>
 
 namespace korvel {
@@ -31,8 +30,7 @@ public:
     std::optional<QString> bundledAgent() const;
     /// The agent program for command-line calls: the bundled one, else the override; none without either.
     std::optional<AgentLocation> agentForCLI() const;
-    /// Runs the agent's sign-in command with `request` as its input. Calls `done` on the main thread with the reply, or
-    /// with none on failure.
+    /// Runs the agent's sign-in command with `request` as its input. Calls `done` on the main thread.
     void runAgentJson(const QJsonObject &request, Done<QJsonObject> done, milliseconds timeout = 60s);
 
 private:
@@ -46,7 +44,7 @@ private:
 /// Builds the program run of the sign-in command with `request` as its input.
 ProgramRun buildAgentJson(const AgentLocation &agent, const QJsonObject &request, milliseconds timeout);
 
-/// Parses the agent's output: the last line that starts with "{"; none if that is not a JSON object.
+/// Parses the agent's output: the last line that starts with "{"; an error if that is not a JSON object.
 Result<QJsonObject> parseAgentJson(const QByteArray &output);
 
 } // namespace korvel

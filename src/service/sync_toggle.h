@@ -11,7 +11,6 @@
 #include "service/repair.h"
 
 #include <functional>
-#include <optional>
 
 namespace korvel {
 

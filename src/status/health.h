@@ -4,7 +4,6 @@
 #include "base/result.h"
 
 #include <QJsonObject>
-#include <optional>
 
 namespace korvel {
 
@@ -31,7 +30,7 @@ QJsonObject boundedHealth(const QJsonObject &response);
 /// The response, if it is a JSON object whose "ok" is true. Any other response counts as missing.
 Result<QJsonObject> healthAnswer(const Result<QJsonObject> &reply);
 
-/// Applies a response (none: the agent did not respond) to `state`.
+/// Applies a response to `state`. An error counts as no response.
 HealthEffects applyHealth(TrayState &state, const Result<QJsonObject> &answer, const HealthContext &context);
 
 } // namespace korvel

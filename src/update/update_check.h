@@ -9,7 +9,6 @@
 #include "ports/server_client.h"
 #include "service/agent_config.h"
 
-#include <functional>
 #include <optional>
 
 namespace korvel {
