@@ -23,31 +23,31 @@ bool applySignIn(HealthState &health, bool dead, bool accountGone) {
     return tell;
 }
 
-HealthEffects applyAnswer(TrayState &state, const QJsonObject &answer, const HealthContext &context) {
+HealthEffects applyResponse(TrayState &state, const QJsonObject &response, const HealthContext &context) {
     HealthState &health = state.health;
     HealthEffects effects;
     if (!health.running)
         outdateLooks(health);
     health.running = true;
     health.jobLoaded = true;
-    health.online = answer.value(u"online").toBool();
+    health.online = response.value(u"online").toBool();
     if (health.online)
         health.connectingSince.reset();
     else if (!health.connectingSince)
         health.connectingSince = context.now;
-    const QString ver = answer.value(u"ver").toString();
+    const QString ver = response.value(u"ver").toString();
     if (const qsizetype slash = ver.lastIndexOf(u'/'); slash >= 0)
         health.agentVer = ver.sliced(slash + 1);
-    health.sessions = answer.value(u"sessions").toInteger();
-    health.account = answer.value(u"account").toString(context.username);
+    health.sessions = response.value(u"sessions").toInteger();
+    health.account = response.value(u"account").toString(context.username);
 
-    const bool dead = answer.value(u"authDead").toBool() && context.bound;
-    if (applySignIn(health, dead, answer.value(u"accountGone").toBool()))
+    const bool dead = response.value(u"authDead").toBool() && context.bound;
+    if (applySignIn(health, dead, response.value(u"accountGone").toBool()))
         effects.notice = health.accountGone ? HealthEffects::Notice::AccountDeleted : HealthEffects::Notice::SignedOut;
 
-    state.e2ee.e2 = answer.value(u"e2ee").toObject();
+    state.e2ee.e2 = response.value(u"e2ee").toObject();
     effects.reactToReport = true;
-    applyPermSummary(state.permissions, answer.value(u"perms").toObject());
+    applyPermSummary(state.permissions, response.value(u"perms").toObject());
     const auto &fetchedAt = state.permissions.permsFetchedAt;
     effects.fetchPerms = !fetchedAt || context.now - *fetchedAt > PERMISSION_FETCH_INTERVAL;
     return effects;
@@ -86,12 +86,12 @@ QJsonObject boundedHealth(const QJsonObject &response) {
     return kept;
 }
 
-Result<QJsonObject> healthAnswer(const Result<QJsonObject> &reply) {
+Result<QJsonObject> healthResponse(const Result<QJsonObject> &reply) {
     return !reply || agentOk(reply) ? reply : Error{ErrorKind::Refused, {}};
 }
 
-HealthEffects applyHealth(TrayState &state, const Result<QJsonObject> &answer, const HealthContext &context) {
-    return answer ? applyAnswer(state, answer.value(), context) : applySilence(state, context);
+HealthEffects applyHealth(TrayState &state, const Result<QJsonObject> &response, const HealthContext &context) {
+    return response ? applyResponse(state, response.value(), context) : applySilence(state, context);
 }
 
 } // namespace korvel

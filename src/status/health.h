@@ -28,9 +28,9 @@ struct HealthEffects {
 QJsonObject boundedHealth(const QJsonObject &response);
 
 /// The response, if it is a JSON object whose "ok" is true. Any other response counts as missing.
-Result<QJsonObject> healthAnswer(const Result<QJsonObject> &reply);
+Result<QJsonObject> healthResponse(const Result<QJsonObject> &reply);
 
 /// Applies a response to `state`. An error counts as no response.
-HealthEffects applyHealth(TrayState &state, const Result<QJsonObject> &answer, const HealthContext &context);
+HealthEffects applyHealth(TrayState &state, const Result<QJsonObject> &response, const HealthContext &context);
 
 } // namespace korvel

@@ -56,7 +56,7 @@ void HealthPoll::received(quint64 generation, const Result<QJsonObject> &reply, 
         return follow({}, then);
     applied = generation;
     const QJsonObject cfg = config.readCfg();
-    follow(applyHealth(state, healthAnswer(reply),
+    follow(applyHealth(state, healthResponse(reply),
                        {.now = scheduler.now(), .bound = bound(cfg), .username = cfgText(cfg, u"username")}),
            then);
 }

@@ -180,10 +180,10 @@ TEST_F(HealthPollTest, ALateAnswerDoesNotUndoANewerOne) {
 }
 
 TEST(HealthRules, AnObjectWhoseOkIsTrueIsAnAnswerAndNothingElse) {
-    EXPECT_TRUE(healthAnswer(object(R"({"ok":true})")));
+    EXPECT_TRUE(healthResponse(object(R"({"ok":true})")));
     for (const char *other : {R"({"ok":false,"online":true})", R"({"ok":"true"})", R"({"ok":1})", "{}"})
-        EXPECT_FALSE(healthAnswer(object(other)));
-    EXPECT_FALSE(healthAnswer(Error{ErrorKind::UnreadableResponse, {}}));
+        EXPECT_FALSE(healthResponse(object(other)));
+    EXPECT_FALSE(healthResponse(Error{ErrorKind::UnreadableResponse, {}}));
 }
 
 TEST(HealthRules, SilenceForgetsWhatOnlyARunningAgentKnows) {
