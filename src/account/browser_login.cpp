@@ -77,9 +77,9 @@ void BrowserLogin::waitForAgent(int attempt) {
 }
 
 void BrowserLogin::started(const Result<QJsonObject> &reply) {
-    const QJsonObject answer = reply ? reply.value() : QJsonObject();
-    const auto id = jsonText(answer.value(u"id"));
-    const auto url = jsonText(answer.value(u"url"));
+    const QJsonObject response = reply ? reply.value() : QJsonObject();
+    const auto id = jsonText(response.value(u"id"));
+    const auto url = jsonText(response.value(u"url"));
     if (id && url && isSecurePage(*url))
         return open(*id, *url);
     notices.showHUD(noSignInPageNotice());
@@ -108,14 +108,14 @@ void BrowserLogin::pollBrowserLogin() {
     api.send(authStatusRequest(*login.browserLoginId), alive.guard(std::move(received)));
 }
 
-void BrowserLogin::outcome(const QJsonObject &answer) {
-    const QString status = answer.value(u"status").toString();
+void BrowserLogin::outcome(const QJsonObject &response) {
+    const QString status = response.value(u"status").toString();
     if (status == u"done") {
         stopBrowserLogin();
-        afterSignIn.signedIn(answer.value(u"user").toString());
+        afterSignIn.signedIn(response.value(u"user").toString());
     } else if (status == u"failed") {
         stopBrowserLogin();
-        notices.showHUD(signInFailedNotice(jsonText(answer.value(u"error"))));
+        notices.showHUD(signInFailedNotice(jsonText(response.value(u"error"))));
     } else if (status == u"cancelled" || status == u"expired") {
         stopBrowserLogin();
     }

@@ -36,7 +36,7 @@ private:
     void waitForAgent(int attempt);
     void started(const Result<QJsonObject> &reply);
     void open(const QString &id, const QString &url);
-    void outcome(const QJsonObject &answer);
+    void outcome(const QJsonObject &response);
 
     BrowserLoginState &login;
     const HealthState &health;

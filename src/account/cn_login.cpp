@@ -83,10 +83,10 @@ void CnLogin::sendCode() {
     if (!request)
         return;
     show();
-    command.runAgentJson(*request, alive.guard([this, asked = opening](const Result<QJsonObject> &answer) {
+    command.runAgentJson(*request, alive.guard([this, asked = opening](const Result<QJsonObject> &response) {
         if (!form || asked != opening)
             return;
-        codeAnswered(*form, answer);
+        applyCodeResponse(*form, response);
         runTick();
         show();
     }));
@@ -100,17 +100,17 @@ void CnLogin::submit() {
     CnLoginForm submitted = *form;
     submitted.password.clear(); // no second copy of it in memory
     command.runAgentJson(*request, alive.guard([this, sent = std::move(submitted),
-                                                asked = opening](const Result<QJsonObject> &answer) mutable {
+                                                asked = opening](const Result<QJsonObject> &response) mutable {
         if (form && asked == opening)
-            received(answer);
+            received(response);
         // Closing the window does not cancel a sign-in: its success is still reported.
-        else if (const auto user = submitAnswered(sent, answer).user)
+        else if (const auto user = applySubmitResponse(sent, response).user)
             cnLoggedIn(*user);
     }));
 }
 
-void CnLogin::received(const Result<QJsonObject> &answer) {
-    const SubmitOutcome outcome = submitAnswered(*form, answer);
+void CnLogin::received(const Result<QJsonObject> &response) {
+    const SubmitOutcome outcome = applySubmitResponse(*form, response);
     if (outcome.user)
         return cnLoggedIn(*outcome.user);
     if (outcome.bringToFront)

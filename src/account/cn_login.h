@@ -31,7 +31,7 @@ private:
     void chooseMode(bool codeMode);
     void sendCode();
     void submit();
-    void received(const Result<QJsonObject> &answer);
+    void received(const Result<QJsonObject> &response);
     void cnLoggedIn(const QString &user);
     void runTick();
     void show();

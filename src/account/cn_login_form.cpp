@@ -15,8 +15,8 @@ namespace {
 constexpr qint64 MAX_COUNTDOWN = 86400;
 constexpr qint64 USUAL_COUNTDOWN = 60;
 
-QString errOf(const Result<QJsonObject> &answer) {
-    const QString error = answer ? answer->value(u"error").toString() : QString();
+QString errOf(const Result<QJsonObject> &response) {
+    const QString error = response ? response->value(u"error").toString() : QString();
     return error.isEmpty() ? L(u"无法完成操作，请检查网络后重试", u"Couldn't finish. Check your network and try again.")
                            : error;
 }
@@ -71,9 +71,9 @@ QJsonObject submission(const CnLoginForm &form) {
     return {{u"op"_s, u"login"_s}, {u"username"_s, account}, {u"password"_s, form.password}};
 }
 
-/// The field that a reply names, if the page shows it; else the first empty one.
-LoginField focusField(const CnLoginForm &form, const Result<QJsonObject> &answer) {
-    const QString name = answer ? answer->value(u"field").toString() : QString();
+/// The field that a response names, if the page shows it; else the first empty one.
+LoginField focusField(const CnLoginForm &form, const Result<QJsonObject> &response) {
+    const QString name = response ? response->value(u"field").toString() : QString();
     LoginField field = firstEmptyField(form);
     if (name == u"agree")
         field = LoginField::Agree;
@@ -122,18 +122,18 @@ std::optional<QJsonObject> sendCode(CnLoginForm &form) {
         {u"op"_s, u"send-code"_s}, {u"phone"_s, form.account.trimmed()}, {u"purpose"_s, purpose(form.page)}};
 }
 
-void codeAnswered(CnLoginForm &form, const Result<QJsonObject> &answer) {
+void applyCodeResponse(CnLoginForm &form, const Result<QJsonObject> &response) {
     form.sending = false;
-    if (agentOk(answer)) {
-        startCountdown(form, jsonInteger(answer->value(u"next")).value_or(USUAL_COUNTDOWN));
+    if (agentOk(response)) {
+        startCountdown(form, jsonInteger(response->value(u"next")).value_or(USUAL_COUNTDOWN));
         form.info = L(u"验证码已发送", u"Code sent.");
         form.error.clear();
         return;
     }
-    const qint64 retryAfter = answer ? jsonInteger(answer->value(u"retryAfter")).value_or(0) : 0;
+    const qint64 retryAfter = response ? jsonInteger(response->value(u"retryAfter")).value_or(0) : 0;
     if (retryAfter >= 1)
         startCountdown(form, retryAfter);
-    form.error = errOf(answer);
+    form.error = errOf(response);
 }
 
 std::optional<QJsonObject> submit(CnLoginForm &form) {
@@ -144,22 +144,22 @@ std::optional<QJsonObject> submit(CnLoginForm &form) {
     return submission(form);
 }
 
-SubmitOutcome submitAnswered(CnLoginForm &form, const Result<QJsonObject> &answer) {
+SubmitOutcome applySubmitResponse(CnLoginForm &form, const Result<QJsonObject> &response) {
     const QString account = form.account.trimmed();
-    if (agentOk(answer))
-        return {.user = jsonText(answer->value(u"user")).value_or(account)};
+    if (agentOk(response))
+        return {.user = jsonText(response->value(u"user")).value_or(account)};
     form.busy = false;
-    if (answer && answer->value(u"reset").toBool()) {
+    if (response && response->value(u"reset").toBool()) {
         // The password is changed, but the sign-in with it failed.
         form.codeMode = false;
         setPage(form, Page::Login);
         form.account = account;
-        form.error = errOf(answer);
+        form.error = errOf(response);
         return {.focus = LoginField::Password};
     }
     form.info.clear();
-    form.error = errOf(answer);
-    return {.focus = focusField(form, answer), .bringToFront = true};
+    form.error = errOf(response);
+    return {.focus = focusField(form, response), .bringToFront = true};
 }
 
 bool showsField(const CnLoginForm &form, LoginField field) {

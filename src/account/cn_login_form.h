@@ -46,8 +46,8 @@ void startCountdown(CnLoginForm &form, qint64 seconds);
 
 /// Starts the request for a code and returns it; none while none is allowed.
 std::optional<QJsonObject> sendCode(CnLoginForm &form);
-/// Applies the reply to it.
-void codeAnswered(CnLoginForm &form, const Result<QJsonObject> &answer);
+/// Applies the response to it.
+void applyCodeResponse(CnLoginForm &form, const Result<QJsonObject> &response);
 
 /// Starts submitting the page and returns the request; none while another is in flight.
 std::optional<QJsonObject> submit(CnLoginForm &form);
@@ -58,7 +58,7 @@ struct SubmitOutcome {
     std::optional<LoginField> focus = {}; ///< The field that gets the keyboard focus.
     bool bringToFront = false;
 };
-SubmitOutcome submitAnswered(CnLoginForm &form, const Result<QJsonObject> &answer);
+SubmitOutcome applySubmitResponse(CnLoginForm &form, const Result<QJsonObject> &response);
 
 /// Whether the page shows a field.
 bool showsField(const CnLoginForm &form, LoginField field);

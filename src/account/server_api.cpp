@@ -56,14 +56,14 @@ Result<Credential> parseLogin(const Result<HttpReply> &reply) {
         return reply ? Error{ErrorKind::UnreadableResponse, L(u"服务器未正常响应，请稍后重试",
                                                               u"The server didn't respond correctly. Try again later.")}
                      : Error{reply.error().kind, netErrorText(reply.error())};
-    const QJsonObject answer = document.object();
-    const auto token = jsonText(answer.value(u"agentToken"));
-    const auto agentId = jsonText(answer.value(u"agentId"));
+    const QJsonObject response = document.object();
+    const auto token = jsonText(response.value(u"agentToken"));
+    const auto agentId = jsonText(response.value(u"agentId"));
     if (token && agentId && !token->isEmpty())
         return Credential{*token, *agentId};
     return Error{
         ErrorKind::Refused,
-        jsonText(answer.value(u"error")).value_or(L(u"登录失败，请稍后重试", u"Couldn't sign in. Try again later."))};
+        jsonText(response.value(u"error")).value_or(L(u"登录失败，请稍后重试", u"Couldn't sign in. Try again later."))};
 }
 
 std::optional<ServerRequest> buildUnbind(const QString &server, const QString &token) {

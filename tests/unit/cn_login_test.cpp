@@ -65,7 +65,7 @@ TEST(CnLoginForm, ACodeThatWasSentOrRefusedStartsItsCountdown) {
         SCOPED_TRACE(c.answer ? c.answer : "none");
         CnLoginForm form;
         ASSERT_TRUE(sendCode(form));
-        codeAnswered(form, c.answer ? Result(object(c.answer)) : Error{});
+        applyCodeResponse(form, c.answer ? Result(object(c.answer)) : Error{});
         EXPECT_EQ(form.countdown, c.countdown);
         EXPECT_EQ(form.info, c.info);
         EXPECT_EQ(form.error, c.error);
@@ -81,7 +81,7 @@ TEST(CnLoginForm, AnAnswerNamesTheFieldToLookAt) {
         form.account = u"a"_s;
         form.code = u"1"_s;
         EXPECT_TRUE(submit(form));
-        const SubmitOutcome outcome = submitAnswered(form, object(answer));
+        const SubmitOutcome outcome = applySubmitResponse(form, object(answer));
         EXPECT_FALSE(form.busy);
         EXPECT_TRUE(outcome.bringToFront);
         return outcome.focus;
@@ -103,7 +103,8 @@ TEST(CnLoginForm, AResetWhoseSignInFailedAsksForTheNewPassword) {
     form.account = u" 138 "_s;
     form.password = u"new"_s;
     ASSERT_TRUE(submit(form));
-    const SubmitOutcome outcome = submitAnswered(form, object(R"({"ok":false,"reset":true,"error":"Sign in now."})"));
+    const SubmitOutcome outcome =
+        applySubmitResponse(form, object(R"({"ok":false,"reset":true,"error":"Sign in now."})"));
     EXPECT_EQ(form.page, Page::Login);
     EXPECT_FALSE(form.codeMode || form.busy);
     EXPECT_EQ(form.account, u"138"_s);

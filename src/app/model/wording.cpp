@@ -4,9 +4,9 @@
 
 namespace korvel {
 
-QString errText(const Result<QJsonObject> &answer) {
-    if (answer) {
-        const QJsonValue error = answer->value(u"error");
+QString errText(const Result<QJsonObject> &response) {
+    if (response) {
+        const QJsonValue error = response->value(u"error");
         if (error.isString())
             return shortened(error.toString());
     }

@@ -25,6 +25,6 @@ QString L(const char16_t (&zh)[Zh], const char16_t (&en)[En]) {
 }
 
 /// Message of a failed agent response: its "error" text, or a fixed sentence if there is none.
-QString errText(const Result<QJsonObject> &answer);
+QString errText(const Result<QJsonObject> &response);
 
 } // namespace korvel
