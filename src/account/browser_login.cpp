@@ -13,10 +13,10 @@ namespace korvel {
 namespace {
 
 constexpr int MAX_ATTEMPTS = 15;
-constexpr milliseconds NEXT_ATTEMPT = 1s;
-constexpr milliseconds STATUS_PERIOD = 1s;
-constexpr auto PAGE_GOOD_FOR = 600s;
-constexpr auto LATE_ANSWERS_FOR = 30s;
+constexpr milliseconds RETRY_INTERVAL = 1s;
+constexpr milliseconds POLL_INTERVAL = 1s;
+constexpr auto PAGE_LIFETIME = 600s;
+constexpr auto LATE_RESPONSE_TIMEOUT = 30s;
 
 bool isSecurePage(const QString &address) {
     const QUrl url(address, QUrl::StrictMode);
@@ -73,7 +73,7 @@ void BrowserLogin::waitForAgent(int attempt) {
         notices.showHUD(agentAwaitedNotice());
         agent.restartAgent([] {});
     }
-    nextAttempt = scheduler.after(NEXT_ATTEMPT, [this, attempt] { startBrowserLogin(attempt + 1); });
+    nextAttempt = scheduler.after(RETRY_INTERVAL, [this, attempt] { startBrowserLogin(attempt + 1); });
 }
 
 void BrowserLogin::started(const Result<QJsonObject> &reply) {
@@ -89,16 +89,16 @@ void BrowserLogin::open(const QString &id, const QString &url) {
     stopBrowserLogin();
     login.browserLoginId = id;
     login.browserLoginURL = url;
-    login.browserLoginUntil = scheduler.now() + PAGE_GOOD_FOR;
+    login.browserLoginUntil = scheduler.now() + PAGE_LIFETIME;
     desktop.openUrl(url);
-    browserLoginTimer = scheduler.every(STATUS_PERIOD, [this] { pollBrowserLogin(); });
+    browserLoginTimer = scheduler.every(POLL_INTERVAL, [this] { pollBrowserLogin(); });
 }
 
 void BrowserLogin::pollBrowserLogin() {
     if (!login.browserLoginId)
         return;
     // A response may arrive shortly after the page has expired.
-    if (scheduler.now() > login.browserLoginUntil + LATE_ANSWERS_FOR)
+    if (scheduler.now() > login.browserLoginUntil + LATE_RESPONSE_TIMEOUT)
         return stopBrowserLogin();
     auto received = [this, id = *login.browserLoginId](const Result<QJsonObject> &reply) {
         // Slow responses overlap: only the first outcome counts, and only for the sign-in in progress.
