@@ -126,10 +126,10 @@ std::optional<QByteArray> menuDump(const QByteArray &description, const FixedCon
     const bool isBound = bound(cfg);
     const Instant now = Clock::now();
     TrayState state;
-    const bool answered = health.value(u"ok").toBool(true);
-    applyHealth(state, answered ? Result(health) : Error{ErrorKind::Refused, {}},
+    const bool responds = health.value(u"ok").toBool(true);
+    applyHealth(state, responds ? Result(health) : Error{ErrorKind::Refused, {}},
                 {.now = now, .bound = isBound, .username = cfgText(cfg, u"username")});
-    if (answered)
+    if (responds)
         applyPermReply(state.permissions, health.value(u"perms").toObject());
     const MenuView view = menuView({.state = state,
                                     .isCn = config.IS_CN,

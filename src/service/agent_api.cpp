@@ -32,10 +32,10 @@ Result<QJsonObject> parseAgentReply(const HttpReply &reply, Keep keep) {
 Result<QJsonObject> AgentApi::parse(const std::shared_ptr<Received> &last, Keep keep, HttpReply reply) {
     if (last && !reply.body.isEmpty() && last->body == reply.body)
         return last->object;
-    const Result<QJsonObject> answer = parseAgentReply(reply, keep);
-    if (last && answer && reply.body.size() <= MAX_KEPT_BODY)
-        *last = {std::move(reply.body), answer.value()};
-    return answer;
+    const Result<QJsonObject> object = parseAgentReply(reply, keep);
+    if (last && object && reply.body.size() <= MAX_KEPT_BODY)
+        *last = {std::move(reply.body), object.value()};
+    return object;
 }
 
 std::shared_ptr<AgentApi::Received> AgentApi::lastResponseTo(const AgentRequest &request) {

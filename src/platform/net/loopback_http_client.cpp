@@ -132,7 +132,7 @@ private:
 
     void timedOut() {
         retireDeadline();
-        fail(ErrorKind::TimedOut, QStringLiteral("no whole answer in time"));
+        fail(ErrorKind::TimedOut, QStringLiteral("no whole response in time"));
     }
 
     void finish() {
