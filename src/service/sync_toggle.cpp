@@ -9,7 +9,7 @@ namespace korvel {
 namespace {
 
 constexpr auto GONE_TIMEOUT = 6s;
-constexpr milliseconds LOOK_INTERVAL = 300ms;
+constexpr milliseconds LOOKUP_INTERVAL = 300ms;
 constexpr int RESUME_ATTEMPTS = 2; // bootstrap can fail for some seconds after a bootout
 constexpr milliseconds RESUME_RETRY_DELAY = 1500ms;
 constexpr milliseconds SETTLE_DELAY = 900ms;
@@ -21,9 +21,9 @@ ToggleDirection toggleDirection(const HealthState &health) {
     return wasRunning ? ToggleDirection::Pause : ToggleDirection::Resume;
 }
 
-Notice toggleNotice(ToggleDirection direction, ServiceResult look, bool running, const QString &statusLine) {
+Notice toggleNotice(ToggleDirection direction, ServiceResult lookup, bool running, const QString &statusLine) {
     if (direction == ToggleDirection::Pause) {
-        if (look != ServiceResult::Failed) // a pause counts only once the job is known to be unloaded
+        if (lookup != ServiceResult::Failed) // a pause counts only once the job is known to be unloaded
             return {.text = L(u"无法暂停同步，请重试", u"Couldn't pause sync. Try again."),
                     .secs = Seconds(4),
                     .error = true};
@@ -31,7 +31,7 @@ Notice toggleNotice(ToggleDirection direction, ServiceResult look, bool running,
                           u"⏻ Sync paused. Your phone can't see this Mac."),
                 .secs = Seconds(2.4)};
     }
-    if (look == ServiceResult::Failed || (look == ServiceResult::Unknown && !running))
+    if (lookup == ServiceResult::Failed || (lookup == ServiceResult::Unknown && !running))
         return {.text = L(u"Korvel 后台服务未能启动。请在「系统设置 › 通用 › 登录项」中允许 Korvel "
                           u"在后台运行，然后点击「恢复同步」",
                           u"Korvel couldn't start. Allow it in System Settings › General › Login Items, then choose "
@@ -75,10 +75,10 @@ void SyncToggle::pause() {
 
 void SyncToggle::waitUntilGone(Instant deadline) {
     scheduler.background([&sv = services, label = fixed.AGENT_LABEL] { return sv.print(label); },
-                         alive.guard([this, deadline](ServiceResult look) {
-                             if (look == ServiceResult::Failed || scheduler.now() >= deadline)
-                                 return finish(ToggleDirection::Pause, look);
-                             next = scheduler.after(LOOK_INTERVAL, [this, deadline] { waitUntilGone(deadline); });
+                         alive.guard([this, deadline](ServiceResult lookup) {
+                             if (lookup == ServiceResult::Failed || scheduler.now() >= deadline)
+                                 return finish(ToggleDirection::Pause, lookup);
+                             next = scheduler.after(LOOKUP_INTERVAL, [this, deadline] { waitUntilGone(deadline); });
                          }));
 }
 
@@ -88,27 +88,27 @@ void SyncToggle::resume(int attemptsLeft) {
             sv.kickstart(label);
         return sv.print(label);
     };
-    scheduler.background(started, alive.guard([this, attemptsLeft](ServiceResult look) {
-        if (look == ServiceResult::Succeeded || attemptsLeft == 1)
-            return finish(ToggleDirection::Resume, look);
+    scheduler.background(started, alive.guard([this, attemptsLeft](ServiceResult lookup) {
+        if (lookup == ServiceResult::Succeeded || attemptsLeft == 1)
+            return finish(ToggleDirection::Resume, lookup);
         next = scheduler.after(RESUME_RETRY_DELAY, [this, attemptsLeft] { resume(attemptsLeft - 1); });
     }));
 }
 
-void SyncToggle::finish(ToggleDirection direction, ServiceResult look) {
-    next = scheduler.after(SETTLE_DELAY, [this, direction, look] {
+void SyncToggle::finish(ToggleDirection direction, ServiceResult lookup) {
+    next = scheduler.after(SETTLE_DELAY, [this, direction, lookup] {
         state.service.busy = false;
-        outdateLooks(state.health);
-        applyLook(state.health, look);
+        outdateJobLookups(state.health);
+        applyJobLookup(state.health, lookup);
         state.health.jobCheckedAt = scheduler.now();
-        if (direction == ToggleDirection::Resume && look == ServiceResult::Succeeded)
+        if (direction == ToggleDirection::Resume && lookup == ServiceResult::Succeeded)
             countAsStarting(state.health, scheduler.now());
-        poller.poll([this, direction, look] { report(direction, look); });
+        poller.poll([this, direction, lookup] { report(direction, lookup); });
     });
 }
 
-void SyncToggle::report(ToggleDirection direction, ServiceResult look) {
-    notices.showHUD(toggleNotice(direction, look, state.health.running, hooks.statusLine()));
+void SyncToggle::report(ToggleDirection direction, ServiceResult lookup) {
+    notices.showHUD(toggleNotice(direction, lookup, state.health.running, hooks.statusLine()));
 }
 
 } // namespace korvel

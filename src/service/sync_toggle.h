@@ -19,8 +19,8 @@ enum class ToggleDirection { Pause, Resume };
 /// Whether a toggle pauses or resumes in the current state.
 ToggleDirection toggleDirection(const HealthState &health);
 
-/// The notice at the end of a toggle. `look`: result of the last job lookup; `running`: whether the agent responds.
-Notice toggleNotice(ToggleDirection direction, ServiceResult look, bool running, const QString &statusLine);
+/// The notice at the end of a toggle. `lookup`: result of the last job lookup; `running`: whether the agent responds.
+Notice toggleNotice(ToggleDirection direction, ServiceResult lookup, bool running, const QString &statusLine);
 
 /// Pauses and resumes sync: unloads and disables the agent's job, or enables and loads it.
 class SyncToggle {
@@ -41,8 +41,8 @@ private:
     void pause();
     void waitUntilGone(Instant deadline);
     void resume(int attemptsLeft);
-    void finish(ToggleDirection direction, ServiceResult look);
-    void report(ToggleDirection direction, ServiceResult look);
+    void finish(ToggleDirection direction, ServiceResult lookup);
+    void report(ToggleDirection direction, ServiceResult lookup);
 
     TrayState &state;
     const FixedConfig &fixed;

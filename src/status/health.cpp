@@ -27,7 +27,7 @@ HealthEffects applyResponse(TrayState &state, const QJsonObject &response, const
     HealthState &health = state.health;
     HealthEffects effects;
     if (!health.running)
-        outdateLooks(health);
+        outdateJobLookups(health);
     health.running = true;
     health.jobLoaded = true;
     health.online = response.value(u"online").toBool();

@@ -84,10 +84,10 @@ void HealthPoll::checkJob(const std::function<void()> &then) {
     if (std::exchange(checkingJob, true))
         return;
     scheduler.background([&services = services, label = fixed.AGENT_LABEL] { return services.print(label); },
-                         alive.guard([this, changes = state.health.jobChanges](ServiceResult look) {
+                         alive.guard([this, changes = state.health.jobChanges](ServiceResult lookup) {
                              checkingJob = false;
                              if (state.health.jobChanges == changes)
-                                 applyLook(state.health, look);
+                                 applyJobLookup(state.health, lookup);
                              renderer.stateChanged();
                              for (const auto &waiting : std::exchange(afterJobCheck, {}))
                                  waiting();
