@@ -14,12 +14,12 @@ ConfigWaiter::ConfigWaiter(const AgentConfig &c, Scheduler &s) : config(c), sche
 void ConfigWaiter::whenWhole(std::function<void()> then) {
     waiting.push_back(std::move(then));
     if (waiting.size() == 1)
-        look(MAX_REREADS);
+        readWhenWhole(MAX_REREADS);
 }
 
-void ConfigWaiter::look(int rereads) {
+void ConfigWaiter::readWhenWhole(int rereads) {
     if (rereads > 0 && config.isHalfWritten()) {
-        nextLook = scheduler.after(REREAD_INTERVAL, [this, rereads] { look(rereads - 1); });
+        nextRead = scheduler.after(REREAD_INTERVAL, [this, rereads] { readWhenWhole(rereads - 1); });
         return;
     }
     for (const auto &then : std::exchange(waiting, {}))

@@ -18,12 +18,12 @@ public:
     void whenWhole(std::function<void()> then);
 
 private:
-    void look(int rereads);
+    void readWhenWhole(int rereads);
 
     const AgentConfig &config;
     Scheduler &scheduler;
     std::vector<std::function<void()>> waiting;
-    Timer nextLook;
+    Timer nextRead;
 };
 
 } // namespace korvel
