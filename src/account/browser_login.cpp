@@ -50,8 +50,8 @@ void BrowserLogin::startBrowserLogin(int attempt) {
     if (!health.running || !api.hasToken())
         return waitForAgent(attempt);
     // After a stop and a new start, the response to the first request is out of date.
-    auto received = [this, asked = ++starts](const Result<QJsonObject> &reply) {
-        if (asked == starts && std::exchange(starting, false))
+    auto received = [this, requested = ++starts](const Result<QJsonObject> &reply) {
+        if (requested == starts && std::exchange(starting, false))
             started(reply);
     };
     api.send(authStartRequest(computerDisplayName(desktop.computerName())), alive.guard(std::move(received)));

@@ -83,8 +83,8 @@ void CnLogin::sendCode() {
     if (!request)
         return;
     show();
-    command.runAgentJson(*request, alive.guard([this, asked = opening](const Result<QJsonObject> &response) {
-        if (!form || asked != opening)
+    command.runAgentJson(*request, alive.guard([this, requested = opening](const Result<QJsonObject> &response) {
+        if (!form || requested != opening)
             return;
         applyCodeResponse(*form, response);
         runTick();
@@ -100,8 +100,8 @@ void CnLogin::submit() {
     CnLoginForm submitted = *form;
     submitted.password.clear(); // no second copy of it in memory
     command.runAgentJson(*request, alive.guard([this, sent = std::move(submitted),
-                                                asked = opening](const Result<QJsonObject> &response) mutable {
-        if (form && asked == opening)
+                                                requested = opening](const Result<QJsonObject> &response) mutable {
+        if (form && requested == opening)
             received(response);
         // Closing the window does not cancel a sign-in: its success is still reported.
         else if (const auto user = applySubmitResponse(sent, response).user)
