@@ -54,12 +54,12 @@ void Permissions::askPerms() {
     notices.showHUD(promptsComingNotice());
     api.send(PROMPTS, alive.guard([this](const Result<QJsonObject> &reply) {
         permissions.permsRequesting = false;
-        asked(reply);
+        requested(reply);
         renderer.stateChanged();
     }));
 }
 
-void Permissions::asked(const Result<QJsonObject> &reply) {
+void Permissions::requested(const Result<QJsonObject> &reply) {
     if (!reply) {
         if (reply.error().kind != ErrorKind::UnreadableResponse)
             log(u"[perms] 申请没成: "_s + reply.error().detail);

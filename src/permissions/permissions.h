@@ -27,7 +27,7 @@ public:
 
 private:
     void applyPerms(const QJsonObject &reply);
-    void asked(const Result<QJsonObject> &reply);
+    void requested(const Result<QJsonObject> &reply);
 
     PermissionState &permissions;
     const HealthState &health;
