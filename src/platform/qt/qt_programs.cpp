@@ -40,7 +40,7 @@ public:
                 end(process, ProgramResult::End::Stopped);
             else if (request.timeout && left() <= 0)
                 end(process, ProgramResult::End::TimedOut);
-        } else if (sinceAsked.elapsed() > KILL_DELAY_MS) {
+        } else if (sinceTerminate.elapsed() > KILL_DELAY_MS) {
             process.kill();
         }
         if (request.stop || reason != ProgramResult::End::Itself)
@@ -53,7 +53,7 @@ public:
 private:
     void end(QProcess &process, ProgramResult::End why) {
         reason = why;
-        sinceAsked.start();
+        sinceTerminate.start();
         process.terminate();
     }
     qint64 left() const { return request.timeout->count() - clock.elapsed(); }
@@ -61,7 +61,7 @@ private:
     const ProgramRun &request;
     ProgramResult::End reason = ProgramResult::End::Itself;
     QElapsedTimer clock;
-    QElapsedTimer sinceAsked;
+    QElapsedTimer sinceTerminate;
 };
 
 /// Prevents descriptors opened by libraries from being inherited, which would keep their connections open.
