@@ -31,7 +31,7 @@ QList<Case> iconCases();
 
 /// Names from outside as they can be at worst.
 QString longName();        ///< Many words.
-QString unbrokenName();    ///< 200 characters without a blank.
+QString unbrokenName();    ///< 200 characters without a space.
 QString rightToLeftName(); ///< Hebrew, with emoji.
 /// Every name that a case may show, a person's or a device's, longer ones before what they begin with.
 QStringList sampleNames();

@@ -45,7 +45,7 @@ constexpr int MAX_MARKS = 4;              // per letter; more would overlap the 
 constexpr char32_t ZERO_WIDTH_NON_JOINER = 0x200c, ZERO_WIDTH_JOINER = 0x200d;
 
 /// White space and its look-alikes.
-bool looksBlank(char32_t c) {
+bool isWhiteSpace(char32_t c) {
     static constexpr std::u32string_view FILLERS = U"\u115f\u1160\u2800\u3164\uffa0";
     return QChar::isSpace(c) || QChar::category(c) == QChar::Other_Control || FILLERS.find(c) != FILLERS.npos;
 }
@@ -73,7 +73,7 @@ std::u32string visibleLine(const std::u32string &text) {
         } else if (joins(c)) { // emoji and some scripts need one between two characters
             if (!atStart && !joins(line.back()))
                 line += c;
-        } else if (looksBlank(c)) {
+        } else if (isWhiteSpace(c)) {
             if (!atStart)
                 line += U' ';
         } else if (!isInvisible(c)) {

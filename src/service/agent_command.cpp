@@ -13,11 +13,11 @@ namespace korvel {
 
 namespace {
 
-QString trimBlanks(QStringView line) {
-    const auto isBlank = [](QChar c) { return c == u'\t' || c.category() == QChar::Separator_Space; };
-    while (!line.isEmpty() && isBlank(line.front()))
+QString trimSpaces(QStringView line) {
+    const auto isSpace = [](QChar c) { return c == u'\t' || c.category() == QChar::Separator_Space; };
+    while (!line.isEmpty() && isSpace(line.front()))
         line = line.sliced(1);
-    while (!line.isEmpty() && isBlank(line.back()))
+    while (!line.isEmpty() && isSpace(line.back()))
         line.chop(1);
     return line.toString();
 }
@@ -71,7 +71,7 @@ Result<QJsonObject> parseAgentJson(const QByteArray &output) {
     const QString text = utf8Text(output).value_or(QString());
     const auto lines = QStringView(text).split(u'\n', Qt::SkipEmptyParts);
     for (auto line = lines.crbegin(); line != lines.crend(); ++line) {
-        const QString candidate = trimBlanks(*line);
+        const QString candidate = trimSpaces(*line);
         if (!candidate.startsWith(u'{'))
             continue;
         const QJsonDocument reply = QJsonDocument::fromJson(candidate.toUtf8());
