@@ -79,9 +79,9 @@ void SegmentedControl::setTitles(const QStringList &titles) {
 void SegmentedControl::setCurrent(int index) {
     if (index < 0 || index >= segments.size() || segments.at(index)->isChecked())
         return;
-    const auto told = std::exchange(onChosen, nullptr); // set by the program, not by the user
+    const auto callback = std::exchange(onChosen, nullptr); // set by the program, not by the user
     segments.at(index)->setChecked(true);
-    onChosen = told;
+    onChosen = callback;
 }
 
 void SegmentedControl::paintEvent(QPaintEvent *) {
