@@ -16,11 +16,11 @@ constexpr auto PERMISSION_FETCH_INTERVAL = 30s;
 
 /// True if the user has not been notified of this loss of the sign-in.
 bool applySignIn(HealthState &health, bool dead, bool accountGone) {
-    const bool tell = dead && !health.authDeadNotified;
+    const bool notify = dead && !health.authDeadNotified;
     health.accountGone = dead && accountGone;
     health.authDeadNotified = dead;
     health.authDead = dead;
-    return tell;
+    return notify;
 }
 
 HealthEffects applyResponse(TrayState &state, const QJsonObject &response, const HealthContext &context) {
