@@ -12,7 +12,7 @@ constexpr auto GONE_TIMEOUT = 6s;
 constexpr milliseconds LOOKUP_INTERVAL = 300ms;
 constexpr int RESUME_ATTEMPTS = 2; // bootstrap can fail for some seconds after a bootout
 constexpr milliseconds RESUME_RETRY_DELAY = 1500ms;
-constexpr milliseconds SETTLE_DELAY = 900ms;
+constexpr milliseconds POLL_DELAY = 900ms;
 
 } // namespace
 
@@ -96,7 +96,7 @@ void SyncToggle::resume(int attemptsLeft) {
 }
 
 void SyncToggle::finish(ToggleDirection direction, ServiceResult lookup) {
-    next = scheduler.after(SETTLE_DELAY, [this, direction, lookup] {
+    next = scheduler.after(POLL_DELAY, [this, direction, lookup] {
         state.service.busy = false;
         outdateJobLookups(state.health);
         applyJobLookup(state.health, lookup);
