@@ -54,7 +54,7 @@ int runTray(char **argv, const FixedConfig &config, const Paths &paths) {
     QApplication app(count, arguments.data());
     QApplication::setApplicationName(QStringLiteral("Korvel"));
     QApplication::setQuitOnLastWindowClosed(false);
-    settleApplication();
+    configureApplication();
     bool quit = false;
     const UnixSignals signals({SIGTERM, SIGINT, SIGHUP}, [&quit](int) {
         quit = true;

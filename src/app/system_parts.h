@@ -21,7 +21,7 @@ void logToSystem();
 QList<const char *> prepareToolkit();
 
 /// Configures the new application object for this system.
-void settleApplication();
+void configureApplication();
 
 /// Calls `reopened` whenever the user opens the application again, until the returned object is destroyed. Call before
 /// the application object exists.

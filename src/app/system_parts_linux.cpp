@@ -27,7 +27,7 @@ QList<const char *> prepareToolkit() {
     return hasDisplay() ? QList<const char *>() : QList<const char *>{"-platform", "offscreen"};
 }
 
-void settleApplication() {
+void configureApplication() {
     QApplication::setWindowIcon(panelIcon({.on = true, .dimmed = false, .toolTip = {}}));
     QApplication::setStyle(new ContrastStyle);
 }

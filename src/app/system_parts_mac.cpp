@@ -28,7 +28,7 @@ QList<const char *> prepareToolkit() {
     return {};
 }
 
-void settleApplication() { native::becomeAccessory(); }
+void configureApplication() { native::becomeAccessory(); }
 
 std::shared_ptr<void> listenForReopen(std::function<void()> reopened) {
     return std::make_shared<native::ReopenListener>(std::move(reopened));

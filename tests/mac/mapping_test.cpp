@@ -193,7 +193,7 @@ TEST_F(MacParts, LongLinesReachTheSystemLogInPieces) {
 TEST_F(MacParts, TheApplicationIsAnAccessoryThatStartsInTheBackgroundAndHearsThatItIsOpenedAgain) {
     EXPECT_TRUE(prepareToolkit().isEmpty());
     EXPECT_EQ(qgetenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM"), "1");
-    settleApplication();
+    configureApplication();
     EXPECT_EQ(mac.takeCalls(), Calls{"accessory"});
     int reopened = 0;
     auto listener = listenForReopen([&] { ++reopened; });
