@@ -23,7 +23,7 @@ std::shared_ptr<void> show(const Sample &sample) {
     panel->connect([](const LoginInput &) {});
     panel->present(cnLoginView(sample.form), OpenedBy::User);
     panel->focus(firstEmptyField(sample.form));
-    settleWindows();
+    finishLayout();
     for (int pressed = 0; pressed < sample.tabs && QApplication::focusWidget(); ++pressed) {
         QKeyEvent tab(QEvent::KeyPress, Qt::Key_Tab, Qt::NoModifier);
         QCoreApplication::sendEvent(QApplication::focusWidget(), &tab);

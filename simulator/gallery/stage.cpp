@@ -68,7 +68,7 @@ void apply(const Setting &setting) {
     QApplication::setPalette(coloursOf(setting.look));
 }
 
-Staged::Staged(const Case &c) : shown(c.show()) { settleWindows(); }
+Staged::Staged(const Case &c) : shown(c.show()) { finishLayout(); }
 
 Staged::~Staged() {
     shown.reset();

@@ -169,13 +169,13 @@ TEST_F(MacParts, AWindowTakesTheKeyboardAndTheLastOneGivesItBack) {
     bringToFront(floating, WindowLevel::Floating);
     EXPECT_EQ(mac.takeCalls(), (Calls{"floating", "activate", "key and front", "front"}));
     window.hide();
-    settleWindows();
+    finishLayout();
     floating.close();
     bringToFront(window); // in the same turn of the event loop
-    settleWindows();
+    finishLayout();
     EXPECT_EQ(mac.takeCalls(), (Calls{"activate", "key and front", "front"}));
     window.hide();
-    settleWindows();
+    finishLayout();
     EXPECT_EQ(mac.takeCalls(), Calls{"hide"});
 }
 

@@ -394,7 +394,7 @@ TEST_F(CnLoginWindowTest, ReturnSubmitsFromEveryFieldAndEscapeAndTheCloseKeyClos
     EXPECT_EQ(last(), LoginInput::Kind::Close);
     EXPECT_FALSE(window.isVisible());
     CnLoginWindow &again = show();
-    settleWindows();
+    finishLayout();
     QTest::keySequence(&again, QKeySequence::Close);
     EXPECT_EQ(last(), LoginInput::Kind::Close);
 }

@@ -272,7 +272,7 @@ TEST_F(AlertTest, EscapeAndTheKeyThatClosesAreTheHarmlessAnswerAndCountOnce) {
     AlertDialog *dialog = open(view);
     EXPECT_FALSE(
         alerts.open({.title = u"other"_s, .buttons = {u"OK"_s}}, OpenedBy::User, [](const AlertAnswer &) { FAIL(); }));
-    settleWindows();
+    finishLayout();
     QTest::keySequence(dialog, QKeySequence::Close);
     ASSERT_EQ(answers.size(), 2);
     EXPECT_EQ(answers[0].button, 2);
@@ -353,7 +353,7 @@ TEST(PairWindowTest, ItsHeightFollowsItsTextAndReturnPressesTheMainButton) {
     EXPECT_TRUE(window.isVisible());
     QTest::keyClick(&window, Qt::Key_Return);
     EXPECT_EQ(pressed, 1);
-    settleWindows();
+    finishLayout();
     QTest::keySequence(&window, QKeySequence::Close);
     EXPECT_FALSE(window.isVisible());
 }

@@ -48,13 +48,13 @@ PictureApplication::PictureApplication(int scale, QSize screen)
     QApplication::setQuitOnLastWindowClosed(false);
 }
 
-void settleWindows() {
+void finishLayout() {
     for (int turn = 0; turn < 3; ++turn)
         QCoreApplication::processEvents();
 }
 
 QImage pictureOf(QWidget &window) {
-    settleWindows();
+    finishLayout();
     return window.grab().toImage();
 }
 

@@ -25,7 +25,7 @@ private:
 };
 
 /// Completes layout and focus changes of windows just shown, which take several event loop turns.
-void settleWindows();
+void finishLayout();
 
 /// The image of a visible window.
 QImage pictureOf(QWidget &window);
