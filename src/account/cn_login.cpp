@@ -114,7 +114,7 @@ void CnLogin::received(const Result<QJsonObject> &response) {
     if (outcome.user)
         return cnLoggedIn(*outcome.user);
     if (outcome.bringToFront)
-        window.present(cnLoginView(*form), OpenedBy::Itself);
+        window.present(cnLoginView(*form), OpenedBy::Program);
     else
         show();
     if (outcome.focus)

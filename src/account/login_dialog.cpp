@@ -74,7 +74,7 @@ void LoginDialog::finished(LoginAttempt attempt, const Result<QString> &result) 
         notices.hideHUD();
         attempt.error = result.error().detail;
         // Another alert may have opened meanwhile.
-        if (!present(attempt, OpenedBy::Itself))
+        if (!present(attempt, OpenedBy::Program))
             notices.showHUD(signInFailedNotice(*attempt.error));
         return;
     }

@@ -94,7 +94,7 @@ void Approval::askAgain() {
     if (alerts.isOpen() || retries.isEmpty() || retries.first().due > scheduler.now())
         return;
     const E2Retry retry = retries.takeFirst();
-    showApprove(retry.request, OpenedBy::Itself, retry.error);
+    showApprove(retry.request, OpenedBy::Program, retry.error);
 }
 
 } // namespace korvel

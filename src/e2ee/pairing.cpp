@@ -64,7 +64,7 @@ void Pairing::showPairWindow(OpenedBy by) {
 
 void Pairing::pairAfterLogin() {
     pairing.pairSawCode = false;
-    showPairWindow(OpenedBy::Itself);
+    showPairWindow(OpenedBy::Program);
     // A report from before the sign-in may have hidden the window: then the next report opens it automatically.
     pairing.pairAutoShown = window.isVisible();
 }

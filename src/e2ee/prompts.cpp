@@ -18,11 +18,11 @@ void Prompts::e2Prompt(const PairContext &context) {
     case E2Prompt::Kind::None:
         return;
     case E2Prompt::Kind::PairWindow:
-        return pairing.showPairWindow(OpenedBy::Itself);
+        return pairing.showPairWindow(OpenedBy::Program);
     case E2Prompt::Kind::Approval:
-        return approval.showApprove(prompt.subject, OpenedBy::Itself);
+        return approval.showApprove(prompt.subject, OpenedBy::Program);
     case E2Prompt::Kind::Alarm:
-        return alarms.showAlarm(prompt.subject, OpenedBy::Itself);
+        return alarms.showAlarm(prompt.subject, OpenedBy::Program);
     }
 }
 

@@ -203,7 +203,7 @@ TEST_F(AccountTest, TheDialogComesBackWithWhatWasTypedAndWhatWentWrong) {
     EXPECT_EQ(sent, QStringList{u"own.example:443/v1/agents/login"_s});
     EXPECT_EQ(alerts.view.fromOutside, u"Wrong\npassword."_s);
     EXPECT_TRUE(alerts.view.warning);
-    EXPECT_EQ(alerts.by, OpenedBy::Itself); // the user may have turned to something else
+    EXPECT_EQ(alerts.by, OpenedBy::Program); // the user may have turned to something else
     EXPECT_EQ(alerts.view.fields[1].text, u""_s);
     EXPECT_FALSE(notices.visible); // no longer "signing in"
     alerts.dismiss();

@@ -101,7 +101,7 @@ const QByteArray ACTIVE = R"({"state":"active"})";
 TEST_F(PairingTest, TheWindowFollowsThePairingAndClosesItselfAfterSuccess) {
     launchWith(R"({"state":"waiting"})");
     ASSERT_TRUE(pairPanel.visible);
-    EXPECT_EQ(pairPanel.by, OpenedBy::Itself);
+    EXPECT_EQ(pairPanel.by, OpenedBy::Program);
     next(CODE);
     EXPECT_EQ(pairPanel.view.code, u"123456"_s);
     notices.shown.clear();
@@ -310,7 +310,7 @@ TEST_F(AlertTest, TakesKeysAtOnceOnlyWhenTheUserOpenedItAndNeverOneThatIsHeld) {
         QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, {}, repeats);
         QCoreApplication::sendEvent(window->windowHandle(), &event); // as the system does
     };
-    AlertDialog *dialog = open({.title = u"t"_s, .buttons = {u"OK"_s}}, OpenedBy::Itself);
+    AlertDialog *dialog = open({.title = u"t"_s, .buttons = {u"OK"_s}}, OpenedBy::Program);
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Space, Qt::Key_Escape})
         press(dialog, key);
     QTest::keySequence(dialog, QKeySequence::Close);
@@ -325,7 +325,7 @@ TEST_F(AlertTest, TakesKeysAtOnceOnlyWhenTheUserOpenedItAndNeverOneThatIsHeld) {
 
     int pressed = 0;
     PairWindow window({.buttonClicked = [&] { ++pressed; }, .renewClicked = [] {}});
-    window.present(viewOf("{}"), OpenedBy::Itself);
+    window.present(viewOf("{}"), OpenedBy::Program);
     press(&window, Qt::Key_Return);
     EXPECT_EQ(pressed, 0);
     window.hide();

@@ -254,7 +254,7 @@ TEST_F(E2eeOperations, ACodeLetsADeviceInAndTheAgentIsAskedAtOnce) {
     ASSERT_TRUE(alerts.isOpen());
     EXPECT_EQ(alerts.view.title, u"New device: Anna's phone · iPhone"_s);
     EXPECT_EQ(alerts.view.escape, 2);
-    EXPECT_EQ(alerts.by, OpenedBy::Itself);
+    EXPECT_EQ(alerts.by, OpenedBy::Program);
     replies[u"/e2ee/pair"_s] = R"({"ok":true})";
     const int polls = http.count;
     alerts.answer(0, u"１２３ 456"_s);
@@ -282,7 +282,7 @@ TEST_F(E2eeOperations, AWrongCodeAsksAgainWithTheAgentsSentence) {
         EXPECT_EQ(alerts.view.fromOutside, u"No match."_s);
         EXPECT_TRUE(alerts.view.text.startsWith(u"Enter the pairing code"_s));
         EXPECT_TRUE(alerts.view.warning);
-        EXPECT_EQ(alerts.by, OpenedBy::Itself);
+        EXPECT_EQ(alerts.by, OpenedBy::Program);
         alerts.dismiss();
     }
     replies[u"/e2ee/pair"_s] = R"({"ok":false,"code":"mismatch","error":"Stop."})"; // somebody is in between

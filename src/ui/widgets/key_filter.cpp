@@ -30,7 +30,7 @@ bool answers(const QKeyEvent &event, const QWidget *focus) {
 KeyFilter::KeyFilter(QWidget &w) : window(w), guard(keysDown) { w.installEventFilter(this); }
 
 void KeyFilter::comesUp(OpenedBy by) {
-    if (by == OpenedBy::Itself && !window.isActiveWindow()) // an active window is already in view
+    if (by == OpenedBy::Program && !window.isActiveWindow()) // an active window is already in view
         guard.close(Clock::now());
     if (by == OpenedBy::User && !window.isVisible())
         guard.open();
