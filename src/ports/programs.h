@@ -46,13 +46,13 @@ struct ProgramRun {
 };
 
 struct ProgramResult {
-    enum class End { Itself, TimedOut, Stopped }; ///< Why the program ended.
+    enum class End { Exited, TimedOut, Stopped }; ///< Why the program ended.
 
     int status = -1; ///< Exit status; -1 if the program was not launched, was killed, timed out or was stopped.
     bool launched = false;
     QByteArray output;   ///< Collected output. Beyond 512 KiB, only the last part, from the start of a line.
     QString launchError; ///< The system's error message if the launch failed.
-    End end = End::Itself;
+    End end = End::Exited;
 };
 
 /// Runs a program and waits for its end. Thread-safe; several runs may overlap.

@@ -53,7 +53,7 @@ TEST(BodySink, KeepsABoundedPartOfAResponseThatIsNotTheFile) {
     EXPECT_FALSE(QFile::exists(folder.filePath(u"file"_s)));
 }
 
-ProgramResult ended(int status, ProgramResult::End end = ProgramResult::End::Itself) {
+ProgramResult ended(int status, ProgramResult::End end = ProgramResult::End::Exited) {
     ProgramResult result;
     result.status = status;
     result.launched = true;

@@ -35,7 +35,7 @@ public:
 
     /// Performs the step that is due. Returns the time in milliseconds until the next call; -1: at the next event.
     int check(QProcess &process) {
-        if (reason == ProgramResult::End::Itself) {
+        if (reason == ProgramResult::End::Exited) {
             if (request.stop && request.stop->stopRequested())
                 end(process, ProgramResult::End::Stopped);
             else if (request.timeout && left() <= 0)
@@ -43,7 +43,7 @@ public:
         } else if (sinceTerminate.elapsed() > KILL_DELAY_MS) {
             process.kill();
         }
-        if (request.stop || reason != ProgramResult::End::Itself)
+        if (request.stop || reason != ProgramResult::End::Exited)
             return STOP_CHECK_INTERVAL_MS;
         constexpr qint64 MAX_WAIT = 60000;
         return request.timeout ? static_cast<int>(std::clamp<qint64>(left(), 1, MAX_WAIT)) : -1;
@@ -59,7 +59,7 @@ private:
     qint64 left() const { return request.timeout->count() - clock.elapsed(); }
 
     const ProgramRun &request;
-    ProgramResult::End reason = ProgramResult::End::Itself;
+    ProgramResult::End reason = ProgramResult::End::Exited;
     QElapsedTimer clock;
     QElapsedTimer sinceTerminate;
 };
@@ -143,7 +143,7 @@ ProgramResult QtPrograms::run(const ProgramRun &request) {
     }
     collect(process, request, result.output);
     result.end = ending.why();
-    if (process.exitStatus() == QProcess::NormalExit && result.end == ProgramResult::End::Itself)
+    if (process.exitStatus() == QProcess::NormalExit && result.end == ProgramResult::End::Exited)
         result.status = process.exitCode();
     return result;
 }
