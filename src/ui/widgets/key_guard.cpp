@@ -5,13 +5,13 @@
 namespace korvel {
 
 namespace {
-constexpr milliseconds FIRST_LOOK = 1s;
+constexpr milliseconds READING_DELAY = 1s;
 constexpr milliseconds END_OF_TYPING = 700ms; // longer than a typist's pause between two keys
 } // namespace
 
 void KeyGuard::close(Instant now) {
     untouched = true;
-    closedUntil = now + FIRST_LOOK;
+    closedUntil = now + READING_DELAY;
 }
 
 bool KeyGuard::takes(const KeyPress &key, Instant now) const {
