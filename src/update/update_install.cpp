@@ -29,8 +29,8 @@ const QString UNFINISHED = u".part"_s; ///< No package name ends so: a partial f
 
 /// Whether the package could not be checked at all.
 template <class T>
-bool saysNothing(const Result<T> &look) {
-    return !look && look.error().kind != ErrorKind::UnreadableResponse;
+bool couldNotCheck(const Result<T> &check) {
+    return !check && check.error().kind != ErrorKind::UnreadableResponse;
 }
 
 } // namespace
@@ -154,12 +154,12 @@ void UpdateInstall::installPkg(const UpdateInfo &info) {
 
 void UpdateInstall::ifUnchanged(const UpdateInfo &info, std::function<void()> then) {
     auto hashed = [this, info, then = std::move(then)](const Result<QString> &sha) {
-        if (saysNothing(sha))
+        if (couldNotCheck(sha))
             return end(notVerifiedNotice());
         if (!sha || sha.value() != info.sha)
             return refuseModified(info);
         verifyUpdate(servers, fixed, info, alive.guard([this, info, then](const Result<bool> &valid) {
-            if (saysNothing(valid))
+            if (couldNotCheck(valid))
                 end(notVerifiedNotice());
             else if (valid && valid.value())
                 then();
