@@ -13,7 +13,7 @@ namespace korvel {
 /// The alert that asks for the code of a new device. `error`, of a failed attempt, stands above the usual text.
 AlertView approveAlert(const QJsonObject &request, const QString &error);
 
-/// Lets the user approve or reject a device that asks to join.
+/// Lets the user approve or reject a device that requests to join.
 class Approval {
 public:
     Approval(E2State &e2ee, AgentApi &api, Alerts &alerts, Scheduler &scheduler, Notices &notices, Poller &poller);

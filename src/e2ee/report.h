@@ -27,7 +27,7 @@ bool e2Required(const QJsonObject &e2);
 std::optional<QString> e2PairShow(const QJsonObject &e2);
 bool e2PairWrong(const QJsonObject &e2);
 bool e2PairDone(const QJsonObject &e2);
-/// Devices that ask to join, in the report's order.
+/// Devices that request to join, in the report's order.
 QList<QJsonObject> e2Pending(const QJsonObject &e2);
 /// Security alarms not yet dismissed, in the report's order.
 QList<QJsonObject> e2Alarms(const QJsonObject &e2);
@@ -36,7 +36,7 @@ QList<QJsonObject> e2Alarms(const QJsonObject &e2);
 bool e2NeedsPairing(const QJsonObject &e2, bool bound, bool authDead);
 bool canShowPairCode(const QJsonObject &e2, bool bound, bool authDead);
 
-/// Display name of the device that asks to join; `unnamed` if it has none.
+/// Display name of the device that requests to join; `unnamed` if it has none.
 QString deviceName(const QJsonObject &request, const QString &unnamed);
 /// Display name of a device platform word such as "ios".
 QString e2Platform(const QJsonValue &platform);
