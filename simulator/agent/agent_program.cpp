@@ -53,7 +53,7 @@ bool installService(const ProgramCall &call) {
     for (const char *name : {"KORVEL_HOOK_PORT", "KORVEL_HOME"})
         if (qEnvironmentVariableIsSet(name))
             environment.insert(QString::fromLatin1(name), qEnvironmentVariable(name));
-    const QString launchctl = standInRoot() + "/bin/launchctl"_L1;
+    const QString launchctl = simulatedRoot() + "/bin/launchctl"_L1;
     const QString domain = u"gui/%1"_s.arg(::getuid());
     const QString target = domain + u'/' + AGENT_LABEL;
     runProgram(launchctl, {u"enable"_s, target});

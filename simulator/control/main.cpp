@@ -27,7 +27,7 @@ namespace {
 using Program = int (*)(const ProgramCall &);
 using Tool = ProgramResult (*)(const ProgramCall &);
 
-/// Runs a stand-in tool and logs the call.
+/// Runs a simulated tool and logs the call.
 template <Tool tool>
 int runTool(const ProgramCall &call) {
     const qint64 start = timeNow();
@@ -47,7 +47,7 @@ struct Part {
     Program run;
 };
 
-/// Each name stands in the build file's list of stand-ins too.
+/// Each name stands in the build file's list of programs too.
 constexpr Part PARTS[] = {
     {"korvel-simulator"_L1, control}, {"korvel-agent"_L1, agentProgram},    {"korvel-account-server"_L1, serveAccounts},
     {"launchd"_L1, superviseJob},     {"launchctl"_L1, runTool<launchctl>}, {"pkill"_L1, runTool<pkill>},

@@ -91,10 +91,10 @@ bool Home::stopAccountServer() { return AccountServerProcess(paths).stop(); }
 
 QString Home::accountServer() const { return AccountServerProcess(paths).address(); }
 
-QString Home::authorityFile() { return standInRoot() + "/etc/certificates/authority.pem"_L1; }
+QString Home::authorityFile() { return simulatedRoot() + "/etc/certificates/authority.pem"_L1; }
 
 bool Home::placeAgent() const {
-    return placeProgram(standInRoot() + "/usr/local/bin/korvel-agent"_L1, paths.agentProgram());
+    return placeProgram(simulatedRoot() + "/usr/local/bin/korvel-agent"_L1, paths.agentProgram());
 }
 
 bool Home::installJobFile() {
@@ -115,7 +115,7 @@ int Home::launchctl(const QStringList &arguments) {
     QProcess tool;
     tool.setProcessEnvironment(environment());
     tool.setProcessChannelMode(QProcess::ForwardedChannels);
-    tool.start(standInRoot() + "/bin/launchctl"_L1, arguments);
+    tool.start(simulatedRoot() + "/bin/launchctl"_L1, arguments);
     return tool.waitForFinished(-1) && tool.exitStatus() == QProcess::NormalExit ? tool.exitCode() : -1;
 }
 

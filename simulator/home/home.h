@@ -14,7 +14,7 @@
 
 namespace korvel::sim {
 
-/// A home directory with a Mac in miniature in it: launchd jobs, the agent, the stand-in tools and the logs of their
+/// A home directory with a Mac in miniature in it: launchd jobs, the agent, the simulated tools and the logs of their
 /// calls. docs/simulator.md lists the scenario's keys and the logs' fields. An object of this class owns nothing: any
 /// number, in any process, may use the same home. Needs no event loop.
 class Home {
@@ -70,13 +70,13 @@ public:
     QString assembleBundle(const QString &trayProgram);
     /// The agent inside the home's Korvel.app; there after assembleBundle() or installJobFile().
     QString agentProgram() const { return paths.agentProgram(); }
-    /// Runs the stand-in launchctl and returns its exit status.
+    /// Runs the simulated launchctl and returns its exit status.
     int launchctl(const QStringList &arguments);
     /// The launchd domain of this user, gui/UID, and the agent job's target in it.
     static QString domain();
     static QString agentTarget() { return domain() + u'/' + AGENT_LABEL; }
 
-    /// Requests that the agent and the account server received, calls of the stand-in tools and of the agent's command
+    /// Requests that the agent and the account server received, calls of the simulated tools and of the agent's command
     /// line, oldest first.
     QList<QJsonObject> requests() const;
     QList<QJsonObject> serverRequests() const;

@@ -16,12 +16,12 @@ namespace {
 bool isLasting(const QStringList &words) {
     const QString name = words.first().section(u'/', -1);
     return name == "korvel-agent"_L1 || name == "korvel-account-server"_L1 ||
-           words.first() == QString(standInRoot() + "/sbin/launchd"_L1);
+           words.first() == QString(simulatedRoot() + "/sbin/launchd"_L1);
 }
 
-/// Also the shell that runs a script for the stand-in of osascript.
+/// Also the shell that runs a script for the simulated osascript.
 bool isTool(const QStringList &words) {
-    const QString place = standInRoot() + u'/';
+    const QString place = simulatedRoot() + u'/';
     const bool isShell = words.first() == "/bin/sh"_L1 && words.value(1) == "-c"_L1 && words.value(2).contains(place);
     return isShell || (words.first().startsWith(place) && !isLasting(words));
 }

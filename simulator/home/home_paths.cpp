@@ -4,7 +4,7 @@
 
 namespace korvel::sim {
 
-QString standInRoot() { return QStringLiteral(KORVEL_STAND_IN_ROOT); }
+QString simulatedRoot() { return QStringLiteral(KORVEL_SIMULATED_ROOT); }
 
 HomePaths HomePaths::ofThisProcess() { return {QDir::cleanPath(qEnvironmentVariable("HOME"))}; }
 

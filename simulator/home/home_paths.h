@@ -5,7 +5,7 @@
 namespace korvel::sim {
 
 /// The folder that stands in for "/" when system tools are run.
-QString standInRoot();
+QString simulatedRoot();
 
 /// Where a home keeps the simulator's state and the files that the agent shares with the tray. Touches no file.
 struct HomePaths {

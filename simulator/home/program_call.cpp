@@ -19,7 +19,7 @@ pid_t startLasting(const QString &program, const QStringList &arguments, const Q
                    const QString &log) {
     QDir().mkpath(QFileInfo(log).path());
     QProcess process;
-    process.setProgram(standInRoot() + program);
+    process.setProgram(simulatedRoot() + program);
     process.setArguments(arguments);
     process.setProcessEnvironment(environment);
     process.setStandardInputFile(QProcess::nullDevice());

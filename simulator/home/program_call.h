@@ -28,7 +28,7 @@ struct ProgramResult {
 /// Runs a program to its end, its output passed through to ours; 127 when it cannot be started.
 int runProgram(const QString &program, const QStringList &arguments);
 
-/// Starts a program of the stand-in root that outlives this one, its output appended to `log`; 0 when it cannot be
+/// Starts a program of the simulated root that outlives this one, its output appended to `log`; 0 when it cannot be
 /// started. Holds none of the caller's pipes open.
 pid_t startLasting(const QString &program, const QStringList &arguments, const QProcessEnvironment &environment,
                    const QString &log);

@@ -25,7 +25,8 @@ QString wrongPassword() { return L(u"账号或密码不正确", u"Incorrect acco
 
 std::unique_ptr<QTcpSocket> makeSocket(const HomePaths &paths) {
     const QJsonObject section = Scenario(paths).section("server"_L1);
-    const QString certificate = standInRoot() + "/etc/certificates/"_L1 + section["certificate"_L1].toString(u"good"_s);
+    const QString certificate =
+        simulatedRoot() + "/etc/certificates/"_L1 + section["certificate"_L1].toString(u"good"_s);
     QFile key(certificate + ".key"_L1);
     QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
     if (key.open(QIODevice::ReadOnly))

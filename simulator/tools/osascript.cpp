@@ -36,9 +36,9 @@ std::optional<QString> placeOf(const QString &path, const HomePaths &paths) {
         return std::nullopt;
     if (path == PRIVATE_TEMP || path.startsWith(PRIVATE_TEMP + u'/'))
         return paths.privateTemp() + path.mid(PRIVATE_TEMP.size());
-    const QFileInfo standIn(standInRoot() + path);
-    if (standIn.isFile() && standIn.isExecutable())
-        return standIn.filePath();
+    const QFileInfo simulated(simulatedRoot() + path);
+    if (simulated.isFile() && simulated.isExecutable())
+        return simulated.filePath();
     return HOST_TOOLS.contains(path) ? std::optional(path) : std::nullopt;
 }
 
@@ -76,7 +76,7 @@ ProgramResult runScript(const QString &script, const HomePaths &paths) {
         return executionError(u"sh: %1: No such file or directory"_s.arg(ours.stray), COMMAND_NOT_FOUND);
     QDir().mkpath(paths.privateTemp());
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(u"PATH"_s, standInRoot() + "/usr/bin"_L1); // not a tool of the host by its bare name
+    environment.insert(u"PATH"_s, simulatedRoot() + "/usr/bin"_L1); // not a tool of the host by its bare name
     QProcess shell;
     shell.setProcessEnvironment(environment);
     shell.setStandardInputFile(QProcess::nullDevice());
@@ -94,7 +94,7 @@ ProgramResult runScript(const QString &script, const HomePaths &paths) {
 ProgramResult osascript(const ProgramCall &call) {
     const QStringList &arguments = call.arguments;
     if (arguments.size() != PROMPT + 1 || arguments.first(SCRIPT) != LEADING_ARGUMENTS || arguments[PROMPT].isEmpty())
-        return {1, {}, u"osascript: the stand-in runs nothing but a shell script with administrator privileges\n"_s};
+        return {1, {}, u"osascript: the simulator runs only a shell script with administrator privileges\n"_s};
     const QJsonObject settings = Scenario(call.paths).section("install"_L1);
     pauseFor(milliseconds(settings, "promptMs"_L1));
     if (const auto fault = toolFault(call.paths, "install"_L1, u"osascript"_s))

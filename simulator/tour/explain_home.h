@@ -14,7 +14,7 @@ inline void explainHome(const Home &home) {
                 "  korvel-simulator device ask \"Anna's phone\" ios\n"
                 "  korvel-simulator kill-agent\n"
                 "Quit it from its menu, or press Ctrl-C here.\n",
-                qUtf8Printable(home.path()), qUtf8Printable(home.path()), qUtf8Printable(standInRoot()));
+                qUtf8Printable(home.path()), qUtf8Printable(home.path()), qUtf8Printable(simulatedRoot()));
     std::fflush(stdout);
 }
 

@@ -57,7 +57,7 @@ int runAgentJsonMode() {
     Result<QJsonObject> reply = Error{ErrorKind::InvalidRequest, {}};
     if (const auto request = parseObject(readLine())) {
         QtScheduler scheduler;
-        QtPrograms programs(standInRoot());
+        QtPrograms programs(simulatedRoot());
         AgentCommand agent(programs, scheduler, bundlePath(), agentOverride());
         agent.runAgentJson(*request, [&reply](Result<QJsonObject> r) {
             reply = std::move(r);
@@ -90,10 +90,10 @@ int runLogin(const FixedConfig &config, const Paths &paths) {
     const AgentConfig agentConfig(paths);
     const QString server =
         args.size() > 3 ? normalizeServer(args.at(3)).value_or(args.at(3)) : serverOf(config, agentConfig.readCfg());
-    QtPrograms programs(standInRoot());
+    QtPrograms programs(simulatedRoot());
     Launchctl services(programs, paths.uid);
     QtScheduler scheduler; // its destructor waits for a running repair, which uses the two above
-    const auto desktop = makeDesktop(programs, !standInRoot().isEmpty());
+    const auto desktop = makeDesktop(programs, !simulatedRoot().isEmpty());
     ExchangeClient servers(programs, scheduler, exchangeProgram());
     TrayState state;
     const AgentCommand command(programs, scheduler, bundlePath(), std::nullopt);

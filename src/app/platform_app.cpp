@@ -64,14 +64,14 @@ int runTray(char **argv, const FixedConfig &config, const Paths &paths) {
     if (quit) // quit was requested while waiting for older instances
         return 0;
 
-    QtPrograms programs(standInRoot());
+    QtPrograms programs(simulatedRoot());
     QtScheduler scheduler;
     int status = 0;
     {
         LoopbackHttpClient agentHttp;
         ExchangeClient servers(programs, scheduler, exchangeProgram());
         Launchctl services(programs, paths.uid);
-        const auto desktop = makeDesktop(programs, !standInRoot().isEmpty());
+        const auto desktop = makeDesktop(programs, !simulatedRoot().isEmpty());
         const auto item = makeStatusItem();
         NoticeWindow notice;
         AlertWindow alerts;

@@ -29,6 +29,6 @@ std::shared_ptr<void> listenForReopen(std::function<void()> reopened);
 
 std::unique_ptr<RunningInstances> makeRunningInstances(const Paths &paths);
 std::unique_ptr<StatusItem> makeStatusItem();
-std::unique_ptr<Desktop> makeDesktop(Programs &programs, bool hasStandIns);
+std::unique_ptr<Desktop> makeDesktop(Programs &programs, bool hasSimulatedTools);
 
 } // namespace korvel

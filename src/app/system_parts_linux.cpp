@@ -42,8 +42,8 @@ std::unique_ptr<RunningInstances> makeRunningInstances(const Paths &paths) {
 
 std::unique_ptr<StatusItem> makeStatusItem() { return std::make_unique<StatusItemLinux>(); }
 
-std::unique_ptr<Desktop> makeDesktop(Programs &programs, bool hasStandIns) {
-    return std::make_unique<DesktopQt>(programs, hasStandIns);
+std::unique_ptr<Desktop> makeDesktop(Programs &programs, bool hasSimulatedTools) {
+    return std::make_unique<DesktopQt>(programs, hasSimulatedTools);
 }
 
 } // namespace korvel

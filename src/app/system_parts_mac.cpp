@@ -40,8 +40,8 @@ std::unique_ptr<RunningInstances> makeRunningInstances(const Paths &) {
 
 std::unique_ptr<StatusItem> makeStatusItem() { return std::make_unique<StatusItemMac>(); }
 
-std::unique_ptr<Desktop> makeDesktop(Programs &programs, bool hasStandIns) {
-    return std::make_unique<DesktopMac>(programs, hasStandIns);
+std::unique_ptr<Desktop> makeDesktop(Programs &programs, bool hasSimulatedTools) {
+    return std::make_unique<DesktopMac>(programs, hasSimulatedTools);
 }
 
 } // namespace korvel

@@ -15,7 +15,7 @@ inline const QString XATTR = QStringLiteral("/usr/bin/xattr");
 /// Time limit for tools that finish quickly.
 constexpr std::chrono::milliseconds SHORT_TOOL_TIMEOUT{10000};
 
-/// Whether `executable` is one of these tools, which a stand-in root replaces.
+/// Whether `executable` is one of these tools, which a simulated root replaces.
 inline bool isSystemTool(const QString &executable) {
     return executable == LAUNCHCTL || executable == PKILL || executable == OPEN || executable == OSASCRIPT ||
            executable == XATTR;

@@ -50,7 +50,7 @@ Journey::Journey(int speed)
                         .korvelHome = std::nullopt,
                         .automation = std::nullopt},
       fixed(makeFixedConfig(testDeployment(), launchEnvironment)), paths(makePaths(fixed, home.path(), ::getuid())),
-      programs(standInRoot()), scheduler(speed), services(programs, paths.uid) {}
+      programs(simulatedRoot()), scheduler(speed), services(programs, paths.uid) {}
 
 Journey::~Journey() {
     tray.reset();

@@ -27,7 +27,7 @@ TEST_F(ProgramsJourney, GivesTheStatusAndTheEndOfTheErrorOutput) {
     const ProgramResult missing = programs.run({.executable = u"/no/such/program"_s});
     EXPECT_FALSE(missing.launched || missing.launchError.isEmpty());
     EXPECT_EQ(missing.status, -1);
-    EXPECT_FALSE(programs.run({.executable = u"/usr/bin/pkill"_s}).launched); // only from under the stand-in root
+    EXPECT_FALSE(programs.run({.executable = u"/usr/bin/pkill"_s}).launched); // only from under the simulated root
     EXPECT_EQ(shell(u"exit 0"_s, {.executable = {}, .input = QByteArray(5 << 20, 'x')}).status, 0); // nobody reads it
 }
 

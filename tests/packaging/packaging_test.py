@@ -81,7 +81,7 @@ class Bundle(WithTools):
         self.fake('codesign', 'exit 1')
         self.assertNotEqual(self.pack().returncode, 0)
         for setting, refusal in [('CPACK_KORVEL_AGENT_PROGRAM=', 'needs the agent'),
-                                 ('CPACK_KORVEL_STAND_IN_ROOT=/x', 'stand-ins'),
+                                 ('CPACK_KORVEL_SIMULATED_ROOT=/x', 'simulated'),
                                  ('CPACK_KORVEL_ARCHITECTURES=arm64', 'not for arm64 alone')]:
             done = self.pack('-D', setting)
             self.assertNotEqual(done.returncode, 0)

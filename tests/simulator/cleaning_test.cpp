@@ -29,7 +29,7 @@ TEST_F(CleaningTest, ToolsAndShutDownTouchOnlyTheirOwnHome) {
     const qint64 otherAgent = other.agentPid();
     home.setScenario({{u"launchd"_s, QJsonObject{{u"throttleMs"_s, 1'000'000}}}});
     const QStringList pattern{u"-f"_s, u"Korvel.app/Contents/Resources/korvel-agent"_s};
-    EXPECT_EQ(run(standInRoot() + "/usr/bin/pkill"_L1, pattern).status, 0);
+    EXPECT_EQ(run(simulatedRoot() + "/usr/bin/pkill"_L1, pattern).status, 0);
     EXPECT_TRUE(eventually([&] { return home.agentPid() == 0; }));
     EXPECT_TRUE(home.shutDown());
     EXPECT_EQ(other.agentPid(), otherAgent);

@@ -27,7 +27,7 @@ struct PrivilegedTest : HomeTest {
         const QByteArray sha = QCryptographicHash::hash(content, QCryptographicHash::Sha256).toHex();
         return buildInstall(package, {.ver = u"1.4.0"_s, .sha = QString::fromLatin1(sha)});
     }
-    Run osascript(const QStringList &arguments) { return run(standInRoot() + "/usr/bin/osascript"_L1, arguments); }
+    Run osascript(const QStringList &arguments) { return run(simulatedRoot() + "/usr/bin/osascript"_L1, arguments); }
 };
 
 TEST_F(PrivilegedTest, TheTraysOwnScriptRunsInTheHomeAndLeavesNothing) {

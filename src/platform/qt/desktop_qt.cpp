@@ -16,7 +16,7 @@ void DesktopQt::openUrl(const QString &address) {
     const QUrl url(address, QUrl::StrictMode);
     if (!url.isValid() || url.scheme().isEmpty())
         return;
-    if (hasStandIns)
+    if (hasSimulatedTools)
         programs.run({.executable = OPEN, .arguments = {address}, .timeout = SHORT_TOOL_TIMEOUT});
     else if (!QDesktopServices::openUrl(url))
         log(QStringLiteral("[tray] nothing opens ") + url.toDisplayString());

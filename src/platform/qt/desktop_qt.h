@@ -5,10 +5,10 @@
 
 namespace korvel {
 
-/// The desktop session through Qt. With a stand-in root, addresses are opened by the program under that root.
+/// The desktop session through Qt. With a simulated root, addresses are opened by the program under that root.
 class DesktopQt : public Desktop {
 public:
-    DesktopQt(Programs &p, bool standIn) : programs(p), hasStandIns(standIn) {}
+    DesktopQt(Programs &p, bool simulated) : programs(p), hasSimulatedTools(simulated) {}
 
     void openUrl(const QString &url) override;
     bool optionKeyHeld() const override;
@@ -19,7 +19,7 @@ public:
 
 private:
     Programs &programs;
-    const bool hasStandIns;
+    const bool hasSimulatedTools;
 };
 
 } // namespace korvel

@@ -122,7 +122,7 @@ ProgramResult QtPrograms::run(const ProgramRun &request) {
         return result;
     }
     QProcess process;
-    process.setProgram(isSystemTool(request.executable) ? standInRoot + request.executable : request.executable);
+    process.setProgram(isSystemTool(request.executable) ? simulatedRoot + request.executable : request.executable);
     prepare(process, request);
     process.start();
     if (!process.waitForStarted(-1)) {

@@ -4,14 +4,14 @@
 
 namespace korvel {
 
-/// Programs through QProcess. With a stand-in root, macOS tools run only from that root.
+/// Programs through QProcess. With a simulated root, macOS tools run only from that root.
 class QtPrograms final : public Programs {
 public:
-    explicit QtPrograms(QString root) : standInRoot(std::move(root)) {}
+    explicit QtPrograms(QString root) : simulatedRoot(std::move(root)) {}
     ProgramResult run(const ProgramRun &request) override;
 
 private:
-    const QString standInRoot;
+    const QString simulatedRoot;
 };
 
 } // namespace korvel
