@@ -17,6 +17,7 @@
 #include "ui/widgets/pair_window.h"
 
 #include <QApplication>
+#include <QThreadPool>
 #include <QTimer>
 #include <csignal>
 #include <cstdlib>
@@ -33,6 +34,17 @@ std::vector<char *> qtArguments(char **argv) {
         arguments.push_back(const_cast<char *>(argument)); // Qt moves the pointers but does not write to the strings
     arguments.push_back(nullptr);
     return arguments;
+}
+
+/// Qt's painter shares large fills among threads of a pool and waits for them. A thread that cannot be started for want
+/// of descriptors or threads ends the program, or is waited for without end; so no painting may need a new one.
+void paintWithoutNewThreads() {
+    qputenv("QT_NO_GUI_THREADPOOL", "1");
+    if constexpr (QT_VERSION < QT_VERSION_CHECK(6, 6, 0)) { // without that switch: one thread that never ends
+        QThreadPool::globalInstance()->setMaxThreadCount(1);
+        QThreadPool::globalInstance()->setExpiryTimeout(-1);
+        QThreadPool::globalInstance()->start([] {});
+    }
 }
 
 void runLoopFor(milliseconds duration) {
@@ -52,6 +64,7 @@ int runTray(char **argv, const FixedConfig &config, const Paths &paths) {
     std::vector<char *> arguments = qtArguments(argv);
     int count = static_cast<int>(arguments.size()) - 1;
     QApplication app(count, arguments.data());
+    paintWithoutNewThreads();
     QApplication::setApplicationName(QStringLiteral("Korvel"));
     QApplication::setQuitOnLastWindowClosed(false);
     configureApplication();

@@ -24,6 +24,9 @@ void logToSystem() {}
 
 // Selects the offscreen platform by argument: the agent's programs inherit the environment.
 QList<const char *> prepareToolkit() {
+    // With shared memory, the X server passes a descriptor; a program that cannot take one more waits for it without
+    // end.
+    qputenv("QT_XCB_NO_MITSHM", "1");
     return hasDisplay() ? QList<const char *>() : QList<const char *>{"-platform", "offscreen"};
 }
 

@@ -11,14 +11,23 @@ namespace korvel {
 
 namespace {
 constexpr qint64 MAX_CONFIG_BYTES = 1 << 20;
+
+/// Whether the system denied the tray what any read needs, which says nothing about the file.
+bool isShortage(const std::error_code &error) {
+    return error == std::errc::too_many_files_open || error == std::errc::too_many_files_open_in_system ||
+           error == std::errc::not_enough_memory;
 }
+} // namespace
 
 QJsonObject AgentConfig::readCfg() const {
     // Taken before reading: if the file changes in between, the next stamp differs.
     const std::optional<FileStamp> stamp = stampOf(paths.agentCfg);
     if (stamp && stamp == readAt)
         return content;
-    const auto bytes = readRegularFile(paths.agentCfg, MAX_CONFIG_BYTES);
+    std::error_code unreadable;
+    const auto bytes = readRegularFile(paths.agentCfg, MAX_CONFIG_BYTES, &unreadable);
+    if (stamp && isShortage(unreadable))
+        return content;
     content = bytes ? QJsonDocument::fromJson(*bytes).object() : QJsonObject();
     // A failed read may succeed later although the file is unchanged.
     readAt = bytes && stamp && stamp->isSettled(wallNow()) ? stamp : std::nullopt;

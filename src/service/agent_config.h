@@ -23,6 +23,7 @@ public:
         : paths(p), wallNow(std::move(now)) {}
 
     /// The object in the file; empty when it is missing, unreadable, not a regular file, over 1 MiB or not an object.
+    /// While the tray has no descriptor or memory to read with, the content last read.
     QJsonObject readCfg() const;
     /// Replaces the file atomically (mode 0600, folder 0700). On failure returns false, keeps the old file and logs the
     /// reason.

@@ -1,6 +1,7 @@
 #include "desktop/panel_tray.h"
 
 #include <QElapsedTimer>
+#include <csignal>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -15,6 +16,10 @@ struct StarvedSoak : PanelTray {
         installAndSignIn();
         ASSERT_NO_FATAL_FAILURE(start());
         ASSERT_TRUE(lineIs(CONNECTED));
+    }
+    void TearDown() override {
+        if (HasFailure() && process)
+            ADD_FAILURE() << "it printed: " << process->stop(SIGKILL).constData() << process->exitCode();
     }
     rlimit limit(__rlimit_resource resource, const rlimit *wanted) const {
         rlimit before{};

@@ -5,20 +5,30 @@
 
 namespace korvel::test {
 
-/// Files may not grow past `bytes` while this lives, as on a full disk.
-class FullDisk {
+/// This process may use no more than `most` of a resource while this lives.
+class LoweredLimit {
 public:
-    explicit FullDisk(rlim_t bytes) {
-        std::signal(SIGXFSZ, SIG_IGN);
-        ::getrlimit(RLIMIT_FSIZE, &before);
+    LoweredLimit(__rlimit_resource r, rlim_t most) : resource(r) {
+        ::getrlimit(resource, &before);
         rlimit limit = before;
-        limit.rlim_cur = bytes;
-        ::setrlimit(RLIMIT_FSIZE, &limit);
+        limit.rlim_cur = most;
+        ::setrlimit(resource, &limit);
     }
-    ~FullDisk() { ::setrlimit(RLIMIT_FSIZE, &before); }
+    ~LoweredLimit() { ::setrlimit(resource, &before); }
 
 private:
+    const __rlimit_resource resource;
     rlimit before{};
+};
+
+/// Files do not grow past `bytes`, as on a full disk.
+struct FullDisk : LoweredLimit {
+    explicit FullDisk(rlim_t bytes) : LoweredLimit(RLIMIT_FSIZE, bytes) { std::signal(SIGXFSZ, SIG_IGN); }
+};
+
+/// No file can be opened.
+struct NoDescriptors : LoweredLimit {
+    NoDescriptors() : LoweredLimit(RLIMIT_NOFILE, 0) {}
 };
 
 } // namespace korvel::test

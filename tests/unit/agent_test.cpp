@@ -203,6 +203,15 @@ TEST_F(AgentConfigTest, WhatOthersWriteIsReadAtOnce) {
     EXPECT_TRUE(anHourLater.readCfg().isEmpty());
 }
 
+TEST_F(AgentConfigTest, WithoutADescriptorWhatWasReadLastStays) {
+    home.bind();
+    EXPECT_EQ(text(u"username"), u"ann"_s);
+    const NoDescriptors none;
+    EXPECT_EQ(text(u"username"), u"ann"_s);
+    QFile::remove(home.paths.agentCfg);
+    EXPECT_TRUE(config.readCfg().isEmpty());
+}
+
 TEST_F(AgentConfigTest, AFolderOrAPipeInItsPlaceNeitherBlocksNorCounts) {
     QDir().mkpath(home.paths.agentCfg);
     EXPECT_TRUE(config.readCfg().isEmpty());
