@@ -201,6 +201,9 @@ TEST(HttpResponseParser, EachFramingGivesTheSameInWhateverPiecesItComes) {
              {chunked + "2\r\n{}\r\n", "waits", "interrupted"},
              // What is no response.
              {"HTTP/1.1 OK\r\n\r\n", "unreadable", "unreadable"},
+             {"HTTP/1.1 001 OK\r\n\r\n", "unreadable", "unreadable"},
+             {"HTTP/1.1 200 \1\r\nX: y\r\n", "waits", "interrupted"}, // judged when the head is whole
+             {"SSH-2.0-x\r\n", "unreadable", "unreadable"},
              {"HTTP/1.1 101 Switching\r\n\r\n", "unreadable", "unreadable"},
              {OK + "Content-Length: 2\r\nTransfer-Encoding: chunked\r\n\r\n", "unreadable", "unreadable"},
          })
@@ -213,6 +216,7 @@ TEST(HttpResponseParser, EachFramingGivesTheSameInWhateverPiecesItComes) {
 TEST(HttpResponseParser, NothingGrowsWithoutEnd) {
     const QByteArray length = OK + "Content-Length: 10\r\n\r\n";
     EXPECT_EQ(read(length + QByteArray(10, 'x'), 3, false, length.size() + 10), "200 xxxxxxxxxx +");
+    EXPECT_EQ(read(length + QByteArray(15, 'x'), 4096, false, length.size() + 10), "200 xxxxxxxxxx"); // more is not its
     EXPECT_EQ(read(length + QByteArray(10, 'x'), 3, false, length.size() + 9), "too large");
     EXPECT_EQ(read(OK + "\r\n" + QByteArray(5000, 'x'), 512, false, 4096), "too large");
     const QByteArray endless(70 << 10, '0');

@@ -1,5 +1,6 @@
 #include "platform/net/http_messages.h"
 
+#include <algorithm>
 #include <boost/beast/http/parser.hpp>
 #include <boost/beast/http/serializer.hpp>
 #include <boost/beast/http/string_body.hpp>
@@ -12,7 +13,7 @@ namespace {
 namespace beast = boost::beast;
 namespace http = boost::beast::http;
 
-constexpr std::uint32_t MAX_HEAD = 32 << 10;    ///< Bytes; Beast throws for fields of 64 KiB.
+constexpr qsizetype MAX_HEAD = 32 << 10;        ///< Bytes; Beast throws for fields of 64 KiB.
 constexpr qsizetype MAX_HEADER_VALUE = 8 << 10; ///< Bytes of one request header.
 
 beast::string_view viewOf(const QByteArray &text) { return {text.constData(), static_cast<size_t>(text.size())}; }
@@ -56,21 +57,29 @@ HttpResponseParser::HttpResponseParser(qint64 maxBytes) : limit(maxBytes) {}
 HttpResponseParser::~HttpResponseParser() = default;
 
 void HttpResponseParser::feed(QByteArrayView bytes) {
+    const auto room = static_cast<qsizetype>(std::clamp<qint64>(limit - received, 0, bytes.size()));
     received += bytes.size();
-    pending.append(bytes);
-    if (received > limit)
-        fail(ErrorKind::TooLarge, QStringLiteral("more than the request allows"));
+    pending.append(bytes.first(room));
     while (!isOver() && parseSome())
         ;
-    if (!pending.isEmpty())
+    if (!isOver() && room < bytes.size())
+        fail(ErrorKind::TooLarge, QStringLiteral("more than the request allows"));
+    if (!pending.isEmpty() || room < bytes.size())
         persistent = false; // bytes after the response belong to no request
 }
 
 bool HttpResponseParser::parseSome() {
     if (!message) {
+        // Beast judges a part of a head differently after another part, so it gets the head whole.
+        constexpr QByteArrayView START = "HTTP/";
+        const qsizetype known = std::min(pending.size(), START.size());
+        if (QByteArrayView(pending).first(known) != START.first(known))
+            fail(ErrorKind::UnreadableResponse, QStringLiteral("not HTTP"));
+        if (error || (pending.size() <= MAX_HEAD && !pending.contains("\r\n\r\n")))
+            return false;
         message = std::make_unique<Message>();
         message->eager(true);
-        message->header_limit(MAX_HEAD);
+        message->header_limit(static_cast<std::uint32_t>(MAX_HEAD));
         message->body_limit(static_cast<std::uint64_t>(limit));
     }
     beast::error_code failure;
@@ -93,6 +102,8 @@ void HttpResponseParser::messageRead() {
     const bool isCoded = head.find(http::field::transfer_encoding) != head.end();
     if (head.result() == http::status::switching_protocols || (isCoded && !message->chunked()))
         return fail(ErrorKind::UnreadableResponse, QStringLiteral("a protocol or encoding that nobody asked for"));
+    if (head.result_int() < 100)
+        return fail(ErrorKind::UnreadableResponse, QStringLiteral("no status"));
     if (!message->is_done())
         return;
     if (head.result_int() < 200) // an interim response; the final one follows
