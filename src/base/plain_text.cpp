@@ -28,7 +28,10 @@ bool endsLine(QChar c) {
            c == QChar::ParagraphSeparator;
 }
 
-bool changesDirection(char32_t c) { return (c >= 0x202a && c <= 0x202e) || (c >= 0x2066 && c <= 0x2069); }
+bool changesDirection(char32_t c) {
+    constexpr std::u32string_view MARKS = U"\u061c\u200e\u200f";
+    return (c >= 0x202a && c <= 0x202e) || (c >= 0x2066 && c <= 0x2069) || MARKS.find(c) != MARKS.npos;
+}
 
 /// Whether `c` continues a right-to-left name.
 bool staysInName(char32_t c) {
@@ -88,7 +91,7 @@ std::u32string visibleLine(const std::u32string &text) {
 
 QString withoutEndSpace(const QString &text) {
     qsizetype length = text.size();
-    while (length > 0 && text.at(length - 1).isSpace())
+    while (length > 0 && (text.at(length - 1).isSpace() || breaksLine(text.at(length - 1))))
         --length;
     return text.first(length);
 }

@@ -239,6 +239,7 @@ TEST(LongText, ANameIsOneLineOfSixtyFourCharactersAtMost) {
 TEST(LongText, ATextKeepsItsLinesAndLosesWhatNobodySees) {
     EXPECT_EQ(multiLine(u"a\r\nb\rc\u2028d\te\n \u3000\n"_s), u"a\nb\nc\nd e"_s);
     EXPECT_EQ(singleLine(u" a\nb \t\n"_s), u" a b"_s);
+    EXPECT_EQ(singleLine(u"a \u0001\u0085"_s), u"a"_s);
     EXPECT_EQ(multiLine(QString(1000, u'x') + QString(5000, u'\n')), QString(1000, u'x'));
     EXPECT_EQ(multiLine(QString(998, u'x') + u"😀y"_s), QString(998, u'x') + u'…');
 }
@@ -264,6 +265,7 @@ TEST(LongText, ANameFromRightToLeftLeavesTheOrderOfItsSentence) {
         {u"● של אנה 2 · 1 session"_s, u"● \u2068של אנה 2\u2069 · 1 session"_s},
         {u"A של, אנה\n"_s, u"A \u2068של\u2069, \u2068אנה\u2069\n"_s},
         {u"Denied \u202egnp. If"_s, u"Denied gnp. If"_s}, // would turn the rest of the sentence round
+        {u"a\u200f\u200e\u061cb"_s, u"ab"_s},
         {u"𞤀𞤣 😀"_s, u"\u2068𞤀𞤣\u2069 😀"_s},
     };
     for (const auto &c : cases)
