@@ -73,8 +73,8 @@ bool showCode(PairView &view, const QJsonObject &e2, PairState &pairing) {
         return false;
     }
     if (const auto code = e2PairShow(e2); code && e2State(e2) == u"pending") {
-        view.code = *code;
-        view.codeName = spelledOut(*code);
+        view.code = shownName(*code);
+        view.codeName = spelledOut(view.code);
         pairing.pairSawCode = true;
         return true;
     }

@@ -44,6 +44,7 @@ TEST(PairView, WithoutACodeAPlaceholderStandsInItsPlace) {
         EXPECT_EQ(view.code, u"··· ···"_s) << json;
         EXPECT_TRUE(view.codeMuted && view.codeName.isEmpty() && !view.refreshVisible) << json;
     }
+    EXPECT_EQ(viewOf(R"({"state":"pending","pair":{"show":"12\n3\u202e4"}})").code, u"12 34"_s);
     EXPECT_EQ(viewOf(R"({"state":"pending","pair":{"show":"123456","paired":true}})").code, u"✓"_s);
 }
 
