@@ -1,5 +1,7 @@
 #include "platform/net/exchange_client.h"
 
+#include "platform/net/exchange_output.h"
+
 #include <QCoreApplication>
 #include <QMetaObject>
 #include <memory>
@@ -12,7 +14,6 @@ namespace {
 
 constexpr milliseconds HASH_TIMEOUT = 10min;
 constexpr milliseconds VERIFY_TIMEOUT = 30s;
-constexpr qsizetype MAX_LINE = 2 << 20; ///< Bytes: the largest response in base64, with a margin.
 
 /// Variables passed to korvel-exchange. None that sets key logs, engines or libraries.
 QList<std::pair<QString, QString>> environment() {
@@ -29,17 +30,11 @@ QList<std::pair<QString, QString>> environment() {
 /// One run in flight. Parses its output on the thread that runs the program.
 class ExchangeClient::Run {
 public:
-    explicit Run(std::function<void(const exchange::Progress &)> p) : progress(std::move(p)) {}
+    explicit Run(std::function<void(const exchange::Progress &)> progress) : output(std::move(progress)) {}
 
     void take(const QByteArray &piece) {
-        pending += piece;
-        for (qsizetype end = 0; !isBroken && (end = pending.indexOf('\n')) >= 0; pending.remove(0, end + 1))
-            takeLine(pending.first(end));
-        isBroken = isBroken || pending.size() > MAX_LINE;
-        if (!isBroken)
-            return;
-        pending.clear();
-        stop.requestStop();
+        if (!output.feed(piece))
+            stop.requestStop();
     }
 
     /// The result of an ended run: its last line, or the error.
@@ -48,27 +43,16 @@ public:
             return Error{ErrorKind::TimedOut, u"no whole response within %1 ms"_s.arg(timeout.count())};
         if (!ended.launched)
             return Error{ErrorKind::Unreachable, u"korvel-exchange cannot be run: "_s + ended.launchError};
-        if (isBroken || !pending.isEmpty() || !last || ended.status != 0)
+        const auto result = output.result();
+        if (!result || ended.status != 0)
             return Error{ErrorKind::UnreadableResponse, u"korvel-exchange ended without a result"_s};
-        return *last;
+        return *result;
     }
 
     StopToken stop;
 
 private:
-    void takeLine(const QByteArray &text) {
-        const auto line = exchange::parseLine(text);
-        isBroken = !line || last;
-        if (const auto *step = line ? std::get_if<exchange::Progress>(&*line) : nullptr)
-            progress(*step);
-        else
-            last = line;
-    }
-
-    std::function<void(const exchange::Progress &)> progress;
-    QByteArray pending; ///< Start of an incomplete line.
-    std::optional<exchange::Line> last;
-    bool isBroken = false; ///< The output is invalid.
+    ExchangeOutput output;
 };
 
 ExchangeClient::ExchangeClient(Programs &p, Scheduler &s, QString path)
