@@ -12,12 +12,13 @@ struct PanelTray : Journey {
     sim::PanelProbe panel;
     std::unique_ptr<TrayProcess> process;
 
-    void startProgram(const QString &language = u"en"_s) {
-        process = std::make_unique<TrayProcess>(home, TrayProcess::Shown::OnDesktop, language);
+    bool soon(const std::function<bool()> &condition) { return panel.waitUntil(condition, SOON); }
+    void startProgram() {
+        process = std::make_unique<TrayProcess>(home, TrayProcess::Shown::OnDesktop);
         ASSERT_TRUE(process->begin());
     }
-    void start(const QString &language = u"en"_s) {
-        startProgram(language);
+    void start() {
+        startProgram();
         ASSERT_TRUE(panel.waitForItem(SOON, process->processId()));
     }
     void end() {
@@ -37,8 +38,8 @@ struct PanelTray : Journey {
             within);
         return found;
     }
-    bool lineIs(const QString &line, std::chrono::milliseconds within = SOON) {
-        const bool shown = panel.waitUntil([&] { return panel.statusLine() == line; }, within);
+    bool lineIs(const QString &line) {
+        const bool shown = soon([&] { return panel.statusLine() == line; });
         EXPECT_TRUE(shown) << panel.statusLine().toStdString() << ", not " << line.toStdString();
         return shown;
     }

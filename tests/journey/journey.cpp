@@ -1,18 +1,19 @@
 #include "journey/journey.h"
 
 #include "app/model/deployment.h"
+#include "simulator/home/files.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QTimer>
-#include <algorithm>
 #include <unistd.h>
 
 namespace korvel::test {
 
 namespace {
 
+/// Sets the environment of this process.
 void become(const QProcessEnvironment &wanted) {
     const QProcessEnvironment now = QProcessEnvironment::systemEnvironment();
     for (const QString &name : now.keys())
@@ -28,7 +29,7 @@ void become(const QProcessEnvironment &wanted) {
 bool eventually(const std::function<bool()> &condition, std::chrono::milliseconds limit) {
     QElapsedTimer clock;
     clock.start();
-    QTimer look; // what the condition looks at may be another process's
+    QTimer look; // the condition may depend on another process
     look.start(10);
     while (!condition()) {
         if (clock.elapsed() > limit.count())
@@ -38,10 +39,21 @@ bool eventually(const std::function<bool()> &condition, std::chrono::millisecond
     return true;
 }
 
-EnvironmentScope::EnvironmentScope(const sim::SimulatedHome &home) : before(QProcessEnvironment::systemEnvironment()) {
-    become(home.environment());
+std::optional<qint64> parentOfExchange(qint64 process) {
+    QFile file(u"/proc/%1/stat"_s.arg(process)); // "PID (NAME) STATE PARENT ..."
+    const QByteArray text = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    const QList<QByteArray> words = text.split(' ');
+    const bool lives = words.value(1) == "(korvel-exchange)" && words.value(2) != "Z";
+    return lives ? std::optional(words.value(3).toLongLong()) : std::nullopt;
 }
-EnvironmentScope::~EnvironmentScope() { become(before); }
+
+QList<qint64> exchangesOf(qint64 parent) {
+    QList<qint64> found;
+    for (const QString &name : QDir(u"/proc"_s).entryList(QDir::Dirs))
+        if (parentOfExchange(name.toLongLong()) == parent)
+            found.append(name.toLongLong());
+    return found;
+}
 
 Journey::Journey(int speed)
     : launchEnvironment{.preferredLanguages = {},
@@ -50,11 +62,14 @@ Journey::Journey(int speed)
                         .korvelHome = std::nullopt,
                         .automation = std::nullopt},
       fixed(makeFixedConfig(testDeployment(), launchEnvironment)), paths(makePaths(fixed, home.path(), ::getuid())),
-      programs(simulatedRoot()), scheduler(speed), services(programs, paths.uid) {}
+      programs(simulatedRoot()), scheduler(speed), services(programs, paths.uid) {
+    become(home.environment());
+}
 
 Journey::~Journey() {
     tray.reset();
     eventually([this] { return scheduler.finishBackground(); });
+    become(before);
 }
 
 void Journey::installAndSignIn() {
@@ -62,33 +77,17 @@ void Journey::installAndSignIn() {
     ASSERT_TRUE(home.installJobFile());
 }
 
-QJsonObject Journey::cfg() const {
-    QFile file(home.configPath());
-    return file.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(file.readAll()).object() : QJsonObject();
-}
-
 void Journey::configure(const QString &key, const QString &value) {
-    QJsonObject changed = cfg();
+    QJsonObject changed = sim::readObject(home.configPath());
     changed[key] = value;
     QDir().mkpath(QFileInfo(home.configPath()).path());
-    QFile file(home.configPath());
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(QJsonDocument(changed).toJson());
+    ASSERT_TRUE(sim::replaceFile(home.configPath(), changed));
 }
 
-TrayPorts Journey::ports(HttpClient &client) {
-    return {scheduler, client,    servers,    programs, services,           desktop, item, notices,
-            alerts,    pairPanel, loginPanel, bundle,   home.agentProgram()};
-}
-
-void Journey::assembleBundle() {
-    const QString program = home.assembleBundle(trayProgram());
-    ASSERT_FALSE(program.isEmpty());
-    bundle = QDir::cleanPath(QFileInfo(program).path() + u"/../.."_s);
-}
-
-void Journey::launch() {
-    tray = std::make_unique<TrayApp>(fixed, paths, ports(http));
+void Journey::launch(HttpClient &client) {
+    const TrayPorts ports{scheduler, client,    servers,    programs, services,           desktop, item, notices,
+                          alerts,    pairPanel, loginPanel, {},       home.agentProgram()};
+    tray = std::make_unique<TrayApp>(fixed, paths, ports);
     tray->launch(trayProgram());
 }
 
@@ -98,20 +97,10 @@ void Journey::startConnected() {
     ASSERT_TRUE(showsSoon(CONNECTED));
 }
 
-void Journey::breakAgent(const QJsonObject &fault) {
-    ASSERT_TRUE(home.setScenario({{u"faults"_s, QJsonObject{{u"/health"_s, fault}}}}));
-}
-
 bool Journey::showsSoon(const QString &statusLine) {
     const bool shown = eventually([&] { return item.statusLine() == statusLine; });
     EXPECT_EQ(item.statusLine(), statusLine);
     return shown;
-}
-
-bool Journey::tells(const QString &notice) {
-    const bool told = eventually([&] { return notices.last() == notice; });
-    EXPECT_EQ(notices.last(), notice);
-    return told;
 }
 
 } // namespace korvel::test

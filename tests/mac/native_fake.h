@@ -7,12 +7,11 @@
 #include <functional>
 #include <map>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace korvel::native {
 
-/// What the fake of macOS was told, and what it answers.
+/// The calls to the fake of macOS, and the values that it gives.
 struct Fake {
     std::vector<std::string> calls;
     std::vector<std::string> pictures; ///< PNG of the pictures made: at one pixel a point, then at two.
@@ -29,9 +28,6 @@ struct Fake {
     std::map<int, std::vector<TcpSocket>> sockets; ///< By process; a socket's descriptor is its place.
     Proxy proxy, scriptProxy;                      ///< By the settings, and by the script whose text is `script`.
     std::string script;
-
-    /// The calls since the last time.
-    std::vector<std::string> takeCalls() { return std::exchange(calls, {}); }
 };
 
 Fake &fake();

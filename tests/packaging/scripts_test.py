@@ -15,6 +15,7 @@ QT_CORE = 'QtCore.framework/Versions/A/QtCore'
 PLUGIN = 'PlugIns/platforms/libqcocoa.dylib'
 MENU = 'case "$*" in *--menu-dump) echo "on  Quit" ;; '
 FRAMEWORKS = '@executable_path/../Frameworks'
+RELEASE, TRIAL = 'Korvel-1.2.0-cn.pkg', 'Korvel-1.2.0-trial-cn.pkg'
 
 
 class Sign(WithTools):
@@ -31,58 +32,41 @@ class Sign(WithTools):
         self.fake('codesign', '')
         done = self.call('sign', self.app, KORVEL_SIGN_IDENTITY='Developer ID: Ann')
         self.assertEqual(done.returncode, 0, done.stderr)
-        *signed, last, verified = self.lines()
-        for call in [*signed, last]:
+        *signed, verified = self.lines()
+        for call in signed:
             self.assertTrue(call.startswith('--force --sign Developer ID: Ann --timestamp --options runtime '), call)
-        contents = f'{self.app}/Contents/'
-        parts = [call.split(contents)[1] for call in signed]
-        libraries = {'Frameworks/libcrypto.3.dylib', 'PlugIns/platforms/libqcocoa.dylib'}
-        frameworks = {'Frameworks/QtCore.framework', 'Frameworks/QtGui.framework'}
-        programs = {'Helpers/one', 'Helpers/two', 'Resources/korvel-agent'}
-        self.assertEqual([set(parts[:2]), set(parts[2:4]), set(parts[4:])], [libraries, frameworks, programs])
-        self.assertTrue(last.endswith(str(self.app)))
+        parts = [call.split(f'{self.app}')[1].removeprefix('/Contents/') for call in signed]
+        self.assertEqual([set(parts[:2]), set(parts[2:4]), set(parts[4:7]), parts[7:]],
+                         [{'Frameworks/libcrypto.3.dylib', 'PlugIns/platforms/libqcocoa.dylib'},
+                          {'Frameworks/QtCore.framework', 'Frameworks/QtGui.framework'},
+                          {'Helpers/one', 'Helpers/two', 'Resources/korvel-agent'}, ['']])
         self.assertTrue(verified.startswith('--verify'))
 
-    def test_without_an_identity_it_says_that_it_signs_ad_hoc(self):
-        self.fake('codesign', '')
+    def test_signs_ad_hoc_without_an_identity_and_stops_at_the_first_refusal(self):
+        self.fake('codesign', 'case "$*" in *korvel-agent) exit 1 ;; esac')
         done = self.call('sign', self.app, KORVEL_AGENT_ENTITLEMENTS='/some/agent rights.plist')
+        self.assertNotEqual(done.returncode, 0)
         self.assertIn('ad hoc', done.stdout)
         self.assertTrue(self.lines()[0].startswith('--force --sign - --timestamp=none '))
-        (agent,) = [call for call in self.lines() if call.endswith('korvel-agent')]
-        self.assertIn('--entitlements /some/agent rights.plist ', agent)
-
-    def test_stops_at_the_first_refusal(self):
-        self.fake('codesign', 'case "$*" in *korvel-agent) exit 1 ;; esac')
-        self.assertNotEqual(self.call('sign', self.app).returncode, 0)
+        self.assertIn('--entitlements /some/agent rights.plist ', self.lines()[-1])
         self.assertTrue(self.lines()[-1].endswith('korvel-agent'))
         self.assertNotEqual(self.call('sign', self.folder).returncode, 0)
 
 
 class Notarise(WithTools):
-    def setUp(self):
-        super().setUp()
-        self.package = self.folder / 'a.pkg'
-        self.package.write_text('')
-
-    def answer(self, status):
-        self.fake('xcrun', f'case "$*" in *submit*) echo \'{{"id": "7f-1", "message": "m", "status":"{status}"}}\' ;; esac')
-
     def test_attaches_the_ticket_of_an_accepted_package_only(self):
-        self.answer('Accepted')
-        self.assertEqual(self.call('notarise', self.package, KORVEL_NOTARY_PROFILE='ann').returncode, 0)
-        self.assertEqual([call.split()[:2] for call in self.lines()],
-                         [['notarytool', 'submit'], ['stapler', 'staple'], ['stapler', 'validate']])
-        self.assertIn('--keychain-profile ann --wait', self.lines()[0])
-        self.answer('Invalid')
-        done = self.call('notarise', self.package, KORVEL_NOTARY_KEY='k', KORVEL_NOTARY_KEY_ID='i', KORVEL_NOTARY_ISSUER='u')
-        self.assertEqual(done.returncode, 1)
-        self.assertIn('Invalid', done.stderr)
-        self.assertEqual([call.split()[:3] for call in self.lines()][1:], [['notarytool', 'log', '7f-1']])
-
-    def test_needs_an_account(self):
-        self.answer('Accepted')
-        self.assertEqual(self.call('notarise', self.package, KORVEL_NOTARY_KEY='k').returncode, 64)
-        self.assertEqual(self.lines(), [])
+        package = self.folder / 'a.pkg'
+        package.write_text('')
+        key = {'KORVEL_NOTARY_KEY': 'k', 'KORVEL_NOTARY_KEY_ID': 'i', 'KORVEL_NOTARY_ISSUER': 'u'}
+        submit, log = ['notarytool', 'submit'], ['notarytool', 'log']
+        for verdict, account, status, calls in [
+                ('Accepted', {'KORVEL_NOTARY_PROFILE': 'ann'}, 0, [submit, ['stapler', 'staple'], ['stapler', 'validate']]),
+                ('Invalid', key, 1, [submit, log]), ('Accepted', {'KORVEL_NOTARY_KEY': 'k'}, 64, [])]:
+            reply = f'{{"id": "7f-1", "message": "m", "status":"{verdict}"}}'
+            self.fake('xcrun', f"case \"$*\" in *submit*) echo '{reply}' ;; esac")
+            done = self.call('notarise', package, **account)
+            self.assertEqual(done.returncode, status, done.stderr)
+            self.assertEqual([call.split()[:2] for call in self.lines()], calls)
 
 
 def link(contents, architectures=BOTH):
@@ -124,7 +108,7 @@ class WithPackage(WithTools):
         ElementTree.fromstring(text.encode())
         self.distribution.write_text(text)
 
-    def look(self, name='Korvel-1.2.0-cn.pkg'):
+    def look(self, name):
         package = self.folder / name
         package.write_text('')
         return self.call('inspect', package)
@@ -149,12 +133,16 @@ class Inspect(WithPackage):
         self.tell(','.join(BOTH))
 
     def test_accepts_a_release_and_starts_it_on_each_processor_with_each_platform(self):
-        done = self.look()
+        done = self.look(RELEASE)
         self.assertEqual(done.returncode, 0, done.stderr)
         self.assertIn('a release, whole, for arm64 and x86_64, macOS 14.0', done.stdout)
         started = {(call.split()[0], Path(call.split()[-1]).name) for call in self.lines() if 'korvel-tray --' in call}
         self.assertEqual(started, {(f'-{one}', what) for one in BOTH
                                    for what in ['--menu-dump', f'cocoa-{one}.png', f'offscreen-{one}.png']})
+
+    def refusal(self, name):
+        done = self.look(name)
+        return done.stderr if done.returncode else ''
 
     def test_refuses_what_users_could_not_install_or_run(self):
         def change(path, old, new):
@@ -162,52 +150,37 @@ class Inspect(WithPackage):
             path.write_text(path.read_text().replace(old, new))
         core, homebrew = f'@rpath/{QT_CORE}', '/opt/homebrew/lib'
         inner, helper = self.contents / 'Frameworks/libinner.dylib', self.contents / 'Helpers/korvel-exchange'
-        cases = [
-            ('alone', lambda: mach_o(inner, architectures=['x86_64'], library='inner')),
-            ('needs macOS 15.0', lambda: mach_o(inner, library='inner', minimum='15.0')),
-            (f'looks for libraries in {homebrew}', lambda: mach_o(helper, loads=[core], rpaths=[FRAMEWORKS, homebrew])),
-            ('looks for libraries in', lambda: mach_o(inner, library='x', rpaths=['@loader_path/../../..'])),
-            ('needs what users lack: /opt', lambda: mach_o(inner, library='inner', loads=[f'{homebrew}/libz.dylib'])),
-            (f'needs what users lack: {core}', lambda: mach_o(helper, loads=[core])),
-            ('needs what users lack: @loader_path', lambda: mach_o(inner, library='x', loads=[f'@loader_path/{QT_CORE}x'])),
-            ('not told the processors', lambda: change(self.distribution, 'hostArchitectures', 'host')),
-            ('elsewhere', lambda: change(self.distribution, 'enable_anywhere="false"', 'enable_anywhere="true"')),
-            ('oldest macOS', lambda: change(self.distribution, 'min="14.0"', 'min="13.0"')),
-            ('elsewhere', lambda: change(self.info, '<relocate/>', '<relocate>\n<bundle id="x"/></relocate>')),
-            ('platform plugin cocoa', lambda: self.fake('arch', MENU + '*offscreen*) : >"$5" ;; esac')),
-            ('exchange does not start', lambda: self.fake('arch', MENU + '*exchange) kill -ABRT $$ ;; esac')),
-        ]
-        for reason, spoil in cases:
+        for reason, spoil in [
+                ('alone', lambda: mach_o(inner, architectures=['x86_64'], library='inner')),
+                ('needs macOS 15.0', lambda: mach_o(inner, library='inner', minimum='15.0')),
+                (f'looks for libraries in {homebrew}', lambda: mach_o(helper, loads=[core], rpaths=[FRAMEWORKS, homebrew])),
+                ('needs what users lack: /opt', lambda: mach_o(inner, library='inner', loads=[f'{homebrew}/libz.dylib'])),
+                ('not told the processors', lambda: change(self.distribution, 'hostArchitectures', 'host')),
+                ('elsewhere', lambda: change(self.distribution, 'enable_anywhere="false"', 'enable_anywhere="true"')),
+                ('oldest macOS', lambda: change(self.distribution, 'min="14.0"', 'min="13.0"')),
+                ('elsewhere', lambda: change(self.info, '<relocate/>', '<relocate>\n<bundle id="x"/></relocate>')),
+                ('platform plugin cocoa', lambda: self.fake('arch', MENU + '*offscreen*) : >"$5" ;; esac')),
+                ('exchange does not start', lambda: self.fake('arch', MENU + '*exchange) kill -ABRT $$ ;; esac'))]:
             with self.subTest(reason):
                 self.lay()
                 spoil()
-                done = self.look('Korvel-1.2.0-trial-cn.pkg')
-                self.assertNotEqual(done.returncode, 0)
-                self.assertIn(reason, done.stderr)
+                self.assertIn(reason, self.refusal(TRIAL))
 
     def test_only_a_trial_is_thin_or_without_an_agent_or_for_the_example_servers(self):
-        def without_agent():
-            (self.contents / 'Resources/korvel-agent').write_text('#!/bin/sh\n')
-
         def thin():
             link(self.contents, ['arm64'])
             self.tell('arm64')
-
-        def speaking():
-            tray = self.contents / 'MacOS/korvel-tray'
-            tray.write_bytes(tray.read_bytes() + f'192.0.2.10 {key}'.encode('utf-16-le'))
-        key = '11qYAYKxCrfVS/7TyWQHOg7hcvPapiMlrwIaaPcHURo='
-        for reason, spoil in [('no program of macOS', without_agent), ('one kind of processor', thin),
-                              (f'holds {key}, 192.0.2.1', speaking)]:
+        tray, key = self.contents / 'MacOS/korvel-tray', '11qYAYKxCrfVS/7TyWQHOg7hcvPapiMlrwIaaPcHURo='
+        for reason, spoil in [
+                ('no program of macOS', lambda: (self.contents / 'Resources/korvel-agent').write_text('#!/bin/sh\n')),
+                ('one kind of processor', thin),
+                (f'holds {key}, 192.0.2.1', lambda: tray.write_bytes(
+                    tray.read_bytes() + f'192.0.2.10 {key}'.encode('utf-16-le')))]:
             with self.subTest(reason):
                 self.lay()
                 spoil()
-                done = self.look()
-                self.assertNotEqual(done.returncode, 0)
-                self.assertIn(reason, done.stderr)
-                done = self.look('Korvel-1.2.0-trial-cn.pkg')
-                self.assertEqual(done.returncode, 0, done.stderr)
-                self.assertIn('a trial', done.stdout)
+                self.assertIn(reason, self.refusal(RELEASE))
+                self.assertEqual(self.refusal(TRIAL), '')
 
 
 class Linked(WithPackage):

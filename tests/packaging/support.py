@@ -1,4 +1,4 @@
-"""What the tests of packaging share. The environment says where things lie: SOURCE, CMAKE, APP, JOB_FILE, PUBLISH."""
+"""What the tests of packaging share. The environment says where things lie: SOURCE, CMAKE, APP."""
 import os
 import shutil
 import subprocess

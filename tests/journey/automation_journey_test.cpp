@@ -1,0 +1,106 @@
+#include "journey/journey.h"
+#include "service/login_item.h"
+#include "simulator/home/files.h"
+#include "simulator/launchd/job_file.h"
+
+#include <QImage>
+#include <QJsonArray>
+#include <QSet>
+
+namespace korvel::test {
+namespace {
+
+/// The automation modes of the tray program, off screen.
+struct AutomationJourney : Journey {
+    QByteArray output, errors;
+    bool hasExchange = true; ///< The bundle has korvel-exchange.
+
+    int run(const QStringList &arguments, const QByteArray &input = {}, const QString &language = u"en"_s) {
+        TrayProcess process(home, TrayProcess::Shown::Nowhere, language);
+        if (!hasExchange)
+            QFile::remove(QFileInfo(process.placed).path() + u"/../Helpers/korvel-exchange"_s);
+        const int status = process.automate(arguments, input);
+        output = process.output;
+        errors = process.errors;
+        return status;
+    }
+};
+
+TEST_F(AutomationJourney, AgentJsonHandsOneLineToTheAgentAndPrintsItsReply) {
+    const QJsonObject replies{{u"noise"_s, QJsonArray{u"log"_s}},
+                              {u"reply"_s, QJsonObject{{u"ok"_s, true}, {u"n"_s, 1}}}};
+    home.setScenario({{u"login"_s, QJsonObject{{u"*"_s, replies}, {u"mute"_s, QJsonObject{{u"silent"_s, true}}}}}});
+    EXPECT_EQ(run({u"--agent-json"_s}, "{\"op\":\"send-code\"}\nignored\n"), 0);
+    EXPECT_EQ(output, "{\"n\":1,\"ok\":true}\n");
+    EXPECT_EQ(home.agentCalls().last().value(u"lang"), u"en"_s);
+    for (const char *input : {"[1]\n", "{\"op\":\"mute\"}"}) {
+        EXPECT_EQ(run({u"--agent-json"_s}, input), 1);
+        EXPECT_EQ(output, "null\n");
+    }
+}
+
+TEST_F(AutomationJourney, LoginSignsInOnceAndPrintsTheOutcome) {
+    ASSERT_TRUE(home.startAccountServer() && home.installJobFile());
+    const QString account = u"sam@example.com"_s, server = home.accountServer();
+    const auto printed = [&](const QStringList &arguments, const QByteArray &password,
+                             const QString &language = u"en"_s) {
+        const int status = run(QStringList{u"--login"_s, account} + arguments, password, language);
+        EXPECT_FALSE(errors.contains("sesame"));
+        return QByteArray::number(status) + ' ' + output;
+    };
+    EXPECT_EQ(printed({server}, "close sesame\n"), "1 Incorrect account or password.\n");
+    EXPECT_EQ(printed({server}, "close sesame\n", u"zh_CN"_s), "1 账号或密码不正确\n"_ba);
+    EXPECT_EQ(printed({u"no server"_s}, "open sesame"), "1 The server address isn't valid.\n");
+    EXPECT_EQ(printed({u"https://"_s + server + u'/'}, "open sesame\r\nmore\n"),
+              "0 ● Signed in as sam@example.com\n"_ba);
+    EXPECT_TRUE(eventually([&] { return home.agentPid() != 0; }));
+    // Without an address it uses the configured server, which also releases the first credential.
+    EXPECT_EQ(printed({}, "open sesame"), "0 ● Signed in as sam@example.com\n"_ba);
+    const auto credentials = home.accounts().liveCredentials();
+    ASSERT_EQ(credentials.size(), 1);
+    EXPECT_EQ(sim::readObject(home.configPath()).value(u"agentToken"), credentials.first().token);
+    hasExchange = false;
+    EXPECT_EQ(printed({}, "open sesame"), "1 Can't connect to the server. Try again later.\n");
+    EXPECT_EQ(errors.count("[net] korvel-exchange"), 1) << errors.constData();
+}
+
+TEST_F(AutomationJourney, EachWindowIsDrawnInTheLanguageOfTheEnvironment) {
+    const QString out = folder.filePath(u"out.png"_s), report = uR"({"state":"pending","pair":{"show":"482 913"}})"_s,
+                  request = uR"({"pendingId":"1","name":"Anna's phone","platform":"ios"})"_s;
+    QSet<QByteArray> pictures;
+    for (const QStringList &arguments : {QStringList{u"--login-render"_s, u"login"_s, out},
+                                         {u"--login-render"_s, u"code"_s, out},
+                                         {u"--login-render"_s, u"register"_s, out},
+                                         {u"--login-render"_s, u"reset"_s, out},
+                                         {u"--e2ee-render"_s, u"pair"_s, out, report},
+                                         {u"--e2ee-render"_s, u"approve"_s, out, request}})
+        for (const QString &language : {u"en"_s, u"zh_CN"_s}) {
+            EXPECT_EQ(run(arguments, {}, language), 0) << errors.constData();
+            const QImage image(out);
+            EXPECT_GE(image.width(), 2 * 400); // two pixels a point
+            pictures.insert(QByteArray(reinterpret_cast<const char *>(image.constBits()), image.sizeInBytes()));
+            QFile::remove(out);
+        }
+    EXPECT_EQ(pictures.size(), 12);
+    for (const QStringList &arguments : {QStringList{u"--login-render"_s, u"other"_s, out},
+                                         {u"--login-render"_s, u"login"_s, u"/no/such/folder/x.png"_s},
+                                         {u"--e2ee-render"_s, u"other"_s, out, report},
+                                         {u"--e2ee-render"_s, u"pair"_s, out, u"[]"_s}}) {
+        EXPECT_EQ(run(arguments), 1) << arguments.join(u' ').toStdString();
+        EXPECT_EQ(errors.count('\n'), 1) << errors.constData();
+        EXPECT_FALSE(QFile::exists(out));
+    }
+}
+
+TEST(LoginItemText, IsAPropertyListWhateverThePaths) {
+    const QTemporaryDir folder;
+    const QString program = u"/Applications/A & B <\"C\">'.app/x"_s, log = u"/Users/安/&amp;/]]>.log"_s;
+    ASSERT_TRUE(sim::replaceFile(folder.filePath(u"job"_s), loginItemText(program, log).toUtf8()));
+    EXPECT_EQ(sim::readJobFile(folder.filePath(u"job"_s)), (QJsonObject{{u"Label"_s, u"com.korvel.tray"_s},
+                                                                        {u"ProgramArguments"_s, QJsonArray{program}},
+                                                                        {u"RunAtLoad"_s, true},
+                                                                        {u"StandardErrorPath"_s, log}}));
+}
+
+} // namespace
+} // namespace korvel::test
