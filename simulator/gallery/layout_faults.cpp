@@ -1,6 +1,6 @@
 #include "simulator/gallery/layout_faults.h"
 
-#include "ui/widgets/link_button.h"
+#include "ui/widgets/buttons.h"
 #include "ui/widgets/text_styles.h"
 
 #include <QAbstractButton>

@@ -1,9 +1,9 @@
 #include "base/plain_text.h"
 #include "support/fakes.h"
 #include "ui/widgets/alert_window.h"
+#include "ui/widgets/buttons.h"
 #include "ui/widgets/code_field.h"
 #include "ui/widgets/contrast_style.h"
-#include "ui/widgets/main_button.h"
 #include "ui/widgets/text_styles.h"
 #include "ui/widgets/window_place.h"
 

@@ -1,13 +1,11 @@
 #include "ui/widgets/cn_login_window.h"
 
 #include "app/model/wording.h"
+#include "ui/widgets/buttons.h"
 #include "ui/widgets/close_key.h"
-#include "ui/widgets/link_button.h"
-#include "ui/widgets/main_button.h"
 #include "ui/widgets/scrolling_text.h"
 #include "ui/widgets/secret_field.h"
 #include "ui/widgets/segmented_control.h"
-#include "ui/widgets/text_button.h"
 #include "ui/widgets/window_front.h"
 #include "ui/widgets/window_place.h"
 

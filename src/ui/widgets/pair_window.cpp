@@ -1,8 +1,8 @@
 #include "ui/widgets/pair_window.h"
 
 #include "app/model/wording.h"
+#include "ui/widgets/buttons.h"
 #include "ui/widgets/close_key.h"
-#include "ui/widgets/text_button.h"
 #include "ui/widgets/window_front.h"
 #include "ui/widgets/window_place.h"
 
