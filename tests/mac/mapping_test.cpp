@@ -11,7 +11,7 @@
 #include "ui/widgets/icon_image.h"
 #include "ui/widgets/notice_window.h"
 #include "ui/widgets/picture.h"
-#include "ui/widgets/window_front.h"
+#include "ui/widgets/windows.h"
 
 #include <QApplication>
 #include <QImage>

@@ -3,7 +3,7 @@
 #include "support/tray_fixture.h"
 #include "ui/widgets/cn_login_window.h"
 #include "ui/widgets/picture.h"
-#include "ui/widgets/window_place.h"
+#include "ui/widgets/windows.h"
 
 #include <QApplication>
 #include <QCheckBox>

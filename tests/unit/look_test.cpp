@@ -5,7 +5,7 @@
 #include "ui/widgets/code_field.h"
 #include "ui/widgets/contrast_style.h"
 #include "ui/widgets/text_styles.h"
-#include "ui/widgets/window_place.h"
+#include "ui/widgets/windows.h"
 
 #include <QCheckBox>
 #include <QMenu>

@@ -8,9 +8,9 @@
 #include "support/fakes.h"
 #include "support/manual_scheduler.h"
 #include "ui/views/notice_view.h"
-#include "ui/widgets/esc_window.h"
 #include "ui/widgets/key_guard.h"
 #include "ui/widgets/notice_window.h"
+#include "ui/widgets/windows.h"
 #include "update/update_notices.h"
 
 #include <QApplication>

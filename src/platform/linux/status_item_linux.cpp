@@ -1,7 +1,7 @@
 #include "platform/linux/status_item_linux.h"
 
 #include "ui/widgets/icon_image.h"
-#include "ui/widgets/window_place.h"
+#include "ui/widgets/windows.h"
 
 #include <QCursor>
 #include <QDBusConnection>

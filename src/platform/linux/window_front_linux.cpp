@@ -1,4 +1,4 @@
-#include "ui/widgets/window_front.h"
+#include "ui/widgets/windows.h"
 
 #include <QCursor>
 #include <QGuiApplication>

@@ -1,4 +1,4 @@
-#include "ui/widgets/window_front.h"
+#include "ui/widgets/windows.h"
 
 #include "platform/mac/native_application_mac.h"
 #include "platform/mac/native_windows_mac.h"

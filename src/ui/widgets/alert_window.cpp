@@ -2,13 +2,11 @@
 
 #include "ui/widgets/alert_symbol.h"
 #include "ui/widgets/buttons.h"
-#include "ui/widgets/close_key.h"
 #include "ui/widgets/code_field.h"
 #include "ui/widgets/scrolling_text.h"
 #include "ui/widgets/secret_field.h"
 #include "ui/widgets/text_styles.h"
-#include "ui/widgets/window_front.h"
-#include "ui/widgets/window_place.h"
+#include "ui/widgets/windows.h"
 
 #include <QBoxLayout>
 #include <QDialogButtonBox>

@@ -2,12 +2,10 @@
 
 #include "app/model/wording.h"
 #include "ui/widgets/buttons.h"
-#include "ui/widgets/close_key.h"
 #include "ui/widgets/scrolling_text.h"
 #include "ui/widgets/secret_field.h"
 #include "ui/widgets/segmented_control.h"
-#include "ui/widgets/window_front.h"
-#include "ui/widgets/window_place.h"
+#include "ui/widgets/windows.h"
 
 #include <QBoxLayout>
 #include <QCheckBox>

@@ -2,9 +2,9 @@
 
 #include "account/cn_login_view.h"
 #include "account/login_panel.h"
-#include "ui/widgets/esc_window.h"
 #include "ui/widgets/key_filter.h"
 #include "ui/widgets/text_styles.h"
+#include "ui/widgets/windows.h"
 
 #include <memory>
 

@@ -2,8 +2,7 @@
 
 #include "ui/views/notice_view.h"
 #include "ui/widgets/text_styles.h"
-#include "ui/widgets/window_front.h"
-#include "ui/widgets/window_place.h"
+#include "ui/widgets/windows.h"
 
 #include <QAccessibleWidget>
 #include <QMouseEvent>

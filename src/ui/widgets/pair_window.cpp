@@ -2,9 +2,7 @@
 
 #include "app/model/wording.h"
 #include "ui/widgets/buttons.h"
-#include "ui/widgets/close_key.h"
-#include "ui/widgets/window_front.h"
-#include "ui/widgets/window_place.h"
+#include "ui/widgets/windows.h"
 
 #include <QBoxLayout>
 #include <QKeyEvent>

@@ -1,12 +1,13 @@
-#include "ui/widgets/window_place.h"
+#include "ui/widgets/windows.h"
 
 #include "ui/widgets/scrolling_text.h"
-#include "ui/widgets/window_front.h"
 
 #include <QCursor>
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QLayout>
 #include <QScreen>
+#include <QShortcut>
 #include <QWidget>
 #include <QWindow>
 #include <algorithm>
@@ -134,6 +135,21 @@ void fitHeight(QWidget &window, int width) {
     window.setFixedSize(width, neededHeight(window, width));
     if (window.isVisible() && window.frameGeometry().bottom() > room.bottom())
         window.move(window.x(), std::max(room.top(), room.bottom() + 1 - window.frameGeometry().height()));
+}
+
+void closeByKey(QWidget &window) {
+    const auto *key = new QShortcut(QKeySequence(QKeySequence::Close), &window);
+    QObject::connect(key, &QShortcut::activated, &window, [&window] { window.close(); });
+}
+
+void EscWindow::keyPressEvent(QKeyEvent *event) {
+    // Keys on the number pad always carry the keypad modifier.
+    const bool plain = (event->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+    if (event->key() != Qt::Key_Escape || !plain)
+        return QWidget::keyPressEvent(event);
+    event->accept();
+    if (onEsc)
+        onEsc();
 }
 
 } // namespace korvel
