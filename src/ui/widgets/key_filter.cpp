@@ -1,6 +1,5 @@
 #include "ui/widgets/key_filter.h"
 
-#include "ui/widgets/keys_down.h"
 
 #include <QKeyEvent>
 #include <QLineEdit>

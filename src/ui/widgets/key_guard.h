@@ -10,6 +10,10 @@ namespace korvel {
 /// Physical keys by scan code.
 using KeyCodes = QSet<quint32>;
 
+/// The keys that are down, as QKeyEvent::nativeScanCode(). Empty where the system marks key repetition reliably, so
+/// that this is not needed.
+KeyCodes keysDown();
+
 /// A key press.
 struct KeyPress {
     quint32 code = 0;     ///< Scan code.

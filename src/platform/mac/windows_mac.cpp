@@ -2,6 +2,7 @@
 
 #include "platform/mac/native_application_mac.h"
 #include "platform/mac/native_windows_mac.h"
+#include "ui/widgets/key_guard.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -83,5 +84,8 @@ void showNotice(QWidget &notice) {
     native::orderFrontRegardless(nativeView(notice));
     native::announce(notice.windowTitle().toStdString());
 }
+
+// An NSEvent marks key repetition, even if the window did not see the key go down.
+KeyCodes keysDown() { return {}; }
 
 } // namespace korvel
