@@ -1,6 +1,6 @@
 #include "icon/icon_set.h"
 
-#include "ui/widgets/application_icon.h"
+#include "ui/widgets/icons.h"
 
 #include <QBuffer>
 #include <QImage>

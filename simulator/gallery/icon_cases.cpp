@@ -1,6 +1,6 @@
 #include "simulator/gallery/gallery_case.h"
 #include "ui/views/icon_view.h"
-#include "ui/widgets/icon_image.h"
+#include "ui/widgets/icons.h"
 
 #include <QBoxLayout>
 #include <QLabel>

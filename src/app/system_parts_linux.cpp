@@ -5,7 +5,7 @@
 #include "platform/qt/desktop_qt.h"
 #include "ui/views/icon_view.h"
 #include "ui/widgets/contrast_style.h"
-#include "ui/widgets/icon_image.h"
+#include "ui/widgets/icons.h"
 
 #include <QApplication>
 

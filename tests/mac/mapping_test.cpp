@@ -8,7 +8,7 @@
 #include "ui/views/edit_menu.h"
 #include "ui/views/icon_view.h"
 #include "ui/views/notice_view.h"
-#include "ui/widgets/icon_image.h"
+#include "ui/widgets/icons.h"
 #include "ui/widgets/notice_window.h"
 #include "ui/widgets/picture.h"
 #include "ui/widgets/windows.h"

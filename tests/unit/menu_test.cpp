@@ -3,7 +3,7 @@
 #include "support/fakes.h"
 #include "ui/menu/menu_view.h"
 #include "ui/views/icon_view.h"
-#include "ui/widgets/icon_image.h"
+#include "ui/widgets/icons.h"
 #include "ui/widgets/menu_widget.h"
 #include "ui/widgets/tool_tip.h"
 

@@ -1,6 +1,6 @@
 #include "platform/linux/status_item_linux.h"
 
-#include "ui/widgets/icon_image.h"
+#include "ui/widgets/icons.h"
 #include "ui/widgets/windows.h"
 
 #include <QCursor>

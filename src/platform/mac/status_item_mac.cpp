@@ -1,7 +1,7 @@
 #include "platform/mac/status_item_mac.h"
 
 #include "platform/mac/native_menu_mac.h"
-#include "ui/widgets/icon_image.h"
+#include "ui/widgets/icons.h"
 
 #include <utility>
 

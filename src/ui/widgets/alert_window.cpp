@@ -1,8 +1,8 @@
 #include "ui/widgets/alert_window.h"
 
-#include "ui/widgets/alert_symbol.h"
 #include "ui/widgets/buttons.h"
 #include "ui/widgets/code_field.h"
+#include "ui/widgets/icons.h"
 #include "ui/widgets/scrolling_text.h"
 #include "ui/widgets/secret_field.h"
 #include "ui/widgets/text_styles.h"
