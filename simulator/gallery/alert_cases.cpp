@@ -5,7 +5,7 @@
 #include "e2ee/approval.h"
 #include "simulator/gallery/gallery_case.h"
 #include "ui/widgets/alert_window.h"
-#include "ui/widgets/code_field.h"
+#include "ui/widgets/text_fields.h"
 
 #include <QApplication>
 #include <QJsonObject>

@@ -3,9 +3,9 @@
 #include "e2ee/pair_code.h"
 #include "support/tray_fixture.h"
 #include "ui/widgets/alert_window.h"
-#include "ui/widgets/code_field.h"
 #include "ui/widgets/pair_window.h"
 #include "ui/widgets/picture.h"
+#include "ui/widgets/text_fields.h"
 
 #include <QApplication>
 #include <QDialogButtonBox>

@@ -2,8 +2,8 @@
 #include "support/fakes.h"
 #include "ui/widgets/alert_window.h"
 #include "ui/widgets/buttons.h"
-#include "ui/widgets/code_field.h"
 #include "ui/widgets/contrast_style.h"
+#include "ui/widgets/text_fields.h"
 #include "ui/widgets/text_styles.h"
 #include "ui/widgets/windows.h"
 

@@ -1,10 +1,9 @@
 #include "ui/widgets/alert_window.h"
 
 #include "ui/widgets/buttons.h"
-#include "ui/widgets/code_field.h"
 #include "ui/widgets/icons.h"
 #include "ui/widgets/scrolling_text.h"
-#include "ui/widgets/secret_field.h"
+#include "ui/widgets/text_fields.h"
 #include "ui/widgets/text_styles.h"
 #include "ui/widgets/windows.h"
 

@@ -3,8 +3,8 @@
 #include "app/model/wording.h"
 #include "ui/widgets/buttons.h"
 #include "ui/widgets/scrolling_text.h"
-#include "ui/widgets/secret_field.h"
 #include "ui/widgets/segmented_control.h"
+#include "ui/widgets/text_fields.h"
 #include "ui/widgets/windows.h"
 
 #include <QBoxLayout>

@@ -1,17 +1,57 @@
-#include "ui/widgets/code_field.h"
+#include "ui/widgets/text_fields.h"
 
 #include "e2ee/pair_code.h"
 #include "ui/widgets/text_styles.h"
 
+#include <QAccessible>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QStyle>
 #include <QStyleOption>
 
 namespace korvel {
 
 namespace {
+
 constexpr int OWN_MARGIN = 2; // of a line edit, between its contents and its text
+
+QAccessible::UpdateHandler nextHandler = nullptr;
+
+bool isSecret(QObject *object) {
+    const auto *field = qobject_cast<QLineEdit *>(object);
+    return field && field->echoMode() != QLineEdit::Normal;
 }
+
+QString dots(const QString &text) { return QString(text.size(), QChar(0x2022)); }
+
+void forward(QAccessibleEvent &event) {
+    // Without an installed handler, Qt notifies the system.
+    const auto own = QAccessible::installUpdateHandler(nextHandler);
+    QAccessible::updateAccessibility(&event);
+    QAccessible::installUpdateHandler(own);
+}
+
+/// Reports how much text changed and where, as screen readers need it, but not its content.
+void withoutSecrets(QAccessibleEvent *event) {
+    if (!isSecret(event->object()))
+        return forward(*event);
+    if (const auto *inserted = dynamic_cast<QAccessibleTextInsertEvent *>(event)) {
+        QAccessibleTextInsertEvent hidden(event->object(), inserted->changePosition(), dots(inserted->textInserted()));
+        return forward(hidden);
+    }
+    if (const auto *removed = dynamic_cast<QAccessibleTextRemoveEvent *>(event)) {
+        QAccessibleTextRemoveEvent hidden(event->object(), removed->changePosition(), dots(removed->textRemoved()));
+        return forward(hidden);
+    }
+    if (const auto *updated = dynamic_cast<QAccessibleTextUpdateEvent *>(event)) {
+        QAccessibleTextUpdateEvent hidden(event->object(), updated->changePosition(), dots(updated->textRemoved()),
+                                          dots(updated->textInserted()));
+        return forward(hidden);
+    }
+    forward(*event);
+}
+
+} // namespace
 
 PairCodeField::PairCodeField(QWidget *parent) : QLineEdit(parent) {
     setPlaceholderText(QStringLiteral("000 000"));
@@ -61,6 +101,12 @@ void PairCodeField::placeText() {
     const QRect contents = style()->subElementRect(QStyle::SE_LineEditContents, &frame, this);
     const int spare = contents.width() - fontMetrics().horizontalAdvance(placeholderText());
     setTextMargins(spare / 2 - OWN_MARGIN, 0, 0, 0);
+}
+
+void makeSecret(QLineEdit &field) {
+    field.setEchoMode(QLineEdit::Password);
+    if (const auto before = QAccessible::installUpdateHandler(withoutSecrets); before != withoutSecrets)
+        nextHandler = before;
 }
 
 } // namespace korvel
