@@ -3,10 +3,9 @@
 #include "ui/views/icon_view.h"
 
 #include <QBuffer>
-#include <QImage>
 #include <QLinearGradient>
 #include <QPainter>
-#include <QPixmap>
+#include <QPainterPath>
 
 namespace korvel {
 
@@ -23,10 +22,12 @@ QPainterPath frame(double inset, double thickness) {
     return path;
 }
 
-QPainterPath centre() {
-    QPainterPath path;
-    path.addRect(QRectF(7.25, 7.25, 3.5, 3.5));
-    return path;
+/// The shape of the menu-bar icon on a canvas of TEMPLATE_POINTS, origin at the top left, to be filled.
+QPainterPath iconShape(bool on) {
+    // Active: a frame 2.75 thick. Inactive: an outline 1.5 wide, its centre line 0.75 inside the square.
+    QPainterPath shape = on ? frame(0, 2.75) : frame(0, 1.5);
+    shape.addRect(QRectF(7.25, 7.25, 3.5, 3.5)); // the centre
+    return shape;
 }
 
 QPainterPath panelShape(const IconView &view) {
@@ -62,13 +63,6 @@ void drawWarningSign(QPainter &painter) {
 }
 
 } // namespace
-
-QPainterPath iconShape(bool on) {
-    // Active: a frame 2.75 thick. Inactive: an outline 1.5 wide, its centre line 0.75 inside the square.
-    QPainterPath shape = on ? frame(0, 2.75) : frame(0, 1.5);
-    shape.addPath(centre());
-    return shape;
-}
 
 QByteArray templatePng(bool on, int scale) {
     QByteArray png;

@@ -3,15 +3,11 @@
 #include <QByteArray>
 #include <QIcon>
 #include <QImage>
-#include <QPainterPath>
 #include <QPixmap>
 
 namespace korvel {
 
 struct IconView;
-
-/// The shape of the menu-bar icon on an 18 x 18 point canvas, origin at the top left, to be filled.
-QPainterPath iconShape(bool on);
 
 /// Side length of the menu-bar icon, in points.
 constexpr double TEMPLATE_POINTS = 18;
