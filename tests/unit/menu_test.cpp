@@ -5,7 +5,6 @@
 #include "ui/views/icon_view.h"
 #include "ui/widgets/icons.h"
 #include "ui/widgets/menu_widget.h"
-#include "ui/widgets/tool_tip.h"
 
 #include <QSignalSpy>
 #include <QTest>

@@ -1,9 +1,9 @@
 #include "ui/widgets/menu_widget.h"
 
 #include "base/plain_text.h"
-#include "ui/widgets/tool_tip.h"
 
 #include <QPalette>
+#include <QTextDocument>
 #include <algorithm>
 
 namespace korvel {
@@ -39,6 +39,11 @@ QString actionText(const QString &title, MenuHost host) {
     if (const qsizetype first = text.indexOf(u'&'); first >= 0)
         text.insert(first, u'&');
     return text;
+}
+
+QString plainToolTip(const QString &text) {
+    return Qt::mightBeRichText(text) ? QStringLiteral("<span>") + text.toHtmlEscaped() + QStringLiteral("</span>")
+                                     : text;
 }
 
 QString fittedTitle(const MenuEntry &entry, const QFontMetrics &metrics) {

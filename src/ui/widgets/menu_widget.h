@@ -18,6 +18,9 @@ enum class MenuHost {
 /// A plain title, escaped for a QAction that `host` draws.
 QString actionText(const QString &title, MenuHost host);
 
+/// Escapes a tool tip so that Qt shows it literally, even if it looks like markup.
+QString plainToolTip(const QString &text);
+
 /// Maximum width of an entry's text, in points.
 constexpr int MAX_ENTRY_WIDTH = 640;
 
