@@ -1,6 +1,6 @@
 #include "simulator/agent/agent_program.h"
 
-#include "base/unix_signals.h"
+#include "base/unix_process.h"
 #include "simulator/agent/agent_interface.h"
 #include "simulator/home/files.h"
 #include "simulator/home/scenario.h"

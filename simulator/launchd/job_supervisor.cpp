@@ -1,6 +1,6 @@
 #include "simulator/launchd/job_supervisor.h"
 
-#include "base/unix_signals.h"
+#include "base/unix_process.h"
 #include "simulator/home/files.h"
 #include "simulator/home/record_lock.h"
 #include "simulator/home/scenario.h"

@@ -1,6 +1,6 @@
 #include "simulator/server/account_server_program.h"
 
-#include "base/unix_signals.h"
+#include "base/unix_process.h"
 #include "simulator/home/document.h"
 #include "simulator/home/home_watch.h"
 #include "simulator/home/loopback_socket.h"

@@ -1,7 +1,7 @@
 // Leads a tray program through its main duties on a desktop and checks at each step what the panel shows.
 
 #include "app/model/wording.h"
-#include "base/unix_signals.h"
+#include "base/unix_process.h"
 #include "simulator/tour/explain_home.h"
 #include "simulator/tour/steps.h"
 #include "simulator/tour/tour.h"

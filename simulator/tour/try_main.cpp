@@ -1,6 +1,6 @@
 // Starts a tray program with a simulated home in the user's own desktop session, until it is quit or interrupted.
 
-#include "base/unix_signals.h"
+#include "base/unix_process.h"
 #include "simulator/agent/agent_config.h"
 #include "simulator/home/simulated_home.h"
 #include "simulator/tour/explain_home.h"

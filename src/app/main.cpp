@@ -6,7 +6,7 @@
 #include "app/model/wording.h"
 #include "app/platform_app.h"
 #include "app/system_parts.h"
-#include "platform/qt/standard_streams.h"
+#include "base/unix_process.h"
 
 #include <csignal>
 #include <unistd.h>

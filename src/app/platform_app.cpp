@@ -5,7 +5,7 @@
 #include "app/single_instance.h"
 #include "app/system_parts.h"
 #include "app/tray_app.h"
-#include "base/unix_signals.h"
+#include "base/unix_process.h"
 #include "platform/net/exchange_client.h"
 #include "platform/net/loopback_http_client.h"
 #include "platform/qt/qt_programs.h"

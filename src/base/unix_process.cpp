@@ -1,4 +1,4 @@
-#include "base/unix_signals.h"
+#include "base/unix_process.h"
 
 #include <QSocketNotifier>
 #include <cerrno>
@@ -21,6 +21,12 @@ void onSignal(int number) {
 }
 
 } // namespace
+
+void openStandardStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (::fcntl(stream, F_GETFD) < 0)
+            ::open("/dev/null", O_RDWR); // takes the lowest free descriptor, which is this one
+}
 
 UnixSignals::UnixSignals(std::initializer_list<int> numbers, std::function<void(int)> handle) {
     if (::pipe(ends) != 0)

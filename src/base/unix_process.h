@@ -4,9 +4,11 @@
 #include <initializer_list>
 #include <memory>
 
-class QSocketNotifier;
-
 namespace korvel {
+
+/// Opens the null device for each closed standard stream. Otherwise the next socket gets that descriptor, and log lines
+/// go to its peer. Call first in a process.
+void openStandardStreams();
 
 /// Delivers Unix signals on the event loop, including those raised before it runs. One per process.
 class UnixSignals {
