@@ -3,7 +3,7 @@
 #include "base/log.h"
 #include "platform/mac/desktop_mac.h"
 #include "platform/mac/native_application_mac.h"
-#include "platform/mac/native_log_mac.h"
+#include "platform/mac/native_session_mac.h"
 #include "platform/mac/running_instances_mac.h"
 #include "platform/mac/status_item_mac.h"
 

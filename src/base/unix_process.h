@@ -4,6 +4,8 @@
 #include <initializer_list>
 #include <memory>
 
+class QSocketNotifier;
+
 namespace korvel {
 
 /// Opens the null device for each closed standard stream. Otherwise the next socket gets that descriptor, and log lines

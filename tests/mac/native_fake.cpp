@@ -1,9 +1,7 @@
 #include "mac/native_fake.h"
 
 #include "platform/mac/native_application_mac.h"
-#include "platform/mac/native_edit_menu_mac.h"
 #include "platform/mac/native_instances_mac.h"
-#include "platform/mac/native_log_mac.h"
 #include "platform/mac/native_menu_mac.h"
 #include "platform/mac/native_session_mac.h"
 #include "platform/mac/native_status_bar_mac.h"

@@ -1,6 +1,6 @@
 #include "platform/mac/desktop_mac.h"
 
-#include "platform/mac/native_edit_menu_mac.h"
+#include "platform/mac/native_menu_mac.h"
 #include "platform/mac/native_session_mac.h"
 #include "ui/views/edit_menu.h"
 

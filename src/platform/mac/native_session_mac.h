@@ -4,6 +4,9 @@
 
 namespace korvel::native {
 
+/// Writes a public line to the system log. Thread-safe.
+void writeSystemLog(const std::string &line);
+
 /// The modifier keys currently held, one bit each (NSEvent's device-independent flags).
 unsigned long long heldModifiers();
 
