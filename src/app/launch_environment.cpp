@@ -1,6 +1,6 @@
 #include "app/launch_environment.h"
 
-#include "ports/preferred_languages.h"
+#include "app/system_parts.h"
 
 #include <QDir>
 #include <QFile>

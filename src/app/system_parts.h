@@ -6,6 +6,7 @@
 #include "ports/running_instances.h"
 #include "ports/status_item.h"
 
+#include <QStringList>
 #include <functional>
 #include <memory>
 
@@ -15,6 +16,9 @@ namespace korvel {
 
 /// Also sends log lines to the system log, if there is one. Call before any thread starts.
 void logToSystem();
+
+/// The user's preferred languages in order, such as "zh-Hans-CN"; empty if the system has no list.
+QStringList preferredLanguages();
 
 /// Prepares settings that Qt reads before the application object exists. Returns Qt's own command-line arguments, as
 /// static strings.

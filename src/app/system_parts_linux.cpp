@@ -8,6 +8,7 @@
 #include "ui/widgets/icons.h"
 
 #include <QApplication>
+#include <QLocale>
 
 namespace korvel {
 
@@ -21,6 +22,8 @@ bool hasDisplay() {
 } // namespace
 
 void logToSystem() {}
+
+QStringList preferredLanguages() { return QLocale::system().uiLanguages(); }
 
 // Selects the offscreen platform by argument: the agent's programs inherit the environment.
 QList<const char *> prepareToolkit() {

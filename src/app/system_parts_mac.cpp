@@ -22,6 +22,10 @@ void logToSystem() {
     });
 }
 
+QStringList preferredLanguages() {
+    return QString::fromStdString(native::preferredLanguageLines()).split(u'\n', Qt::SkipEmptyParts);
+}
+
 QList<const char *> prepareToolkit() {
     // Without it, Qt activates the application at every start, also at login and after an update.
     qputenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM", "1");

@@ -3,7 +3,6 @@
 #include "exchange/system_network.h"
 #include "mac/native_fake.h"
 #include "ports/port_owner.h"
-#include "ports/preferred_languages.h"
 #include "ui/menu/menu_view.h"
 #include "ui/views/edit_menu.h"
 #include "ui/views/icon_view.h"
