@@ -4,7 +4,7 @@
 #include "account/server_rules.h"
 #include "app/automation_output.h"
 #include "app/automation_render.h"
-#include "app/bundle.h"
+#include "app/launch_environment.h"
 #include "app/model/deployment.h"
 #include "app/system_parts.h"
 #include "base/plain_text.h"

@@ -2,6 +2,7 @@
 
 #include "app/system_parts.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <pwd.h>
@@ -34,5 +35,13 @@ LaunchEnvironment readLaunchEnvironment() {
             .korvelHome = environmentValue("KORVEL_HOME"),
             .automation = environmentValue("KORVEL_TRAY_AUTOMATION")};
 }
+
+QString executablePath() { return QCoreApplication::applicationFilePath(); }
+
+QString bundlePath() { return QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../..")); }
+
+QString exchangeProgram() { return bundlePath() + QStringLiteral("/Contents/Helpers/korvel-exchange"); }
+
+std::optional<QString> agentOverride() { return environmentValue("KORVEL_AGENT_BIN"); }
 
 } // namespace korvel

@@ -1,6 +1,6 @@
 #include "app/platform_app.h"
 
-#include "app/bundle.h"
+#include "app/launch_environment.h"
 #include "app/model/deployment.h"
 #include "app/single_instance.h"
 #include "app/system_parts.h"
