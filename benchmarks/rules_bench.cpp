@@ -5,7 +5,7 @@
 #include "benchmarks/report.h"
 #include "e2ee/pair_view.h"
 #include "status/health.h"
-#include "status/status_line.h"
+#include "status/status_view.h"
 #include "ui/menu/menu_view.h"
 
 #include <benchmark/benchmark.h>

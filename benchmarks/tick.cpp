@@ -4,7 +4,7 @@
 #include "app/model/situation.h"
 #include "benchmarks/report.h"
 #include "status/health.h"
-#include "status/icon.h"
+#include "status/status_view.h"
 #include "ui/menu/menu_view.h"
 
 #include "ui/widgets/menu_widget.h"

@@ -5,8 +5,7 @@
 #include "base/log.h"
 #include "service/agent_config.h"
 #include "service/login_item.h"
-#include "status/icon.h"
-#include "status/status_line.h"
+#include "status/status_view.h"
 #include "ui/menu/menu_view.h"
 #include "ui/views/edit_menu.h"
 

@@ -2,7 +2,7 @@
 
 #include "app/model/wording.h"
 #include "e2ee/report.h"
-#include "status/status_line.h"
+#include "status/status_view.h"
 
 namespace korvel {
 

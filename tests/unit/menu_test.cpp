@@ -1,5 +1,4 @@
-#include "status/icon.h"
-#include "status/status_line.h"
+#include "status/status_view.h"
 #include "support/fakes.h"
 #include "ui/menu/menu_view.h"
 #include "ui/views/icon_view.h"

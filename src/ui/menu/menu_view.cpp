@@ -3,7 +3,7 @@
 #include "app/model/wording.h"
 #include "e2ee/menu_block.h"
 #include "permissions/menu_block.h"
-#include "status/status_line.h"
+#include "status/status_view.h"
 
 namespace korvel {
 

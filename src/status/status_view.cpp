@@ -1,4 +1,4 @@
-#include "status/status_line.h"
+#include "status/status_view.h"
 
 #include "app/model/wording.h"
 #include "base/plain_text.h"
@@ -72,6 +72,19 @@ QString silentText(const Situation &s) {
     return L(u"⏻ 已暂停同步", u"⏻ Sync paused") + accountPart(health);
 }
 
+QString toolTipOf(const Situation &s) {
+    const HealthState &health = s.state.health;
+    const QString prefix = QStringLiteral("Korvel · ");
+    if (health.authDead)
+        return prefix + (health.accountGone ? L(u"账号已注销", u"Account deleted") : L(u"登录已失效", u"Signed out"));
+    if (e2NeedsPairing(s.state.e2ee.e2, s.bound, health.authDead))
+        return prefix + L(u"未配对", u"Not paired");
+    if (permissionsMissing(s.state.permissions))
+        return prefix + L(u"缺少权限：", u"Missing permissions: ") +
+               s.state.permissions.permsMissing.join(L(u"、", u", "));
+    return QStringLiteral("Korvel");
+}
+
 } // namespace
 
 QString statusLine(const Situation &s) {
@@ -90,6 +103,13 @@ QString statusLine(const Situation &s) {
     if (health.authDead)
         return deadSignInText(health.accountGone);
     return health.running ? runningText(s) : silentText(s);
+}
+
+IconView iconView(const Situation &s) {
+    const HealthState &health = s.state.health;
+    return {.on = health.running,
+            .dimmed = !(health.running && health.online && !health.authDead),
+            .toolTip = singleLine(toolTipOf(s))};
 }
 
 } // namespace korvel
