@@ -1,5 +1,5 @@
 #include "e2ee/menu_block.h"
-#include "e2ee/prompt_rules.h"
+#include "e2ee/prompts.h"
 #include "e2ee/report.h"
 #include "support/tray_fixture.h"
 
