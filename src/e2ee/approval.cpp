@@ -2,7 +2,7 @@
 
 #include "app/model/wording.h"
 #include "base/plain_text.h"
-#include "e2ee/e2ee_notices.h"
+#include "e2ee/e2ee_views.h"
 #include "e2ee/pair_code.h"
 #include "e2ee/report.h"
 #include "e2ee/requests.h"

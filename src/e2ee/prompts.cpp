@@ -1,6 +1,6 @@
 #include "e2ee/prompts.h"
 
-#include "e2ee/e2ee_notices.h"
+#include "e2ee/e2ee_views.h"
 #include "e2ee/report.h"
 
 namespace korvel {

@@ -1,6 +1,6 @@
 #include "e2ee/speech_install.h"
 
-#include "e2ee/e2ee_notices.h"
+#include "e2ee/e2ee_views.h"
 #include "e2ee/requests.h"
 
 namespace korvel {

@@ -1,8 +1,8 @@
 #include "permissions/permissions.h"
 
 #include "base/log.h"
-#include "permissions/permission_notices.h"
 #include "permissions/permission_rules.h"
+#include "permissions/permission_views.h"
 
 using namespace Qt::StringLiterals;
 

@@ -1,4 +1,4 @@
-#include "e2ee/menu_block.h"
+#include "e2ee/e2ee_views.h"
 #include "e2ee/prompts.h"
 #include "e2ee/report.h"
 #include "support/tray_fixture.h"

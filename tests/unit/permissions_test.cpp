@@ -1,4 +1,4 @@
-#include "permissions/menu_block.h"
+#include "permissions/permission_views.h"
 #include "support/tray_fixture.h"
 
 namespace korvel::test {

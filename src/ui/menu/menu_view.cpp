@@ -1,8 +1,8 @@
 #include "ui/menu/menu_view.h"
 
 #include "app/model/wording.h"
-#include "e2ee/menu_block.h"
-#include "permissions/menu_block.h"
+#include "e2ee/e2ee_views.h"
+#include "permissions/permission_views.h"
 #include "status/status_view.h"
 
 namespace korvel {

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "app/model/situation.h"
 #include "base/result.h"
+#include "ui/views/menu_entry.h"
 #include "ui/views/notice_view.h"
 
 #include <QJsonObject>
@@ -22,5 +24,8 @@ Notice notRejoinedNotice(const Result<QJsonObject> &reply);
 
 Notice speechDownloadNotice();
 Notice noSpeechDownloadNotice(const Result<QJsonObject> &reply);
+
+/// The encryption block of the menu. Empty if there is nothing to show, otherwise ends with a separator.
+QList<MenuEntry> e2MenuItems(const Situation &situation);
 
 } // namespace korvel
