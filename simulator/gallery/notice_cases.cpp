@@ -1,5 +1,5 @@
 #include "account/account_notices.h"
-#include "account/net_error.h"
+#include "account/server_api.h"
 #include "app/model/wording.h"
 #include "base/plain_text.h"
 #include "e2ee/e2ee_views.h"

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/result.h"
 #include "ports/server_client.h"
 
 #include <QString>
@@ -30,5 +31,9 @@ std::optional<ServerRequest> buildUnbind(const QString &server, const QString &t
 
 /// Display name of this Mac: the system's name without ".local", at most 32 characters.
 QString computerDisplayName(QString systemName);
+
+/// The sentence for the user about a failed request to a server; the same for all requests. Logs the error's
+/// description if there is one. Without an error: the sentence for an unusable response of unknown cause.
+QString netErrorText(const std::optional<Error> &error);
 
 } // namespace korvel

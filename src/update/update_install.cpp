@@ -1,6 +1,5 @@
 #include "update/update_install.h"
 
-#include "account/net_error.h"
 #include "account/server_api.h"
 #include "account/server_rules.h"
 #include "base/log.h"

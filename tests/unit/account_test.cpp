@@ -1,4 +1,3 @@
-#include "account/net_error.h"
 #include "account/server_api.h"
 #include "base/log.h"
 #include "support/full_disk.h"
