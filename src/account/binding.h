@@ -9,7 +9,6 @@
 #include "ports/poller.h"
 #include "service/agent_config.h"
 #include "service/agent_control.h"
-#include "service/config_waiter.h"
 
 #include <functional>
 

@@ -11,7 +11,7 @@
 #include "ports/poller.h"
 #include "ports/service_control.h"
 #include "service/agent_api.h"
-#include "service/config_waiter.h"
+#include "service/agent_config.h"
 
 namespace korvel {
 

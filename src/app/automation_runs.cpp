@@ -15,7 +15,6 @@
 #include "service/agent_command.h"
 #include "service/agent_config.h"
 #include "service/agent_control.h"
-#include "service/config_waiter.h"
 #include "service/launchctl.h"
 #include "service/repair.h"
 #include "status/health.h"

@@ -4,13 +4,17 @@
 
 #include <QFileInfo>
 #include <QJsonDocument>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace korvel {
 
 namespace {
+
 constexpr qint64 MAX_CONFIG_BYTES = 1 << 20;
+constexpr int MAX_REREADS = 5;
+constexpr milliseconds REREAD_INTERVAL = 100ms;
 
 /// Whether the system denied the tray what any read needs, which says nothing about the file.
 bool isShortage(const std::error_code &error) {
@@ -75,5 +79,22 @@ bool AgentConfig::succeeded(const std::error_code &error) const {
 QString cfgText(const QJsonObject &cfg, QStringView key) { return cfg.value(key).toString(); }
 
 bool bound(const QJsonObject &cfg) { return !cfgText(cfg, u"agentToken").isEmpty(); }
+
+ConfigWaiter::ConfigWaiter(const AgentConfig &c, Scheduler &s) : config(c), scheduler(s) {}
+
+void ConfigWaiter::whenWhole(std::function<void()> then) {
+    waiting.push_back(std::move(then));
+    if (waiting.size() == 1)
+        readWhenWhole(MAX_REREADS);
+}
+
+void ConfigWaiter::readWhenWhole(int rereads) {
+    if (rereads > 0 && config.isHalfWritten()) {
+        nextRead = scheduler.after(REREAD_INTERVAL, [this, rereads] { readWhenWhole(rereads - 1); });
+        return;
+    }
+    for (const auto &then : std::exchange(waiting, {}))
+        then();
+}
 
 } // namespace korvel

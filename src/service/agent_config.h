@@ -2,6 +2,7 @@
 
 #include "app/model/paths.h"
 #include "base/private_file.h"
+#include "base/scheduler.h"
 
 #include <QJsonObject>
 #include <QString>
@@ -9,6 +10,7 @@
 #include <functional>
 #include <optional>
 #include <system_error>
+#include <vector>
 
 namespace korvel {
 
@@ -54,5 +56,23 @@ QString cfgText(const QJsonObject &cfg, QStringView key);
 
 /// Whether this Mac is bound to an account.
 bool bound(const QJsonObject &cfg);
+
+/// Delays changes to the agent configuration while the agent is writing it. A half-written file is read again for a
+/// short time before it counts as empty.
+class ConfigWaiter {
+public:
+    ConfigWaiter(const AgentConfig &config, Scheduler &scheduler);
+
+    /// Calls `then` once the file is not half-written: usually at once, and after 0.5 s at the latest.
+    void whenWhole(std::function<void()> then);
+
+private:
+    void readWhenWhole(int rereads);
+
+    const AgentConfig &config;
+    Scheduler &scheduler;
+    std::vector<std::function<void()>> waiting;
+    Timer nextRead;
+};
 
 } // namespace korvel
