@@ -2,8 +2,8 @@
 
 #include "base/scheduler.h"
 #include "ports/desktop.h"
-#include "ports/notice_panel.h"
 #include "ports/notices.h"
+#include "ports/windows.h"
 
 namespace korvel {
 

@@ -2,9 +2,9 @@
 
 #include "base/alive.h"
 #include "e2ee/pairing.h"
-#include "ports/alerts.h"
 #include "ports/notices.h"
 #include "ports/poller.h"
+#include "ports/windows.h"
 #include "service/agent_api.h"
 
 #include <QJsonObject>

@@ -3,9 +3,9 @@
 #include "app/model/tray_state.h"
 #include "base/alive.h"
 #include "base/scheduler.h"
-#include "ports/alerts.h"
 #include "ports/notices.h"
 #include "ports/poller.h"
+#include "ports/windows.h"
 #include "service/agent_api.h"
 
 namespace korvel {

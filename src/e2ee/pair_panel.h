@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ports/opened_by.h"
+#include "ports/windows.h"
 
 #include <functional>
 

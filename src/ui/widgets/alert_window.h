@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ports/alerts.h"
+#include "ports/windows.h"
 #include "ui/widgets/key_filter.h"
 
 #include <QDialog>

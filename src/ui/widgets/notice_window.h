@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ports/notice_panel.h"
+#include "ports/windows.h"
 
 #include <memory>
 

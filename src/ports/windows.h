@@ -1,13 +1,28 @@
 #pragma once
 
-#include "ports/opened_by.h"
-
 #include <QList>
 #include <QString>
 #include <QStringList>
 #include <functional>
 
 namespace korvel {
+
+/// Who causes a window to open.
+enum class OpenedBy {
+    User,    ///< The user has just requested it.
+    Program, ///< The user may be typing elsewhere, so the window ignores keys at first.
+};
+
+struct NoticeView;
+
+/// The floating panel that shows one notice. Never takes the focus.
+class NoticePanel {
+public:
+    virtual ~NoticePanel() = default;
+    /// Replaces the current notice. Calls `clicked` on mouse-down.
+    virtual void show(const NoticeView &view, std::function<void()> clicked) = 0;
+    virtual void hide() = 0;
+};
 
 /// An input field of an alert.
 struct AlertField {
