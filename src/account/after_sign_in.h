@@ -2,9 +2,7 @@
 
 #include "app/model/tray_state.h"
 #include "base/scheduler.h"
-#include "ports/notices.h"
-#include "ports/poller.h"
-#include "ports/renderer.h"
+#include "ports/app_services.h"
 #include "service/agent_control.h"
 
 #include <functional>

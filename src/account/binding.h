@@ -5,8 +5,8 @@
 #include "app/model/tray_state.h"
 #include "base/alive.h"
 #include "base/done.h"
+#include "ports/app_services.h"
 #include "ports/desktop.h"
-#include "ports/poller.h"
 #include "service/agent_config.h"
 #include "service/agent_control.h"
 

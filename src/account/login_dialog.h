@@ -5,8 +5,8 @@
 #include "account/cn_login.h"
 #include "app/model/fixed_config.h"
 #include "base/alive.h"
+#include "ports/app_services.h"
 #include "ports/desktop.h"
-#include "ports/notices.h"
 #include "ports/windows.h"
 #include "service/agent_config.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "base/scheduler.h"
+#include "ports/app_services.h"
 #include "ports/desktop.h"
-#include "ports/notices.h"
 #include "ports/windows.h"
 
 namespace korvel {

@@ -2,8 +2,7 @@
 
 #include "base/alive.h"
 #include "e2ee/pairing.h"
-#include "ports/notices.h"
-#include "ports/poller.h"
+#include "ports/app_services.h"
 #include "ports/windows.h"
 #include "service/agent_api.h"
 

@@ -3,8 +3,7 @@
 #include "app/model/tray_state.h"
 #include "base/alive.h"
 #include "base/scheduler.h"
-#include "ports/notices.h"
-#include "ports/poller.h"
+#include "ports/app_services.h"
 #include "ports/windows.h"
 #include "service/agent_api.h"
 

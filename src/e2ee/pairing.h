@@ -5,8 +5,7 @@
 #include "base/scheduler.h"
 #include "e2ee/pair_panel.h"
 #include "e2ee/pair_view.h"
-#include "ports/notices.h"
-#include "ports/poller.h"
+#include "ports/app_services.h"
 #include "service/agent_api.h"
 
 #include <functional>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "base/alive.h"
-#include "ports/notices.h"
+#include "ports/app_services.h"
 #include "service/agent_api.h"
 
 namespace korvel {

@@ -3,9 +3,8 @@
 #include "app/model/tray_state.h"
 #include "base/alive.h"
 #include "base/scheduler.h"
+#include "ports/app_services.h"
 #include "ports/desktop.h"
-#include "ports/notices.h"
-#include "ports/renderer.h"
 #include "service/agent_api.h"
 
 #include <functional>

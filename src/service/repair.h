@@ -5,10 +5,8 @@
 #include "app/model/tray_state.h"
 #include "base/alive.h"
 #include "base/scheduler.h"
-#include "ports/notices.h"
-#include "ports/poller.h"
+#include "ports/app_services.h"
 #include "ports/programs.h"
-#include "ports/renderer.h"
 #include "service/agent_command.h"
 
 #include <functional>

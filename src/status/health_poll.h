@@ -2,9 +2,7 @@
 
 #include "app/model/tray_state.h"
 #include "base/alive.h"
-#include "ports/notices.h"
-#include "ports/poller.h"
-#include "ports/renderer.h"
+#include "ports/app_services.h"
 #include "ports/service_control.h"
 #include "service/agent_api.h"
 #include "status/health.h"

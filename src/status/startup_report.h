@@ -1,8 +1,7 @@
 #pragma once
 
 #include "app/model/situation.h"
-#include "ports/notices.h"
-#include "ports/poller.h"
+#include "ports/app_services.h"
 
 #include <functional>
 #include <optional>

@@ -4,8 +4,7 @@
 #include "app/model/tray_state.h"
 #include "base/alive.h"
 #include "base/scheduler.h"
-#include "ports/notices.h"
-#include "ports/renderer.h"
+#include "ports/app_services.h"
 #include "ports/server_client.h"
 #include "service/agent_config.h"
 

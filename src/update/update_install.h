@@ -5,11 +5,9 @@
 #include "app/model/tray_state.h"
 #include "base/alive.h"
 #include "base/scheduler.h"
+#include "ports/app_services.h"
 #include "ports/desktop.h"
-#include "ports/notices.h"
-#include "ports/poller.h"
 #include "ports/programs.h"
-#include "ports/renderer.h"
 #include "ports/server_client.h"
 #include "service/agent_config.h"
 
