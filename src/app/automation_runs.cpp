@@ -2,12 +2,11 @@
 
 #include "account/binding.h"
 #include "account/server_rules.h"
-#include "app/automation_output.h"
-#include "app/automation_render.h"
 #include "app/launch_environment.h"
 #include "app/model/deployment.h"
 #include "app/system_parts.h"
 #include "base/plain_text.h"
+#include "e2ee/approval.h"
 #include "permissions/permission_rules.h"
 #include "platform/net/exchange_client.h"
 #include "platform/qt/qt_programs.h"
@@ -19,8 +18,14 @@
 #include "service/repair.h"
 #include "status/health.h"
 #include "ui/menu/menu_view.h"
+#include "ui/widgets/alert_window.h"
+#include "ui/widgets/cn_login_window.h"
+#include "ui/widgets/pair_window.h"
+#include "ui/widgets/picture.h"
 
 #include <QCoreApplication>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QTimer>
 #include <cstdio>
 #include <iostream>
@@ -29,6 +34,78 @@
 namespace korvel {
 
 namespace {
+
+/// Prints one line with the reason for a failure to standard error. Returns the exit status.
+int refuse(const QByteArray &why) {
+    std::fprintf(stderr, "%s\n", why.constData());
+    return 1;
+}
+
+/// Parses a JSON object; none if the text is anything else.
+std::optional<QJsonObject> parseObject(const QByteArray &text) {
+    const QJsonDocument document = QJsonDocument::fromJson(text);
+    return document.isObject() ? std::optional(document.object()) : std::nullopt;
+}
+
+std::optional<CnLoginForm> formFor(const QString &page) {
+    CnLoginForm form;
+    if (page == u"register")
+        form.page = Page::Register;
+    else if (page == u"reset")
+        form.page = Page::Reset;
+    else if (page == u"code")
+        form.codeMode = true;
+    else if (page != u"login")
+        return std::nullopt;
+    return form;
+}
+
+/// Draws a visible window.
+int draw(QWidget &window, const QString &file, const char *mode) {
+    if (savePicture(pictureOf(window), file))
+        return 0;
+    return refuse(QByteArray(mode) + ": cannot write " + file.toUtf8());
+}
+
+PairView previewOf(const QJsonObject &report) {
+    PairState pairing{.pairSawCode = true, .pairPreview = true};
+    return pairView(report, pairing, {}).view;
+}
+
+/// Draws one page of the sign-in window ("login", "code", "register" or "reset") to a PNG file, without a display.
+/// Returns the exit status: 1 for an unknown page or an unwritable file, with the reason on standard error.
+int renderLogin(const QString &page, const QString &file) {
+    const auto form = formFor(page);
+    if (!form)
+        return refuse("--login-render: the page is \"login\", \"code\", \"register\" or \"reset\"");
+    const PictureApplication app;
+    CnLoginWindow window([](const LoginInput &) {});
+    window.apply(cnLoginView(*form));
+    window.show();
+    window.activateWindow();
+    window.focus(firstEmptyField(*form));
+    return draw(window, file, "--login-render");
+}
+
+/// Draws an encryption window in the same way. `json` is an encryption report for "pair" and an approval request for
+/// "approve"; the request's key "error" describes the last failed attempt.
+int renderE2ee(const QString &kind, const QString &file, const QByteArray &json) {
+    if (kind != u"pair" && kind != u"approve")
+        return refuse("--e2ee-render: the kind is \"pair\" or \"approve\"");
+    const auto given = parseObject(json);
+    if (!given)
+        return refuse("--e2ee-render: the last argument is not a JSON object");
+    const PictureApplication app;
+    if (kind == u"pair") {
+        PairWindow window({});
+        window.present(previewOf(*given), OpenedBy::User);
+        return draw(window, file, "--e2ee-render");
+    }
+    AlertDialog alert(approveAlert(*given, given->value(u"error").toString()), [](const AlertAnswer &) {});
+    alert.show();
+    alert.activateWindow();
+    return draw(alert, file, "--e2ee-render");
+}
 
 /// Reads one line from standard input, without LF or CR LF; empty if there is none.
 QByteArray readLine() {
