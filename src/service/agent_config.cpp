@@ -21,6 +21,7 @@ bool isShortage(const std::error_code &error) {
     return error == std::errc::too_many_files_open || error == std::errc::too_many_files_open_in_system ||
            error == std::errc::not_enough_memory;
 }
+
 } // namespace
 
 QJsonObject AgentConfig::readCfg() const {

@@ -6,15 +6,14 @@
 #include "e2ee/alarms.h"
 #include "e2ee/approval.h"
 #include "e2ee/pair_view.h"
-#include "e2ee/prompt_rules.h"
+#include "e2ee/prompts.h"
 #include "e2ee/report.h"
 #include "fuzz/fuzz.h"
-#include "permissions/permission_notices.h"
 #include "permissions/permission_rules.h"
+#include "permissions/permission_views.h"
 #include "status/health.h"
-#include "status/icon.h"
 #include "status/startup_report.h"
-#include "status/status_line.h"
+#include "status/status_view.h"
 #include "ui/menu/menu_view.h"
 
 using namespace korvel;
