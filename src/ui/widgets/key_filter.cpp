@@ -1,6 +1,5 @@
 #include "ui/widgets/key_filter.h"
 
-
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QWindow>
