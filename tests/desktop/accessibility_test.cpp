@@ -70,7 +70,7 @@ struct AccessibilityTest : PanelTray {
 };
 
 TEST_F(AccessibilityTest, ADeviceIsAllowedByKeyboardAndAHeldKeyDismissesNoAlarm) {
-    home.changeScenario({{u"faults"_s, QJsonObject{{u"/e2ee/pair"_s, QJsonObject{{u"delayMs"_s, 1000}}}}}}); // to read
+    home.changeScenario(agentFault(u"/e2ee/pair"_s, {{u"delayMs"_s, 300}})); // to read
     installAndSignIn();
     ASSERT_NO_FATAL_FAILURE(start());
     ASSERT_TRUE(lineIs(CONNECTED));
@@ -94,7 +94,7 @@ TEST_F(AccessibilityTest, ADeviceIsAllowedByKeyboardAndAHeldKeyDismissesNoAlarm)
     sim::holdKey(u"Return"_s); // in another program
     home.encryption().raiseAlarm(u"Alarm"_s);
     EXPECT_TRUE(comesUp(u"Alarm"_s));
-    sim::typeText(u"      "_s, std::chrono::milliseconds(300));
+    sim::typeText(u"   "_s, std::chrono::milliseconds(300));
     sim::releaseKey(u"Return"_s);
     EXPECT_EQ(requestsTo(u"/e2ee/alarm/dismiss"_s), 0);
     ASSERT_TRUE(comesUp(u"Alarm"_s)); // still open

@@ -11,7 +11,7 @@ TEST_F(AgentJourney, ABrokenResponseCountsAsNoneAndBlocksNothing) {
     ASSERT_NO_FATAL_FAILURE(startConnected());
     for (const QString &mode : {u"silent"_s, u"garbage"_s, u"huge"_s}) {
         SCOPED_TRACE(mode.toStdString());
-        home.setScenario({{u"faults"_s, QJsonObject{{u"/health"_s, QJsonObject{{u"mode"_s, mode}}}}}});
+        home.setScenario(agentFault(u"/health"_s, {{u"mode"_s, mode}}));
         ASSERT_TRUE(eventually([&] { return !item.icon.on; }));
         int turns = 0; // of the main thread
         const Timer beat = scheduler.every(50ms, [&turns] { ++turns; });

@@ -68,28 +68,25 @@ TEST_F(AutomationJourney, EachWindowIsDrawnInTheLanguageOfTheEnvironment) {
     const QString out = folder.filePath(u"out.png"_s), report = uR"({"state":"pending","pair":{"show":"482 913"}})"_s,
                   request = uR"({"pendingId":"1","name":"Anna's phone","platform":"ios"})"_s;
     QSet<QByteArray> pictures;
-    for (const QStringList &arguments : {QStringList{u"--login-render"_s, u"login"_s, out},
-                                         {u"--login-render"_s, u"code"_s, out},
-                                         {u"--login-render"_s, u"register"_s, out},
-                                         {u"--login-render"_s, u"reset"_s, out},
-                                         {u"--e2ee-render"_s, u"pair"_s, out, report},
-                                         {u"--e2ee-render"_s, u"approve"_s, out, request}})
+    for (const QStringList &window : {QStringList{u"--login-render"_s, u"login"_s, out},
+                                      {u"--login-render"_s, u"register"_s, out},
+                                      {u"--e2ee-render"_s, u"pair"_s, out, report},
+                                      {u"--e2ee-render"_s, u"approve"_s, out, request}})
         for (const QString &language : {u"en"_s, u"zh_CN"_s}) {
-            EXPECT_EQ(run(arguments, {}, language), 0) << errors.constData();
+            EXPECT_EQ(run(window, {}, language), 0) << errors.constData();
             const QImage image(out);
             EXPECT_GE(image.width(), 2 * 400); // two pixels a point
             pictures.insert(QByteArray(reinterpret_cast<const char *>(image.constBits()), image.sizeInBytes()));
             QFile::remove(out);
         }
-    EXPECT_EQ(pictures.size(), 12);
-    for (const QStringList &arguments : {QStringList{u"--login-render"_s, u"other"_s, out},
-                                         {u"--login-render"_s, u"login"_s, u"/no/such/folder/x.png"_s},
-                                         {u"--e2ee-render"_s, u"other"_s, out, report},
-                                         {u"--e2ee-render"_s, u"pair"_s, out, u"[]"_s}}) {
-        EXPECT_EQ(run(arguments), 1) << arguments.join(u' ').toStdString();
+    EXPECT_EQ(pictures.size(), 8);
+    for (const QStringList &refused : {QStringList{u"--login-render"_s, u"other"_s, out},
+                                       {u"--login-render"_s, u"login"_s, u"/no/such/folder/x.png"_s},
+                                       {u"--e2ee-render"_s, u"pair"_s, out, u"[]"_s}}) {
+        EXPECT_EQ(run(refused), 1);
         EXPECT_EQ(errors.count('\n'), 1) << errors.constData();
-        EXPECT_FALSE(QFile::exists(out));
     }
+    EXPECT_FALSE(QFile::exists(out));
 }
 
 TEST(LoginItemText, IsAPropertyListWhateverThePaths) {

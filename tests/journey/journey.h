@@ -19,10 +19,28 @@ namespace korvel::test {
 /// Runs the event loop until `condition` holds; false when it does not within `limit`.
 bool eventually(const std::function<bool()> &condition, std::chrono::milliseconds limit = std::chrono::seconds(20));
 
+/// Sends a request and waits for its outcome.
+template <class Client, class Request>
+Result<HttpReply> outcomeOf(Client &client, const Request &request) {
+    std::optional<Result<HttpReply>> outcome;
+    client.send(request, Done<HttpReply>([&](Result<HttpReply> reply) { outcome.emplace(std::move(reply)); }));
+    EXPECT_FALSE(outcome.has_value()); // never before send() returned
+    EXPECT_TRUE(eventually([&] { return outcome.has_value(); }));
+    return outcome.value_or(Error{});
+}
+
 /// The parent of this process if it is a run of korvel-exchange. Linux only.
 std::optional<qint64> parentOfExchange(qint64 process);
 /// The runs of korvel-exchange that `parent` has started. Linux only.
 QList<qint64> exchangesOf(qint64 parent);
+
+/// The part of a scenario with a fault of the agent at `path` (or "*"), and the same of the account server.
+inline QJsonObject agentFault(const QString &path, const QJsonObject &fault) {
+    return {{u"faults"_s, QJsonObject{{path, fault}}}};
+}
+inline QJsonObject serverFault(const QString &path, const QJsonObject &fault) {
+    return {{u"server"_s, agentFault(path, fault)}};
+}
 
 /// The status line of a signed-in Mac that is well.
 inline const QString CONNECTED = u"● Connected · ann · 0 sessions"_s;

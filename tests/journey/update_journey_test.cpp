@@ -12,11 +12,8 @@ const QString MODIFIED = u"The installer was incomplete or modified and has been
 const QString OPENED = u"The installer is open. Follow the steps to finish."_s;
 
 QJsonObject update(const QString &key, const QJsonValue &value) { return {{u"update"_s, QJsonObject{{key, value}}}}; }
-QJsonObject fault(const QString &path, const QJsonObject &fault) {
-    return {{u"server"_s, QJsonObject{{u"faults"_s, QJsonObject{{path, fault}}}}}};
-}
 QJsonObject redirect(const QString &path, const QString &to, int times = 1000) {
-    return fault(path, {{u"mode"_s, u"redirect"_s}, {u"location"_s, to}, {u"times"_s, times}});
+    return serverFault(path, {{u"mode"_s, u"redirect"_s}, {u"location"_s, to}, {u"times"_s, times}});
 }
 
 struct UpdateJourneyTest : UpdateJourney {
@@ -57,34 +54,29 @@ TEST_F(UpdateJourneyTest, AManifestWithOneThingWrongIsNeverOffered) {
 TEST_F(UpdateJourneyTest, AFailedDownloadOrInstallationInstallsNothingAndCanBeRepeated) {
     const QJsonObject fails{{u"status"_s, 3}};
     const auto installation = [](const QJsonObject &install) { return QJsonObject{{u"install"_s, install}}; };
-    enum class Stays { Nothing, Package }; // in the cache
-    const struct {
-        QJsonObject patch;
-        QString notice;
-        Stays stays = Stays::Nothing;
-    } cases[] = {
-        {fault(PACKAGE_PATH, {{u"mode"_s, u"truncate"_s}}),
+    const std::pair<QJsonObject, QString> cases[] = {
+        {serverFault(PACKAGE_PATH, {{u"mode"_s, u"truncate"_s}}),
          u"This Mac is offline. Connect to the internet and try again."_s},
         {redirect(PACKAGE_PATH, insecure), NO_CONNECTION},
         {update(u"sha256"_s, u"bad"_s), MODIFIED},
         {update(u"size"_s, 199'999), MODIFIED},
         {installation({{u"swapBefore"_s, u"copy"_s}}),
          u"The installer was modified before installation, so installation stopped."_s},
-        {installation({{u"installer"_s, fails}}), OPENED, Stays::Package},
+        {installation({{u"installer"_s, fails}}), OPENED},
         {installation({{u"installer"_s, fails}, {u"swapBefore"_s, u"check"_s}}), MODIFIED},
     };
-    const auto expectFailure = [&](const QString &notice, Stays stays = Stays::Nothing) {
+    const auto expectFailure = [&](const QString &notice) {
         EXPECT_EQ(install(), notice);
         EXPECT_TRUE(eventually([&] { return isOffered(u"2.0"_s); }));
-        EXPECT_EQ(cached(), stays == Stays::Nothing ? QStringList() : QStringList{FILE_NAME});
+        EXPECT_EQ(cached(), notice == OPENED ? QStringList{FILE_NAME} : QStringList());
         EXPECT_TRUE(home.installedPackages().isEmpty());
     };
-    for (const auto &c : cases) {
-        SCOPED_TRACE(QJsonDocument(c.patch).toJson().toStdString());
+    for (const auto &[patch, notice] : cases) {
+        SCOPED_TRACE(QJsonDocument(patch).toJson().toStdString());
         QDir(paths.updateDir).removeRecursively();
-        offer(u"2.0"_s, c.patch);
+        offer(u"2.0"_s, patch);
         EXPECT_EQ(check(), AVAILABLE);
-        expectFailure(c.notice, c.stays);
+        expectFailure(notice);
     }
     EXPECT_EQ(desktop.opened, QStringList{u"file://"_s + paths.updateDir + u'/' + FILE_NAME});
     {

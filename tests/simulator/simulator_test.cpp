@@ -1,4 +1,3 @@
-#include "exchange/http_exchange.h"
 #include "exchange/sha256.h"
 #include "journey/journey.h"
 #include "simulator/home/files.h"
@@ -90,11 +89,7 @@ TEST_F(SimulatorTest, FaultsOfTheAgentAreThoseThatTheScenarioNames) {
     const auto poll = [this](std::chrono::milliseconds timeout) {
         const QString url = u"http://127.0.0.1:%1/health"_s.arg(home.port());
         const QByteArray token = sim::readObject(home.configPath()).value(u"localToken").toString().toUtf8();
-        std::optional<Result<HttpReply>> result;
-        http.send({.url = url, .headers = {{"X-Korvel-Token", token}}, .timeout = timeout},
-                  Done<HttpReply>([&](Result<HttpReply> reply) { result.emplace(std::move(reply)); }));
-        eventually([&] { return result.has_value(); });
-        return *result;
+        return outcomeOf(http, HttpRequest{.url = url, .headers = {{"X-Korvel-Token", token}}, .timeout = timeout});
     };
     const auto isOk = [](const HttpReply &r) { return QJsonDocument::fromJson(r.body).object()[u"ok"] == true; };
     ASSERT_TRUE(startAgent(home) && eventually([&] { return poll(20s).ok(); }));
@@ -118,43 +113,11 @@ TEST_F(SimulatorTest, FaultsOfTheAgentAreThoseThatTheScenarioNames) {
     for (const auto &c : cases) {
         QJsonObject fault = c.more;
         fault.insert(u"mode"_s, c.mode);
-        home.setScenario({{u"faults"_s, QJsonObject{{u"/health"_s, fault}}}});
+        home.setScenario(agentFault(u"/health"_s, fault));
         const Result<HttpReply> reply = poll(c.failure == ErrorKind::TimedOut ? 200ms : 20s);
         EXPECT_EQ(reply ? std::nullopt : std::optional(reply.error().kind), c.failure) << c.mode.toStdString();
         EXPECT_TRUE(!reply || c.holds(reply.value())) << c.mode.toStdString();
     }
-}
-
-TEST_F(SimulatorTest, FaultsOfTheAccountServerLeaveUndoneWhatWasRequestedAndItsCertificatesAreWrongInOneWay) {
-    ASSERT_TRUE(home.startAccountServer());
-    exchange::HttpTask task{
-        .request = {.method = "POST", .url = u"https://"_s + home.accountServer() + u"/v1/agents/login"_s}};
-    task.request.body = R"({"username":"sam@example.com","password":"open sesame","host":"Mini"})";
-    const exchange::Network network{.isOffline = [] { return false; },
-                                    .proxyFor = [](const QByteArray &) { return QByteArray(); },
-                                    .authorities = QFile::encodeName(home.authorityFile())};
-    const auto outcome = [&](const QJsonObject &server) {
-        home.setScenario({{u"server"_s, server}});
-        const auto reply = exchange::run(task, network, [](const exchange::Progress &) {});
-        return reply ? QString::number(reply.value().status) : reply.error().detail;
-    };
-    const auto fault = [](const QJsonObject &f) { return QJsonObject{{u"faults"_s, QJsonObject{{u"*"_s, f}}}}; };
-    const auto certificate = [](const QString &kind) { return QJsonObject{{u"certificate"_s, kind}}; };
-    const std::pair<QJsonObject, QString> cases[] = {
-        {fault({{u"mode"_s, u"redirect"_s}, {u"location"_s, u"https://localhost:1/x"_s}, {u"status"_s, 308}}),
-         u"308"_s},
-        {fault({{u"mode"_s, u"answer"_s}, {u"status"_s, 503}, {u"body"_s, u"later"_s}}), u"503"_s},
-        {fault({{u"mode"_s, u"reset"_s}}), u"reset"_s},
-        {certificate(u"expired"_s), u"certificate has expired"_s},
-        {certificate(u"not-yet-valid"_s), u"certificate is not yet valid"_s},
-        {certificate(u"unknown-authority"_s), u"unable to get local issuer certificate"_s},
-        {certificate(u"wrong-host"_s), u"no alternative certificate subject name matches"_s},
-    };
-    for (const auto &[server, expected] : cases)
-        EXPECT_TRUE(outcome(server).contains(expected)) << outcome(server).toStdString();
-    EXPECT_TRUE(home.accounts().liveCredentials().isEmpty());
-    EXPECT_EQ(outcome({}), u"200"_s);
-    EXPECT_EQ(home.accounts().liveCredentials().size(), 1);
 }
 
 } // namespace

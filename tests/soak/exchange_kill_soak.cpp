@@ -40,8 +40,7 @@ TEST_F(ExchangeKillSoak, EachKillIsReportedAsAFailureAndTheNextTryWorks) {
         const QString available = u"⬆ Korvel %1 is available. Choose Update to %1 in the menu."_s.arg(version);
         const QString updated = u"✓ Updated to "_s + version;
         offer(version);
-        home.changeScenario(
-            {{u"server"_s, QJsonObject{{u"faults"_s, QJsonObject{{home.updates().packagePath(), slow}}}}}});
+        home.changeScenario(serverFault(home.updates().packagePath(), slow));
         if (performAndKill(Action::CheckUpdate, 120) != available) {
             ++failures;
             ASSERT_TRUE(notices.shown.back().error) << notices.last().toStdString();

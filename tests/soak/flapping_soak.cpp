@@ -53,9 +53,8 @@ struct FlappingSoak : Journey {
         const QJsonObject fault{{u"mode"_s, choice == u"kill" ? QString() : choice}, {u"times"_s, 5}};
         if (choice == u"kill")
             home.killAgent(SIGKILL);
-        home.setScenario({{u"launchd"_s, QJsonObject{{u"throttleMs"_s, 50}}},
-                          {u"connectMs"_s, 0},
-                          {u"faults"_s, QJsonObject{{u"/health"_s, fault}}}});
+        home.setScenario({{u"launchd"_s, QJsonObject{{u"throttleMs"_s, 50}}}, {u"connectMs"_s, 0}});
+        home.changeScenario(agentFault(u"/health"_s, fault));
     }
 };
 

@@ -22,11 +22,10 @@ struct QuitSoak : PanelTray {
         QJsonObject launchctl;
         for (const char *subcommand : {"print", "bootstrap", "bootout", "enable", "disable"})
             launchctl[QLatin1StringView(subcommand)] = late;
-        home.setScenario({{u"update"_s, QJsonObject{{u"ver"_s, u"9.0"_s}, {u"bytes"_s, 2'000'000}}},
-                          {u"faults"_s, QJsonObject{{u"/health"_s, late}}},
-                          {u"launchctl"_s, launchctl}});
-        home.changeScenario(
-            {{u"server"_s, QJsonObject{{u"faults"_s, QJsonObject{{home.updates().packagePath(), slow}}}}}});
+        home.setScenario(
+            {{u"update"_s, QJsonObject{{u"ver"_s, u"9.0"_s}, {u"bytes"_s, 2'000'000}}}, {u"launchctl"_s, launchctl}});
+        home.changeScenario(agentFault(u"/health"_s, late));
+        home.changeScenario(serverFault(home.updates().packagePath(), slow));
     }
     /// Starts a poll, a download and commands to the service manager.
     void keepBusy() {
