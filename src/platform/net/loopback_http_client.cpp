@@ -6,31 +6,10 @@
 
 #include <QTimer>
 #include <QUrl>
-#include <optional>
 
 namespace korvel {
 
 namespace {
-
-/// A serialized request and its destination port.
-struct Message {
-    quint16 port = 0;
-    QByteArray bytes;
-};
-
-/// None if the request is invalid or not allowed.
-std::optional<Message> messageOf(const HttpRequest &request) {
-    const QUrl url(request.url, QUrl::StrictMode);
-    const bool isKnown = request.method == "GET" || request.method == "POST";
-    // No user information: it must not hide the actual host, also with a malformed port.
-    if (!isKnown || !url.isValid() || url.scheme() != u"http" || url.host() != u"127.0.0.1" ||
-        !url.userInfo().isEmpty())
-        return std::nullopt;
-    const QByteArray authority = url.authority(QUrl::FullyEncoded).toLatin1();
-    const QUrl target = url.adjusted(QUrl::RemoveScheme | QUrl::RemoveAuthority | QUrl::RemoveFragment);
-    auto bytes = serializeRequest(request, authority, target.toEncoded());
-    return bytes ? std::optional(Message{static_cast<quint16>(url.port(80)), *std::move(bytes)}) : std::nullopt;
-}
 
 /// A timer without a signal connection: each poll creates one, so it must be cheap.
 class Deadline final : public QTimer {
@@ -51,6 +30,19 @@ private:
 };
 
 } // namespace
+
+std::optional<LoopbackHttpClient::Message> LoopbackHttpClient::messageOf(const HttpRequest &request) {
+    const QUrl url(request.url, QUrl::StrictMode);
+    const bool isKnown = request.method == "GET" || request.method == "POST";
+    // No user information: it must not hide the actual host, also with a malformed port.
+    if (!isKnown || !url.isValid() || url.scheme() != u"http" || url.host() != u"127.0.0.1" ||
+        !url.userInfo().isEmpty())
+        return std::nullopt;
+    const QByteArray authority = url.authority(QUrl::FullyEncoded).toLatin1();
+    const QUrl target = url.adjusted(QUrl::RemoveScheme | QUrl::RemoveAuthority | QUrl::RemoveFragment);
+    auto bytes = serializeRequest(request, authority, target.toEncoded());
+    return bytes ? std::optional(Message{static_cast<quint16>(url.port(80)), *std::move(bytes)}) : std::nullopt;
+}
 
 /// The connection left open by the last poll. Unsolicited bytes close it.
 class LoopbackHttpClient::Idle final : public LoopbackSocket::User {
@@ -167,10 +159,14 @@ LoopbackHttpClient::~LoopbackHttpClient() {
 void LoopbackHttpClient::send(HttpRequest request, Done<HttpReply> done) {
     if (closing)
         return; // destroying `done` reports Dropped
-    auto message = messageOf(request);
+    auto message = lastMessage && request == lastGet ? lastMessage : messageOf(request);
     if (!message)
         return refuseLater(std::move(done));
-    auto exchange = std::make_unique<Exchange>(*this, std::move(*message), request, std::move(done));
+    auto exchange = std::make_unique<Exchange>(*this, *message, request, std::move(done));
+    if (request.method == "GET") {
+        lastGet = std::move(request);
+        lastMessage = std::move(message);
+    }
     exchanges.emplace(exchange.get(), std::move(exchange));
 }
 

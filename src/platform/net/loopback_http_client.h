@@ -7,6 +7,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 
 namespace korvel {
@@ -26,6 +27,13 @@ public:
 private:
     class Exchange;
     class Idle;
+    /// A serialized request and its destination port.
+    struct Message {
+        quint16 port = 0;
+        QByteArray bytes;
+    };
+    /// None if the request is invalid or not allowed.
+    static std::optional<Message> messageOf(const HttpRequest &request);
     std::unique_ptr<LoopbackSocket> connectTo(quint16 port);
     /// Reports an error from the event loop, so that completions never run inside send().
     void refuseLater(Done<HttpReply> done);
@@ -35,6 +43,8 @@ private:
     std::set<PortOwner> logged; ///< Each owner is logged once.
     bool closing = false;
     std::unique_ptr<Idle> idle;
+    HttpRequest lastGet; ///< The agent is mostly asked the same again; then its message need not be made again.
+    std::optional<Message> lastMessage; ///< Of `lastGet`.
     std::map<const Exchange *, std::unique_ptr<Exchange>> exchanges;
     std::unique_ptr<QObject> context; ///< Context of pending refusals, which are dropped with it.
 };
