@@ -194,6 +194,7 @@ TEST(HttpResponseParser, EachFramingGivesTheSameInWhateverPiecesItComes) {
              {"HTTP/1.1 100 Continue\r\n\r\n" + OK + "Content-Length: 1\r\n\r\nx", "200 x +", "200 x"},
              {OK + "\r\n{}", "waits", "200 {}"},
              {chunked + "1\r\n{\r\n0A;x=y\r\n}234567890\r\n0\r\nX: y\r\n\r\n", "200 {}234567890 +", "200 {}234567890"},
+             {chunked + "0\r\n\r\n", "200  +", "200 "},
              {OK + "Content-Length: 2\r\n\r\n{}HTTP", "200 {}", "200 {}"}, // spoils the connection
              // What ends too early.
              {"HTT", "waits", "interrupted"},
@@ -218,6 +219,7 @@ TEST(HttpResponseParser, NothingGrowsWithoutEnd) {
     EXPECT_EQ(read(length + QByteArray(10, 'x'), 3, false, length.size() + 10), "200 xxxxxxxxxx +");
     EXPECT_EQ(read(length + QByteArray(15, 'x'), 4096, false, length.size() + 10), "200 xxxxxxxxxx"); // more is not its
     EXPECT_EQ(read(length + QByteArray(10, 'x'), 3, false, length.size() + 9), "too large");
+    EXPECT_EQ(read(OK + "Content-Length: 99999999999999999\r\n\r\nx", 4096, false), "too large");
     EXPECT_EQ(read(OK + "\r\n" + QByteArray(5000, 'x'), 512, false, 4096), "too large");
     const QByteArray endless(70 << 10, '0');
     EXPECT_EQ(read(OK + "X: " + endless, 4096, false), "too large");
