@@ -41,17 +41,17 @@ void checkSignInWindow(const Result<QJsonObject> &reply, fuzz::Input &input) {
     setPage(form, static_cast<Page>(input.mode % 3));
     setCodeMode(form, input.flag());
     require(sendCode(form).has_value(), "a new form may request a code");
-    codeAnswered(form, reply);
+    applyCodeResponse(form, reply);
     checkForm(form, reply);
     require(submit(form).has_value(), "a new form may be submitted");
-    const SubmitOutcome outcome = submitAnswered(form, reply);
+    const SubmitOutcome outcome = applySubmitResponse(form, reply);
     require(outcome.user.has_value() == agentOk(reply) && outcome.user.has_value() == form.busy, "busy after success");
     if (outcome.user)
         return checkNotice(signedInNotice(*outcome.user));
     checkForm(form, reply);
     require(outcome.focus && showsField(form, *outcome.focus), "the focus is in a visible field");
     const CnLoginForm before = form;
-    submitAnswered(form, reply);
+    applySubmitResponse(form, reply);
     require(form == before, "the same reply changes nothing");
 }
 
