@@ -65,17 +65,22 @@ inline Deployment testDeployment(const QString &edition = QStringLiteral("cn")) 
             .updatePubkey = QString()};
 }
 
-/// A home directory of its own, with what the tray reads in it.
+/// The settings of an edition with its files in `home`.
+inline FixedConfig testConfig(const QString &edition, const QString &home = {}, const QString &updateKey = {}) {
+    Deployment deployment = testDeployment(edition);
+    deployment.updatePubkey = updateKey;
+    LaunchEnvironment environment;
+    environment.home = home;
+    return makeFixedConfig(deployment, environment);
+}
+
+/// A temporary home directory with the files that the tray reads.
 class TestHome {
     QTemporaryDir folder;
 
 public:
     QString home() const { return folder.path(); }
-    FixedConfig fixed = makeFixedConfig(testDeployment(), {.preferredLanguages = {},
-                                                           .home = folder.path(),
-                                                           .hookPort = std::nullopt,
-                                                           .korvelHome = std::nullopt,
-                                                           .automation = std::nullopt});
+    FixedConfig fixed = testConfig(u"cn"_s, folder.path());
     Paths paths = makePaths(fixed, folder.path(), 501);
 
     void write(const QString &path, const QByteArray &content) const {
@@ -84,28 +89,30 @@ public:
         ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
         file.write(content);
     }
+    /// The content of a file; empty if there is none.
+    QByteArray read(const QString &path) const {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
     void writeConfig(const QByteArray &json) const { write(paths.agentCfg, json); }
     void bind() const { writeConfig(R"({"agentToken":"t","username":"ann","localToken":"secret"})"); }
     void installJobFile() const { write(paths.agentPlist, "<plist/>"); }
 };
 
-/// The agent and all servers, whose answers the test gives: at once, late, out of order, never.
+/// The agent and all servers. The test completes each request: at once, late, out of order or never.
 class FakeHttp final : public HttpClient, public ServerClient {
 public:
     struct Request : HttpRequest {
         bool isForServer = false;
+        std::chrono::seconds slowTimeout{0};
     };
-    struct Sent {
+    struct InFlight {
         Request request;
         Done<HttpReply> done;
     };
     void send(HttpRequest request, Done<HttpReply> done) override { take({std::move(request)}, std::move(done)); }
-    void send(ServerRequest request, Done<HttpReply> done) override {
-        Request common{{request.method, request.url, request.headers, request.body}, true};
-        common.timeout = request.timeout;
-        common.maxBytes = request.maxBytes;
-        lastForServer = std::move(request);
-        take(std::move(common), std::move(done));
+    void send(ServerRequest r, Done<HttpReply> done) override {
+        take({{r.method, r.url, r.headers, r.body, r.timeout, r.maxBytes}, true, r.slowTimeout}, std::move(done));
     }
     void download(ServerRequest request, const QString &file, std::function<void(qint64, qint64)> progress,
                   Done<HttpReply> done) override {
@@ -120,70 +127,75 @@ public:
         done(QString::fromLatin1(QCryptographicHash::hash(content.readAll(), QCryptographicHash::Sha256).toHex()));
     }
     void verify(const SignatureProof &proof, Done<bool> done) override { done(verdict(proof)); }
-    /// Answers the request number `index` of those that are open.
-    void reply(size_t index, Result<HttpReply> result) {
-        Sent sent = std::move(open.at(index));
-        open.erase(open.begin() + static_cast<std::ptrdiff_t>(index));
+    /// Completes the request number `index` of those in flight.
+    void complete(size_t index, Result<HttpReply> result) {
+        InFlight sent = std::move(inFlight.at(index));
+        inFlight.erase(inFlight.begin() + static_cast<std::ptrdiff_t>(index));
         sent.done(std::move(result));
     }
-    std::function<Result<HttpReply>(const Request &)> answer; ///< Where set, every request is answered at once.
+    std::function<Result<HttpReply>(const Request &)> respond; ///< If set, completes every request at once.
     std::function<Result<bool>(const SignatureProof &)> verdict = [](const SignatureProof &) { return true; };
-    std::deque<Sent> open;
+    std::deque<InFlight> inFlight;
     Request last;
-    ServerRequest lastForServer;
-    int count = 0;
-    QStringList paths;
+    QStringList paths;  ///< Of all requests, in order.
     QString downloadTo; ///< The file of the last download, which the test writes.
     std::function<void(qint64, qint64)> onProgress;
 
 private:
     void take(Request request, Done<HttpReply> done) {
-        ++count;
         last = request;
         paths.append(QUrl(request.url).path());
-        if (answer)
-            return done(answer(request));
-        open.push_back({std::move(request), std::move(done)});
+        if (respond)
+            return done(respond(request));
+        inFlight.push_back({std::move(request), std::move(done)});
     }
 };
 
 inline Result<HttpReply> json(const QByteArray &body) { return HttpReply{200, body}; }
-inline Result<HttpReply> noAnswer() { return Error{ErrorKind::Unreachable, {}}; }
+inline Result<HttpReply> noResponse() { return Error{ErrorKind::Unreachable, {}}; }
 
-/// A service manager with one job, or that fails as told.
+/// A service manager with one job.
 class FakeServices final : public ServiceControl {
 public:
-    ServiceResult print(const QString &label) override { return call(QStringLiteral("print ") + label, loaded); }
+    ServiceResult print(const QString &label) override { return call(u"print "_s + label, loaded); }
     ServiceResult bootstrap(const QString &jobFile) override {
         const bool good = runs && !loaded && failBootstraps-- <= 0;
         loaded = loaded || good;
-        return call(QStringLiteral("bootstrap ") + QFileInfo(jobFile).fileName(), good);
+        return call(u"bootstrap "_s + QFileInfo(jobFile).fileName(), good);
     }
     ServiceResult bootout(const QString &label) override {
-        if (runs && !stuck && label == u"com.korvel.agent")
-            loaded = false;
-        return call(QStringLiteral("bootout ") + label, true);
+        loaded = loaded && (!runs || stuck || label != u"com.korvel.agent");
+        return call(u"bootout "_s + label, true);
     }
-    ServiceResult enable(const QString &label) override { return call(QStringLiteral("enable ") + label, true); }
-    ServiceResult disable(const QString &label) override { return call(QStringLiteral("disable ") + label, true); }
-    ServiceResult kickstart(const QString &label) override {
-        return call(QStringLiteral("kickstart ") + label, loaded);
+    ServiceResult enable(const QString &label) override { return call(u"enable "_s + label, true); }
+    ServiceResult disable(const QString &label) override { return call(u"disable "_s + label, true); }
+    ServiceResult kickstart(const QString &label) override { return call(u"kickstart "_s + label, loaded); }
+
+    /// The names of all calls.
+    QString operations() const {
+        QStringList names;
+        for (const QString &command : calls)
+            names.append(command.section(u' ', 0, 0));
+        return names.join(u' ');
     }
 
     bool loaded = false;
-    bool runs = true;       ///< Without, no command can be run.
-    bool stuck = false;     ///< The job never goes away.
-    int failBootstraps = 0; ///< So many attempts fail first.
+    bool runs = true;       ///< If false, no command can run.
+    bool stuck = false;     ///< The job stays loaded.
+    int failBootstraps = 0; ///< The number of attempts that fail first.
     QStringList calls;
 
 private:
-    ServiceResult call(const QString &what, bool good) {
-        calls.append(what);
-        if (!runs)
-            return ServiceResult::Unknown;
-        return good ? ServiceResult::Succeeded : ServiceResult::Failed;
+    ServiceResult call(const QString &command, bool good) {
+        calls.append(command);
+        return !runs ? ServiceResult::Unknown : good ? ServiceResult::Succeeded : ServiceResult::Failed;
     }
 };
+
+/// The result of a program that exits with `status` after printing `output`.
+inline ProgramResult exited(int status, const QByteArray &output = {}) {
+    return {.status = status, .launched = true, .output = output, .launchError = {}};
+}
 
 class FakePrograms final : public Programs {
 public:
@@ -191,29 +203,28 @@ public:
         runs.push_back(request);
         if (request.stop && request.stop->stopRequested())
             return {.output = {}, .launchError = {}, .end = ProgramResult::End::Stopped};
-        return answer ? answer(request) : result;
+        return behave ? behave(request) : result;
     }
-    std::function<ProgramResult(const ProgramRun &)> answer; ///< Where set, in place of `result`.
+    std::function<ProgramResult(const ProgramRun &)> behave; ///< If set, replaces `result`.
     std::vector<ProgramRun> runs;
-    ProgramResult result{.status = 0, .launched = true, .output = {}, .launchError = {}};
+    ProgramResult result = exited(0);
 };
 
 class FakeDesktop final : public Desktop {
 public:
     void openUrl(const QString &url) override { opened.append(url); }
     bool optionKeyHeld() const override { return option; }
-    QString computerName() const override { return name; }
+    QString computerName() const override { return u"Studio.local"_s; }
     void installEditMenu(const QList<EditMenuItem> &items) override { editMenu = items; }
     void terminate() override { ++terminated; }
 
     QStringList opened;
     bool option = false;
-    QString name = QStringLiteral("Studio.local");
     QList<EditMenuItem> editMenu;
     int terminated = 0;
 };
 
-/// Remembers what the menu bar shows and how often it was told.
+/// Keeps what the menu bar shows and counts the changes.
 class FakeItem final : public StatusItem {
 public:
     void show(Events e) override { events = std::move(e); }
@@ -233,7 +244,7 @@ public:
         return {};
     }
     void choose(Action action) { events.chosen(entry(action)); }
-    /// The same of an entry that the menu need not show now.
+    /// Chooses an entry that the menu need not show.
     void press(Action action) { events.chosen(menuItem({}, action)); }
 
     Events events;
@@ -253,69 +264,61 @@ public:
         view = v;
         by = b;
         answered = std::move(a);
-        ++opened;
         return true;
     }
     void answer(int button, const QStringList &texts = {}) {
         ASSERT_TRUE(answered);
         std::exchange(answered, nullptr)({.button = button, .texts = texts});
     }
-    void answer(int button, const QString &text) { answer(button, QStringList{text}); }
     /// Escape or the close button.
     void dismiss() { answer(view.escape); }
     AlertView view;
     OpenedBy by = OpenedBy::User;
-    int opened = 0;
 
 private:
     std::function<void(const AlertAnswer &)> answered;
 };
 
-class FakePairPanel final : public PairPanel {
+/// A window that keeps its last view.
+template <class Port, class View>
+class FakePanel : public Port {
 public:
-    void connect(Events e) override { events = std::move(e); }
-    bool isVisible() const override { return visible; }
-    void present(const PairView &v, OpenedBy b) override {
-        view = v;
-        by = b;
-        visible = true;
-        ++presented;
-    }
-    void apply(const PairView &v) override { view = v; }
-    void hide() override { visible = false; }
-
-    Events events;
-    PairView view;
+    void apply(const View &v) override { view = v; }
+    View view;
     OpenedBy by = OpenedBy::User;
     bool visible = false;
     int presented = 0;
-};
 
-/// The mainland sign-in window without a screen; the test is the user.
-class FakeLoginPanel final : public LoginPanel {
-public:
-    void connect(std::function<void(const LoginInput &)> i) override { input = std::move(i); }
-    bool present(const CnLoginView &v, OpenedBy b) override {
+protected:
+    bool open(const View &v, OpenedBy b) {
         view = v;
         by = b;
         ++presented;
         return !std::exchange(visible, true);
     }
-    void apply(const CnLoginView &v) override { view = v; }
+};
+
+class FakePairPanel final : public FakePanel<PairPanel, PairView> {
+public:
+    void connect(Events e) override { events = std::move(e); }
+    bool isVisible() const override { return visible; }
+    void present(const PairView &v, OpenedBy b) override { open(v, b); }
+    void hide() override { visible = false; }
+    Events events;
+};
+
+class FakeLoginPanel final : public FakePanel<LoginPanel, CnLoginView> {
+public:
+    void connect(std::function<void(const LoginInput &)> i) override { input = std::move(i); }
+    bool present(const CnLoginView &v, OpenedBy b) override { return open(v, b); }
     void focus(LoginField f) override { focused = f; }
     void close() override { visible = false; }
-
     void does(LoginInput::Kind kind, const QString &text = {}, int index = 0) {
-        if (kind == LoginInput::Kind::Close)
-            visible = false;
+        visible = visible && kind != LoginInput::Kind::Close;
         input({.kind = kind, .text = text, .index = index});
     }
     std::function<void(const LoginInput &)> input;
-    CnLoginView view;
-    OpenedBy by = OpenedBy::User;
     std::optional<LoginField> focused;
-    bool visible = false;
-    int presented = 0;
 };
 
 class FakeNotices final : public NoticePanel {
@@ -333,7 +336,7 @@ public:
     std::function<void()> click;
 };
 
-/// Everything that the tray shows to the user and the user does in it.
+/// All that the user sees and uses.
 struct FakeScreen {
     FakeDesktop desktop;
     FakeItem item;

@@ -4,19 +4,19 @@
 
 namespace korvel::test {
 
-Timer ManualScheduler::after(milliseconds delay, UniqueFunction<void()> f) {
-    auto handle = std::make_shared<int>();
-    due.emplace(clock + delay, Entry{handle, std::make_shared<UniqueFunction<void()>>(std::move(f))});
-    return Timer(handle);
-}
+Timer ManualScheduler::after(milliseconds delay, UniqueFunction<void()> f) { return add(delay, 0ms, std::move(f)); }
 
 Timer ManualScheduler::every(milliseconds period, UniqueFunction<void()> f) {
+    return add(period, period, std::move(f));
+}
+
+Timer ManualScheduler::add(milliseconds delay, milliseconds period, UniqueFunction<void()> f) {
     auto handle = std::make_shared<int>();
-    due.emplace(clock + period, Entry{handle, std::make_shared<UniqueFunction<void()>>(std::move(f)), period});
+    due.emplace(clock + delay, Entry{handle, std::make_shared<UniqueFunction<void()>>(std::move(f)), period});
     return Timer(handle);
 }
 
-/// Outside of advance() every call of a test is a turn of its own.
+/// Outside of advance(), every call of a test is its own turn.
 void ManualScheduler::beforeWaiting(UniqueFunction<void()> f) {
     if (!inTurn)
         return f();
@@ -38,11 +38,10 @@ void ManualScheduler::holdBackground(bool hold) {
         runDue();
 }
 
-void ManualScheduler::hangBackground() { hanging = std::exchange(background, {}); }
-
-void ManualScheduler::letGoBackground() {
-    background = std::exchange(hanging, {});
-    runDue();
+void ManualScheduler::hangBackground(bool hang) {
+    std::swap(background, hanging);
+    if (!hang)
+        runDue();
 }
 
 void ManualScheduler::runBackground() {
@@ -58,7 +57,7 @@ void ManualScheduler::runBackground() {
 
 void ManualScheduler::advance(milliseconds by) {
     const Instant end = clock + by;
-    const bool outer = !std::exchange(inTurn, true);
+    const bool before = std::exchange(inTurn, true);
     runBackground();
     while (!due.empty() && due.begin()->first <= end) {
         auto node = due.extract(due.begin());
@@ -73,8 +72,7 @@ void ManualScheduler::advance(milliseconds by) {
         runBackground();
     }
     clock = end;
-    if (outer)
-        inTurn = false;
+    inTurn = before;
 }
 
 } // namespace korvel::test

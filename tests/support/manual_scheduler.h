@@ -8,8 +8,8 @@
 
 namespace korvel::test {
 
-/// A Scheduler whose time only passes in advance(). What is due runs in time order, ties first in, first out.
-/// Background work runs as soon as the main queue gets to it, or waits while held.
+/// A Scheduler whose time passes only in advance(). Due work runs in time order, ties first in, first out. Background
+/// work runs as soon as the main queue gets to it.
 class ManualScheduler final : public Scheduler {
 public:
     Instant now() const override { return clock; }
@@ -19,15 +19,13 @@ public:
     void runInBackground(UniqueFunction<void()> work, UniqueFunction<void()> then) override;
 
     void advance(milliseconds by);
-    /// Runs what is due now.
     void runDue() { advance(0ms); }
-    /// While true, background work does not run: a program that hangs.
+    /// While true, all background work waits.
     void holdBackground(bool hold);
+    /// While true, the background work that waits now goes on waiting, and later work runs.
+    void hangBackground(bool hang);
     /// While false, there is no thread for background work, which is left out.
     void haveThreads(bool have) { threads = have; }
-    /// Background work that waits hangs, while later work runs, until it is let go.
-    void hangBackground();
-    void letGoBackground();
     size_t backgroundWaiting() const { return background.size(); }
 
 private:
@@ -40,6 +38,7 @@ private:
         UniqueFunction<void()> work;
         UniqueFunction<void()> then;
     };
+    Timer add(milliseconds delay, milliseconds period, UniqueFunction<void()> f);
     void runBackground();
     void endTurn();
 
@@ -48,7 +47,7 @@ private:
     std::deque<Job> background;
     std::deque<Job> hanging;
     bool held = false;
-    bool inTurn = false; ///< advance() runs what is due.
+    bool inTurn = false;
     std::vector<UniqueFunction<void()>> atEndOfTurn;
     bool threads = true;
 };

@@ -2,7 +2,6 @@
 #include "app/automation_runs.h"
 #include "app/launch_environment.h"
 #include "app/model/automation.h"
-#include "app/model/fixed_config.h"
 #include "service/agent_config.h"
 #include "support/fakes.h"
 
@@ -12,85 +11,56 @@
 namespace korvel::test {
 namespace {
 
-LaunchEnvironment environment() {
-    return {.preferredLanguages = {u"en-US"_s},
-            .home = u"/Users/ann"_s,
-            .hookPort = std::nullopt,
-            .korvelHome = std::nullopt,
-            .automation = std::nullopt};
-}
-
-TEST(FixedConfig, TextsFollowTheFirstPreferredLanguageAlone) {
-    EXPECT_TRUE(prefersChinese({u"zh-Hans-CN"_s, u"en"_s}));
-    EXPECT_TRUE(prefersChinese({u"ZH-TW"_s}));
+TEST(FixedConfig, TextsAndRequestsFollowTheUsersLanguages) {
+    EXPECT_TRUE(prefersChinese({u"ZH-Hans-CN"_s, u"en"_s}));
     EXPECT_FALSE(prefersChinese({u"en-US"_s, u"zh-Hans"_s}));
-    EXPECT_FALSE(prefersChinese({}));
-}
-
-TEST(FixedConfig, ServersAreToldTheLanguagesOfTheUserTheMostWantedFirst) {
     EXPECT_EQ(acceptLanguage({u"zh-Hans-CN"_s, u"en-CN"_s}), "zh-Hans-CN, en-CN;q=0.9");
     EXPECT_EQ(acceptLanguage({u"C"_s, u"de"_s, u"DE"_s, u"fr\r\nX: y"_s, u"-"_s, u""_s, u"日本"_s, u"en"_s}),
               "de, en;q=0.9");
-    EXPECT_EQ(acceptLanguage({}), "");
     QStringList many;
     for (char c = 'a'; c <= 'z'; ++c)
         many.append(u"x"_s + QLatin1Char(c));
     EXPECT_TRUE(acceptLanguage(many).endsWith(", xj;q=0.1"));
 }
 
-TEST(FixedConfig, TheEditionChoosesServerAndPagesButNotTheLanguage) {
-    const FixedConfig cn = makeFixedConfig(testDeployment(u"cn"_s), environment());
-    EXPECT_TRUE(cn.IS_CN);
+TEST(FixedConfig, TheEditionChoosesServerAndPages) {
+    const FixedConfig cn = testConfig(u"cn"_s), intl = testConfig(u"intl"_s);
+    EXPECT_TRUE(cn.IS_CN && !intl.IS_CN && !cn.ZH);
     EXPECT_EQ(cn.SITE_URL, u"https://site.example/zh"_s);
-    EXPECT_EQ(cn.TERMS_URL, u"https://site.example/cn/terms"_s);
-    EXPECT_FALSE(cn.ZH);
-
-    const FixedConfig intl = makeFixedConfig(testDeployment(u"intl"_s), environment());
-    EXPECT_FALSE(intl.IS_CN);
-    EXPECT_EQ(intl.DEFAULT_SERVER, u"intl.example:443"_s);
     EXPECT_EQ(intl.SITE_URL, u"https://site.example/en"_s);
+    EXPECT_EQ(intl.DEFAULT_SERVER, u"intl.example:443"_s);
 }
 
-TEST(FixedConfig, EnvironmentValuesAreTakenAsTheyStand) {
-    LaunchEnvironment e = environment();
-    const FixedConfig defaults = makeFixedConfig(testDeployment(), e);
-    EXPECT_EQ(defaults.AGENT_LOCAL, u"http://127.0.0.1:8790"_s);
-    EXPECT_EQ(defaults.KORVEL_HOME, u"/Users/ann/.korvel"_s);
+TEST(FixedConfig, EnvironmentValuesAreUsedUnchanged) {
+    const auto config = [](std::optional<QString> hookPort, std::optional<QString> korvelHome) {
+        return makeFixedConfig(testDeployment(), {.preferredLanguages = {},
+                                                  .home = u"/Users/ann"_s,
+                                                  .hookPort = std::move(hookPort),
+                                                  .korvelHome = std::move(korvelHome),
+                                                  .automation = {}});
+    };
+    EXPECT_EQ(config({}, {}).AGENT_LOCAL, u"http://127.0.0.1:8790"_s);
+    EXPECT_EQ(config(u""_s, {}).AGENT_LOCAL, u"http://127.0.0.1:"_s);
+    EXPECT_EQ(makePaths(config({}, u""_s), u"/Users/ann"_s, 501).agentCfg, u"agent.json"_s); // in the current folder
+    EXPECT_EQ(makePaths(config({}, u"/data"_s), u"/Users/ann"_s, 501).agentCfg, u"/data/agent.json"_s);
 
-    e.hookPort = u""_s;
-    e.korvelHome = u"/data"_s;
-    const FixedConfig set = makeFixedConfig(testDeployment(), e);
-    EXPECT_EQ(set.AGENT_LOCAL, u"http://127.0.0.1:"_s);
-    EXPECT_EQ(set.KORVEL_HOME, u"/data"_s);
-
-    e.korvelHome = u""_s;
-    const FixedConfig empty = makeFixedConfig(testDeployment(), e);
-    EXPECT_EQ(makePaths(empty, e.home, 501).agentCfg, u"agent.json"_s); // in the current folder
-    EXPECT_EQ(makePaths(set, e.home, 501).agentCfg, u"/data/agent.json"_s);
-}
-
-TEST(Paths, AreThoseThatTheSystemTheAgentAndTheUserKnow) {
-    const Paths paths = makePaths(makeFixedConfig(testDeployment(), environment()), u"/Users/ann"_s, 501);
+    const Paths paths = makePaths(config({}, {}), u"/Users/ann"_s, 501);
     EXPECT_EQ(paths.agentPlist, u"/Users/ann/Library/LaunchAgents/com.korvel.agent.plist"_s);
     EXPECT_EQ(paths.trayPlist, u"/Users/ann/Library/LaunchAgents/com.korvel.tray.plist"_s);
     EXPECT_EQ(paths.agentCfg, u"/Users/ann/.korvel/agent.json"_s);
     EXPECT_EQ(paths.logFile, u"/Users/ann/Library/Logs/korvel-agent.log"_s);
     EXPECT_EQ(paths.trayLog, u"/Users/ann/Library/Logs/korvel-tray.log"_s);
     EXPECT_EQ(paths.updateDir, u"/Users/ann/Library/Caches/Korvel/update"_s);
-}
 
-TEST(FixedConfig, WithoutHomeTheUsersRecordCounts) {
     const QByteArray before = qgetenv("HOME");
     qunsetenv("HOME");
-    const QString home = readLaunchEnvironment().home;
+    EXPECT_EQ(readLaunchEnvironment().home, QFile::decodeName(::getpwuid(::getuid())->pw_dir));
     qputenv("HOME", before);
-    EXPECT_EQ(home, QFile::decodeName(::getpwuid(::getuid())->pw_dir));
 }
 
 TEST(ServerRules, ATypedTextBecomesHostAndPortOrNothing) {
     const std::pair<QString, QString> addresses[] = {
         {u"  HTTPS://Relay.Example:8443/ \n"_s, u"Relay.Example:8443"_s},
-        {u"relay.example"_s, u"relay.example:443"_s},
         {u"Http://host///"_s, u"host:443"_s},
         {u"relay.example:+0443"_s, u"relay.example:443"_s},
         {QString(253, u'a'), QString(253, u'a') + u":443"_s},
@@ -105,44 +75,47 @@ TEST(ServerRules, ATypedTextBecomesHostAndPortOrNothing) {
 }
 
 TEST(ServerRules, AServerOfAnotherEditionIsForeignAndIgnored) {
-    const TestHome home;
-    EXPECT_TRUE(isForeignServer(home.fixed, u"INTL.example:443"_s));
-    EXPECT_FALSE(isForeignServer(home.fixed, u"cn.example:443"_s));
-    EXPECT_FALSE(isForeignServer(home.fixed, u"own.example:443"_s));
-
-    const auto serverWith = [&](const QJsonValue &stored) { return serverOf(home.fixed, {{u"server"_s, stored}}); };
-    EXPECT_EQ(serverWith(u"Own.example"_s), u"Own.example:443"_s);
-    EXPECT_EQ(serverWith(u"intl.example"_s), home.fixed.DEFAULT_SERVER);
-    EXPECT_EQ(serverWith(u"not a server"_s), home.fixed.DEFAULT_SERVER);
-    EXPECT_EQ(serverWith(443), home.fixed.DEFAULT_SERVER);
-}
-
-TEST(ServerRules, AMacIsBoundByANonEmptyTokenText) {
-    EXPECT_TRUE(bound(object(R"({"agentToken":"t"})")));
+    const FixedConfig fixed = testConfig(u"cn"_s);
+    EXPECT_TRUE(isForeignServer(fixed, u"INTL.example:443"_s));
+    EXPECT_FALSE(isForeignServer(fixed, u"cn.example:443"_s) || isForeignServer(fixed, u"own.example:443"_s));
+    const std::pair<QJsonValue, QString> stored[] = {{u"Own.example"_s, u"Own.example:443"_s},
+                                                     {u"intl.example"_s, fixed.DEFAULT_SERVER},
+                                                     {u"not a server"_s, fixed.DEFAULT_SERVER},
+                                                     {443, fixed.DEFAULT_SERVER}};
+    for (const auto &[value, server] : stored)
+        EXPECT_EQ(serverOf(fixed, {{u"server"_s, value}}), server);
     for (const char *unbound : {R"({"agentToken":""})", R"({"agentToken":7})", "{}"})
         EXPECT_FALSE(bound(object(unbound))) << unbound;
 }
 
-TEST(Automation, ASwitchCountsOnlyWithEnoughEntriesAndThePermission) {
-    const QStringList dump{u"tray"_s, u"--menu-dump"_s};
-    EXPECT_EQ(automationMode(dump, u"1"_s), AutomationMode::MenuDump);
-    EXPECT_EQ(automationMode(dump, std::nullopt), std::nullopt);
-    EXPECT_EQ(automationMode(dump, u"true"_s), std::nullopt);
-    EXPECT_EQ(automationMode({u"tray"_s, u"--login"_s}, u"1"_s), std::nullopt);
-    EXPECT_EQ(automationMode({u"tray"_s, u"--login"_s, u"ann"_s}, u"1"_s), AutomationMode::Login);
-    EXPECT_EQ(automationMode({u"tray"_s, u"x"_s, u"--menu-dump"_s}, u"1"_s), std::nullopt);
-    EXPECT_EQ(automationMode({u"tray"_s, u"--e2ee-render"_s, u"pair"_s, u"o"_s}, u"1"_s), std::nullopt);
-    EXPECT_EQ(automationMode({u"tray"_s, u"--e2ee-render"_s, u"pair"_s, u"o"_s, u"{}"_s}, u"1"_s),
-              AutomationMode::E2eeRender);
-    EXPECT_EQ(automationMode({u"tray"_s, u"--login-render"_s, u"login"_s}, u"1"_s), std::nullopt);
-    EXPECT_EQ(automationMode({u"tray"_s, u"--login-render"_s, u"login"_s, u"o"_s}, u"1"_s),
-              AutomationMode::LoginRender);
-    EXPECT_EQ(automationMode({u"tray"_s}, u"1"_s), std::nullopt);
+TEST(Automation, AModeNeedsItsArgumentsAndThePermission) {
+    using Mode = AutomationMode;
+    const struct {
+        QStringList arguments;
+        std::optional<QString> permission;
+        std::optional<Mode> mode;
+    } cases[] = {
+        {{u"--menu-dump"_s}, u"1"_s, Mode::MenuDump},
+        {{u"--menu-dump"_s}, {}, {}},
+        {{u"--menu-dump"_s}, u"true"_s, {}},
+        {{u"x"_s, u"--menu-dump"_s}, u"1"_s, {}},
+        {{}, u"1"_s, {}},
+        {{u"--login"_s}, u"1"_s, {}},
+        {{u"--login"_s, u"ann"_s}, u"1"_s, Mode::Login},
+        {{u"--e2ee-render"_s, u"pair"_s, u"o"_s}, u"1"_s, {}},
+        {{u"--e2ee-render"_s, u"pair"_s, u"o"_s, u"{}"_s}, u"1"_s, Mode::E2eeRender},
+        {{u"--login-render"_s, u"login"_s}, u"1"_s, {}},
+        {{u"--login-render"_s, u"login"_s, u"o"_s}, u"1"_s, Mode::LoginRender},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(automationMode(QStringList{u"tray"_s} + c.arguments, c.permission), c.mode)
+            << c.arguments.join(u' ').toStdString();
 }
 
 TEST(MenuDump, PrintsOneLineAnEntryFromTheRealFiles) {
     const TestHome home;
-    EXPECT_EQ(menuDump("", home.fixed, home.paths), R"(off Not signed in
+    const auto dump = [&](const QByteArray &health) { return menuDump(health, home.fixed, home.paths); };
+    EXPECT_EQ(dump(""), R"(off Not signed in
 ---
 on  Check for Updates… (1.2.3)
 ---
@@ -153,24 +126,16 @@ on  Quit Korvel
 )");
     home.bind();
     home.installJobFile();
-    const QByteArray dump =
-        menuDump(
-            R"({"online":true,"perms":{"ok":false,"missing":["Screen"],"items":[{"name":"Screen","state":"denied"}]}})",
-            home.fixed, home.paths)
-            .value_or(QByteArray());
-    EXPECT_TRUE(dump.startsWith("off ● Connected · ann · 0 sessions · ⚠ 1 permission missing\n")) << dump.constData();
-    EXPECT_TRUE(dump.contains("off Permissions · 1 missing\non  ⚠ Screen")) << dump.constData();
-    EXPECT_TRUE(menuDump(R"({"ok":false,"online":true})", home.fixed, home.paths)->startsWith("off ⏻ Sync paused"));
-}
-
-TEST(MenuDump, ATextFromOutsideCannotAddALine) {
-    const TestHome home;
-    home.bind();
-    home.installJobFile();
-    const auto dump = menuDump(R"({"online":true,"account":"a\non  Fake\tb\u2028c"})", home.fixed, home.paths);
-    EXPECT_TRUE(dump->startsWith("off ● Connected · a on Fake b c · 0 sessions\n")) << dump->constData();
-    EXPECT_EQ(menuDump("[1]", home.fixed, home.paths), std::nullopt);
-    EXPECT_EQ(menuDump("{", home.fixed, home.paths), std::nullopt);
+    const auto lacking = dump(
+        R"({"online":true,"perms":{"ok":false,"missing":["Screen"],"items":[{"name":"Screen","state":"denied"}]}})");
+    EXPECT_TRUE(lacking->startsWith("off ● Connected · ann · 0 sessions · ⚠ 1 permission missing\n"));
+    EXPECT_TRUE(lacking->contains("off Permissions · 1 missing\non  ⚠ Screen")) << lacking->constData();
+    EXPECT_TRUE(dump(R"({"ok":false,"online":true})")->startsWith("off ⏻ Sync paused"));
+    // A text from outside adds no line.
+    EXPECT_TRUE(dump(R"({"online":true,"account":"a\non  Fake\tb\u2028c"})")
+                    ->startsWith("off ● Connected · a on Fake b c · 0 sessions\n"));
+    EXPECT_EQ(dump("[1]"), std::nullopt);
+    EXPECT_EQ(dump("{"), std::nullopt);
 }
 
 } // namespace

@@ -8,45 +8,30 @@
 namespace korvel::test {
 namespace {
 
-QJsonObject report(const char *json) { return object(json); }
-
 TEST(E2eeReport, EveryWrongTypeCountsAsItsDefault) {
     for (const char *json : {"{}", R"({"state":1,"required":"yes","pair":[],"pending":{},"alarms":"x"})",
                              R"({"pair":{"show":123456,"wrong":1,"paired":"true"},"pending":[{},1],"alarms":[[]]})"}) {
-        const QJsonObject e2 = report(json);
+        const QJsonObject e2 = object(json);
         EXPECT_EQ(e2State(e2), u"off"_s);
-        EXPECT_FALSE(e2Required(e2));
-        EXPECT_EQ(e2PairShow(e2), std::nullopt);
-        EXPECT_FALSE(e2PairWrong(e2));
-        EXPECT_FALSE(e2PairDone(e2));
-        EXPECT_TRUE(e2Pending(e2).isEmpty());
-        EXPECT_TRUE(e2Alarms(e2).isEmpty());
-        EXPECT_FALSE(e2NeedsPairing(e2, true, false));
+        EXPECT_FALSE(e2Required(e2) || e2PairShow(e2) || e2PairWrong(e2) || e2PairDone(e2)) << json;
+        EXPECT_TRUE(e2Pending(e2).isEmpty() && e2Alarms(e2).isEmpty()) << json;
         EXPECT_EQ(e2StatusText(e2), std::nullopt);
     }
-    EXPECT_EQ(e2PairShow(report(R"({"pair":{"show":""}})")), std::nullopt);
 }
 
 TEST(E2eeReport, IsStoredWithinBounds) {
-    const QJsonObject usual = report(
+    const QJsonObject usual = object(
         R"({"state":"pending","required":true,"relay":"ok","trouble":"t","pair":{"show":"482 913","wrong":true,
             "paired":false},"asr":{"ready":false,"installing":"download","pct":37},
             "pending":[{"pendingId":"1","attempt":2,"name":"n","platform":"ios","ready":true,"busy":false}],
             "alarms":[{"id":"1","kind":"reset","text":"t"}]})");
     EXPECT_EQ(boundedReport(usual), usual);
-    EXPECT_EQ(boundedReport(report(R"({"state":["active"],"pending":[{},1],"alarms":{},"pair":"x","other":[1]})")),
+    EXPECT_EQ(boundedReport(object(R"({"state":["active"],"pending":[{},1],"alarms":{},"pair":"x","other":[1]})")),
               QJsonObject());
-
-    const QString text = u"😀"_s.repeated(5000);
-    const QJsonObject entry{{u"pendingId"_s, text}, {u"name"_s, text}, {u"id"_s, text}, {u"text"_s, text}};
-    QJsonArray flood;
-    for (int i = 0; i < 200; ++i)
-        flood.append(entry);
-    const QJsonObject kept = boundedReport({{u"state"_s, text},
-                                            {u"trouble"_s, text},
-                                            {u"pair"_s, QJsonObject{{u"show"_s, text}}},
-                                            {u"pending"_s, flood},
-                                            {u"alarms"_s, flood}});
+    QByteArray large =
+        R"({"state":"T","trouble":"T","pair":{"show":"T"},"pending":[{"name":"T"}F],"alarms":[{"text":"T"}F]})";
+    large.replace("F", QByteArray(R"(,{"name":"T","text":"T"})").repeated(199));
+    const QJsonObject kept = boundedReport(object(large.replace("T", QByteArray("😀").repeated(1000))));
     EXPECT_EQ(e2State(kept), u"😀"_s.repeated(499) + u'…'); // no half character
     EXPECT_LE(kept.value(u"trouble").toString().size(), 1000);
     EXPECT_LE(e2PairShow(kept)->size(), 16);
@@ -58,17 +43,14 @@ TEST(E2eeReport, IsStoredWithinBounds) {
 
 TEST(E2eeReport, PairingIsNeededByStateSignInAndRequirement) {
     const struct {
-        bool signedIn, signedOut; // whether it is needed then
+        bool signedIn, signedOut; ///< Whether pairing is needed then.
         QStringList states;
     } cases[] = {
-        {true,
-         false,
-         {u"waiting"_s, u"pending"_s, u"approved"_s, u"rejected"_s, u"expired"_s, u"off, required"_s,
-          u"starting, required"_s}},
+        {true, false, {u"waiting"_s, u"pending"_s, u"approved"_s, u"rejected"_s, u"expired"_s}},
+        {true, false, {u"off, required"_s, u"starting, required"_s}},
         {true, true, {u"pair-failed"_s}},
-        {false,
-         false,
-         {u"off"_s, u"starting"_s, u"active, required"_s, u"revoked"_s, u"suspended"_s, u"new, required"_s}},
+        {false, false, {u"off"_s, u"starting"_s, u"active, required"_s}},
+        {false, false, {u"revoked"_s, u"suspended"_s, u"new, required"_s}},
     };
     for (const auto &c : cases)
         for (const QString &state : c.states) {
@@ -80,72 +62,78 @@ TEST(E2eeReport, PairingIsNeededByStateSignInAndRequirement) {
 }
 
 TEST(E2eeReport, TheStatusTextFollowsThePairingAndTheAgentsTrouble) {
-    const auto text = [](const char *json) { return e2StatusText(report(json)).value_or(QString()); };
-    EXPECT_EQ(text(R"({"state":"pending"})"), u"Getting a pairing code…"_s);
-    EXPECT_EQ(text(R"({"state":"pending","pair":{"show":"123456"}})"), u"Enter code 123456 on your phone"_s);
-    EXPECT_EQ(text(R"({"state":"pending","pair":{"show":"123456","paired":true}})"),
-              u"Paired. Turning on encryption…"_s);
-    EXPECT_EQ(text(R"({"state":"off","required":true})"), u"Turning on encryption…"_s);
-    EXPECT_EQ(text(R"({"state":"starting","required":true,"trouble":"Clock is wrong"})"), u"Clock is wrong"_s);
-    EXPECT_EQ(text(R"({"state":"active","trouble":"x"})"), u""_s);
+    const std::pair<const char *, QString> cases[] = {
+        {R"({"state":"pending"})", u"Getting a pairing code…"_s},
+        {R"({"state":"pending","pair":{"show":"123456"}})", u"Enter code 123456 on your phone"_s},
+        {R"({"state":"pending","pair":{"show":"1","paired":true}})", u"Paired. Turning on encryption…"_s},
+        {R"({"state":"off","required":true})", u"Turning on encryption…"_s},
+        {R"({"state":"starting","required":true,"trouble":"Clock is wrong"})", u"Clock is wrong"_s},
+        {R"({"state":"active","trouble":"x"})", u""_s}};
+    for (const auto &[json, text] : cases)
+        EXPECT_EQ(e2StatusText(object(json)).value_or(QString()), text) << json;
     const LanguageScope chinese(true);
-    EXPECT_EQ(text(R"({"state":"pending","pair":{"show":"123456"}})"), u"请在手机上输入配对码 123456"_s);
+    EXPECT_EQ(e2StatusText(object(cases[1].first)), u"请在手机上输入配对码 123456"_s);
 }
 
-/// The block as lines: "[x] " marks what can be chosen.
-QStringList block(const char *json, bool running = true, bool bound = true, bool authDead = false) {
+TEST(E2eeMenuBlock, ShowsWhatTheStatusLineDoesNot) {
     const TestHome home;
-    TrayState state;
-    state.health.running = running;
-    state.health.authDead = authDead;
-    state.e2ee.e2 = report(json);
-    QStringList lines;
-    for (const MenuEntry &e : e2MenuItems({.state = state,
-                              .isCn = true,
-                              .version = {},
-                              .timing = {},
-                              .bound = bound,
-                              .plistExists = true,
-                              .server = {}}))
-        lines.append(e.isSeparator() ? u"---"_s : (e.enabled ? u"[x] "_s : u""_s) + e.title);
-    return lines;
-}
-
-TEST(E2eeMenuBlock, IsAbsentWhileEncryptionIsNeitherOnNorRequired) {
-    EXPECT_TRUE(block(R"({"state":"off","pending":[{"name":"x"}],"alarms":[{"id":"1"}]})").isEmpty());
-    EXPECT_TRUE(block(R"({"state":"something-new"})").isEmpty());
-}
-
-TEST(E2eeMenuBlock, SaysTheSituationOnlyWhereTheStatusLineDoesNot) {
-    EXPECT_EQ(block(R"({"state":"pending"})").value(0), u"Show Pairing Code…"_s);
-    EXPECT_EQ(block(R"({"state":"pending","pair":{"show":"1","paired":true}})"),
-              (QStringList{u"Show Pairing Code…"_s, u"---"_s}));
-    EXPECT_EQ(block(R"({"state":"pending","pair":{"show":"1"}})"),
-              (QStringList{u"[x] Show Pairing Code…"_s, u"---"_s}));
-    EXPECT_EQ(block(R"({"state":"expired","pair":{"show":"1"}})", false),
-              (QStringList{u"🔒 The pairing code expired. Refreshing…"_s, u"Show Pairing Code…"_s, u"---"_s}));
-    EXPECT_EQ(block(R"({"state":"revoked"})"),
-              (QStringList{u"⚠ This Mac was removed from your account. Sign in again."_s, u"---"_s}));
-    EXPECT_EQ(block(R"({"state":"rejected"})"), (QStringList{u"[x] Sign In Again…"_s, u"---"_s}));
-    EXPECT_EQ(block(R"({"state":"revoked"})", false, false), QStringList());
-    // The main menu offers the sign-in already.
-    EXPECT_EQ(block(R"({"state":"rejected"})", true, true, true),
-              (QStringList{u"⚠ Your phone denied this Mac. Sign in again to retry."_s, u"---"_s}));
-}
-
-TEST(E2eeMenuBlock, ListsDevicesSpeechAndAlarmsWhileActive) {
-    EXPECT_EQ(
-        block(
-            R"({"state":"active","relay":"ok","pending":[{"name":"Anna's phone","platform":"ios"},{}],
-                        "asr":{"installing":"download","pct":42},"alarms":[{"id":"1","text":"t"}]})"),
-        (QStringList{u"🔒 Encrypted"_s, u"[x] New device: Anna's phone · iPhone…"_s, u"[x] New device: ? · Device…"_s,
-                     u"Installing speech recognition… 42%"_s, u"[x] ⚠ Security Alert…"_s, u"---"_s}));
-    EXPECT_EQ(block(R"({"state":"active","relay":"down"})").value(0), u"🔒 Encrypted · Connecting to the server…"_s);
-    EXPECT_EQ(block(R"({"state":"active"})").value(1), u"[x] Install Speech Recognition (180 MB)…"_s);
-    EXPECT_EQ(block(R"({"state":"active","asr":{"installing":"failed"}})").value(1),
-              u"[x] Retry Installing Speech Recognition…"_s);
-    EXPECT_EQ(block(R"({"state":"active","asr":{"ready":true}})").value(1),
-              u"Speech recognition is installed. Choose My computer on your phone."_s);
+    constexpr PairContext SIGNED_IN{.bound = true}, LOST{.bound = true, .authDead = true};
+    const struct {
+        const char *report;
+        bool running;
+        PairContext account;
+        QStringList lines; ///< "[x] " marks an entry that can be chosen.
+    } cases[] = {
+        {R"({"state":"off","pending":[{"name":"x"}],"alarms":[{"id":"1"}]})", true, SIGNED_IN, {}},
+        {R"({"state":"something-new"})", true, SIGNED_IN, {}},
+        {R"({"state":"pending"})", true, SIGNED_IN, {u"Show Pairing Code…"_s}},
+        {R"({"state":"pending","pair":{"show":"1","paired":true}})", true, SIGNED_IN, {u"Show Pairing Code…"_s}},
+        {R"({"state":"pending","pair":{"show":"1"}})", true, SIGNED_IN, {u"[x] Show Pairing Code…"_s}},
+        {R"({"state":"expired","pair":{"show":"1"}})",
+         false,
+         SIGNED_IN,
+         {u"🔒 The pairing code expired. Refreshing…"_s, u"Show Pairing Code…"_s}},
+        {R"({"state":"revoked"})", true, SIGNED_IN, {u"⚠ This Mac was removed from your account. Sign in again."_s}},
+        {R"({"state":"rejected"})", true, SIGNED_IN, {u"[x] Sign In Again…"_s}},
+        {R"({"state":"revoked"})", false, {}, {}},
+        {R"({"state":"rejected"})", true, LOST, {u"⚠ Your phone denied this Mac. Sign in again to retry."_s}},
+        {R"({"state":"active","relay":"ok","pending":[{"name":"Anna's phone","platform":"ios"},{}],
+             "asr":{"installing":"download","pct":42},"alarms":[{"id":"1","text":"t"}]})",
+         true,
+         SIGNED_IN,
+         {u"🔒 Encrypted"_s, u"[x] New device: Anna's phone · iPhone…"_s, u"[x] New device: ? · Device…"_s,
+          u"Installing speech recognition… 42%"_s, u"[x] ⚠ Security Alert…"_s}},
+        {R"({"state":"active","relay":"down"})",
+         true,
+         SIGNED_IN,
+         {u"🔒 Encrypted · Connecting to the server…"_s, u"[x] Install Speech Recognition (180 MB)…"_s}},
+        {R"({"state":"active","relay":"ok","asr":{"installing":"failed"}})",
+         true,
+         SIGNED_IN,
+         {u"🔒 Encrypted"_s, u"[x] Retry Installing Speech Recognition…"_s}},
+        {R"({"state":"active","relay":"ok","asr":{"ready":true}})",
+         true,
+         SIGNED_IN,
+         {u"🔒 Encrypted"_s, u"Speech recognition is installed. Choose My computer on your phone."_s}},
+    };
+    for (const auto &c : cases) {
+        TrayState state;
+        state.health.running = c.running;
+        state.health.authDead = c.account.authDead;
+        state.e2ee.e2 = object(c.report);
+        const Situation situation{.state = state,
+                                  .isCn = true,
+                                  .version = {},
+                                  .timing = {},
+                                  .bound = c.account.bound,
+                                  .plistExists = true,
+                                  .server = {}};
+        QStringList lines;
+        for (const MenuEntry &e : e2MenuItems(situation))
+            lines.append(e.isSeparator() ? QString() : (e.enabled ? u"[x] "_s : u""_s) + e.title);
+        EXPECT_EQ(lines.isEmpty(), !lines.removeOne(QString())); // the block ends with the only separator
+        EXPECT_EQ(lines, c.lines) << c.report;
+    }
 }
 
 struct PromptRules : ::testing::Test {
@@ -153,50 +141,41 @@ struct PromptRules : ::testing::Test {
     PairState pairing;
     PromptContext context{.bound = true};
 
-    E2Prompt after(const QByteArray &json) {
-        e2ee.e2 = object(json);
+    E2Prompt after(const QByteArray &report) {
+        e2ee.e2 = object(report);
         return takePrompt(e2ee, pairing, context);
     }
     /// The kind of prompt that a report raises, with the id of its subject.
-    QString raised(const QByteArray &json) {
-        const E2Prompt prompt = after(json);
-        if (prompt.kind == E2Prompt::Kind::Approval)
-            return u"approve "_s + prompt.subject.value(u"pendingId").toString();
-        if (prompt.kind == E2Prompt::Kind::Alarm)
-            return u"alarm "_s + prompt.subject.value(u"id").toString();
-        return prompt.kind == E2Prompt::Kind::PairWindow ? u"window"_s : u"none"_s;
+    QString raised(const QByteArray &report) {
+        const E2Prompt prompt = after(report);
+        const QString id = prompt.subject.value(u"pendingId").toString() + prompt.subject.value(u"id").toString();
+        return QStringList{u"none"_s, u"window"_s, u"approve "_s + id, u"alarm "_s + id}.value(
+            static_cast<int>(prompt.kind));
     }
 };
 
 TEST_F(PromptRules, OnePromptAReportInAFixedOrder) {
-    const char *all =
-        R"({"state":"waiting","pending":[{"pendingId":"a","ready":true},{"pendingId":"b","ready":true}],
-                          "alarms":[{"id":"1"},{"id":"2"}]})";
-    EXPECT_EQ(raised(all), u"window"_s);
-    EXPECT_EQ(raised(all), u"approve a"_s);
-    EXPECT_EQ(raised(all), u"approve b"_s);
-    EXPECT_EQ(raised(all), u"alarm 1"_s);
-    EXPECT_EQ(raised(all), u"alarm 2"_s);
-    EXPECT_EQ(raised(all), u"none"_s);
+    const char *all = R"({"state":"waiting","alarms":[{"id":"1"},{"id":"2"}],
+        "pending":[{"pendingId":"a","ready":true},{"pendingId":"b","ready":true}]})";
+    for (const QString &prompt : {u"window"_s, u"approve a"_s, u"approve b"_s, u"alarm 1"_s, u"alarm 2"_s, u"none"_s})
+        EXPECT_EQ(raised(all), prompt);
 }
 
 TEST_F(PromptRules, ARequestIsPromptedOncePerAttemptAndOnlyWhenItCanBeAnswered) {
-    const auto asking = [this](const QByteArray &request) {
+    const auto promptFor = [this](const QByteArray &request) {
         return raised(R"({"state":"active","pending":[{"pendingId":"a",)" + request + "}]}");
     };
     for (const char *notYet : {R"("ready":false)", R"("ready":true,"busy":true)", R"("ready":"yes")"})
-        EXPECT_EQ(asking(notYet), u"none"_s);
-    EXPECT_EQ(asking(R"("ready":true,"attempt":1)"), u"approve a"_s);
-    EXPECT_EQ(asking(R"("ready":true,"attempt":1)"), u"none"_s);
+        EXPECT_EQ(promptFor(notYet), u"none"_s);
+    EXPECT_EQ(promptFor(R"("ready":true,"attempt":1)"), u"approve a"_s);
+    EXPECT_EQ(promptFor(R"("ready":true,"attempt":1)"), u"none"_s);
     e2ee.e2Answering.insert(u"a"_s);
-    EXPECT_EQ(asking(R"("ready":true,"attempt":2)"), u"none"_s);
+    EXPECT_EQ(promptFor(R"("ready":true,"attempt":2)"), u"none"_s);
     e2ee.e2Answering.clear();
-    EXPECT_EQ(asking(R"("ready":true,"attempt":2)"), u"approve a"_s);
-    EXPECT_EQ(pendKey(object(R"({"pendingId":"abc","attempt":2})")), u"abc#2"_s);
-    EXPECT_EQ(pendKey({}), u"#0"_s);
+    EXPECT_EQ(promptFor(R"("ready":true,"attempt":2)"), u"approve a"_s);
 }
 
-TEST_F(PromptRules, TheWindowOpensByItselfOnceAndNotWhileEncryptionStarts) {
+TEST_F(PromptRules, TheWindowOpensOnceAndNotWhileEncryptionStarts) {
     EXPECT_EQ(raised("{}"), u"none"_s);
     EXPECT_EQ(raised(R"({"state":"starting","required":true})"), u"none"_s);
     context.authDead = true;
@@ -206,34 +185,36 @@ TEST_F(PromptRules, TheWindowOpensByItselfOnceAndNotWhileEncryptionStarts) {
     EXPECT_EQ(raised(R"({"state":"rejected"})"), u"none"_s);
 }
 
-TEST_F(PromptRules, EncryptionComingOnIsAnnouncedWhereNoWindowTellsIt) {
-    const auto announced = [&](const char *before, bool visible) {
-        context.pairWindowVisible = visible;
-        after(before);
-        return after(R"({"state":"active"})").announceActive;
-    };
-    EXPECT_TRUE(announced(R"({"state":"pending"})", false));
-    EXPECT_TRUE(announced(R"({"state":"approved"})", false));
-    EXPECT_FALSE(announced(R"({"state":"pending"})", true));
-    EXPECT_FALSE(announced(R"({"state":"expired"})", false));
-    EXPECT_FALSE(announced(R"({"state":"active"})", false));
+TEST_F(PromptRules, ActiveEncryptionIsAnnouncedWhereNoWindowShowsIt) {
+    const struct {
+        const char *before;
+        bool visible, announced;
+    } cases[] = {{R"({"state":"pending"})", false, true},
+                 {R"({"state":"approved"})", false, true},
+                 {R"({"state":"pending"})", true, false},
+                 {R"({"state":"expired"})", false, false},
+                 {R"({"state":"active"})", false, false}};
+    for (const auto &c : cases) {
+        context.pairWindowVisible = c.visible;
+        after(c.before);
+        EXPECT_EQ(after(R"({"state":"active"})").announceActive, c.announced) << c.before;
+    }
 }
 
-/// A tray whose agent answers "/health" with a report and everything else as a test says.
+/// A tray whose agent sends `report` with each poll and a reply to each post.
 struct E2eeOperations : TrayFixture {
     QByteArray report = R"({"state":"active"})";
-    QMap<QString, QByteArray> replies; ///< By path; without an entry the agent stays silent.
+    QByteArray reply; ///< Empty: none.
     QList<HttpRequest> posts;
 
-    void launchActive() {
+    void SetUp() override {
         installAndBind();
-        http.answer = [this](const HttpRequest &request) -> Result<HttpReply> {
-            const QString path = request.url.section(u"8790"_s, 1);
-            if (path == u"/health")
-                return json(R"({"ok":true,"online":true,"e2ee":)" + report + '}');
+        http.respond = [this](const HttpRequest &request) {
+            if (request.url.endsWith(u"/health"))
+                return json(withReport(report));
             if (request.method == "POST")
                 posts.append(request);
-            return replies.contains(path) ? json(replies.value(path)) : noAnswer();
+            return reply.isEmpty() ? noResponse() : json(reply);
         };
         launch();
         notices.shown.clear();
@@ -248,80 +229,67 @@ struct E2eeOperations : TrayFixture {
 const QByteArray ASKING =
     R"({"state":"active","pending":[{"pendingId":"p","attempt":1,"name":"Anna's phone","platform":"ios","ready":true}]})";
 
-TEST_F(E2eeOperations, ACodeLetsADeviceInAndTheAgentIsAskedAtOnce) {
-    launchActive();
+TEST_F(E2eeOperations, ADeviceIsAllowedByItsCodeDeniedOrLeft) {
     next(ASKING);
     ASSERT_TRUE(alerts.isOpen());
     EXPECT_EQ(alerts.view.title, u"New device: Anna's phone · iPhone"_s);
-    EXPECT_EQ(alerts.view.escape, 2);
     EXPECT_EQ(alerts.by, OpenedBy::Program);
-    replies[u"/e2ee/pair"_s] = R"({"ok":true})";
-    const int polls = http.count;
-    alerts.answer(0, u"１２３ 456"_s);
+    reply = R"({"ok":true})";
+    const qsizetype polls = requestsTo(u"/health"_s);
+    alerts.answer(0, {u"１２３ 456"_s});
     EXPECT_EQ(posts.last().body, R"({"code":"123456","pendingId":"p"})");
     EXPECT_EQ(posts.last().timeout, 75s);
     EXPECT_EQ(notices.last(), u"✓ Allowed Anna's phone"_s);
     EXPECT_EQ(notices.shown.at(notices.shown.size() - 2).text, u"Verifying…"_s);
-    EXPECT_EQ(http.count, polls + 2);
+    EXPECT_EQ(requestsTo(u"/health"_s), polls + 1);
     EXPECT_TRUE(tray->currentState().e2ee.e2Answering.isEmpty());
-}
-
-TEST_F(E2eeOperations, AWrongCodeAsksAgainWithTheAgentsSentence) {
-    for (const char *code : {"wrong-code", "bad-code", "answered"}) {
-        SCOPED_TRACE(code);
-        if (!tray)
-            launchActive();
-        next(ASKING);
-        if (!alerts.isOpen())
-            item.choose(Action::E2Pending);
-        replies[u"/e2ee/pair"_s] = QByteArray(R"({"ok":false,"code":")") + code + R"(","error":"No match."})";
-        alerts.answer(0, u"111111"_s);
-        EXPECT_FALSE(alerts.isOpen());
-        scheduler.advance(300ms);
-        ASSERT_TRUE(alerts.isOpen());
-        EXPECT_EQ(alerts.view.fromOutside, u"No match."_s);
-        EXPECT_TRUE(alerts.view.text.startsWith(u"Enter the pairing code"_s));
-        EXPECT_TRUE(alerts.view.warning);
-        EXPECT_EQ(alerts.by, OpenedBy::Program);
-        alerts.dismiss();
-    }
-    replies[u"/e2ee/pair"_s] = R"({"ok":false,"code":"mismatch","error":"Stop."})"; // somebody is in between
+    reply.clear();
     item.choose(Action::E2Pending);
-    alerts.answer(0, u"111111"_s);
-    scheduler.advance(2s);
-    EXPECT_FALSE(alerts.isOpen());
-    EXPECT_EQ(notices.last(), u"Stop."_s);
-}
-
-TEST_F(E2eeOperations, DenyIsToldWhateverTheAgentSaysAndLaterSendsNothing) {
-    launchActive();
-    next(ASKING);
     alerts.answer(1);
     EXPECT_EQ(postedTo(), u"/e2ee/reject"_s);
     EXPECT_EQ(notices.last(), u"Denied Anna's phone. If that wasn't you, change your password immediately."_s);
     item.choose(Action::E2Pending);
     alerts.dismiss();
-    EXPECT_EQ(posts.size(), 1);
+    EXPECT_EQ(posts.size(), 2);
     next(ASKING);
     EXPECT_FALSE(alerts.isOpen());
 }
 
-TEST_F(E2eeOperations, WhatAnotherAlertKeptFromBeingShownComesWhenThatIsClosed) {
-    launchActive();
+TEST_F(E2eeOperations, AWrongCodeIsRequestedAgainWithTheAgentsSentence) {
+    next(ASKING);
+    for (const char *code : {"wrong-code", "bad-code", "answered"}) {
+        reply = QByteArray(R"({"ok":false,"code":")") + code + R"(","error":"No match."})";
+        alerts.answer(0, {u"111111"_s});
+        EXPECT_FALSE(alerts.isOpen()) << code;
+        scheduler.advance(300ms);
+        ASSERT_TRUE(alerts.isOpen()) << code;
+        EXPECT_EQ(alerts.view.fromOutside, u"No match."_s);
+        EXPECT_TRUE(alerts.view.text.startsWith(u"Enter the pairing code"_s));
+        EXPECT_TRUE(alerts.view.warning);
+        EXPECT_EQ(alerts.by, OpenedBy::Program);
+    }
+    reply = R"({"ok":false,"code":"mismatch","error":"Stop."})"; // somebody is in between
+    alerts.answer(0, {u"111111"_s});
+    scheduler.advance(2s);
+    EXPECT_FALSE(alerts.isOpen());
+    EXPECT_EQ(notices.last(), u"Stop."_s);
+}
+
+TEST_F(E2eeOperations, APromptWaitsWhileAnotherAlertIsOpen) {
     const QByteArray REPORT =
         R"({"state":"active","alarms":[{"id":"1","text":"Knock."}],
         "pending":[{"pendingId":"p","name":"P","ready":true},{"pendingId":"q","name":"Q","ready":true}]})";
     const auto shown = [this] { return alerts.view.title.section(u" · "_s, 0, 0) + u' ' + alerts.view.fromOutside; };
     item.choose(Action::LogoutDialog);
     next(REPORT);
-    item.choose(Action::E2Alarm); // nothing opens a second one
+    item.choose(Action::E2Alarm); // opens no second alert
     next(REPORT);
     EXPECT_EQ(shown(), u"Sign Out? "_s);
     alerts.dismiss();
     next(REPORT);
     EXPECT_EQ(shown(), u"New device: P "_s);
-    replies[u"/e2ee/pair"_s] = R"({"ok":false,"code":"wrong-code","error":"No match."})";
-    alerts.answer(0, u"111111"_s); // to be asked for again 0.3 s later; the next report is quicker
+    reply = R"({"ok":false,"code":"wrong-code","error":"No match."})";
+    alerts.answer(0, {u"111111"_s}); // opens again after 0.3 s; the next report is quicker
     EXPECT_EQ(shown(), u"New device: Q "_s);
     next(REPORT);
     EXPECT_EQ(shown(), u"New device: Q "_s);
@@ -334,13 +302,12 @@ TEST_F(E2eeOperations, WhatAnotherAlertKeptFromBeingShownComesWhenThatIsClosed) 
     alerts.dismiss();
     next(REPORT);
     EXPECT_FALSE(alerts.isOpen());
-    next(R"({"state":"active","pending":[{"name":"x"}]})"); // without an identity it could not be answered
+    next(R"({"state":"active","pending":[{"name":"x"}]})"); // without an id
     item.choose(Action::E2Pending);
     EXPECT_FALSE(alerts.isOpen());
 }
 
-TEST_F(E2eeOperations, AnAlarmIsDismissedAtTheAgentByItsIdentity) {
-    launchActive();
+TEST_F(E2eeOperations, AnAlarmIsDismissedAtTheAgentByItsId) {
     next(R"({"state":"active","alarms":[{"id":"7","text":"Keys <b>changed</b>"}]})");
     EXPECT_EQ(alerts.view.fromOutside, u"Keys <b>changed</b>"_s);
     EXPECT_TRUE(alerts.view.warning);
@@ -352,7 +319,6 @@ TEST_F(E2eeOperations, AnAlarmIsDismissedAtTheAgentByItsIdentity) {
 }
 
 TEST_F(E2eeOperations, AResetIsRejoinedOrLeftStanding) {
-    launchActive();
     const QByteArray RESET = R"({"state":"active","alarms":[{"id":"r","kind":"reset","text":"ignored"}]})";
     next(RESET);
     EXPECT_EQ(alerts.view.title, u"Encryption Was Reset"_s);
@@ -365,7 +331,7 @@ TEST_F(E2eeOperations, AResetIsRejoinedOrLeftStanding) {
     item.choose(Action::E2Alarm);
     alerts.answer(0);
     EXPECT_EQ(notices.last(), u"Couldn't rejoin: Korvel isn't responding. Try again later."_s);
-    replies[u"/e2ee/reset/accept"_s] = R"({"ok":true})";
+    reply = R"({"ok":true})";
     next(R"({"state":"pending","pair":{"show":"654321"},"alarms":[{"id":"r","kind":"reset"}]})");
     pairPanel.hide();
     item.choose(Action::E2Alarm);
@@ -374,14 +340,13 @@ TEST_F(E2eeOperations, AResetIsRejoinedOrLeftStanding) {
     EXPECT_EQ(pairPanel.view.code, u"654321"_s);
 }
 
-TEST_F(E2eeOperations, SpeechIsAskedForAndTheAnswerTold) {
-    launchActive();
-    for (const char *reply : {"", R"({"ok":false,"error":5})"}) { // none, and none of use
-        replies[u"/e2ee/asr/install"_s] = reply;
+TEST_F(E2eeOperations, SpeechIsInstalledByOneRequest) {
+    for (const char *unusable : {"", R"({"ok":false,"error":5})"}) {
+        reply = unusable;
         item.choose(Action::E2AsrInstall);
         EXPECT_EQ(notices.last(), u"Couldn't start the installation: Korvel isn't responding. Try again later."_s);
     }
-    replies[u"/e2ee/asr/install"_s] = R"({"ok":true})";
+    reply = R"({"ok":true})";
     item.choose(Action::E2AsrInstall);
     EXPECT_EQ(notices.last(), u"Downloading speech recognition. The menu will show when it's ready."_s);
     EXPECT_EQ(posts.size(), 3);

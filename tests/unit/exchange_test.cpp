@@ -25,23 +25,17 @@ TEST(ExchangeMessages, ATaskArrivesAsItWasWritten) {
     }
 }
 
-TEST(ExchangeMessages, WhatIsNoTaskIsNone) {
+TEST(ExchangeMessages, ATaskWithAWrongPartIsRejected) {
     const QByteArray good = R"({"do":"http","method":"GET","url":"https://a","headers":[["A","Qg=="]],"body":"",)"
                             R"("maxBytes":9,"slowSeconds":0,"redirects":0,"file":""})";
     ASSERT_TRUE(exchange::parseTask(good));
-    const std::pair<QByteArray, QByteArray> changes[] = {{"\"http\"", "\"ftp\""},
-                                                         {"\"url\"", "\"uri\""},
-                                                         {"\"GET\"", "null"},
-                                                         {"Qg==", "Q%"},
-                                                         {"[[\"A\",\"Qg==\"]]", "[7]"},
-                                                         {"\"maxBytes\":9", "\"maxBytes\":4294967297"},
-                                                         {"\"slowSeconds\":0", "\"slowSeconds\":0.5"},
-                                                         {"\"redirects\":0", "\"redirects\":21"},
-                                                         {"}", ""}};
-    for (const auto &[part, instead] : changes)
-        EXPECT_FALSE(exchange::parseTask(QByteArray(good).replace(part, instead))) << instead.toStdString();
-    for (const char *bad : {"", "[]", R"({"do":"sha256"})", R"({"do":"ed25519","key":"","signature":""})"})
-        EXPECT_FALSE(exchange::parseTask(bad)) << bad;
+    const auto changed = [&](const char *part, const char *to) { return QByteArray(good).replace(part, to); };
+    for (const QByteArray &bad :
+         {changed("http\"", "ftp\""), changed("url\"", "uri\""), changed("\"GET\"", "null"), changed("Qg==", "Q%"),
+          changed("[[\"A\",\"Qg==\"]]", "[7]"), changed(":9", ":4294967297"), changed("ds\":0", "ds\":0.5"),
+          changed("ts\":0", "ts\":21"), changed("}", ""), ""_ba, "[]"_ba, R"({"do":"sha256"})"_ba,
+          R"({"do":"ed25519","key":"","signature":""})"_ba})
+        EXPECT_FALSE(exchange::parseTask(bad)) << bad.constData();
 }
 
 TEST(BodySink, KeepsABoundedPartOfAResponseThatIsNotTheFile) {
@@ -53,76 +47,66 @@ TEST(BodySink, KeepsABoundedPartOfAResponseThatIsNotTheFile) {
     EXPECT_FALSE(QFile::exists(folder.filePath(u"file"_s)));
 }
 
-ProgramResult ended(int status, ProgramResult::End end = ProgramResult::End::Exited) {
-    ProgramResult result;
-    result.status = status;
-    result.launched = true;
-    result.end = end;
-    return result;
-}
-
 struct ExchangeClientTest : ::testing::Test {
     ManualScheduler scheduler;
     FakePrograms programs;
     ExchangeClient client{programs, scheduler, u"/korvel-exchange"_s};
 
-    /// What a request comes to when the program prints these pieces and ends so.
-    std::string outcome(const QByteArrayList &pieces, const ProgramResult &result = ended(0)) {
-        programs.answer = [&](const ProgramRun &run) {
+    static QByteArray line(const exchange::Line &content) { return exchange::toJson(content); }
+    /// The result of a request when the program prints these pieces and exits so.
+    QString outcome(const QByteArrayList &pieces, const ProgramResult &result = exited(0)) {
+        programs.behave = [&](const ProgramRun &run) {
             for (const QByteArray &piece : pieces)
                 run.onOutput(piece);
             return result;
         };
-        std::string told;
-        client.send({.url = u"https://a.example/"_s}, Done<HttpReply>([&told](const Result<HttpReply> &reply) {
-                        told = reply ? std::to_string(reply.value().status) + ' ' + reply.value().body.toStdString()
-                                     : "kind " + std::to_string(static_cast<int>(reply.error().kind));
+        QString outcome;
+        client.send({.url = u"https://a.example/"_s}, Done<HttpReply>([&outcome](const Result<HttpReply> &reply) {
+                        outcome =
+                            reply ? QString::number(reply.value().status) + u' ' + QString::fromUtf8(reply.value().body)
+                                  : failure(reply.error().kind);
                     }));
-        EXPECT_EQ(told, ""); // never before send() returned
+        EXPECT_EQ(outcome, u""_s); // never before send() returned
         scheduler.runDue();
-        return told;
+        return outcome;
     }
-    static std::string kind(ErrorKind kind) { return "kind " + std::to_string(static_cast<int>(kind)); }
+    static QString failure(ErrorKind kind) { return u"failure "_s + QString::number(static_cast<int>(kind)); }
 };
 
-TEST_F(ExchangeClientTest, OnlyAWholeOutputOfAGoodRunIsAResult) {
-    const std::string unreadable = kind(ErrorKind::UnreadableResponse);
-    const QByteArray reply = exchange::toJson(exchange::Line(HttpReply{200, "{}"}));
-    const QByteArray progress = exchange::toJson(exchange::Line(exchange::Progress{1, 2}));
-    EXPECT_EQ(outcome({reply}), "200 {}");
-    EXPECT_EQ(outcome({progress + reply.first(9), reply.mid(9)}), "200 {}");
-    EXPECT_EQ(outcome({exchange::toJson(exchange::Line(Error{ErrorKind::HostNotFound, u"x"_s}))}),
-              kind(ErrorKind::HostNotFound));
-    const QByteArrayList none, cutOff{reply.chopped(1)}, twice{reply, reply}, goesOn{reply, progress},
-        noise{"x\n", reply}, noBody{"{\"status\":200}\n"}, noStatus{"{\"status\":-1,\"body\":\"\"}\n"},
-        noBase64{"{\"status\":200,\"body\":\"%\"}\n"}, noKind{"{\"failed\":\"Unheard\"}\n"},
-        noProgress{"{\"got\":-1,\"expected\":0}\n", reply},
-        another{exchange::toJson(exchange::Line(exchange::Verdict{true}))};
-    for (const QByteArrayList &bad :
-         {none, {progress}, cutOff, twice, goesOn, noise, noBody, noStatus, noBase64, noKind, noProgress, another})
-        EXPECT_EQ(outcome(bad), unreadable) << bad.join().toStdString();
-    EXPECT_EQ(outcome({reply}, ended(1)), unreadable);
-    EXPECT_EQ(outcome({reply}, ended(-1)), unreadable); // killed behind its last line
-    EXPECT_EQ(outcome({}, {}), kind(ErrorKind::Unreachable));
-    EXPECT_EQ(outcome({}, ended(-1, ProgramResult::End::TimedOut)), kind(ErrorKind::TimedOut));
+TEST_F(ExchangeClientTest, OnlyTheWholeOutputOfASuccessfulRunIsAResult) {
+    const QByteArray reply = line(HttpReply{200, "{}"}), progress = line(exchange::Progress{1, 2});
+    EXPECT_EQ(outcome({progress + reply.first(9), reply.mid(9)}), u"200 {}"_s);
+    EXPECT_EQ(outcome({line(Error{ErrorKind::HostNotFound, u"x"_s})}), failure(ErrorKind::HostNotFound));
+    for (const QByteArray &bad :
+         {""_ba, progress, reply.chopped(1), reply + reply, reply + progress, "x\n" + reply, "{\"status\":200}\n"_ba,
+          "{\"status\":-1,\"body\":\"\"}\n"_ba, "{\"status\":200,\"body\":\"%\"}\n"_ba, "{\"failed\":\"Unheard\"}\n"_ba,
+          "{\"got\":-1,\"expected\":0}\n" + reply, line(exchange::Verdict{true})})
+        EXPECT_EQ(outcome({bad}), failure(ErrorKind::UnreadableResponse)) << bad.constData();
+    for (const int status : {1, -1}) // -1: killed after its last line
+        EXPECT_EQ(outcome({reply}, exited(status)), failure(ErrorKind::UnreadableResponse));
+    EXPECT_EQ(outcome({}, {}), failure(ErrorKind::Unreachable));
+    ProgramResult timedOut = exited(-1);
+    timedOut.end = ProgramResult::End::TimedOut;
+    EXPECT_EQ(outcome({}, timedOut), failure(ErrorKind::TimedOut));
 }
 
-TEST_F(ExchangeClientTest, ARunThatPrintsWithoutEndIsStopped) {
-    std::optional<StopToken> stop;
-    programs.answer = [&](const ProgramRun &run) {
-        stop = run.stop;
-        for (int i = 0; i < 100 && !stop->stopRequested(); ++i)
+TEST_F(ExchangeClientTest, ARunThatPrintsEndlesslyIsStopped) {
+    programs.behave = [&](const ProgramRun &run) {
+        int pieces = 0;
+        for (; pieces < 100 && !run.stop->stopRequested(); ++pieces)
             run.onOutput(QByteArray(1 << 20, ' '));
-        return ended(-1, ProgramResult::End::Stopped);
+        EXPECT_LT(pieces, 100);
+        ProgramResult stopped = exited(-1);
+        stopped.end = ProgramResult::End::Stopped;
+        return stopped;
     };
-    std::optional<ErrorKind> told;
-    client.hash(u"/x"_s, Done<QString>([&](const Result<QString> &r) { told = r.error().kind; }));
+    std::optional<ErrorKind> error;
+    client.hash(u"/x"_s, Done<QString>([&](const Result<QString> &r) { error = r.error().kind; }));
     scheduler.runDue();
-    EXPECT_EQ(told, ErrorKind::UnreadableResponse);
-    EXPECT_TRUE(stop->stopRequested());
+    EXPECT_EQ(error, ErrorKind::UnreadableResponse);
 }
 
-TEST_F(ExchangeClientTest, NothingButTheTaskAndWhatTheProgramObeysLeavesTheTray) {
+TEST_F(ExchangeClientTest, TheProgramGetsTheTaskAndTheProxyOfTheEnvironmentOnly) {
     qputenv("https_proxy", "http://p.example");
     qputenv("SSLKEYLOGFILE", "/keys");
     outcome({});
@@ -140,10 +124,10 @@ TEST_F(ExchangeClientTest, NothingButTheTaskAndWhatTheProgramObeysLeavesTheTray)
 }
 
 TEST_F(ExchangeClientTest, ADownloadReportsItsProgressInOrder) {
-    programs.answer = [](const ProgramRun &run) {
+    programs.behave = [](const ProgramRun &run) {
         for (const qint64 got : {1, 2})
-            run.onOutput(exchange::toJson(exchange::Line(exchange::Progress{got, 2})));
-        return ended(0);
+            run.onOutput(line(exchange::Progress{got, 2}));
+        return exited(0);
     };
     QList<qint64> steps;
     client.download(
@@ -156,8 +140,14 @@ TEST_F(ExchangeClientTest, ADownloadReportsItsProgressInOrder) {
 
 const QByteArray OK = "HTTP/1.1 200 OK\r\n";
 
-/// What an answer came to, in one line: the status and the body, or the kind of failure.
-std::string told(HttpResponseParser &response) {
+/// The result of these bytes in pieces of `size`, then of the end of the connection: "status body" with " +" if the
+/// connection can be used again, or the failure.
+std::string parsed(const QByteArray &bytes, qsizetype size, bool ends, qint64 maxBytes = 8 << 20) {
+    HttpResponseParser response(maxBytes);
+    for (qsizetype at = 0; at < bytes.size(); at += size)
+        response.feed(QByteArrayView(bytes).sliced(at, std::min(size, bytes.size() - at)));
+    if (ends)
+        response.end();
     if (!response.isOver())
         return "waits";
     const bool stays = response.leavesConnection();
@@ -169,21 +159,10 @@ std::string told(HttpResponseParser &response) {
     return std::to_string(outcome.value().status) + ' ' + outcome.value().body.toStdString() + (stays ? " +" : "");
 }
 
-/// The same bytes in pieces of `size`, then the end of the connection unless the answer is over before.
-std::string read(const QByteArray &bytes, qsizetype size, bool ends, qint64 maxBytes = 8 << 20) {
-    HttpResponseParser response(maxBytes);
-    for (qsizetype at = 0; at < bytes.size(); at += size)
-        response.feed(QByteArrayView(bytes).sliced(at, std::min(size, bytes.size() - at)));
-    if (ends)
-        response.end();
-    return told(response);
-}
-
-TEST(HttpResponseParser, EachFramingGivesTheSameInWhateverPiecesItComes) {
+TEST(HttpResponseParser, EachFramingIsReadInAnyPieces) {
     struct Case {
         QByteArray bytes;
-        const char *open; ///< While the connection stays; " +": it can be used again.
-        const char *ended;
+        const char *open, *ended; ///< The result before and after the end of the connection.
     };
     const QByteArray chunked = OK + "Transfer-Encoding: Chunked\r\n\r\n";
     for (const Case &c : QList<Case>{
@@ -196,11 +175,9 @@ TEST(HttpResponseParser, EachFramingGivesTheSameInWhateverPiecesItComes) {
              {chunked + "1\r\n{\r\n0A;x=y\r\n}234567890\r\n0\r\nX: y\r\n\r\n", "200 {}234567890 +", "200 {}234567890"},
              {chunked + "0\r\n\r\n", "200  +", "200 "},
              {OK + "Content-Length: 2\r\n\r\n{}HTTP", "200 {}", "200 {}"}, // spoils the connection
-             // What ends too early.
              {"HTT", "waits", "interrupted"},
              {OK + "Content-Length: 3\r\n\r\n{}", "waits", "interrupted"},
              {chunked + "2\r\n{}\r\n", "waits", "interrupted"},
-             // What is no response.
              {"HTTP/1.1 OK\r\n\r\n", "unreadable", "unreadable"},
              {"HTTP/1.1 001 OK\r\n\r\n", "unreadable", "unreadable"},
              {"HTTP/1.1 200 \1\r\nX: y\r\n", "waits", "interrupted"}, // judged when the head is whole
@@ -208,24 +185,24 @@ TEST(HttpResponseParser, EachFramingGivesTheSameInWhateverPiecesItComes) {
              {"HTTP/1.1 101 Switching\r\n\r\n", "unreadable", "unreadable"},
              {OK + "Content-Length: 2\r\nTransfer-Encoding: chunked\r\n\r\n", "unreadable", "unreadable"},
          })
-        for (const qsizetype size : {qsizetype(1), qsizetype(7), qsizetype(4096)}) {
-            EXPECT_EQ(read(c.bytes, size, false), c.open) << c.bytes.toStdString() << size;
-            EXPECT_EQ(read(c.bytes, size, true), c.ended) << c.bytes.toStdString() << size;
+        for (const qsizetype size : {1, 7, 4096}) {
+            EXPECT_EQ(parsed(c.bytes, size, false), c.open) << c.bytes.toStdString() << size;
+            EXPECT_EQ(parsed(c.bytes, size, true), c.ended) << c.bytes.toStdString() << size;
         }
 }
 
-TEST(HttpResponseParser, NothingGrowsWithoutEnd) {
+TEST(HttpResponseParser, EveryPartOfAResponseIsBounded) {
     const QByteArray length = OK + "Content-Length: 10\r\n\r\n";
-    EXPECT_EQ(read(length + QByteArray(10, 'x'), 3, false, length.size() + 10), "200 xxxxxxxxxx +");
-    EXPECT_EQ(read(length + QByteArray(15, 'x'), 4096, false, length.size() + 10), "200 xxxxxxxxxx"); // more is not its
-    EXPECT_EQ(read(length + QByteArray(10, 'x'), 3, false, length.size() + 9), "too large");
-    EXPECT_EQ(read(OK + "Content-Length: 99999999999999999\r\n\r\nx", 4096, false), "too large");
-    EXPECT_EQ(read(OK + "\r\n" + QByteArray(5000, 'x'), 512, false, 4096), "too large");
+    EXPECT_EQ(parsed(length + QByteArray(10, 'x'), 3, false, length.size() + 10), "200 xxxxxxxxxx +");
+    EXPECT_EQ(parsed(length + QByteArray(15, 'x'), 4096, false, length.size() + 10), "200 xxxxxxxxxx"); // ignored
+    EXPECT_EQ(parsed(length + QByteArray(10, 'x'), 3, false, length.size() + 9), "too large");
+    EXPECT_EQ(parsed(OK + "Content-Length: 99999999999999999\r\n\r\nx", 4096, false), "too large");
+    EXPECT_EQ(parsed(OK + "\r\n" + QByteArray(5000, 'x'), 512, false, 4096), "too large");
     const QByteArray endless(70 << 10, '0');
-    EXPECT_EQ(read(OK + "X: " + endless, 4096, false), "too large");
-    EXPECT_EQ(read(OK + QByteArray("X: y\r\n").repeated(12 << 10), 4096, false), "too large");
-    EXPECT_EQ(read(QByteArray("HTTP/1.1 100 Go\r\n\r\n").repeated(300), 512, false, 4096), "too large");
-    EXPECT_EQ(read(OK + "Transfer-Encoding: chunked\r\n\r\n" + endless, 512, false, 4096), "too large");
+    EXPECT_EQ(parsed(OK + "X: " + endless, 4096, false), "too large");
+    EXPECT_EQ(parsed(OK + QByteArray("X: y\r\n").repeated(12 << 10), 4096, false), "too large");
+    EXPECT_EQ(parsed(QByteArray("HTTP/1.1 100 Go\r\n\r\n").repeated(300), 512, false, 4096), "too large");
+    EXPECT_EQ(parsed(OK + "Transfer-Encoding: chunked\r\n\r\n" + endless, 512, false, 4096), "too large");
 }
 
 } // namespace

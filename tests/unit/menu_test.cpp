@@ -13,7 +13,7 @@ namespace {
 
 constexpr Instant NOW(1h);
 
-/// A state in which all is well, to be spoilt step by step.
+/// A state without problems, and the steps that add them.
 struct Scene : TrayState {
     bool bound = true;
     bool plistExists = true;
@@ -47,7 +47,6 @@ struct Scene : TrayState {
     }
     Scene &reports(const QString &encryption) { return e2ee.e2 = {{u"state"_s, encryption}}, *this; }
 
-    /// What `rule` makes of it.
     template <class Rule>
     auto see(Rule rule) const {
         return rule({.state = *this,
@@ -60,16 +59,15 @@ struct Scene : TrayState {
     }
 };
 
-TEST(StatusLine, SaysTheFirstThingThatApplies) {
-    const Scene anonymous = [] {
-        Scene scene;
-        scene.health.sessions = 0;
-        scene.health.account.clear();
-        return scene;
-    }();
+TEST(StatusLine, ShowsTheFirstSituationThatApplies) {
+    Scene anonymous, unknown = Scene().missing({u"A"_s});
+    anonymous.health.sessions = 0;
+    anonymous.health.account.clear();
+    unknown.permissions.permsOk.reset();
     const std::pair<Scene, QString> cases[] = {
         {Scene(), u"● Connected · ann · 1 session"_s},
         {anonymous, u"● Connected · 0 sessions"_s},
+        {unknown, u"● Connected · ann · 1 session"_s},
         {Scene().missing({}), u"● Connected · ann · 1 session"_s},
         {Scene().missing({u"A"_s}), u"● Connected · ann · 1 session · ⚠ 1 permission missing"_s},
         {Scene().missing({u"A"_s, u"B"_s}), u"● Connected · ann · 1 session · ⚠ 2 permissions missing"_s},
@@ -91,7 +89,6 @@ TEST(StatusLine, SaysTheFirstThingThatApplies) {
         {Scene().connectingFor(60s).reports(u"approved"_s),
          u"⚠ This Mac isn't paired. Sign out, then sign in again to pair it · ann"_s},
         {Scene().connectingFor(60s).reports(u"revoked"_s), u"○ Connecting… · ann"_s}, // needs no pairing
-        {Scene().starting(), u"○ Starting… · ann"_s},
         {Scene().starting().job({}), u"○ Starting… · ann"_s},
         {Scene().starting().job(false), u"⏻ Sync paused · ann"_s},
         {Scene().silent(), u"○ Korvel isn't responding. Retrying…"_s},
@@ -99,38 +96,27 @@ TEST(StatusLine, SaysTheFirstThingThatApplies) {
     };
     for (const auto &[scene, line] : cases)
         EXPECT_EQ(scene.see(statusLine), line);
-    Scene unknown = Scene().missing({u"A"_s});
-    unknown.permissions.permsOk.reset();
-    EXPECT_EQ(unknown.see(statusLine), u"● Connected · ann · 1 session"_s);
-}
-
-TEST(StatusLine, IsPutTogetherInChineseToo) {
     const LanguageScope chinese(true);
     EXPECT_EQ(Scene().missing({u"A"_s, u"B"_s}).see(statusLine), u"● 已连接 · ann · 1 个会话 · ⚠ 缺少 2 项权限"_s);
     EXPECT_EQ(Scene().connectingFor(60s).reports(u"rejected"_s).see(statusLine),
               u"⚠ 手机已拒绝这台 Mac，请重新登录后重试 · ann"_s);
-    EXPECT_EQ(Scene().notInstalled().see(statusLine), u"后台服务未正确安装，请点击「修复 Korvel」"_s);
 }
 
-TEST(Icon, IsActiveWhileTheAgentRunsAndDimmedUnlessAllIsWell) {
+TEST(Icon, IsActiveWhileTheAgentRunsAndItsToolTipNamesTheMostUrgentProblem) {
+    const Scene lacking = Scene().missing({u"Screen"_s, u"Mic\n<b>"_s});
     const std::pair<Scene, IconView> cases[] = {
         {Scene(), {.on = true, .dimmed = false, .toolTip = u"Korvel"_s}},
         {Scene().signedOut(), {.on = true, .dimmed = true, .toolTip = u"Korvel · Signed out"_s}},
         {Scene().connectingFor(1s), {.on = true, .dimmed = true, .toolTip = u"Korvel"_s}},
         {Scene().silent(), {.on = false, .dimmed = true, .toolTip = u"Korvel"_s}},
+        {lacking, {.on = true, .dimmed = false, .toolTip = u"Korvel · Missing permissions: Screen, Mic <b>"_s}},
+        {Scene(lacking).reports(u"pending"_s), {.on = true, .dimmed = false, .toolTip = u"Korvel · Not paired"_s}},
+        {Scene(lacking).deleted(), {.on = true, .dimmed = true, .toolTip = u"Korvel · Account deleted"_s}},
     };
     for (const auto &[scene, icon] : cases)
-        EXPECT_EQ(scene.see(iconView), icon);
-}
-
-TEST(Icon, TellsTheMostUrgentThingInItsToolTip) {
-    const auto toolTip = [](const Scene &scene) { return scene.see(iconView).toolTip; };
-    Scene scene = Scene().missing({u"Screen"_s, u"Mic\n<b>"_s});
-    EXPECT_EQ(toolTip(scene), u"Korvel · Missing permissions: Screen, Mic <b>"_s);
-    EXPECT_EQ(toolTip(scene.reports(u"pending"_s)), u"Korvel · Not paired"_s);
-    EXPECT_EQ(toolTip(scene.deleted()), u"Korvel · Account deleted"_s);
+        EXPECT_EQ(scene.see(iconView), icon) << icon.toolTip.toStdString();
     const LanguageScope chinese(true);
-    EXPECT_EQ(toolTip(Scene().missing({u"A"_s, u"B"_s})), u"Korvel · 缺少权限：A、B"_s);
+    EXPECT_EQ(Scene().missing({u"A"_s, u"B"_s}).see(iconView).toolTip, u"Korvel · 缺少权限：A、B"_s);
 }
 
 struct MenuViewTest : ::testing::Test {
@@ -161,54 +147,51 @@ TEST_F(MenuViewTest, AHealthyMacOffersPauseAndSignOutAndWithOptionItsDiagnostics
     EXPECT_FALSE(view().entries.first().enabled);
 }
 
-TEST_F(MenuViewTest, PauseTurnsIntoResumeWhenTheJobIsGoneOrNotKnown) {
-    state.health.running = false;
-    EXPECT_EQ(entry(Action::MenuToggle).title, u"Pause Sync"_s);
-    for (const std::optional<bool> loaded : {std::optional<bool>(false), std::optional<bool>()}) {
-        state.health.jobLoaded = loaded;
-        EXPECT_EQ(entry(Action::MenuToggle).title, u"Resume Sync"_s);
-        EXPECT_EQ(entry(Action::MenuToggle).toolTip, u""_s);
+TEST_F(MenuViewTest, PauseBecomesResumeWhenTheJobIsNotLoadedOrUnknown) {
+    const std::tuple<Scene, QString, bool> cases[] = {
+        {Scene().silent(), u"Pause Sync"_s, true},
+        {Scene().silent().job(false), u"Resume Sync"_s, true},
+        {Scene().silent().job({}), u"Resume Sync"_s, true},
+        {Scene().silent().job({}).switching(), u"Resume Sync"_s, false},
+        {Scene().silent().job({}).notInstalled(), u"Resume Sync"_s, false},
+    };
+    for (const auto &[scene, title, enabled] : cases) {
+        state = scene;
+        EXPECT_EQ(entry(Action::MenuToggle).title, title);
+        EXPECT_EQ(entry(Action::MenuToggle).enabled, enabled);
+        EXPECT_EQ(entry(Action::MenuToggle).toolTip.isEmpty(), title == u"Resume Sync");
     }
-    EXPECT_TRUE(entry(Action::MenuToggle).enabled);
-    state.service.busy = true;
-    EXPECT_FALSE(entry(Action::MenuToggle).enabled);
-    state.service.busy = false;
-    state.plistExists = false;
-    EXPECT_FALSE(entry(Action::MenuToggle).enabled);
 }
 
 TEST_F(MenuViewTest, ALostSignInIsOfferedAgainOncePerEdition) {
-    state.health.authDead = true;
+    state.signedOut();
     EXPECT_EQ(titles().mid(0, 3), (QStringList{u"Signed out. Sign in again."_s, u"Sign In Again…"_s, u"---"_s}));
-    state.health.accountGone = true;
+    state.deleted();
     EXPECT_EQ(entry(Action::BrowserLogin).title, u"Sign In with Another Account…"_s);
-
-    state.fixed = makeFixedConfig(testDeployment(u"intl"_s), {});
+    state.fixed = testConfig(u"intl"_s);
     EXPECT_EQ(titles().mid(1, 3),
               (QStringList{u"Sign In with Another Account…"_s, u"Sign In with Password…"_s, u"---"_s}));
-    state.bound = false;
+    state.unbound();
     EXPECT_EQ(titles().mid(4, 2), (QStringList{u"Sign In / Sign Up…"_s, u"Sign In with Password…"_s}));
 }
 
 TEST_F(MenuViewTest, TheUpdateItemFollowsTheUpdate) {
-    UpdateState &update = state.update;
-    update.updateBusy = true;
-    EXPECT_FALSE(entry(Action::CheckUpdate).enabled);
-    update.updateAvail = UpdateInfo{.ver = u"2.0"_s, .file = {}, .sha = {}, .sig = {}};
-    EXPECT_EQ(entry(Action::InstallUpdate).title, u"Installing 2.0…"_s);
-    update.updatePct = 7;
-    EXPECT_EQ(entry(Action::InstallUpdate).title, u"Downloading 2.0… 7%"_s);
-    EXPECT_FALSE(entry(Action::InstallUpdate).enabled);
-    update.updateBusy = false;
-    EXPECT_EQ(entry(Action::InstallUpdate).title, u"⬆ Update to 2.0…"_s);
-    EXPECT_TRUE(entry(Action::InstallUpdate).enabled);
+    const auto expect = [this](const UpdateState &update, Action action, const QString &title, bool enabled) {
+        state.update = update;
+        EXPECT_EQ(entry(action).title, title);
+        EXPECT_EQ(entry(action).enabled, enabled) << title.toStdString();
+    };
+    const UpdateInfo two{.ver = u"2.0"_s};
+    expect({.updateBusy = true}, Action::CheckUpdate, u"Check for Updates… (1.2.3)"_s, false);
+    expect({.updateAvail = two, .updateBusy = true}, Action::InstallUpdate, u"Installing 2.0…"_s, false);
+    expect({.updateAvail = two, .updateBusy = true, .updatePct = 7}, Action::InstallUpdate, u"Downloading 2.0… 7%"_s,
+           false);
+    expect({.updateAvail = two, .updatePct = 7}, Action::InstallUpdate, u"⬆ Update to 2.0…"_s, true);
 }
 
 TEST_F(MenuViewTest, PermissionsShowOnlyWhileTheAgentRuns) {
-    state.permissions.permsOk = false;
-    state.permissions.permsMissing = {u"Screen"_s, u"Mic"_s};
-    state.permissions.permItems = {
-        QJsonObject{{u"name"_s, u"Screen"_s}, {u"state"_s, u"denied"_s}, {u"pane"_s, u"x:y"_s}}};
+    state.missing({u"Screen"_s, u"Mic"_s});
+    state.permissions.permItems = {object(R"({"name":"Screen","state":"denied","pane":"x:y"})")};
     EXPECT_TRUE(titles().contains(u"Permissions · 2 missing"_s));
     state.permissions.permItems += {QJsonObject(), QJsonObject()};
     EXPECT_TRUE(titles().contains(u"Permissions · 3 missing"_s));
@@ -218,7 +201,7 @@ TEST_F(MenuViewTest, PermissionsShowOnlyWhileTheAgentRuns) {
     EXPECT_EQ(entry(Action::AskPerms), MenuEntry());
 }
 
-TEST_F(MenuViewTest, SeparatorsNeverDoubleWhateverTheState) {
+TEST_F(MenuViewTest, SeparatorsNeverDouble) {
     for (unsigned bits = 0; bits < 256; ++bits) {
         state.bound = bits & 1;
         state.plistExists = bits & 2;
@@ -239,12 +222,10 @@ struct MenuWidgetTest : ::testing::Test {
     QList<Action> chosen;
     MenuWidget widget{MenuHost::Program, [this](const MenuEntry &e) { chosen.append(e.action); }};
 
-    static MenuView view(std::initializer_list<MenuEntry> entries) { return {QList<MenuEntry>(entries)}; }
-    QStringList texts() {
-        QStringList list;
-        for (const QAction *a : widget.menu().actions())
-            list.append(a->isSeparator() ? u"---"_s : a->text());
-        return list;
+    /// The actions of the menu for these entries.
+    QList<QAction *> shown(const QList<MenuEntry> &entries) {
+        widget.apply({entries});
+        return widget.menu().actions();
     }
 };
 
@@ -252,56 +233,43 @@ const MenuEntry LINE = menuLine(u"line"_s);
 const MenuEntry PAUSE = menuItem(u"Pause"_s, Action::MenuToggle, u"tip"_s);
 const MenuEntry QUIT = menuItem(u"Quit"_s, Action::QuitAll);
 
-TEST_F(MenuWidgetTest, KeepsTheActionsThatStayWhenOthersComeAndGo) {
-    widget.apply(view({LINE, menuSeparator(), PAUSE, QUIT}));
-    EXPECT_EQ(texts(), (QStringList{u"line"_s, u"---"_s, u"Pause"_s, u"Quit"_s}));
-    const QList<QAction *> before = widget.menu().actions();
-
-    widget.apply(view({LINE, menuItem(u"Sign In"_s, Action::BrowserLogin), menuSeparator(), PAUSE, QUIT}));
-    EXPECT_EQ(texts(), (QStringList{u"line"_s, u"Sign In"_s, u"---"_s, u"Pause"_s, u"Quit"_s}));
-    EXPECT_EQ(widget.menu().actions().first(), before.first());
-    EXPECT_EQ(widget.menu().actions().last(), before.last());
-
-    widget.apply(view({LINE, menuSeparator(), PAUSE, QUIT}));
-    EXPECT_EQ(widget.menu().actions(), before);
-    widget.apply(view({}));
-    EXPECT_TRUE(texts().isEmpty());
-}
-
-TEST_F(MenuWidgetTest, TellsThePanelOnlyOfWhatChanged) {
-    widget.apply(view({LINE, PAUSE, QUIT}));
-    const QList<QAction *> actions = widget.menu().actions();
-    QSignalSpy line(actions[0], &QAction::changed);
-    QSignalSpy pause(actions[1], &QAction::changed);
-    widget.apply(view({LINE, PAUSE, QUIT}));
+TEST_F(MenuWidgetTest, KeepsTheActionsThatStayAndReportsOnlyChanges) {
+    const QList<QAction *> before = shown({LINE, menuSeparator(), PAUSE, QUIT});
+    const QList<QAction *> more =
+        shown({LINE, menuItem(u"Sign In"_s, Action::BrowserLogin), menuSeparator(), PAUSE, QUIT});
+    ASSERT_EQ(more.size(), 5);
+    EXPECT_EQ(more[1]->text(), u"Sign In"_s);
+    EXPECT_TRUE(more[2]->isSeparator());
+    EXPECT_EQ(more.first(), before.first());
+    EXPECT_EQ(more.last(), before.last());
+    EXPECT_EQ(shown({LINE, menuSeparator(), PAUSE, QUIT}), before);
+    const QSignalSpy line(before[0], &QAction::changed), pause(before[2], &QAction::changed);
     MenuEntry disabled = PAUSE;
     disabled.enabled = false;
-    widget.apply(view({LINE, disabled, QUIT}));
+    shown({LINE, menuSeparator(), disabled, QUIT});
     EXPECT_EQ(line.count(), 0);
     EXPECT_GE(pause.count(), 1);
-    EXPECT_FALSE(actions[1]->isEnabled());
+    EXPECT_FALSE(before[2]->isEnabled());
+    EXPECT_TRUE(shown({}).isEmpty());
 }
 
-TEST_F(MenuWidgetTest, EntriesOfTheSameKindStayWithWhatTheyAreAbout) {
+TEST_F(MenuWidgetTest, EntriesOfTheSameKindAreToldApartByTheirPayload) {
     MenuEntry first = menuItem(u"New device: a"_s, Action::E2Pending);
     first.payload = u"a"_s;
     MenuEntry second = menuItem(u"New device: b"_s, Action::E2Pending);
     second.payload = u"b"_s;
-    widget.apply(view({LINE, first, second}));
-    const QAction *ofSecond = widget.menu().actions().at(2);
-    widget.apply(view({LINE, second}));
-    EXPECT_EQ(widget.menu().actions().at(1), ofSecond);
+    const QAction *ofSecond = shown({LINE, first, second}).at(2);
+    EXPECT_EQ(shown({LINE, second}).at(1), ofSecond);
 }
 
 TEST_F(MenuWidgetTest, AnEntryThatVanishesWhileItIsChosenStillActs) {
-    widget.apply(view({LINE, PAUSE}));
-    widget.menu().actions()[1]->trigger();
-    widget.apply(view({LINE}));
+    shown({LINE, PAUSE})[1]->trigger();
+    shown({LINE});
     QCoreApplication::processEvents();
     EXPECT_EQ(chosen, QList<Action>{Action::MenuToggle});
 }
 
-TEST_F(MenuWidgetTest, TitlesFromOutsideAreShownToTheLetter) {
+TEST_F(MenuWidgetTest, TitlesFromOutsideAreShownUnchanged) {
     EXPECT_EQ(actionText(u"a_b & c & d"_s, MenuHost::Program), u"a_b && c && d"_s);
     // In an exported menu Qt makes "_" of the first "&", and the panel takes single "_" away.
     EXPECT_EQ(actionText(u"a_b & c & d"_s, MenuHost::Panel), u"a__b && c & d"_s);
@@ -311,25 +279,21 @@ TEST_F(MenuWidgetTest, TitlesFromOutsideAreShownToTheLetter) {
     EXPECT_EQ(plainToolTip(u"<b>a</b>"_s), u"<span>&lt;b&gt;a&lt;/b&gt;</span>"_s);
 }
 
-TEST_F(MenuWidgetTest, ALineIsNotWiderThanItMayBeAndNothingOfItLost) {
-    const auto shownFor = [&](const MenuEntry &entry) {
-        widget.apply(view({entry}));
-        return widget.menu().actions().first();
-    };
+TEST_F(MenuWidgetTest, ALineHasALimitedWidthAndItsToolTipTheWholeText) {
     MenuEntry entry = menuItem(u"⚠ Microphone · Not allowed"_s, Action::OpenPermPane, u"Without it: silence"_s);
     entry.detail = u" · Without it: silence"_s;
-    EXPECT_EQ(shownFor(entry)->text(), u"⚠ Microphone · Not allowed · Without it: silence"_s);
+    EXPECT_EQ(shown({entry})[0]->text(), u"⚠ Microphone · Not allowed · Without it: silence"_s);
     entry.detail = u" · Without it: "_s + QString(200, u'W');
-    EXPECT_EQ(shownFor(entry)->text(), entry.title);
-    EXPECT_EQ(shownFor(entry)->toolTip(), u"Without it: silence"_s);
+    EXPECT_EQ(shown({entry})[0]->text(), entry.title);
+    EXPECT_EQ(shown({entry})[0]->toolTip(), u"Without it: silence"_s);
     entry.title = u"⚠ "_s + QString(200, u'W') + u" · Not allowed"_s;
-    const QAction *shortened = shownFor(entry);
+    const QAction *shortened = shown({entry})[0];
     EXPECT_LE(widget.menu().fontMetrics().horizontalAdvance(shortened->text()), 640);
     EXPECT_TRUE(shortened->text().startsWith(u"⚠ WW"_s) && shortened->text().endsWith(u"WW · Not allowed"_s));
     EXPECT_EQ(shortened->toolTip(), entry.title + u" · Without it: silence"_s);
 }
 
-TEST(PanelIcon, TellsItsThreeStatesByShapeAtEverySize) {
+TEST(PanelIcon, ShowsItsThreeStatesByShapeAtEverySize) {
     for (const int size : {18, 36, 54}) {
         const auto image = [&](bool on, bool dimmed) {
             return panelIcon({.on = on, .dimmed = dimmed, .toolTip = {}}).pixmap(size).toImage();

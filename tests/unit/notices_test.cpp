@@ -24,20 +24,14 @@ namespace {
 constexpr quint32 SPACE = 65, RETURN = 36, SHIFT = 50;
 
 struct KeyGuardTest : ::testing::Test {
-    KeyCodes down; ///< On the keyboard.
-    bool tells = true;
-    KeyGuard guard{[this] { return tells ? down : KeyCodes(); }};
+    KeyCodes down;           ///< On the keyboard.
+    bool reportsKeys = true; ///< Whether the system knows them.
+    KeyGuard guard{[this] { return reportsKeys ? down : KeyCodes(); }};
     const Instant start = Instant(1h);
 
-    void comesByItself() {
+    void openedByProgram() {
         guard.close(start);
         guard.entered();
-    }
-    /// Presses and releases a key that would answer.
-    bool tap(milliseconds at, quint32 code = RETURN) {
-        const bool taken = hold(at, code);
-        letGo(code);
-        return taken;
     }
     bool hold(milliseconds at, quint32 code, bool repeats = false) {
         down.insert(code);
@@ -47,58 +41,53 @@ struct KeyGuardTest : ::testing::Test {
         down.remove(code);
         guard.release(code);
     }
+    bool tap(milliseconds at, quint32 code = RETURN) {
+        const bool taken = hold(at, code);
+        letGo(code);
+        return taken;
+    }
 };
 
-TEST_F(KeyGuardTest, AWindowThatComesByItselfTakesNoKeyInItsFirstSecond) {
-    comesByItself();
-    EXPECT_FALSE(tap(0ms));
+TEST_F(KeyGuardTest, AWindowOfTheProgramTakesNoKeyInItsFirstSecondNorWhileTheUserTypesOn) {
+    openedByProgram();
     EXPECT_FALSE(tap(290ms));
     EXPECT_FALSE(guard.takes({.code = RETURN}, start + 999ms));
     EXPECT_TRUE(tap(1000ms));
     EXPECT_TRUE(tap(1001ms));
-    guard.close(start); // again, later
-    EXPECT_FALSE(tap(999ms));
-}
-
-TEST_F(KeyGuardTest, WhoGoesOnTypingAnswersNothingUntilHePauses) {
-    comesByItself();
+    openedByProgram();
     for (milliseconds at = 200ms; at < 10s; at += 400ms)
         ASSERT_FALSE(tap(at, at.count() % 3 ? SPACE : RETURN)) << at.count();
     EXPECT_TRUE(tap(11s));
 }
 
-TEST_F(KeyGuardTest, EveryKeyThatWasDownHasToBeReleasedFirst) {
-    for (const bool systemTells : {true, false}) {
-        tells = systemTells;
+TEST_F(KeyGuardTest, EveryKeyThatIsDownHasToBeReleasedFirst) {
+    for (const bool reports : {true, false}) {
+        reportsKeys = reports;
         down = {SPACE};
-        comesByItself();
-        if (systemTells) {
-            EXPECT_FALSE(tap(2s, RETURN)); // another one than the one that is held
-        }
+        openedByProgram();
+        EXPECT_FALSE(reports && tap(2s, RETURN)); // another key than the held one
         for (milliseconds at = 500ms; at < 3s; at += 40ms)
             ASSERT_FALSE(hold(at, SPACE, at > 500ms)) << at.count();
         letGo(SPACE);
         EXPECT_TRUE(tap(4s, SPACE));
     }
+    reportsKeys = true;
+    down = {SHIFT};
+    openedByProgram();
+    down.clear(); // released in another window
+    EXPECT_TRUE(tap(1200ms));
 }
 
-TEST_F(KeyGuardTest, AKeyThatIsHeldAnswersNoWindowButWritesAndMoves) {
+TEST_F(KeyGuardTest, AHeldKeyAnswersNoWindowButWritesAndMoves) {
     down = {RETURN}; // it chose the window's entry in another program's menu
     guard.entered();
-    EXPECT_FALSE(hold(100ms, RETURN)); // reported as if it went down now
+    EXPECT_FALSE(hold(100ms, RETURN)); // reported as pressed now
     EXPECT_FALSE(hold(140ms, RETURN, true));
     EXPECT_TRUE(guard.press({.code = RETURN, .repeats = true}, start));
     EXPECT_TRUE(hold(150ms, SHIFT));
     letGo(RETURN);
     EXPECT_TRUE(tap(200ms));
     EXPECT_FALSE(hold(300ms, RETURN, true));
-}
-
-TEST_F(KeyGuardTest, AReleaseInAnotherWindowIsNoticed) {
-    down = {SHIFT};
-    comesByItself();
-    down.clear(); // nobody reports it
-    EXPECT_TRUE(tap(1200ms));
 }
 
 struct NoticesTest : ::testing::Test {
@@ -108,31 +97,22 @@ struct NoticesTest : ::testing::Test {
     TimedNotices notices{panel, desktop, scheduler};
 };
 
-TEST_F(NoticesTest, TheTimerOfAReplacedNoticeLeavesTheNewOneAlone) {
+TEST_F(NoticesTest, EachNoticeHasItsOwnTimeBoundedTextAndLink) {
     notices.showHUD({.text = u"first"_s, .secs = Seconds(2)});
     scheduler.advance(1500ms);
-    notices.showHUD({.text = u"second"_s, .secs = Seconds(2)});
+    notices.showHUD({.text = u"x\n"_s.repeated(100000), .secs = Seconds(2)});
+    EXPECT_LE(panel.last().size(), 1000);
+    EXPECT_FALSE(panel.last().contains(u'\n'));
     scheduler.advance(1900ms);
     EXPECT_TRUE(panel.visible);
     scheduler.advance(200ms);
     EXPECT_FALSE(panel.visible);
-}
-
-TEST_F(NoticesTest, ATextFromOutsideFillsNoScreen) {
-    notices.showHUD({.text = QString(u"x\n"_s).repeated(100000), .secs = Seconds(2)});
-    EXPECT_LE(panel.last().size(), 1000);
-    EXPECT_FALSE(panel.last().contains(u'\n'));
-}
-
-TEST_F(NoticesTest, AClickOpensTheLinkIfThereIsOneAndCloses) {
-    notices.showHUD({.text = u"plain"_s, .secs = Seconds(9)});
-    panel.click();
-    EXPECT_FALSE(panel.visible);
-    EXPECT_TRUE(desktop.opened.isEmpty());
-    notices.showHUD({.text = u"linked"_s, .secs = Seconds(9), .error = true, .link = u"https://x.example"_s});
-    panel.click();
-    EXPECT_EQ(desktop.opened, QStringList{u"https://x.example"_s});
-    EXPECT_FALSE(panel.visible);
+    for (const QString &link : {QString(), u"https://x.example"_s}) {
+        notices.showHUD({.text = u"text"_s, .secs = Seconds(9), .error = true, .link = link});
+        panel.click();
+        EXPECT_FALSE(panel.visible);
+        EXPECT_EQ(desktop.opened.value(0), link);
+    }
 }
 
 TEST(NoticeLayout, IsCentredBelowTheMenuBarAndNeverWiderThanItsLimit) {
@@ -151,33 +131,28 @@ QWidget *shownWindow(const QString &title) {
     return nullptr;
 }
 
-TEST(NoticeWindow, AClickReachesWhoeverShowedTheNotice) {
-    NoticeWindow notice;
-    int clicks = 0;
-    notice.show({.text = u"Signed out"_s}, [&] { ++clicks; });
-    QTest::mouseClick(shownWindow(u"Signed out"_s), Qt::LeftButton);
-    EXPECT_EQ(clicks, 1);
-}
-
-TEST(NoticeWindow, IsOnTheScreenOfTheWindowInFrontElseOfThePointer) {
+TEST(NoticeWindow, IsOnTheScreenOfTheActiveWindowElseOfThePointerAndReportsAClick) {
     const QList<QScreen *> screens = QGuiApplication::screens();
     ASSERT_EQ(screens.size(), 2);
     NoticeWindow notices;
-    const auto place = [&] {
-        notices.show({.text = u"here"_s}, {});
-        return shownWindow(u"here"_s)->geometry();
+    int clicks = 0;
+    const auto screen = [&] {
+        notices.show({.text = u"here"_s}, [&] { ++clicks; });
+        return QGuiApplication::screenAt(shownWindow(u"here"_s)->geometry().center());
     };
     const QPoint before = QCursor::pos();
-    for (const QScreen *screen : screens) {
-        QCursor::setPos(screen->geometry().center());
-        EXPECT_TRUE(screen->geometry().contains(place()));
+    for (QScreen *ofPointer : screens) {
+        QCursor::setPos(ofPointer->geometry().center());
+        EXPECT_EQ(screen(), ofPointer);
     }
-    QWidget front;
-    front.setGeometry(100, 100, 200, 200);
-    front.show();
-    front.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&front));
-    EXPECT_TRUE(screens.first()->geometry().contains(place()));
+    QTest::mouseClick(shownWindow(u"here"_s), Qt::LeftButton);
+    EXPECT_EQ(clicks, 1);
+    QWidget active;
+    active.setGeometry(100, 100, 200, 200);
+    active.show();
+    active.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&active));
+    EXPECT_EQ(screen(), screens.first());
     QCursor::setPos(before);
 }
 

@@ -4,7 +4,7 @@
 namespace korvel::test {
 namespace {
 
-const QByteArray ITEMS = R"([
+const QByteArray LACKING = R"({"ok":false,"missing":["Mic ","Disk"],"items":[
     {"name":"Screen ","state":"denied","why":"showing the screen\n","breaks":"the phone sees nothing",
      "pane":"x-apple.systempreferences:screen"},
     {"name":"Mic","state":"undetermined","why":"voice input"},
@@ -12,21 +12,15 @@ const QByteArray ITEMS = R"([
     {"name":"Keys","state":"notrunning"},
     {"name":"Odd","state":"denied","unknown":true},
     {"name":"Told","state":"undetermined","unknown":false},
-    {"name":"Late","state":"unknown-timeout","unknown":"no"}])";
-const QByteArray LACKING = R"({"ok":false,"missing":["Mic ","Disk"],"items":)" + ITEMS + '}';
+    {"name":"Late","state":"unknown-timeout","unknown":"no"}]})";
 const QByteArray GOOD = R"({"ok":true,"missing":[],"items":[{"name":"Screen","state":"granted"}]})";
 
 struct PermissionsTest : TrayFixture {
-    QByteArray perms = GOOD;
-
-    void launchWith(const QByteArray &first) {
-        perms = first;
+    void launchWith(const QByteArray &perms) {
         installAndBind();
+        http.respond = [&](const HttpRequest &r) { return json(r.url.endsWith(u"/perms") ? perms : ONLINE); };
         launch();
-        http.answer = nullptr;
-    }
-    void SetUp() override {
-        http.answer = [this](const HttpRequest &r) { return json(r.url.endsWith(u"/perms") ? perms : ONLINE); };
+        http.respond = nullptr;
     }
     const PermissionState &permissions() const { return tray->currentState().permissions; }
     QStringList block() const {
@@ -38,83 +32,86 @@ struct PermissionsTest : TrayFixture {
     }
 };
 
-TEST_F(PermissionsTest, EachPermissionIsOneLineWithNoWordThatTheAgentDidNotSay) {
+TEST_F(PermissionsTest, EachPermissionIsOneLineAndOnlySettingsAreOpened) {
     launchWith(LACKING);
     EXPECT_EQ(block(), (QStringList{u"⚠ Screen · Not allowed · Used for: showing the screen"_s,
                                     u"⚠ Mic · Not requested · Used for: voice input"_s, u"? Disk · Unknown"_s,
                                     u"? Keys · Not running, can't check"_s, u"? Odd · Not allowed"_s,
                                     u"⚠ Told · Not requested"_s, u"? Late · Unknown"_s}));
-    const MenuEntry screen = item.entry(Action::OpenPermPane);
+    MenuEntry screen = item.entry(Action::OpenPermPane);
     EXPECT_EQ(screen.detail, u" · Without it: the phone sees nothing"_s);
     EXPECT_EQ(screen.toolTip, u"Without it: the phone sees nothing"_s);
     const LanguageScope chinese(true);
     EXPECT_EQ(permMenuItems(tray->situation()).value(1).title, u"⚠ Screen · 未授权 · 用于：showing the screen"_s);
+
+    const QStringList addresses{u"x-apple.systempreferences:com.apple.preference.security?Privacy_Camera"_s,
+                                u"https://help.example/camera"_s};
+    for (const QString &address :
+         addresses + QStringList{u"file:///Applications/Odd.app"_s, u"smb://host/share"_s, u"javascript:alert(1)"_s,
+                                 u"http://help.example"_s, u"https:camera"_s, u"no address"_s, u"https://x y"_s,
+                                 u""_s}) {
+        screen.payload = address;
+        item.events.chosen(screen);
+    }
+    screen.payload = 7;
+    item.events.chosen(screen);
+    EXPECT_EQ(desktop.opened, addresses);
 }
 
-TEST_F(PermissionsTest, OneFetchAtATimeAndAPartialReplyKeepsTheLastGoodList) {
+TEST_F(PermissionsTest, OneFetchIsInFlightAtATimeAndAPartialResponseKeepsTheList) {
     launchWith(LACKING);
-    const int fetches = requestsTo(u"/perms"_s);
-    EXPECT_EQ(fetches, 1);
+    EXPECT_EQ(requestsTo(u"/perms"_s), 1);
     item.events.menuOpening();
     item.events.menuOpening();
-    EXPECT_EQ(requestsTo(u"/perms"_s), fetches + 1);
-    answerOpen(u"/perms"_s, json(R"({"ok":true})"));
+    EXPECT_EQ(requestsTo(u"/perms"_s), 2);
+    complete(u"/perms"_s, json(R"({"ok":true})"));
     EXPECT_EQ(block().size(), 7);
     EXPECT_EQ(permissions().permsOk, false);
-    EXPECT_EQ(permissions().permsFetchedAt, scheduler.now());
     item.events.menuOpening();
-    answerOpen(u"/perms"_s, json(R"({"ok":"yes","missing":["a",1],"items":[{"name":"Screen"}]})"));
+    complete(u"/perms"_s, json(R"({"ok":"yes","missing":["a",1],"items":[{"name":"Screen"}]})"));
     EXPECT_EQ(permissions().permsOk, std::nullopt);
     EXPECT_TRUE(permissions().permsMissing.isEmpty());
     EXPECT_EQ(block().size(), 1);
     item.events.menuOpening();
-    EXPECT_EQ(http.open.back().request.timeout, 20s);
+    EXPECT_EQ(http.last.timeout, 20s);
     scheduler.advance(1s);
-    answerOpen(u"/perms"_s, noAnswer());
+    complete(u"/perms"_s, noResponse());
     EXPECT_TRUE(permissions().permsFetchFailed);
     EXPECT_FALSE(permissions().permsFetching);
-    EXPECT_EQ(permissions().permsFetchedAt, scheduler.now()); // so that not every poll asks again
+    EXPECT_EQ(permissions().permsFetchedAt, scheduler.now()); // so that the next poll sends no request
 }
 
-TEST_F(PermissionsTest, ARequestMayBeOpenForLongWhileEverythingElseGoesOn) {
-    launchWith(GOOD);
-    item.choose(Action::AskPerms);
-    EXPECT_TRUE(notices.last().startsWith(u"macOS will ask several times."_s));
-    item.choose(Action::AskPerms);
-    EXPECT_EQ(requestsTo(u"/perms/request"_s), 1);
-    EXPECT_EQ(http.open.back().request.timeout, 150s);
-    EXPECT_TRUE(http.open.back().request.body.isEmpty());
-    const int polls = requestsTo(u"/health"_s);
-    for (int poll = 0; poll < 33; ++poll) {
-        scheduler.advance(3s);
-        answerOpen(u"/health"_s, json(ONLINE));
-    }
-    EXPECT_GE(requestsTo(u"/health"_s), polls + 33);
-    EXPECT_EQ(item.entry(Action::AskPerms).title, u"Requesting…"_s);
-    answerOpen(u"/perms/request"_s, json(LACKING));
-    EXPECT_EQ(notices.last(),
-              u"Still missing: Mic, Disk. Turn on korvel-agent in System Settings › Privacy & Security."_s);
-    EXPECT_EQ(item.entry(Action::AskPerms).title, u"Request Permissions…"_s);
-}
-
-TEST_F(PermissionsTest, EachOutcomeOfARequestIsTold) {
+TEST_F(PermissionsTest, ARequestTakesLongWhilePollsGoOnAndReportsItsOutcome) {
+    const QString failed = u"Couldn't request permissions. Korvel isn't responding. Try again later."_s;
+    const auto missing = [](const QString &names) {
+        return u"Still missing: "_s + names + u". Turn on korvel-agent in System Settings › Privacy & Security."_s;
+    };
     const struct {
         Result<HttpReply> reply;
         QString notice;
         bool error;
     } cases[] = {
+        {json(LACKING), missing(u"Mic, Disk"_s), true},
         {json(GOOD), u"✓ All permissions granted"_s, false},
         {json(R"({"ok":true})"), u"Permission request sent."_s, false},
-        {noAnswer(), u"Couldn't request permissions. Korvel isn't responding. Try again later."_s, true},
-        {json("nonsense"), u"Couldn't request permissions. Korvel isn't responding. Try again later."_s, true},
-        {json(R"({"ok":"yes","missing":["A"],"items":[]})"),
-         u"Still missing: A. Turn on korvel-agent in System Settings › Privacy & Security."_s, true},
+        {noResponse(), failed, true},
+        {json("nonsense"), failed, true},
+        {json(R"({"ok":"yes","missing":["A"],"items":[]})"), missing(u"A"_s), true},
     };
     launchWith(GOOD);
     for (const auto &c : cases) {
         item.choose(Action::AskPerms);
+        EXPECT_TRUE(notices.last().startsWith(u"macOS will ask several times."_s));
+        EXPECT_EQ(http.last.timeout, 150s);
+        EXPECT_TRUE(http.last.body.isEmpty());
+        const qsizetype requests = http.paths.size();
+        item.choose(Action::AskPerms);
+        EXPECT_EQ(http.paths.size(), requests);
+        scheduler.advance(3s);
+        complete(u"/health"_s, json(ONLINE));
+        EXPECT_EQ(item.entry(Action::AskPerms).title, u"Requesting…"_s);
         notices.shown.clear();
-        answerOpen(u"/perms/request"_s, c.reply);
+        complete(u"/perms/request"_s, c.reply);
         ASSERT_EQ(notices.shown.size(), 1u);
         EXPECT_EQ(notices.last(), c.notice);
         EXPECT_EQ(notices.shown.back().error, c.error);
@@ -122,49 +119,23 @@ TEST_F(PermissionsTest, EachOutcomeOfARequestIsTold) {
     }
     agentIsSilent();
     scheduler.advance(3s);
-    const int requests = requestsTo(u"/perms/request"_s);
     item.press(Action::AskPerms);
-    EXPECT_EQ(requestsTo(u"/perms/request"_s), requests);
+    EXPECT_EQ(requestsTo(u"/perms/request"_s), 6);
 }
 
-TEST_F(PermissionsTest, OnlyAnAddressOfSettingsIsOpened) {
-    launchWith(LACKING);
-    const QStringList addresses{u"x-apple.systempreferences:com.apple.preference.security?Privacy_Camera"_s,
-                                u"https://help.example/camera"_s};
-    MenuEntry pane = item.entry(Action::OpenPermPane);
-    for (const QJsonValue &address :
-         {QJsonValue(addresses[0]), QJsonValue(addresses[1]), QJsonValue(u"file:///Applications/Odd.app"_s),
-          QJsonValue(u"smb://host/share"_s), QJsonValue(u"javascript:alert(1)"_s), QJsonValue(u"http://help.example"_s),
-          QJsonValue(u"https:camera"_s), QJsonValue(u"no address"_s), QJsonValue(u"https://x y"_s), QJsonValue(u""_s),
-          QJsonValue(7), QJsonValue(QJsonValue::Undefined)}) {
-        pane.payload = address;
-        item.events.chosen(pane);
-    }
-    EXPECT_EQ(desktop.opened, addresses);
-}
-
-struct RepairTest : TrayFixture {
-    int serviceStatus = 0;
-    bool writesJobFile = true;
-
-    void SetUp() override {
-        home.bind();
-        placeAgent();
-        agentIsSilent();
-        programs.answer = [this](const ProgramRun &run) {
-            const bool service = run.arguments.last() == u"install-service";
-            if (service && writesJobFile)
-                home.installJobFile();
-            services.loaded = services.loaded || (service && serviceStatus == 0);
-            return ProgramResult{
-                .status = service ? serviceStatus : 0, .launched = true, .output = "why", .launchError = {}};
-        };
-    }
-};
-
-TEST_F(RepairTest, AFailedRepairSaysSoAndTheMenuOffersItAgain) {
-    serviceStatus = 1;
-    writesJobFile = false;
+TEST_F(PermissionsTest, AFailedRepairIsReportedAndOfferedAgain) {
+    int status = 1;
+    home.bind();
+    placeAgent();
+    agentIsSilent();
+    programs.behave = [&](const ProgramRun &run) {
+        if (run.arguments.last() != u"install-service")
+            return exited(0);
+        if (status == 0)
+            home.installJobFile();
+        services.loaded = status == 0;
+        return exited(status, "why");
+    };
     launch();
     EXPECT_EQ(item.statusLine(), u"Korvel isn't installed correctly. Reinstall Korvel."_s);
     scheduler.holdBackground(true);
@@ -172,20 +143,17 @@ TEST_F(RepairTest, AFailedRepairSaysSoAndTheMenuOffersItAgain) {
     EXPECT_EQ(item.statusLine(), u"Repairing…"_s);
     EXPECT_EQ(item.entry(Action::Repair), MenuEntry());
     notices.shown.clear();
-    item.press(Action::Repair); // of a menu that was opened before: no verdict yet
+    item.press(Action::Repair); // in a menu that is still open: joins the repair
     EXPECT_TRUE(notices.shown.empty());
     scheduler.holdBackground(false);
-    scheduler.runDue();
     EXPECT_EQ(notices.last(), u"Couldn't repair Korvel. Download it from the website and reinstall."_s);
     notices.click();
     EXPECT_EQ(desktop.opened, QStringList{home.fixed.SITE_URL});
-    serviceStatus = 0;
-    writesJobFile = true;
-    item.choose(Action::Repair);
-    scheduler.runDue();
+    status = 0;
+    choose(Action::Repair);
     EXPECT_EQ(notices.last(), u"✓ Repaired"_s);
     EXPECT_EQ(programs.runs.back().timeout, 10min);
-    EXPECT_EQ(programs.runs.size(), 6u); // two a repair: of those asked for meanwhile none
+    EXPECT_EQ(programs.runs.size(), 6u); // two for each of three repairs
 }
 
 } // namespace

@@ -1,49 +1,49 @@
 #include "platform/linux/port_owner_linux.h"
 
+#include <QByteArray>
 #include <gtest/gtest.h>
+#include <optional>
+
+using namespace Qt::StringLiterals;
 
 namespace korvel::test {
 namespace {
 
-constexpr uid_t USER = 501;
-constexpr quint16 PORT = 8790; // 2256 in hexadecimal
-
-/// A row of a table, as the kernel writes it on a processor that puts the low byte first.
-QByteArray row(const char *local, const char *state, int user) {
+/// A row of the kernel's table on a little-endian processor. Port 8790 is 2256 in hexadecimal.
+QByteArray row(const char *local, int user, const char *state = "0A") {
     return QByteArray("   7: ") + local + " 00000000:0000 " + state + " 00000000:00000000 00:00000000 00000000 " +
            QByteArray::number(user).rightJustified(5) + "        0 138931 1 000000004e6ce4f8 100 0 0 10 0\n";
 }
 
-PortOwner owner(std::optional<QByteArray> ipv4, std::optional<QByteArray> ipv6 = QByteArray()) {
-    return portOwner({.ipv4 = std::move(ipv4), .ipv6 = std::move(ipv6)}, PORT, USER);
-}
-
-TEST(PortOwner, IsTheUserWhoseSocketListensThere) {
-    EXPECT_EQ(owner(row("0100007F:2256", "0A", 501)), PortOwner::Trusted);
-    EXPECT_EQ(owner(row("0100007F:2256", "0A", 0)), PortOwner::Trusted);
-    EXPECT_EQ(owner(row("0100007F:2256", "0A", 502)), PortOwner::Stranger);
-    EXPECT_EQ(owner(row("00000000:2256", "0A", 502)), PortOwner::Stranger);
-    for (const char *local : {"00000000000000000000000000000000:2256", "0000000000000000FFFF00000100007F:2256",
-                              "0000000000000000FFFF000000000000:2256"})
-        EXPECT_EQ(owner(QByteArray(), row(local, "0A", 502)), PortOwner::Stranger) << local;
-    // The address that takes the connection decides, wherever it stands.
-    EXPECT_EQ(owner(row("00000000:2256", "0A", 502) + row("0100007F:2256", "0A", 501),
-                    row("00000000000000000000000000000000:2256", "0A", 502)),
-              PortOwner::Trusted);
-}
-
-TEST(PortOwner, IsNobodyWhereNoSocketListensOnThatPortOfTheLoopback) {
-    const QByteArray others = row("0100007F:2256", "01", 501) + // a connection
-                              row("0200007F:2256", "0A", 501) + // another address
-                              row("0100007F:2257", "0A", 501) + // another port
-                              row("0100007F:2256 extra", "0A", 501) + "   8: 0100007F:2256\n   9: 0100007F:2256";
-    EXPECT_EQ(owner(others, row("00000000000000000000000001000000:2256", "0A", 501)), PortOwner::Nobody);
-}
-
-TEST(PortOwner, IsUnknownWhereATableThatWouldTellCannotBeRead) {
-    EXPECT_EQ(owner(std::nullopt, std::nullopt), PortOwner::Unknown);
-    EXPECT_EQ(owner(QByteArray(), std::nullopt), PortOwner::Unknown);
-    EXPECT_EQ(owner(row("0100007F:2256", "0A", 502), std::nullopt), PortOwner::Stranger);
+TEST(PortOwner, IsTheUserWhoseSocketListensOnThePortOfTheLoopback) {
+    using Table = std::optional<QByteArray>;
+    const QByteArray stranger = row("0100007F:2256", 502);
+    const QByteArray others = row("0100007F:2256", 501, "01") + // a connection
+                              row("0200007F:2256", 501) +       // another address
+                              row("0100007F:2257", 501) +       // another port
+                              row("0100007F:2256 extra", 501) + "   8: 0100007F:2256\n   9: 0100007F:2256";
+    const struct {
+        Table ipv4, ipv6;
+        PortOwner owner;
+    } cases[] = {
+        {row("0100007F:2256", 501), ""_ba, PortOwner::Trusted},
+        {row("0100007F:2256", 0), ""_ba, PortOwner::Trusted},
+        {stranger, ""_ba, PortOwner::Stranger},
+        {row("00000000:2256", 502), ""_ba, PortOwner::Stranger},
+        {""_ba, row("00000000000000000000000000000000:2256", 502), PortOwner::Stranger},
+        {""_ba, row("0000000000000000FFFF00000100007F:2256", 502), PortOwner::Stranger},
+        {""_ba, row("0000000000000000FFFF000000000000:2256", 502), PortOwner::Stranger},
+        // The most specific address takes the connection.
+        {row("00000000:2256", 502) + row("0100007F:2256", 501), row("00000000000000000000000000000000:2256", 502),
+         PortOwner::Trusted},
+        {others, row("00000000000000000000000001000000:2256", 501), PortOwner::Nobody},
+        {{}, {}, PortOwner::Unknown},
+        {""_ba, {}, PortOwner::Unknown},
+        {stranger, {}, PortOwner::Stranger},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(portOwner({.ipv4 = c.ipv4, .ipv6 = c.ipv6}, 8790, 501), c.owner)
+            << c.ipv4.value_or("-").constData() << c.ipv6.value_or("-").constData();
 }
 
 } // namespace
