@@ -15,13 +15,9 @@ namespace {
 
 /// Sets the environment of this process.
 void become(const QProcessEnvironment &wanted) {
-    const QProcessEnvironment now = QProcessEnvironment::systemEnvironment();
-    for (const QString &name : now.keys())
-        if (!wanted.contains(name))
-            qunsetenv(name.toLocal8Bit().constData());
-    for (const QString &name : wanted.keys())
-        if (now.value(name) != wanted.value(name))
-            qputenv(name.toLocal8Bit().constData(), wanted.value(name).toLocal8Bit());
+    for (const QString &name : QProcessEnvironment::systemEnvironment().keys() + wanted.keys())
+        wanted.contains(name) ? qputenv(name.toLocal8Bit().constData(), wanted.value(name).toLocal8Bit())
+                              : qunsetenv(name.toLocal8Bit().constData());
 }
 
 } // namespace

@@ -1,7 +1,5 @@
 #include "journey/journey.h"
 
-#include <thread>
-
 namespace korvel::test {
 namespace {
 
@@ -30,7 +28,7 @@ TEST_F(ProgramsJourney, GivesTheStatusAndTheEndOfTheErrorOutput) {
     EXPECT_EQ(shell(u"exit 0"_s, {.executable = {}, .input = QByteArray(5 << 20, 'x')}).status, 0); // input unread
 }
 
-TEST_F(ProgramsJourney, AProgramThatNeverEndsIsEndedAndItsOutputCounts) {
+TEST_F(ProgramsJourney, AProgramThatNeverEndsIsEndedAndAStoppedOneIsNotStarted) {
     ProgramRun run{.executable = {}, .collect = ProgramRun::Collect::StandardOutput};
     run.timeout = 200ms;
     // The status is a failure even if the program exits with success when asked to end.
@@ -40,20 +38,9 @@ TEST_F(ProgramsJourney, AProgramThatNeverEndsIsEndedAndItsOutputCounts) {
     EXPECT_EQ(result.status, -1);
     run.keepInputOpen = true;
     EXPECT_EQ(shell(u"trap '' TERM; read never"_s, run).end, ProgramResult::End::TimedOut); // only SIGKILL ends it
-}
-
-TEST_F(ProgramsJourney, ARunIsStoppedFromAnotherThread) {
-    ProgramRun run{.executable = {}, .collect = ProgramRun::Collect::StandardOutput, .stop = StopToken()};
-    std::thread stopper;
-    run.onOutput = [&](const QByteArray &piece) {
-        EXPECT_EQ(piece, "one\n");
-        stopper = std::thread([stop = run.stop]() mutable { stop->requestStop(); });
-    };
-    const ProgramResult result = shell(u"echo one; exec sleep 100"_s, run);
-    stopper.join();
-    EXPECT_EQ(result.end, ProgramResult::End::Stopped);
-    EXPECT_EQ(result.output, "");
-    EXPECT_FALSE(shell(u"exit 0"_s, run).launched); // the token keeps later programs from starting
+    run.stop = StopToken();
+    run.stop->requestStop();
+    EXPECT_FALSE(shell(u"exit 0"_s, run).launched);
 }
 
 TEST_F(ProgramsJourney, OwnSurroundingsHaveNoVariableThatAShellEvaluatesAndASessionOfTheirOwn) {

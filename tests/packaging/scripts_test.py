@@ -19,38 +19,30 @@ RELEASE, TRIAL = 'Korvel-1.2.0-cn.pkg', 'Korvel-1.2.0-trial-cn.pkg'
 
 
 class Sign(WithTools):
-    def setUp(self):
-        super().setUp()
-        self.app = self.folder / 'Kor vel.app'
+    def test_signs_everything_from_the_inside_out_and_stops_at_the_first_refusal(self):
+        app = self.folder / 'Kor vel.app'
         for file in ['Info.plist', 'MacOS/korvel-tray', 'Resources/korvel-agent', 'Frameworks/libcrypto.3.dylib',
                      'Frameworks/QtCore.framework/Versions/A/QtCore', 'PlugIns/platforms/libqcocoa.dylib',
                      'Frameworks/QtGui.framework/Versions/A/libinner.dylib', 'Helpers/one', 'Helpers/two']:
-            (self.app / 'Contents' / file).parent.mkdir(parents=True, exist_ok=True)
-            (self.app / 'Contents' / file).write_text('')
-
-    def test_signs_everything_from_the_inside_out(self):
+            (app / 'Contents' / file).parent.mkdir(parents=True, exist_ok=True)
+            (app / 'Contents' / file).write_text('')
         self.fake('codesign', '')
-        done = self.call('sign', self.app, KORVEL_SIGN_IDENTITY='Developer ID: Ann')
+        done = self.call('sign', app, KORVEL_SIGN_IDENTITY='Developer ID: Ann')
         self.assertEqual(done.returncode, 0, done.stderr)
         *signed, verified = self.lines()
         for call in signed:
             self.assertTrue(call.startswith('--force --sign Developer ID: Ann --timestamp --options runtime '), call)
-        parts = [call.split(f'{self.app}')[1].removeprefix('/Contents/') for call in signed]
+        parts = [call.split(f'{app}')[1].removeprefix('/Contents/') for call in signed]
         self.assertEqual([set(parts[:2]), set(parts[2:4]), set(parts[4:7]), parts[7:]],
                          [{'Frameworks/libcrypto.3.dylib', 'PlugIns/platforms/libqcocoa.dylib'},
                           {'Frameworks/QtCore.framework', 'Frameworks/QtGui.framework'},
                           {'Helpers/one', 'Helpers/two', 'Resources/korvel-agent'}, ['']])
         self.assertTrue(verified.startswith('--verify'))
-
-    def test_signs_ad_hoc_without_an_identity_and_stops_at_the_first_refusal(self):
         self.fake('codesign', 'case "$*" in *korvel-agent) exit 1 ;; esac')
-        done = self.call('sign', self.app, KORVEL_AGENT_ENTITLEMENTS='/some/agent rights.plist')
+        done = self.call('sign', app, KORVEL_AGENT_ENTITLEMENTS='/agent rights.plist')
         self.assertNotEqual(done.returncode, 0)
         self.assertIn('ad hoc', done.stdout)
-        self.assertTrue(self.lines()[0].startswith('--force --sign - --timestamp=none '))
-        self.assertIn('--entitlements /some/agent rights.plist ', self.lines()[-1])
-        self.assertTrue(self.lines()[-1].endswith('korvel-agent'))
-        self.assertNotEqual(self.call('sign', self.folder).returncode, 0)
+        self.assertIn('--sign - --timestamp=none --entitlements /agent rights.plist', self.lines()[-1])
 
 
 class Notarise(WithTools):

@@ -6,31 +6,26 @@
 #import <AppKit/NSRunningApplication.h>
 #import <AppKit/NSStatusBarButton.h>
 
-// appkit/nsapplication/setactivationpolicy(_:)
-@interface NSApplication (Additions)
+@interface NSApplication (Additions) // appkit/nsapplication/setactivationpolicy(_:)
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)activationPolicy;
 @end
 
-// appkit/nsstatusitem/button
-@interface NSStatusItem (Additions)
+@interface NSStatusItem (Additions) // appkit/nsstatusitem/button
 @property(readonly, strong) NSStatusBarButton *button;
 @end
 
-// appkit/nsimage/istemplate, appkit/nsimage/accessibilitydescription
-@interface NSImage (Additions)
+@interface NSImage (Additions) // appkit/nsimage/istemplate, appkit/nsimage/accessibilitydescription
 - (void)setTemplate:(BOOL)isTemplate;
 @property(copy) NSString *accessibilityDescription;
 @end
 
-// appkit/nswindow/stylemask-swift.property
-@interface NSWindow (Additions)
+@interface NSWindow (Additions) // appkit/nswindow/stylemask-swift.property
 - (void)setStyleMask:(NSWindowStyleMask)styleMask;
 @end
 
-// foundation/nsappleeventmanager
 typedef unsigned int AEEventClass;
 typedef unsigned int AEEventID;
-@interface NSAppleEventManager (Additions)
+@interface NSAppleEventManager (Additions) // foundation/nsappleeventmanager
 + (NSAppleEventManager *)sharedAppleEventManager;
 - (void)setEventHandler:(id)handler
             andSelector:(SEL)handleEventSelector
@@ -38,9 +33,8 @@ typedef unsigned int AEEventID;
              andEventID:(AEEventID)eventID;
 - (void)removeEventHandlerForEventClass:(AEEventClass)eventClass andEventID:(AEEventID)eventID;
 @end
-// coreservices/kcoreeventclass, coreservices/kaereopenapplication
-enum : AEEventClass { kCoreEventClass = 'aevt' };
-enum : AEEventID { kAEReopenApplication = 'rapp' };
+enum : AEEventClass { kCoreEventClass = 'aevt' };   // coreservices/kcoreeventclass
+enum : AEEventID { kAEReopenApplication = 'rapp' }; // coreservices/kaereopenapplication
 
 // corefoundation/cfstring, cfurl, cfarray, cfdictionary, cferror; foundation/cfbridgingrelease(_:)
 typedef const void *CFTypeRef;
