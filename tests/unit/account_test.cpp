@@ -84,7 +84,7 @@ TEST_F(AccountTest, APasswordSignInBindsThisMacAndKeepsTheOtherSettings) {
     EXPECT_EQ(login.body, R"({"host":"Studio","password":"pass","username":"ann@example.com"})");
     EXPECT_EQ(cfg(), object(R"({"agentToken":"new","agentId":"id","server":"intl.example:443","host":"Studio",
         "username":"ann@example.com","loginName":"ann@example.com","localToken":"secret","other":{"kept":1}})"));
-    EXPECT_EQ(services.calls.filter(u"enable"_s).size(), 1); // the agent starts with it
+    EXPECT_EQ(services.operations(), u"enable bootstrap"_s); // the agent starts with it
     EXPECT_EQ(notices.last(), u"● Signed in as ann@example.com"_s);
     EXPECT_EQ(pairPanel.presented, 1);
 }
@@ -104,8 +104,11 @@ TEST_F(AccountTest, AnOlderCredentialIsReleasedOnceByItsServerBeforeTheNewOneIsW
         EXPECT_EQ(token(), u"new"_s);
     }
     sent.clear();
+    services.calls.clear();
     signIn(); // the same credential again: nothing to release
     EXPECT_EQ(sent.size(), 1);
+    EXPECT_EQ(services.operations(), u"enable bootstrap kickstart"_s); // a running agent restarts
+    EXPECT_EQ(health().startingUntil, scheduler.now() + 25s);
     home.writeConfig(R"({"agentToken":"old","server":"not a server"})");
     signIn();
     EXPECT_EQ(sent.last(), u"unbind intl.example:443 old"_s);

@@ -203,49 +203,26 @@ TEST_F(AgentConfigTest, AWriteIsPrivateWholeAndBehindALink) {
     EXPECT_EQ(modeOf(real), 0600u);
 }
 
-struct AgentControlTest : TrayFixture {
-    TrayState state;
-    int repairs = 0;
-    AgentConfig config{home.paths};
-    TimedNotices hud{notices, desktop, scheduler};
-    AgentControl control{state,    home.fixed, home.paths, config, services,
-                         programs, desktop,    scheduler,  hud,    {.repairService = [this] { ++repairs; }}};
+using AgentControlTest = TrayFixture;
 
-    QStringList callsOf(void (AgentControl::*operation)(std::function<void()>)) {
-        services.calls.clear();
-        bool ended = false;
-        (control.*operation)([&] { ended = true; });
-        scheduler.runDue();
-        EXPECT_TRUE(ended);
-        return services.calls;
-    }
-};
-
-TEST_F(AgentControlTest, LaunchLoadsTheJobOnlyOfABoundAndInstalledMac) {
-    EXPECT_TRUE(callsOf(&AgentControl::ensureAgentLoaded).isEmpty());
+TEST_F(AgentControlTest, LaunchLoadsTheJobUnlessItIsLoaded) {
+    agentIsSilent();
     home.bind();
-    EXPECT_TRUE(callsOf(&AgentControl::ensureAgentLoaded).isEmpty());
     home.installJobFile();
-    EXPECT_EQ(callsOf(&AgentControl::ensureAgentLoaded),
+    launch();
+    EXPECT_EQ(services.calls.mid(0, 2),
               (QStringList{u"print com.korvel.agent"_s, u"bootstrap com.korvel.agent.plist"_s}));
-    EXPECT_EQ(state.health.startingUntil, scheduler.now() + 25s);
-    EXPECT_EQ(callsOf(&AgentControl::ensureAgentLoaded), QStringList{u"print com.korvel.agent"_s});
-}
-
-TEST_F(AgentControlTest, ARestartUndoesAPauseAndReplacesARunningInstance) {
-    callsOf(&AgentControl::restartAgent);
-    EXPECT_EQ(repairs, 1);
-    home.installJobFile();
-    EXPECT_EQ(callsOf(&AgentControl::restartAgent),
-              (QStringList{u"enable com.korvel.agent"_s, u"bootstrap com.korvel.agent.plist"_s}));
-    EXPECT_EQ(callsOf(&AgentControl::restartAgent).last(), u"kickstart com.korvel.agent"_s);
-    EXPECT_EQ(state.health.startingUntil, scheduler.now() + 25s);
+    EXPECT_EQ(health().startingUntil, scheduler.now() + 25s);
+    services.calls.clear();
+    launch();
+    EXPECT_FALSE(services.calls.contains(u"bootstrap com.korvel.agent.plist"_s));
 }
 
 TEST_F(AgentControlTest, QuittingStopsTheAgentAndItsStraysFirst) {
-    services.loaded = true;
-    control.quitAll();
-    control.quitAll();
+    launchBound();
+    forget();
+    item.press(Action::QuitAll);
+    item.press(Action::QuitAll);
     EXPECT_EQ(notices.last(), u"⏻ Quitting…"_s);
     EXPECT_EQ(desktop.terminated, 0);
     scheduler.runDue();
@@ -255,20 +232,19 @@ TEST_F(AgentControlTest, QuittingStopsTheAgentAndItsStraysFirst) {
     EXPECT_EQ(programs.runs[0].arguments, (QStringList{u"-f"_s, u"Korvel.app/Contents/Resources/korvel-agent"_s}));
     EXPECT_EQ(programs.runs[1].arguments, (QStringList{u"-f"_s, u"korvel-agent.mjs run"_s}));
     EXPECT_EQ(desktop.terminated, 1);
-}
-
-TEST_F(AgentControlTest, AHangingServiceManagerDoesNotKeepTheUserFromQuitting) {
+    launch();
     scheduler.holdBackground(true);
-    control.quitAll();
-    scheduler.advance(30s);
-    EXPECT_EQ(desktop.terminated, 1);
+    item.press(Action::QuitAll);
+    scheduler.advance(30s); // the service manager hangs
+    EXPECT_EQ(desktop.terminated, 2);
 }
 
 TEST_F(AgentControlTest, TheLogIsOpenedWhenThereIsOne) {
-    control.openLog();
+    launch();
+    item.press(Action::OpenLog);
     EXPECT_EQ(notices.last(), u"No log yet"_s);
     home.write(home.paths.logFile, "line");
-    control.openLog();
+    item.press(Action::OpenLog);
     EXPECT_EQ(desktop.opened, QStringList{u"file://"_s + home.paths.logFile});
 }
 

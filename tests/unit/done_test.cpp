@@ -1,4 +1,3 @@
-#include "app/single_instance.h"
 #include "base/alive.h"
 #include "base/done.h"
 #include "platform/qt/qt_scheduler.h"
@@ -8,7 +7,6 @@
 #include <QThread>
 #include <atomic>
 #include <gtest/gtest.h>
-#include <map>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -96,36 +94,6 @@ TEST(QtScheduler, ATimerMayBeCancelledByItsOwnCall) {
     const Timer end = scheduler.after(milliseconds(20), [&] { loop.quit(); });
     loop.exec();
     EXPECT_EQ(std::pair(periodic, single), std::pair(1, 1));
-}
-
-/// Instances that exit some time after the request.
-struct FakeInstances final : RunningInstances {
-    QList<qint64> others() override { return ids; }
-    void terminate(qint64) override {}
-    bool isTerminated(qint64 id) override { return now >= exitsAt.at(id); }
-    void forceTerminate(qint64 id) override { forced.append(id); }
-
-    Instant now = Instant(1h);
-    QList<qint64> ids, forced;
-    std::map<qint64, Instant> exitsAt;
-
-    milliseconds timeWith(qint64 id, milliseconds exitsAfter) {
-        ids.append(id);
-        const Instant start = now;
-        exitsAt[id] = now + exitsAfter;
-        endOtherInstances(
-            *this, [this](milliseconds by) { now += by; }, [this] { return now; });
-        return std::chrono::duration_cast<milliseconds>(now - start);
-    }
-};
-
-TEST(SingleInstance, OthersAreWaitedForNoLongerThanNeededAndForcedAfterThreeSeconds) {
-    FakeInstances instances;
-    EXPECT_EQ(instances.timeWith(7, 0ms), 0ms);
-    EXPECT_EQ(instances.timeWith(8, 250ms), 300ms);
-    EXPECT_TRUE(instances.forced.isEmpty());
-    EXPECT_EQ(instances.timeWith(9, 1h), 3000ms);
-    EXPECT_EQ(instances.forced, QList<qint64>{9});
 }
 
 } // namespace

@@ -242,29 +242,21 @@ TEST_F(AlertTest, EscapeAndCloseGiveTheHarmlessAnswerOnce) {
     EXPECT_EQ(pressed, (QList{2, 2}));
 }
 
-TEST_F(AlertTest, LeavesOtherWindowsUsableAndHasItsMainButtonWhereTheSystemHasIt) {
+TEST_F(AlertTest, LeavesOtherWindowsUsableAndItsButtonsFollowTheSystem) {
     struct MacStyle final : QProxyStyle {
         int styleHint(StyleHint hint, const QStyleOption *o, const QWidget *w, QStyleHintReturn *r) const override {
             return hint == SH_DialogButtonLayout ? QDialogButtonBox::MacLayout : QProxyStyle::styleHint(hint, o, w, r);
         }
     };
-    const auto leftToRight = [&] {
-        AlertDialog *dialog = open({.title = u"t"_s, .buttons = view.buttons, .escape = 2, .main = 2});
-        EXPECT_FALSE(dialog->isModal());
-        EXPECT_EQ(dialog->focusWidget(), dialog->buttons().at(2));
-        QTest::keyClick(dialog, Qt::Key_Return);
-        EXPECT_EQ(pressed.last(), 2);
-        QList<QPushButton *> buttons = dialog->buttons();
-        std::ranges::sort(buttons, {}, [](const QPushButton *button) { return button->x(); });
-        QStringList titles;
-        for (const QPushButton *button : buttons)
-            titles.append(button->text());
-        return titles;
-    };
-    EXPECT_EQ(leftToRight(), view.buttons);
     const QString usual = QApplication::style()->name();
     QApplication::setStyle(new MacStyle);
-    EXPECT_EQ(leftToRight(), (QStringList{u"Later"_s, u"Deny"_s, u"Allow"_s}));
+    AlertDialog *dialog = open({.title = u"t"_s, .buttons = view.buttons, .escape = 2, .main = 2});
+    EXPECT_FALSE(dialog->isModal());
+    const QList<QPushButton *> buttons = dialog->buttons();
+    EXPECT_TRUE(buttons[2]->x() < buttons[1]->x() && buttons[1]->x() < buttons[0]->x());
+    EXPECT_EQ(dialog->focusWidget(), buttons[2]);
+    QTest::keyClick(dialog, Qt::Key_Return);
+    EXPECT_EQ(pressed, QList{2});
     QApplication::setStyle(usual);
 }
 

@@ -5,7 +5,7 @@
 namespace korvel::test {
 namespace {
 
-struct LaunchTest : TrayFixture {};
+using LaunchTest = TrayFixture;
 
 TEST_F(LaunchTest, AFreshUserIsRepairedFirstAndThenPolled) {
     placeAgent();
@@ -23,23 +23,6 @@ TEST_F(LaunchTest, AFreshUserIsRepairedFirstAndThenPolled) {
     for (const EditMenuItem &entry : desktop.editMenu)
         keys += entry.title.isEmpty() ? u"-"_s : entry.key;
     EXPECT_EQ(keys, u"zZ-xcva"_s);
-}
-
-TEST_F(LaunchTest, WithoutAThreadEveryFeatureGoesOn) {
-    placeAgent();
-    agentIsSilent();
-    scheduler.haveThreads(false);
-    launch(); // without a job file: a repair
-    EXPECT_FALSE(tray->currentState().service.repairing);
-    EXPECT_TRUE(tray->currentState().service.repairFailed);
-    item.choose(Action::BrowserLogin);
-    loginPanel.does(LoginInput::Kind::Account, u"ann"_s);
-    loginPanel.does(LoginInput::Kind::Submit);
-    scheduler.runDue();
-    EXPECT_FALSE(loginPanel.view.busy);
-    EXPECT_EQ(loginPanel.view.error, u"Couldn't finish. Check your network and try again."_s);
-    choose(Action::QuitAll);
-    EXPECT_EQ(desktop.terminated, 1);
 }
 
 TEST_F(LaunchTest, UpdatesAreCheckedOnScheduleAndWhenTheMenuOpens) {
@@ -67,8 +50,7 @@ TEST_F(LaunchTest, OpeningTheMenuReadsTheOptionKeyAndSendsNothingToASilentAgent)
     desktop.option = true;
     EXPECT_EQ(item.entry(Action::OpenLog), MenuEntry());
     item.events.menuOpening();
-    item.choose(Action::OpenLog);
-    EXPECT_EQ(notices.last(), u"No log yet"_s);
+    EXPECT_NE(item.entry(Action::OpenLog), MenuEntry());
 }
 
 TEST_F(LaunchTest, ReopeningDoesTheMostUsefulThing) {

@@ -96,19 +96,6 @@ TEST(ContrastStyle, EdgesAndSeparatorsAreVisible) {
     }
 }
 
-TEST(PairCodeField, TheCursorOfAnEmptyFieldStandsWhereTheFirstDigitWill) {
-    PairCodeField field;
-    const auto cursor = [&] {
-        field.grab(); // a line edit places its text when it paints
-        return field.inputMethodQuery(Qt::ImCursorRectangle).toRect().center().x();
-    };
-    const int empty = cursor();
-    QTest::keyClicks(&field, u"123456"_s);
-    EXPECT_GT(cursor(), 220 / 2);
-    field.setCursorPosition(0);
-    EXPECT_NEAR(cursor(), empty, 1);
-}
-
 TEST(MenuPlace, IsBesideThePanelAndNotOverIt) {
     const QRect screen(1280, 0, 1280, 800); // the right one of two
     const QSize menu(300, 200);
@@ -129,48 +116,6 @@ TEST(MenuPlace, IsBesideThePanelAndNotOverIt) {
         const QPoint place = menuPlace(c.pointer, menu, screen, c.room);
         EXPECT_EQ(place, c.place) << c.pointer.x() << ' ' << c.pointer.y() << ": " << place.x() << ' ' << place.y();
         EXPECT_TRUE(screen.contains(QRect(place, menu)));
-    }
-}
-
-TEST(LongText, ANameWithoutSpacesIsWrappedAndKeptWhole) {
-    ToneLabel label(uiFont(13), Tone::Normal);
-    label.setWordWrap(true);
-    const int line = label.wrappedSize(300).height();
-    for (const QString &name : {QString(200, u'W'), u"محمد"_s.repeated(50), u"👩‍💻"_s.repeated(60)}) {
-        label.setText(u"Denied "_s + name + u" for good"_s);
-        const QSize size = label.wrappedSize(300);
-        EXPECT_LE(size.width(), 300);
-        EXPECT_GE(size.height(), 3 * line);
-    }
-}
-
-TEST(LongText, OnlyTextFromOutsideIsScrolledInAnAlert) {
-    const auto sizeWith = [&](const QString &said, bool scrolls) {
-        AlertDialog dialog({.title = u"New device: Anna's phone"_s,
-                            .fromOutside = said,
-                            .text = u"Do not enter it. "_s.repeated(20),
-                            .buttons = {u"Allow"_s, u"Deny"_s, u"Later"_s},
-                            .fields = {{}, {}, {.kind = AlertField::Kind::Address}}},
-                           [](const AlertAnswer &) {});
-        dialog.show();
-        for (const QWidget *part : dialog.findChildren<QWidget *>()) {
-            const auto *text = dynamic_cast<const ToneLabel *>(part);
-            const bool fits = dialog.rect().contains({part->mapTo(&dialog, QPoint()), part->size()});
-            if (text && text->text() == said) {
-                EXPECT_EQ(text->height() > text->parentWidget()->height(), scrolls);
-            } else if (text || qobject_cast<const QPushButton *>(part)) {
-                EXPECT_TRUE(fits);
-            }
-        }
-        return dialog.size();
-    };
-    const QSize one = sizeWith(u"No."_s, false), ten = sizeWith(u"No.\n"_s.repeated(10), false);
-    EXPECT_GT(ten.height(), one.height() + 100);
-    for (const QString &flood : {QString(1000, u'W'), u"\n"_s.repeated(999) + u'.'}) {
-        const QSize full = sizeWith(flood, true);
-        EXPECT_EQ(full.width(), one.width());
-        EXPECT_GT(full.height(), ten.height());
-        EXPECT_LE(full.height(), roomForWindows().height());
     }
 }
 

@@ -60,10 +60,15 @@ TEST_F(PermissionsTest, EachPermissionIsOneLineAndOnlySettingsAreOpened) {
 
 TEST_F(PermissionsTest, OneFetchIsInFlightAtATimeAndAPartialResponseKeepsTheList) {
     launchWith(LACKING);
+    http.respond = [](const HttpRequest &r) { return json(r.url.endsWith(u"/perms") ? LACKING : ONLINE); };
+    scheduler.advance(30s);
     EXPECT_EQ(requestsTo(u"/perms"_s), 1);
-    item.events.menuOpening();
-    item.events.menuOpening();
+    scheduler.advance(3s);
     EXPECT_EQ(requestsTo(u"/perms"_s), 2);
+    http.respond = nullptr;
+    item.events.menuOpening();
+    item.events.menuOpening();
+    EXPECT_EQ(requestsTo(u"/perms"_s), 3);
     complete(u"/perms"_s, json(R"({"ok":true})"));
     EXPECT_EQ(block().size(), 7);
     EXPECT_EQ(permissions().permsOk, false);

@@ -1,5 +1,4 @@
 #include "exchange/ed25519.h"
-#include "exchange/sha256.h"
 #include "support/signing.h"
 #include "support/tray_fixture.h"
 #include "update/install_script.h"
@@ -10,7 +9,6 @@
 
 #include <QCryptographicHash>
 #include <QJsonArray>
-#include <sys/stat.h>
 
 namespace korvel::test {
 namespace {
@@ -106,16 +104,6 @@ TEST(UpdateSignature, BindsNameVersionAndHashOnly) {
         config.UPDATE_PUBKEY = key;
         EXPECT_FALSE(isSigned(config, signedInfo())) << key.toStdString();
     }
-}
-
-TEST(Sha256, IsOfTheWholeRegularFile) {
-    const TestHome home;
-    const QString path = home.home() + u"/file"_s, pipe = home.home() + u"/pipe"_s;
-    home.write(path, QByteArray(1000000, 'a'));
-    EXPECT_EQ(sha256File(path), u"cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0"_s);
-    ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
-    for (const QString &other : {home.home() + u"/none"_s, home.home(), pipe}) // does not wait for a writer
-        EXPECT_EQ(sha256File(other), std::nullopt) << other.toStdString();
 }
 
 TEST(InstallScript, IsOneLineThatKeepsAnyPathWhole) {
