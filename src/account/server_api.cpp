@@ -3,9 +3,9 @@
 #include "app/model/wording.h"
 #include "base/json_values.h"
 #include "base/log.h"
+#include "base/plain_text.h"
 
 #include <QJsonDocument>
-#include <QTextBoundaryFinder>
 #include <QUrl>
 
 using namespace Qt::StringLiterals;
@@ -78,7 +78,7 @@ QString computerDisplayName(QString systemName) {
     // Counts grapheme clusters, so that an emoji is not cut in two.
     QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, systemName);
     for (qsizetype i = 0; i < MAX_NAME; ++i)
-        if (characters.toNextBoundary() < 0)
+        if (nextCluster(characters) < 0)
             return systemName;
     return systemName.left(characters.position());
 }

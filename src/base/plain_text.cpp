@@ -1,7 +1,6 @@
 #include "base/plain_text.h"
 
 #include <QStringDecoder>
-#include <QTextBoundaryFinder>
 #include <algorithm>
 #include <string>
 
@@ -104,6 +103,14 @@ std::optional<QString> utf8Text(const QByteArray &bytes) {
     return decoder.hasError() ? std::nullopt : std::optional(text);
 }
 
+qsizetype nextCluster(QTextBoundaryFinder &finder) {
+    const QString text = finder.string();
+    qsizetype end = finder.toNextBoundary();
+    while (end > 0 && end < text.size() && text.at(end).isLowSurrogate() && text.at(end - 1).isHighSurrogate())
+        end = finder.toNextBoundary();
+    return end;
+}
+
 QString shortened(const QString &text, qsizetype maxLength) {
     if (text.size() <= maxLength)
         return text;
@@ -118,7 +125,7 @@ QString shownName(const QString &name) {
     QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, line);
     qsizetype end = 0, cut = 0; // ends of the last character and of the last one that leaves room for "…"
     for (int count = 1; count <= MAX_NAME && end < line.size(); ++count) {
-        const qsizetype next = finder.toNextBoundary();
+        const qsizetype next = nextCluster(finder);
         if (next - end > MAX_CLUSTER)
             break;
         end = next;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QTextBoundaryFinder>
 #include <optional>
 
 namespace korvel {
@@ -10,6 +11,10 @@ constexpr qsizetype MAX_TEXT = 1000;
 
 /// Decodes UTF-8; none if the bytes are invalid.
 std::optional<QString> utf8Text(const QByteArray &bytes);
+
+/// Moves to the end of the next grapheme cluster and returns it; -1 at the end of the text. Never between the halves of
+/// a surrogate pair, where Qt 6.4 sees a boundary in Indic scripts.
+qsizetype nextCluster(QTextBoundaryFinder &finder);
 
 /// `text`, cut to `maxLength` characters with a final "…" if it is longer.
 QString shortened(const QString &text, qsizetype maxLength = MAX_TEXT);

@@ -5,8 +5,6 @@
 #include "fuzz/fuzz.h"
 #include "update/signature.h"
 
-#include <QTextBoundaryFinder>
-
 using namespace korvel;
 using namespace Qt::StringLiterals;
 using fuzz::require;
@@ -16,7 +14,7 @@ namespace {
 int clusters(const QString &text) {
     QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
     int count = 0;
-    while (finder.toNextBoundary() >= 0)
+    while (nextCluster(finder) >= 0)
         ++count;
     return count;
 }
@@ -87,7 +85,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
                              : QString::fromUtf8(input.bytes);
     checkName(text);
     checkLines(text, 1 + input.mode % 40);
-    if (!raw) // halves become replacement characters
+    if (!raw && !text.contains(QChar(QChar::ByteOrderMark))) // halves become replacement characters, marks disappear
         checkOrder(text);
     checkCode(text, static_cast<qsizetype>(input.mode % 16) - 2);
     checkBase64(text);

@@ -25,6 +25,7 @@ TEST(ServerApi, AResponseIsJudgedByItsBodyAlone) {
     // The name of a computer goes without its domain and in at most 32 characters.
     EXPECT_EQ(computerDisplayName(QString(40, u'x')), QString(32, u'x'));
     EXPECT_EQ(computerDisplayName(QString(31, u'x') + u"👩‍💻y"_s), QString(31, u'x') + u"👩‍💻"_s);
+    EXPECT_EQ(computerDisplayName(QString(30, u'x') + u"ਊ😀y"_s), QString(30, u'x') + u"ਊ😀"_s);
     EXPECT_EQ(computerDisplayName(u"王的电脑.local"_s), u"王的电脑"_s);
 }
 

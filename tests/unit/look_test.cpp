@@ -133,6 +133,7 @@ TEST(LongText, ANameIsOneLineOfSixtyFourCharactersAtMost) {
          u"é"_s.normalized(QString::NormalizationForm_D).repeated(64)},
         {u"e"_s + u"\u0301\u0301\u0301\u200b"_s.repeated(99), u"e\u0301\u0301\u0301\u0301"_s},
         {family + wave, family + wave},
+        {QString(61, u'W') + u"ਊ😀abc"_s, QString(61, u'W') + u"ਊ😀…"_s}, // Qt splits this emoji
         {QString(100000, u'\n') + u'a', u"…"_s},
         {u"\u1100"_s.repeated(2000), u"…"_s}, // one character that never ends
     };
