@@ -9,7 +9,7 @@ struct AgentJourney : Journey {
 
 TEST_F(AgentJourney, ABrokenResponseCountsAsNoneAndBlocksNothing) {
     ASSERT_NO_FATAL_FAILURE(startConnected());
-    for (const QString &mode : {u"silent"_s, u"garbage"_s, u"huge"_s}) {
+    for (const QString &mode : {u"silent"_s, u"garbage"_s, u"wrong-types"_s, u"huge"_s}) {
         SCOPED_TRACE(mode.toStdString());
         home.setScenario(agentFault(u"/health"_s, {{u"mode"_s, mode}}));
         ASSERT_TRUE(eventually([&] { return !item.icon.on; }));

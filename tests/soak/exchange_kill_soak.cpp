@@ -49,7 +49,7 @@ TEST_F(ExchangeKillSoak, EachKillIsReportedAsAFailureAndTheNextTryWorks) {
         if (performAndKill(Action::InstallUpdate, 500) != updated) {
             ++failures;
             ASSERT_TRUE(notices.shown.back().error) << notices.last().toStdString();
-            ASSERT_TRUE(isOffered(version));
+            ASSERT_TRUE(eventually([&] { return isOffered(version); }));
             ASSERT_EQ(install(), updated);
         }
     }
