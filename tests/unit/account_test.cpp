@@ -178,7 +178,6 @@ TEST_F(AccountTest, TheDialogComesBackWithTheInputAndTheError) {
     EXPECT_EQ(alerts.view.fields[0].text, u"ann"_s);
     alerts.answer(0, {u"ann"_s, u"pass"_s, u"own example"_s});
     EXPECT_EQ(alerts.view.fromOutside, u"The server address isn't valid."_s);
-    EXPECT_EQ(alerts.view.fields[2].text, u"own example"_s);
     EXPECT_TRUE(sent.isEmpty());
     loginReply = R"({"error":"Wrong\npassword. "})";
     alerts.answer(0, {u"ann"_s, u"pass"_s, u"https://own.example/"_s});
@@ -189,7 +188,6 @@ TEST_F(AccountTest, TheDialogComesBackWithTheInputAndTheError) {
     EXPECT_EQ(alerts.view.fields[1].text, u""_s);
     EXPECT_FALSE(notices.visible); // no longer "signing in"
     alerts.dismiss();
-    EXPECT_FALSE(alerts.isOpen());
     EXPECT_EQ(file(), ""_ba);
     home.bind();
     item.press(Action::LoginDialog);

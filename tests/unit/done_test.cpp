@@ -1,3 +1,4 @@
+#include "app/single_instance.h"
 #include "base/alive.h"
 #include "base/done.h"
 #include "platform/qt/qt_scheduler.h"
@@ -9,6 +10,7 @@
 #include <gtest/gtest.h>
 #include <system_error>
 #include <thread>
+#include <tuple>
 #include <utility>
 
 namespace korvel::test {
@@ -94,6 +96,29 @@ TEST(QtScheduler, ATimerMayBeCancelledByItsOwnCall) {
     const Timer end = scheduler.after(milliseconds(20), [&] { loop.quit(); });
     loop.exec();
     EXPECT_EQ(std::pair(periodic, single), std::pair(1, 1));
+}
+
+/// One other instance.
+struct FakeInstances final : RunningInstances {
+    QList<qint64> others() override { return {7}; }
+    void terminate(qint64) override {}
+    bool isTerminated(qint64) override { return now >= exit; }
+    void forceTerminate(qint64) override { forced = true; }
+
+    Instant now, exit;
+    bool forced = false;
+};
+
+TEST(SingleInstance, AnotherOneIsForcedToExitAfterThreeSeconds) {
+    for (const auto &[exitsAfter, time, forced] :
+         {std::tuple<milliseconds, milliseconds, bool>(0ms, 0ms, false), {250ms, 300ms, false}, {1h, 3000ms, true}}) {
+        FakeInstances instances;
+        instances.exit += exitsAfter;
+        endOtherInstances(
+            instances, [&](milliseconds by) { instances.now += by; }, [&] { return instances.now; });
+        EXPECT_EQ(instances.now, Instant(time));
+        EXPECT_EQ(instances.forced, forced);
+    }
 }
 
 } // namespace
