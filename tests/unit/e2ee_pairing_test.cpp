@@ -83,6 +83,7 @@ TEST_F(PairingTest, TheWindowFollowsThePairingAndClosesAfterSuccess) {
     notices.shown.clear();
     agentResponds(withReport(ACTIVE));
     scheduler.advance(3s - 10ms);
+    item.press(Action::ShowPair); // in a menu that is still open
     ASSERT_TRUE(pairPanel.visible);
     EXPECT_EQ(pairPanel.view.title, u"Paired"_s);
     EXPECT_EQ(pairPanel.view.code, u"🔒"_s);
