@@ -293,6 +293,21 @@ TEST_F(AccountRaceTest, ASignOutWinsOverASignInAtAnyStage) {
     }
 }
 
+TEST_F(AccountRaceTest, ASignInForgetsThatTheLastOneWasLost) {
+    nextPoll(SIGNED_OUT);
+    ASSERT_TRUE(health().authDead);
+    http.respond = nullptr;
+    scheduler.advance(3s); // sends a poll whose response comes after the sign-in
+    beginSignIn();
+    signedInAs("new");
+    released("t");
+    EXPECT_FALSE(health().authDead || health().authDeadNotified);
+    notices.shown.clear();
+    complete(u"/health"_s, json(SIGNED_OUT));
+    EXPECT_FALSE(health().authDead);
+    EXPECT_TRUE(notices.shown.empty());
+}
+
 TEST_F(AccountRaceTest, OfTwoSignInsTheNewerOneStaysAndTheOtherOneIsReleased) {
     for (const bool olderEndsFirst : {true, false}) {
         SCOPED_TRACE(olderEndsFirst);
