@@ -175,8 +175,7 @@ int runLogin(const FixedConfig &config, const Paths &paths) {
     const AgentCommand command(programs, scheduler, bundlePath(), std::nullopt);
     Unattended nobody;
     Repair repair(state, config, paths, command, programs, scheduler, nobody, nobody, nobody);
-    AgentControl agent(state, config, paths, agentConfig, services, programs, *desktop, scheduler, nobody,
-                       {.repairService = [&repair] { repair.repairService({}); }});
+    AgentControl agent(state, config, paths, agentConfig, services, programs, *desktop, scheduler, nobody, repair);
     ConfigWaiter configWaiter(agentConfig, scheduler);
     Binding binding(state.health, config, agentConfig, configWaiter, servers, *desktop, nobody, agent);
     int status = 1;

@@ -25,8 +25,7 @@ TrayApp::TrayApp(const FixedConfig &f, const Paths &pa, const TrayPorts &p)
               .fetchPerms = [this] { permissions.fetchPerms(); }}),
       command(p.programs, p.scheduler, p.bundlePath, p.agentBin),
       repair(state, fixed, paths, command, p.programs, p.scheduler, notices, health, *this),
-      agent(state, fixed, paths, config, p.services, p.programs, p.desktop, p.scheduler, notices,
-            {.repairService = [this] { repair.repairService({}); }}),
+      agent(state, fixed, paths, config, p.services, p.programs, p.desktop, p.scheduler, notices, repair),
       permissions(state.permissions, state.health, api, p.desktop, p.scheduler, notices, *this),
       sync(
           state, fixed, paths, config, p.services, p.scheduler, notices, health, *this, repair,

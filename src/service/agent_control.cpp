@@ -17,9 +17,9 @@ constexpr milliseconds QUIT_TIMEOUT = 30s;
 }
 
 AgentControl::AgentControl(TrayState &st, const FixedConfig &f, const Paths &p, const AgentConfig &c,
-                           ServiceControl &sv, Programs &pr, Desktop &d, Scheduler &s, Notices &no, Hooks h)
+                           ServiceControl &sv, Programs &pr, Desktop &d, Scheduler &s, Notices &no, Repair &re)
     : state(st), fixed(f), paths(p), config(c), services(sv), programs(pr), desktop(d), scheduler(s), notices(no),
-      hooks(std::move(h)) {}
+      repair(re) {}
 
 void AgentControl::ensureAgentLoaded(std::function<void()> then) {
     if (!bound(config.readCfg()) || !plistExists(paths))
@@ -36,7 +36,7 @@ void AgentControl::ensureAgentLoaded(std::function<void()> then) {
 
 void AgentControl::restartAgent(std::function<void()> then) {
     if (!plistExists(paths)) {
-        hooks.repairService();
+        repair.repairService({});
         return then();
     }
     auto restarted = [&sv = services, label = fixed.AGENT_LABEL, plist = paths.agentPlist] {
@@ -55,7 +55,7 @@ void AgentControl::startStoppedAgent(std::function<void()> then) {
     if (state.health.running)
         return then();
     if (!plistExists(paths)) {
-        hooks.repairService();
+        repair.repairService({});
         return then();
     }
     auto started = [&sv = services, label = fixed.AGENT_LABEL, plist = paths.agentPlist] {

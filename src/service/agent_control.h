@@ -8,6 +8,7 @@
 #include "ports/programs.h"
 #include "ports/service_control.h"
 #include "service/agent_config.h"
+#include "service/repair.h"
 
 #include <functional>
 
@@ -16,12 +17,9 @@ namespace korvel {
 /// Starts, restarts and stops the agent's launchd job, and shows its log.
 class AgentControl {
 public:
-    struct Hooks {
-        std::function<void()> repairService;
-    };
     AgentControl(TrayState &state, const FixedConfig &fixed, const Paths &paths, const AgentConfig &config,
                  ServiceControl &services, Programs &programs, Desktop &desktop, Scheduler &scheduler, Notices &notices,
-                 Hooks hooks);
+                 Repair &repair);
 
     /// Loads the job if this Mac is bound and the job is not loaded, then calls `then`.
     void ensureAgentLoaded(std::function<void()> then);
@@ -43,7 +41,7 @@ private:
     Desktop &desktop;
     Scheduler &scheduler;
     Notices &notices;
-    Hooks hooks;
+    Repair &repair;
     bool quitting = false;
     Timer quitAnyway;
     Alive alive;
