@@ -8,7 +8,7 @@
 namespace korvel::gallery {
 
 /// What makes a difference to how a case looks.
-enum class Differs { InLanguageAndLook, InLanguage, InNothing };
+enum class Differs { InLanguageAndAppearance, InLanguage, InNothing };
 
 /// One thing that the program can show, in one state.
 struct Case {
@@ -16,7 +16,7 @@ struct Case {
     QString name;  ///< Of its pictures: lower case and hyphens, unique in the group.
     /// Puts it on the screen as the program does; it goes with the result.
     std::function<std::shared_ptr<void>()> show;
-    Differs differs = Differs::InLanguageAndLook;
+    Differs differs = Differs::InLanguageAndAppearance;
 };
 
 /// Every case, grouped, in the language that is set now.

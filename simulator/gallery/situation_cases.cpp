@@ -202,9 +202,9 @@ QList<Case> situationCases() {
         for (const Sample &sample : samples)
             cases.append({group, QLatin1StringView(sample.name), [sample, show] { return in(sample, show); }, differs});
     };
-    append(u"Menu"_s, statusSamples() + menuSamples(), showMenu, Differs::InLanguageAndLook);
-    append(u"Menu with encryption"_s, encryptionSamples(), showMenu, Differs::InLanguageAndLook);
-    append(u"Menu with permissions"_s, permissionSamples(), showMenu, Differs::InLanguageAndLook);
+    append(u"Menu"_s, statusSamples() + menuSamples(), showMenu, Differs::InLanguageAndAppearance);
+    append(u"Menu with encryption"_s, encryptionSamples(), showMenu, Differs::InLanguageAndAppearance);
+    append(u"Menu with permissions"_s, permissionSamples(), showMenu, Differs::InLanguageAndAppearance);
     append(u"Notices at start"_s, statusSamples() + startSamples(), showStartupNotice, Differs::InLanguage);
     return cases;
 }

@@ -6,12 +6,12 @@ class QWidget;
 
 namespace korvel::gallery {
 
-enum class Look { Light, Dark };
+enum class Appearance { Light, Dark };
 
 /// How a case is looked at.
 struct Setting {
     bool chinese = false;
-    Look look = Look::Light;
+    Appearance appearance = Appearance::Light;
     bool operator==(const Setting &) const = default;
 };
 
