@@ -64,12 +64,12 @@ int stepsUpTo(Tour &tour, const QString &entry) {
 
 } // namespace
 
-void lookAtMenu(Tour &tour, const QString &name) {
+void captureMenu(Tour &tour, const QString &name) {
     openWith(tour, LEFT_BUTTON, tour.tray().processId());
     closeWith(tour, u"Escape"_s, tour.tray().processId(), name);
 }
 
-void lookAtPanelMenu(Tour &tour, const QString &name) {
+void capturePanelMenu(Tour &tour, const QString &name) {
     openWith(tour, RIGHT_BUTTON, statusAreaProcess());
     closeWith(tour, u"Escape"_s, statusAreaProcess(), name);
 }

@@ -33,9 +33,9 @@ void restartPanel(Tour &tour) {
 
 QList<Step> menuSteps() {
     return {{u"a left click opens the menu, Escape closes it"_s,
-             [](Tour &tour) { lookAtMenu(tour, u"menu-left-click"_s); }},
+             [](Tour &tour) { captureMenu(tour, u"menu-left-click"_s); }},
             {u"a right click opens the panel's copy of it"_s,
-             [](Tour &tour) { lookAtPanelMenu(tour, u"menu-of-the-panel"_s); }},
+             [](Tour &tour) { capturePanelMenu(tour, u"menu-of-the-panel"_s); }},
             {u"no signal for three polls without a change"_s, quiet},
             {u"the panel restarts and the item is there again"_s, restartPanel}};
 }

@@ -43,7 +43,7 @@ void waitForPhone(Tour &tour) {
 void showTheCode(Tour &tour) {
     expect(tour.home().encryption().phoneSignIn(), u"the phone cannot sign in"_s);
     expectCode(tour, tour.home().encryption().pairCode(), {}, u"pairing-code"_s);
-    lookAtMenu(tour, u"pairing-menu"_s);
+    captureMenu(tour, u"pairing-menu"_s);
 }
 
 void typeWrongCode(Tour &tour) {

@@ -42,7 +42,7 @@ void fresh(Tour &tour) {
     const QString heading = L(u"权限 · 缺少 4 项", u"Permissions · 4 missing");
     expect(!entryThatBegins(tour, heading).isEmpty(), u"no heading"_s);
     expectEntry(tour, requestEntry(), true);
-    lookAtMenu(tour, u"permissions-missing"_s);
+    captureMenu(tour, u"permissions-missing"_s);
 }
 
 /// The user allows two, refuses one, and one more can only be turned on by hand.
@@ -60,7 +60,7 @@ void ask(Tour &tour) {
                  ALL_PROMPTS + NEXT_POLL);
     screenshot(tour, u"permissions-still-missing"_s);
     expectLine(tour, serverConnectedLine() + L(u" · ⚠ 缺少 2 项权限", u" · ⚠ 2 permissions missing"));
-    lookAtMenu(tour, u"permissions-two-missing"_s);
+    captureMenu(tour, u"permissions-two-missing"_s);
     expectRequests(tour, u"/perms/request"_s, 1);
 }
 
@@ -78,7 +78,7 @@ void grantByHand(Tour &tour) {
     expectMissing(tour, 0);
     expectEntry(tour, requestEntry(), false);
     expectNoNotice(tour, 11s);
-    lookAtMenu(tour, u"permissions-granted"_s);
+    captureMenu(tour, u"permissions-granted"_s);
 }
 
 void breakInstallation(Tour &tour) {
@@ -88,7 +88,7 @@ void breakInstallation(Tour &tour) {
     expectLine(tour, L(u"后台服务未正确安装，请点击「修复 Korvel」",
                        u"Korvel isn't installed correctly. Choose Repair Korvel."));
     expectEntry(tour, repairEntry(), true);
-    lookAtMenu(tour, u"not-installed"_s);
+    captureMenu(tour, u"not-installed"_s);
 }
 
 void repair(Tour &tour) {

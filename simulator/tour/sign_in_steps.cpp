@@ -38,7 +38,7 @@ void signedOut(Tour &tour) {
     change(tour, {{u"offline"_s, true}, {u"e2ee"_s, QJsonObject{{u"start"_s, u"pending"_s}}}});
     expect(tour.home().startAccountServer() && tour.home().signOut(), u"the simulated home could not be prepared"_s);
     expectSignedOut(tour);
-    lookAtMenu(tour, u"menu-signed-out"_s);
+    captureMenu(tour, u"menu-signed-out"_s);
 }
 
 void openWindow(Tour &tour) {

@@ -25,14 +25,14 @@ void progress(Tour &tour) {
     const QString beginning = L(u"正在安装语音识别… ", u"Installing speech recognition… ");
     expect(tour.waitUntil([&] { return !entryThatBegins(tour, beginning).isEmpty(); }, NEXT_POLL),
            u"the menu does not say that it installs"_s);
-    lookAtMenu(tour, u"speech-progress"_s);
+    captureMenu(tour, u"speech-progress"_s);
     expectProgress(tour, beginning, std::chrono::milliseconds(DOWNLOAD_TAKES_MS) + NEXT_POLL);
     expect(!entryThatBegins(tour, L(u"语音识别已安装，可在手机上选择「我的电脑识别」",
                                     u"Speech recognition is installed. Choose My computer on your phone."))
                 .isEmpty(),
            u"the menu does not say that it is installed"_s);
     expectRequests(tour, u"/e2ee/asr/install"_s, 1);
-    lookAtMenu(tour, u"speech-installed"_s);
+    captureMenu(tour, u"speech-installed"_s);
 }
 
 } // namespace

@@ -38,7 +38,7 @@ void announce(Tour &tour) {
                          u"⬆ Korvel 2.0 is available. Choose Update to 2.0 in the menu."));
     screenshot(tour, u"update-announced"_s);
     expectEntry(tour, updateEntry(), true);
-    lookAtMenu(tour, u"update-offered"_s);
+    captureMenu(tour, u"update-offered"_s);
 }
 
 /// The percent moves while the menu is looked at, and the agent is polled as ever.
@@ -54,7 +54,7 @@ void download(Tour &tour) {
                          u"↓ Downloading 2.0 (4.0 MB). Progress appears in the menu."));
     expectGoingOn(tour, beginning);
     screenshot(tour, u"update-downloading"_s);
-    lookAtMenu(tour, u"update-progress"_s);
+    captureMenu(tour, u"update-progress"_s);
     expectProgress(tour, beginning, DOWNLOAD_TIMEOUT);
     expect(requestsTo(tour, u"/health"_s) > polls, u"the agent was not polled meanwhile"_s);
 }
@@ -63,7 +63,7 @@ void install(Tour &tour) {
     expectNotice(tour, L(u"正在安装 2.0，请在弹出的对话框中输入 Mac 登录密码",
                          u"Installing 2.0. Enter your Mac password when prompted."));
     expectGoingOn(tour, L(u"正在安装 2.0…", u"Installing 2.0…"));
-    lookAtMenu(tour, u"update-installing"_s);
+    captureMenu(tour, u"update-installing"_s);
     expectNotice(tour, L(u"✓ 已更新到 2.0", u"✓ Updated to 2.0"), INSTALL_TIMEOUT);
     screenshot(tour, u"update-installed"_s);
     const QList<QJsonObject> installed = tour.home().installedPackages();
