@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 AgentPermissions::AgentPermissions(const HomePaths &home) : paths(home), permissions(home) {
-    QObject::connect(&look, &QTimer::timeout, &look, [this] { lookAtPrompt(); });
+    QObject::connect(&checks, &QTimer::timeout, &checks, [this] { checkPrompt(); });
 }
 
 void AgentPermissions::request(const Respond &respond) {
@@ -29,15 +29,15 @@ void AgentPermissions::openNextPrompt() {
         if (permissions.isUndetermined(name) && !asked.contains(name)) {
             asked.append(name);
             promptAge.start();
-            return look.start(20ms);
+            return checks.start(20ms);
         }
-    look.stop();
+    checks.stop();
     speakAgentLanguage(Scenario(paths));
     for (const Respond &respond : std::exchange(waiting, {}))
         respond(HttpResponse::json(permissions.report()));
 }
 
-void AgentPermissions::lookAtPrompt() {
+void AgentPermissions::checkPrompt() {
     const QString &name = asked.last();
     const QJsonObject settings = Scenario(paths).section("permissions"_L1);
     if (permissions.isUndetermined(name) && promptAge.elapsed() >= milliseconds(settings, "promptMs"_L1, 500)) {

@@ -19,14 +19,14 @@ public:
 
 private:
     void openNextPrompt();
-    void lookAtPrompt();
+    void checkPrompt();
 
     HomePaths paths;
     Permissions permissions;
     QStringList asked;       ///< In the present round; the last one's prompt is open.
     QElapsedTimer promptAge; ///< Of that one.
     QList<Respond> waiting;  ///< For the end of the round.
-    QTimer look;
+    QTimer checks;
 };
 
 } // namespace korvel::sim

@@ -11,18 +11,18 @@ namespace korvel::sim {
 QDBusMessage callWithEvents(const QDBusConnection &bus, const QDBusMessage &message) {
     using namespace std::chrono_literals;
     constexpr auto REPLY_TIMEOUT = 2s;
-    constexpr auto LOOK_AGAIN_EVERY = 100ms; // an answer that came before the loop ran wakes nobody
+    constexpr auto CHECK_INTERVAL = 100ms; // an answer that came before the loop ran wakes nobody
     const QDBusPendingCall call =
-        bus.asyncCall(message, int(std::chrono::milliseconds(REPLY_TIMEOUT + LOOK_AGAIN_EVERY).count()));
+        bus.asyncCall(message, int(std::chrono::milliseconds(REPLY_TIMEOUT + CHECK_INTERVAL).count()));
     const QDBusPendingCallWatcher watcher(call);
     QEventLoop loop;
     QObject::connect(&watcher, &QDBusPendingCallWatcher::finished, &loop, &QEventLoop::quit);
-    QTimer look;
-    QObject::connect(&look, &QTimer::timeout, &loop, [&] {
+    QTimer checks;
+    QObject::connect(&checks, &QTimer::timeout, &loop, [&] {
         if (call.isFinished())
             loop.quit();
     });
-    look.start(LOOK_AGAIN_EVERY);
+    checks.start(CHECK_INTERVAL);
     QTimer::singleShot(REPLY_TIMEOUT, &loop, &QEventLoop::quit);
     if (!call.isFinished())
         loop.exec();

@@ -20,7 +20,7 @@ namespace korvel::sim {
 
 namespace {
 
-constexpr auto LOOK_AGAIN_EVERY = 20ms;
+constexpr auto CHECK_INTERVAL = 20ms;
 
 const auto WATCHER = u"org.kde.StatusNotifierWatcher"_s;
 const auto WATCHER_PATH = u"/StatusNotifierWatcher"_s;
@@ -148,7 +148,7 @@ bool PanelProbe::waitUntil(const std::function<bool()> &condition, std::chrono::
         if (waited.elapsed() >= within.count())
             return false;
         QEventLoop loop;
-        QTimer::singleShot(LOOK_AGAIN_EVERY, &loop, &QEventLoop::quit);
+        QTimer::singleShot(CHECK_INTERVAL, &loop, &QEventLoop::quit);
         loop.exec();
     }
     return true;
