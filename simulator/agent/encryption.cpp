@@ -289,21 +289,21 @@ bool Encryption::setState(const QString &name) {
            });
 }
 
-AskedDevice Encryption::askDevice(const QString &name, const QString &platform) {
-    AskedDevice asked;
+JoinRequest Encryption::requestJoin(const QString &name, const QString &platform) {
+    JoinRequest request;
     const bool done = change([&](QJsonObject &doc) {
-        asked = {drawIdentity(doc, u"device"_s), drawCode(doc)};
+        request = {drawIdentity(doc, u"device"_s), drawCode(doc)};
         QJsonArray devices = doc.value("pending"_L1).toArray();
-        devices.append(QJsonObject{{u"pendingId"_s, asked.pendingId},
+        devices.append(QJsonObject{{u"pendingId"_s, request.pendingId},
                                    {u"attempt"_s, 1},
                                    {u"name"_s, name},
                                    {u"platform"_s, platform},
                                    {u"ready"_s, true},
-                                   {u"code"_s, asked.code}});
+                                   {u"code"_s, request.code}});
         doc.insert("pending"_L1, devices);
         return isSignedIn(doc);
     });
-    return done ? asked : AskedDevice{};
+    return done ? request : JoinRequest{};
 }
 
 QString Encryption::raiseAlarm(const QString &text) {

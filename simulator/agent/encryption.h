@@ -12,7 +12,7 @@
 namespace korvel::sim {
 
 /// A device that asks to join the account's encryption.
-struct AskedDevice {
+struct JoinRequest {
     QString pendingId;
     QString code; ///< Six digits, which that device shows and the user types on the Mac.
 };
@@ -47,7 +47,7 @@ public:
     /// Puts the Mac into a state by its name: "pending" with a new code, "expired" for three seconds.
     bool setState(const QString &name);
     /// `platform` as the report has it: ios, android, mac, windows, linux, or another.
-    AskedDevice askDevice(const QString &name, const QString &platform);
+    JoinRequest requestJoin(const QString &name, const QString &platform);
     /// Raises a security alarm, or the alarm of an encryption reset. Returns its id.
     QString raiseAlarm(const QString &text);
     QString raiseResetAlarm();

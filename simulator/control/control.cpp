@@ -44,9 +44,9 @@ int set(Home &home, const QString &patch) {
     return USAGE;
 }
 
-int askDevice(Home &home, const QString &name, const QString &platform) {
-    const AskedDevice asked = home.encryption().askDevice(name, platform);
-    return given(asked.pendingId.isEmpty() ? QString() : asked.pendingId + u' ' + asked.code);
+int requestJoin(Home &home, const QString &name, const QString &platform) {
+    const JoinRequest request = home.encryption().requestJoin(name, platform);
+    return given(request.pendingId.isEmpty() ? QString() : request.pendingId + u' ' + request.code);
 }
 
 int credentials(Home &home) {
@@ -102,7 +102,7 @@ constexpr Verb VERBS[] = {
      [](Home &h, Words) { return statusOf(h.encryption().typeRight()); }},
     {"pair-code", "print the code that the Mac shows", [](Home &h, Words) { return given(h.encryption().pairCode()); }},
     {"device ask NAME PLATFORM", "a device asks to join; print its id and the code that it shows",
-     [](Home &h, Words a) { return askDevice(h, a[0], a[1]); }},
+     [](Home &h, Words a) { return requestJoin(h, a[0], a[1]); }},
     {"alarm TEXT", "raise a security alarm; print its id",
      [](Home &h, Words a) { return given(h.encryption().raiseAlarm(a[0])); }},
     {"reset-alarm", "raise the alarm of an encryption reset; print its id",

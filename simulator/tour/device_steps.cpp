@@ -57,10 +57,10 @@ void allowDevice(Tour &tour) {
     const QString device = L(u"安娜的手机", u"Anna's phone");
     const QJsonObject late{{u"/e2ee/pair"_s, QJsonObject{{u"delayMs"_s, CHECK_TAKES_MS}, {u"times"_s, 1}}}};
     change(tour, {{u"e2ee"_s, QJsonObject{{u"replies"_s, late}}}});
-    const AskedDevice asked = tour.home().encryption().askDevice(device, u"ios"_s);
+    const JoinRequest request = tour.home().encryption().requestJoin(device, u"ios"_s);
     const int before = requestsTo(tour, u"/e2ee/pair"_s);
     expectAlert(tour, {titleFor(device, u"iPhone"_s)}, u"device-asks"_s);
-    typeCode(tour, asked.code);
+    typeCode(tour, request.code);
     screenshot(tour, u"device-code-typed"_s);
     send(tour, before);
     expectNotice(tour, L(u"正在验证…", u"Verifying…"));
@@ -93,10 +93,10 @@ void denyDevice(Tour &tour, const QString &device) {
 void denySecond(Tour &tour) {
     const QString device = L(u"客厅平板", u"Living-room tablet");
     const QString title = titleFor(device, L(u"安卓手机", u"Android"));
-    const AskedDevice asked = tour.home().encryption().askDevice(device, u"android"_s);
+    const JoinRequest request = tour.home().encryption().requestJoin(device, u"android"_s);
     const int before = requestsTo(tour, u"/e2ee/pair"_s);
     expectAlert(tour, {title}, u"second-device-asks"_s);
-    typeCode(tour, otherCode(asked.code));
+    typeCode(tour, otherCode(request.code));
     send(tour, before);
     expectAlert(tour, {title, L(u"配对码与新设备上显示的不一致", u"That isn't the code shown on the new device.")},
                 u"second-device-wrong-code"_s);

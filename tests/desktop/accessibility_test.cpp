@@ -74,7 +74,7 @@ TEST_F(AccessibilityTest, ADeviceIsAllowedByKeyboardAndAHeldKeyDismissesNoAlarm)
     installAndSignIn();
     ASSERT_NO_FATAL_FAILURE(start());
     ASSERT_TRUE(lineIs(CONNECTED));
-    const sim::AskedDevice device = home.encryption().askDevice(u"Anna's phone"_s, u"ios"_s);
+    const sim::JoinRequest device = home.encryption().requestJoin(u"Anna's phone"_s, u"ios"_s);
     const QString title = u"New device: Anna's phone · iPhone"_s;
     ASSERT_TRUE(comesUp(title));
     EXPECT_EQ(window().description, title);
@@ -115,13 +115,13 @@ TEST_F(AccessibilityTest, TheSignInWindowNamesItsControlsAndKeepsThePassword) {
 
     ASSERT_TRUE(reader.listen());
     sim::typeText(u"sam@example.com"_s);
-    ASSERT_TRUE(soon([&] { return reader.heard().endsWith(u".com"); }));
-    const qsizetype before = reader.heard().size();
+    ASSERT_TRUE(soon([&] { return reader.typed().endsWith(u".com"); }));
+    const qsizetype before = reader.typed().size();
     tab();
     ASSERT_EQ(stop(focus()), u"Password (password text)");
     sim::typeText(u"not the one"_s);
-    ASSERT_TRUE(soon([&] { return reader.heard().size() >= before + 11; }));
-    EXPECT_EQ(reader.heard().mid(before), QString(11, QChar(0x2022)));
+    ASSERT_TRUE(soon([&] { return reader.typed().size() >= before + 11; }));
+    EXPECT_EQ(reader.typed().mid(before), QString(11, QChar(0x2022)));
     sim::pressKey(u"Return"_s);
     ASSERT_TRUE(opens(u"Incorrect account or password."_s));
     for (const AccessibleElement &each : window().elements)
