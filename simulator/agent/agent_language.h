@@ -7,8 +7,8 @@ namespace korvel::sim {
 
 /// Settles the language of the agent's texts: the scenario's, else that of KORVEL_LANG.
 inline void speakAgentLanguage(const Scenario &scenario) {
-    const QJsonValue asked = scenario.section(QLatin1StringView("e2ee")).value(QLatin1StringView("lang"));
-    ZH = asked.toString(qEnvironmentVariable("KORVEL_LANG")).startsWith(QLatin1StringView("zh"));
+    const QJsonValue entry = scenario.section(QLatin1StringView("e2ee")).value(QLatin1StringView("lang"));
+    ZH = entry.toString(qEnvironmentVariable("KORVEL_LANG")).startsWith(QLatin1StringView("zh"));
 }
 
 } // namespace korvel::sim

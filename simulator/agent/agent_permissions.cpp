@@ -20,14 +20,14 @@ void AgentPermissions::request(const Respond &respond) {
     waiting.append(respond);
     if (waiting.size() > 1)
         return;
-    asked.clear();
+    prompted.clear();
     openNextPrompt();
 }
 
 void AgentPermissions::openNextPrompt() {
     for (const QString &name : Permissions::names())
-        if (permissions.isUndetermined(name) && !asked.contains(name)) {
-            asked.append(name);
+        if (permissions.isUndetermined(name) && !prompted.contains(name)) {
+            prompted.append(name);
             promptAge.start();
             return checks.start(20ms);
         }
@@ -38,7 +38,7 @@ void AgentPermissions::openNextPrompt() {
 }
 
 void AgentPermissions::checkPrompt() {
-    const QString &name = asked.last();
+    const QString &name = prompted.last();
     const QJsonObject settings = Scenario(paths).section("permissions"_L1);
     if (permissions.isUndetermined(name) && promptAge.elapsed() >= milliseconds(settings, "promptMs"_L1, 500)) {
         // Accessibility cannot be granted in a prompt.

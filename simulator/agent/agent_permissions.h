@@ -23,7 +23,7 @@ private:
 
     HomePaths paths;
     Permissions permissions;
-    QStringList asked;       ///< In the present round; the last one's prompt is open.
+    QStringList prompted;    ///< In the present round; the last one's prompt is open.
     QElapsedTimer promptAge; ///< Of that one.
     QList<Respond> waiting;  ///< For the end of the round.
     QTimer checks;

@@ -146,7 +146,7 @@ QString installSpeech(QJsonObject &doc, qint64 now) {
         doc.insert("asr"_L1, QJsonObject{{u"ready"_s, false}, {u"installing"_s, u"download"_s}, {u"pct"_s, 0}});
         doc.insert("downloadSince"_L1, now);
     }
-    return {}; // under way or there already: all is as asked
+    return {}; // under way or there already: nothing to do
 }
 
 struct Endpoint {
@@ -158,8 +158,8 @@ constexpr Endpoint ENDPOINTS[] = {
     {"/e2ee/pair", [](QJsonObject &doc, const QJsonObject &body, qint64) { return admitDevice(doc, body); }},
     {"/e2ee/reject",
      [](QJsonObject &doc, const QJsonObject &body, qint64) {
-         const bool asked = removeElement(doc, u"pending"_s, u"pendingId"_s, textIn(body, "pendingId"_L1));
-         return asked ? QString() : u"answered"_s;
+         const bool found = removeElement(doc, u"pending"_s, u"pendingId"_s, textIn(body, "pendingId"_L1));
+         return found ? QString() : u"answered"_s;
      }},
     {"/e2ee/pair/new",
      [](QJsonObject &doc, const QJsonObject &, qint64) {
@@ -206,16 +206,16 @@ Encryption::Encryption(const HomePaths &p, AgentConfig c)
     : paths(p), config(std::move(c)), document(paths.state(u"e2ee.json"_s)) {}
 
 bool Encryption::change(const std::function<bool(QJsonObject &)> &event) const {
-    const QJsonObject asked = Scenario(paths).section("e2ee"_L1);
+    const QJsonObject scenario = Scenario(paths).section("e2ee"_L1);
     const QString start =
-        STATES.contains(asked.value("start"_L1).toString()) ? asked.value("start"_L1).toString() : QString();
+        STATES.contains(scenario.value("start"_L1).toString()) ? scenario.value("start"_L1).toString() : QString();
     const QString signIn = signInOf(config);
     bool happened = false;
     const bool kept = document.change([&](QJsonObject &doc) {
         const QString began = doc.value("began"_L1).toString(u"active"_s);
         if (doc.value("signIn"_L1).toString() != signIn || (!start.isEmpty() && start != began))
             doc = begun(doc, signIn, start.isEmpty() ? u"active"_s : start, timeNow());
-        advance(doc, milliseconds(asked, "asrMs"_L1, DOWNLOAD_MS), timeNow());
+        advance(doc, milliseconds(scenario, "asrMs"_L1, DOWNLOAD_MS), timeNow());
         QJsonObject changed = doc;
         happened = event(changed);
         if (happened)

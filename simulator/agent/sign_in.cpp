@@ -83,14 +83,14 @@ void signInByCommand(const ProgramCall &call, const QJsonObject &request) {
     const Scenario scenario(call.paths);
     const QJsonObject all = scenario.section("login"_L1);
     const QString op = request.value("op"_L1).toString();
-    const QJsonObject asked = all.value(all.contains(op) ? op : u"*"_s).toObject();
-    for (const QJsonValue line : asked.value("noise"_L1).toArray())
+    const QJsonObject entry = all.value(all.contains(op) ? op : u"*"_s).toObject();
+    for (const QJsonValue line : entry.value("noise"_L1).toArray())
         std::puts(qUtf8Printable(line.toString()));
     std::fflush(stdout);
-    pauseFor(milliseconds(asked, "delayMs"_L1));
-    if (asked.value("silent"_L1).toBool())
+    pauseFor(milliseconds(entry, "delayMs"_L1));
+    if (entry.value("silent"_L1).toBool())
         return;
-    QJsonObject reply = asked.value("reply"_L1).toObject();
+    QJsonObject reply = entry.value("reply"_L1).toObject();
     if (reply.isEmpty()) {
         speakAgentLanguage(scenario);
         Accounts accounts(call.paths);
