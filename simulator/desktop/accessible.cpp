@@ -27,17 +27,17 @@ constexpr uint PASSWORD_TEXT = 40;
 
 bool has(quint64 states, State state) { return (states >> state & 1) != 0; }
 
-QVariantList ask(const QDBusConnection &bus, QDBusMessage message, const QVariantList &arguments) {
+QVariantList callMethod(const QDBusConnection &bus, QDBusMessage message, const QVariantList &arguments) {
     message.setArguments(arguments);
     const auto reply = callWithEvents(bus, message);
     return reply.type() == QDBusMessage::ReplyMessage ? reply.arguments() : QVariantList();
 }
 
-QRect readArea(const QVariant &answer) {
+QRect readArea(const QVariant &reply) {
     int x = 0, y = 0, width = 0, height = 0;
-    if (!answer.canConvert<QDBusArgument>())
+    if (!reply.canConvert<QDBusArgument>())
         return {};
-    const auto argument = answer.value<QDBusArgument>();
+    const auto argument = reply.value<QDBusArgument>();
     argument.beginStructure();
     argument >> x >> y >> width >> height;
     argument.endStructure();
@@ -52,12 +52,12 @@ class AccessibleReader::Listener : public QObject {
     Q_OBJECT
 public:
     explicit Listener(std::function<QString(const QDBusMessage &)> n) : notificationOf(std::move(n)) {}
-    QString heard;
+    QString typed;
     QStringList notifications;
 public Q_SLOTS:
     // What happened (insert or delete), where, how many characters, which ones.
     void textChanged(const QDBusMessage &signal) {
-        heard += signal.arguments().value(3).value<QDBusVariant>().variant().toString();
+        typed += signal.arguments().value(3).value<QDBusVariant>().variant().toString();
     }
     // Which state, and 1 when it holds now.
     void stateChanged(const QDBusMessage &signal) {
@@ -131,14 +131,14 @@ bool AccessibleReader::listen() {
            bus.connect({}, {}, interface, u"StateChanged"_s, listener.get(), SLOT(stateChanged(QDBusMessage)));
 }
 
-QString AccessibleReader::heard() const { return listener ? listener->heard : QString(); }
+QString AccessibleReader::typed() const { return listener ? listener->typed : QString(); }
 
 QStringList AccessibleReader::notifications() const { return listener ? listener->notifications : QStringList(); }
 
 bool AccessibleReader::connect() {
     if (bus.isConnected())
         return true;
-    const auto address = ask(
+    const auto address = callMethod(
         QDBusConnection::sessionBus(),
         QDBusMessage::createMethodCall(u"org.a11y.Bus"_s, u"/org/a11y/bus"_s, u"org.a11y.Bus"_s, u"GetAddress"_s), {});
     if (address.isEmpty())
@@ -149,20 +149,20 @@ bool AccessibleReader::connect() {
 
 QVariantList AccessibleReader::call(const Object &object, const QString &interface, const QString &method,
                                     const QVariantList &arguments) const {
-    return ask(bus, QDBusMessage::createMethodCall(object.service, object.path, interface, method), arguments);
+    return callMethod(bus, QDBusMessage::createMethodCall(object.service, object.path, interface, method), arguments);
 }
 
 QString AccessibleReader::property(const Object &object, const QString &name) const {
-    const auto answer = call(object, u"org.freedesktop.DBus.Properties"_s, u"Get"_s, {ACCESSIBLE, name});
-    return answer.value(0).value<QDBusVariant>().variant().toString();
+    const auto reply = call(object, u"org.freedesktop.DBus.Properties"_s, u"Get"_s, {ACCESSIBLE, name});
+    return reply.value(0).value<QDBusVariant>().variant().toString();
 }
 
 QList<AccessibleReader::Object> AccessibleReader::children(const Object &object) const {
     QList<Object> list;
-    const auto answer = call(object, ACCESSIBLE, u"GetChildren"_s);
-    if (!answer.value(0).canConvert<QDBusArgument>())
+    const auto reply = call(object, ACCESSIBLE, u"GetChildren"_s);
+    if (!reply.value(0).canConvert<QDBusArgument>())
         return list;
-    const auto argument = answer.first().value<QDBusArgument>();
+    const auto argument = reply.first().value<QDBusArgument>();
     argument.beginArray();
     while (!argument.atEnd()) {
         QDBusObjectPath path;
@@ -194,8 +194,8 @@ QRect AccessibleReader::area(const Object &object) const {
 }
 
 quint64 AccessibleReader::states(const Object &object) const {
-    const auto answer = call(object, ACCESSIBLE, u"GetState"_s);
-    const auto words = qdbus_cast<QList<uint>>(answer.value(0));
+    const auto reply = call(object, ACCESSIBLE, u"GetState"_s);
+    const auto words = qdbus_cast<QList<uint>>(reply.value(0));
     return words.size() == 2 ? quint64(words[1]) << 32 | words[0] : 0;
 }
 

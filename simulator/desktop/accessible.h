@@ -56,7 +56,7 @@ public:
     // it cannot.
     bool listen();
     // The characters told of since then, one after the other.
-    QString heard() const;
+    QString typed() const;
     // What the notifications said that have appeared since then; a screen reader reads each.
     QStringList notifications() const;
 

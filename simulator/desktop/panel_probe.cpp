@@ -30,8 +30,8 @@ const auto PROPERTIES = u"org.freedesktop.DBus.Properties"_s;
 
 int nextConnection = 0;
 
-QDBusMessage ask(const QDBusConnection &bus, const QString &service, const QString &path, const QString &interface,
-                 const QString &method, const QList<QVariant> &arguments) {
+QDBusMessage callMethod(const QDBusConnection &bus, const QString &service, const QString &path,
+                        const QString &interface, const QString &method, const QList<QVariant> &arguments) {
     auto message = QDBusMessage::createMethodCall(service, path, interface, method);
     message.setArguments(arguments);
     return callWithEvents(bus, message);
@@ -156,7 +156,7 @@ bool PanelProbe::waitUntil(const std::function<bool()> &condition, std::chrono::
 
 QStringList PanelProbe::registeredItems() {
     const auto reply =
-        ask(bus, WATCHER, WATCHER_PATH, PROPERTIES, u"Get"_s, {WATCHER, u"RegisteredStatusNotifierItems"_s});
+        callMethod(bus, WATCHER, WATCHER_PATH, PROPERTIES, u"Get"_s, {WATCHER, u"RegisteredStatusNotifierItems"_s});
     return first(reply).value<QDBusVariant>().variant().toStringList();
 }
 
@@ -165,8 +165,8 @@ bool PanelProbe::attach(const QString &registered, qint64 pid) {
     const qsizetype slash = registered.indexOf(u'/');
     const QString service = slash < 0 ? registered : registered.left(slash);
     const QString path = slash < 0 ? u"/StatusNotifierItem"_s : registered.mid(slash);
-    const auto reply = ask(bus, u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s, u"org.freedesktop.DBus"_s,
-                           u"GetConnectionUnixProcessID"_s, {service});
+    const auto reply = callMethod(bus, u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s, u"org.freedesktop.DBus"_s,
+                                  u"GetConnectionUnixProcessID"_s, {service});
     if (!first(reply).isValid() || (pid != 0 && first(reply).toLongLong() != pid))
         return false;
 
@@ -184,7 +184,7 @@ bool PanelProbe::attach(const QString &registered, qint64 pid) {
 QDBusMessage PanelProbe::call(const QString &path, const QString &interface, const QString &method,
                               const QList<QVariant> &arguments) const {
     return itemService.isEmpty() || path.isEmpty() ? QDBusMessage()
-                                                   : ask(bus, itemService, path, interface, method, arguments);
+                                                   : callMethod(bus, itemService, path, interface, method, arguments);
 }
 
 } // namespace korvel::sim
