@@ -46,13 +46,13 @@ void fresh(Tour &tour) {
 }
 
 /// The user allows two, refuses one, and one more can only be turned on by hand.
-void ask(Tour &tour) {
+void request(Tour &tour) {
     choose(tour, requestEntry());
     expectNotice(tour, L(u"系统将多次弹出授权对话框，请都点击「允许」。辅助功能需在系统设置中打开 korvel-agent",
                          u"macOS will ask several times. Click Allow each time. For Accessibility, turn on "
                          u"korvel-agent in System Settings."));
     expectEntry(tour, L(u"正在申请…", u"Requesting…"), true);
-    expect(tour.screenshot(u"permissions-asked"_s), u"no screenshot"_s);
+    expect(tour.screenshot(u"permissions-requested"_s), u"no screenshot"_s);
     expectNotice(tour,
                  L(u"仍缺少：辅助功能、麦克风。请在「系统设置 › 隐私与安全性」中打开 korvel-agent",
                    u"Still missing: Accessibility, Microphone. Turn on korvel-agent in System Settings › Privacy & "
@@ -104,7 +104,7 @@ void repair(Tour &tour) {
 
 QList<Step> permissionSteps() {
     return {{u"permissions are missing; the line and the menu say which"_s, fresh},
-            {u"they are requested, and a notice says what is still missing"_s, ask},
+            {u"they are requested, and a notice says what is still missing"_s, request},
             {u"what is granted in the settings is seen"_s, grantByHand},
             {u"the installation is broken and the menu offers to repair it"_s, breakInstallation},
             {u"repaired from the menu, and connected again"_s, repair}};
