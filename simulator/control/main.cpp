@@ -74,7 +74,7 @@ ProgramCall callOf(const QString &startedAs, const QStringList &arguments) {
 
 } // namespace
 
-int play(int argc, char **argv) {
+int runPart(int argc, char **argv) {
     const QString name = QFileInfo(QString::fromLocal8Bit(argv[0])).fileName();
     if (name == "launchd"_L1 || name == "korvel-account-server"_L1)
         closeInheritedFiles();
@@ -94,4 +94,4 @@ int play(int argc, char **argv) {
 
 } // namespace korvel::sim
 
-int main(int argc, char **argv) { return korvel::sim::play(argc, argv); }
+int main(int argc, char **argv) { return korvel::sim::runPart(argc, argv); }
