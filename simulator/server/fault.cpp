@@ -66,7 +66,7 @@ HttpResponse spelledOut(const QJsonObject &fault, int usualStatus) {
 struct Mode {
     QLatin1StringView name;
     bool needsResponse; ///< Whether the right response is a part of it.
-    void (*play)(HttpConnection &connection, const QJsonObject &fault, const HttpResponse &right);
+    void (*apply)(HttpConnection &connection, const QJsonObject &fault, const HttpResponse &right);
 };
 
 constexpr Mode MODES[] = {
@@ -140,13 +140,13 @@ void respondUnder(const Scenario &scenario, const QString &server, const QJsonOb
     const QJsonObject fault = scenario.fault(faults, server, faults.contains(own) ? own : u"*"_s);
     const Mode &mode = modeNamed(fault.value("mode"_L1).toString());
     const int delay = milliseconds(fault, "delayMs"_L1);
-    const Respond play = [guarded = QPointer(&connection), fault, &mode, delay](const HttpResponse &right) {
+    const Respond respond = [guarded = QPointer(&connection), fault, &mode, delay](const HttpResponse &right) {
         if (guarded && delay == 0)
-            return mode.play(*guarded, fault, right);
+            return mode.apply(*guarded, fault, right);
         if (guarded)
-            QTimer::singleShot(delay, guarded, [guarded, fault, &mode, right] { mode.play(*guarded, fault, right); });
+            QTimer::singleShot(delay, guarded, [guarded, fault, &mode, right] { mode.apply(*guarded, fault, right); });
     };
-    mode.needsResponse ? act(play) : play({});
+    mode.needsResponse ? act(respond) : respond({});
 }
 
 } // namespace korvel::sim
