@@ -8,7 +8,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qint64 GOOD_FOR_MS = 10 * 60 * 1000; // a code and a sign-in in the browser
+constexpr qint64 LIFETIME_MS = 10 * 60 * 1000; // a code and a sign-in in the browser
 constexpr qint64 NEXT_CODE_MS = 60 * 1000;
 
 Credential credentialOf(const QString &token, const QJsonValue &stored) {
@@ -88,7 +88,7 @@ qint64 Accounts::codeWait(const QString &phone) const {
 bool Accounts::useCode(const QString &phone, const QString &purpose, const QString &code) {
     const QJsonValue last = read()["codes"_L1][phone];
     return last["purpose"_L1] == purpose && last["code"_L1] == code && !last["used"_L1].toBool() &&
-           timeNow() - last["sent"_L1].toInteger() <= GOOD_FOR_MS && patch(u"codes"_s, phone, {{u"used"_s, true}});
+           timeNow() - last["sent"_L1].toInteger() <= LIFETIME_MS && patch(u"codes"_s, phone, {{u"used"_s, true}});
 }
 
 QString Accounts::lastCode(const QString &phone) const { return read()["codes"_L1][phone]["code"_L1].toString(); }
@@ -102,7 +102,7 @@ QString Accounts::beginSignIn(const QString &device) {
 
 QJsonObject Accounts::signIn(const QString &id) const {
     QJsonObject found = read()["signIns"_L1][id].toObject();
-    if (found.value("status"_L1) == "pending"_L1 && timeNow() - found.value("started"_L1).toInteger() > GOOD_FOR_MS)
+    if (found.value("status"_L1) == "pending"_L1 && timeNow() - found.value("started"_L1).toInteger() > LIFETIME_MS)
         found.insert("status"_L1, u"expired"_s);
     return found;
 }
