@@ -31,8 +31,8 @@ namespace {
 bool waitUntil(const std::function<bool()> &condition, milliseconds limit) {
     QElapsedTimer clock;
     clock.start();
-    QTimer look;
-    look.start(10);
+    QTimer checks;
+    checks.start(10);
     while (!condition() && clock.elapsed() < limit.count())
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     return condition();

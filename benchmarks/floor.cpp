@@ -53,8 +53,8 @@ int main(int argc, char **argv) {
         "GET /health HTTP/1.1\r\nHost: 127.0.0.1\r\nX-Korvel-Token: " + QByteArray(argv[2]) + "\r\n\r\n";
     QSocketNotifier arrived(fd, QSocketNotifier::Read);
     QObject::connect(&arrived, &QSocketNotifier::activated, [fd] {
-        std::array<char, 65536> answer;
-        if (::read(fd, answer.data(), answer.size()) <= 0)
+        std::array<char, 65536> response;
+        if (::read(fd, response.data(), response.size()) <= 0)
             ::_exit(70);
     });
     QTimer poll;

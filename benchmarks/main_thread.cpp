@@ -30,7 +30,7 @@ QString itemService(qint64 pid) {
     return {};
 }
 
-void MainThread::ask() {
+void MainThread::ping() {
     QDBusMessage message = QDBusMessage::createMethodCall(service, u"/StatusNotifierItem"_s,
                                                           u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
     message.setArguments({u"org.kde.StatusNotifierItem"_s, u"Id"_s});
@@ -39,7 +39,7 @@ void MainThread::ask() {
     QObject::connect(reply, &QDBusPendingCallWatcher::finished, call.get(), [this, reply, before] {
         longest = std::max(longest, mainThreadNs(pid) - before);
         reply->deleteLater();
-        QTimer::singleShot(2ms, call.get(), [this] { ask(); });
+        QTimer::singleShot(2ms, call.get(), [this] { ping(); });
     });
 }
 

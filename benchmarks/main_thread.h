@@ -14,13 +14,13 @@ QString itemService(qint64 pid);
 /// responds.
 class MainThread {
 public:
-    MainThread(qint64 p, QString s) : pid(p), service(std::move(s)) { ask(); }
+    MainThread(qint64 p, QString s) : pid(p), service(std::move(s)) { ping(); }
 
     /// The longest time, in milliseconds, that the main thread was busy before it handled such a call.
     double longestBlock() const { return static_cast<double>(longest) / 1e6; }
 
 private:
-    void ask();
+    void ping();
 
     const qint64 pid;
     const QString service;

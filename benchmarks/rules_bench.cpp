@@ -18,7 +18,7 @@ namespace {
 constexpr Instant NOW = Instant(1h);
 
 /// Computed once, because each benchmark is started several times.
-const QJsonObject &answerOf(int devices) {
+const QJsonObject &responseOf(int devices) {
     static QMap<int, QJsonObject> made;
     if (!made.contains(devices))
         made.insert(devices, health(devices));
@@ -27,8 +27,8 @@ const QJsonObject &answerOf(int devices) {
 
 /// A tray's state after a response with that many devices.
 struct Bench {
-    explicit Bench(int devices) : answer(answerOf(devices)) {
-        applyHealth(state, answer, {.now = NOW, .bound = true, .username = u"ann"_s});
+    explicit Bench(int devices) : response(responseOf(devices)) {
+        applyHealth(state, response, {.now = NOW, .bound = true, .username = u"ann"_s});
     }
     Situation situation() const {
         return {.state = state,
@@ -40,14 +40,14 @@ struct Bench {
                 .server = {}};
     }
     const FixedConfig config = makeFixedConfig(builtDeployment(), {});
-    const QJsonObject &answer;
+    const QJsonObject &response;
     TrayState state;
 };
 
 void ApplyHealth(benchmark::State &run) {
     Bench bench(static_cast<int>(run.range()));
     for ([[maybe_unused]] const auto &turn : run)
-        applyHealth(bench.state, bench.answer, {.now = NOW, .bound = true, .username = u"ann"_s});
+        applyHealth(bench.state, bench.response, {.now = NOW, .bound = true, .username = u"ann"_s});
     run.SetComplexityN(run.range());
 }
 
@@ -65,10 +65,10 @@ void WholeMenu(benchmark::State &run) {
     run.SetComplexityN(run.range());
 }
 
-void AnswerToMenu(benchmark::State &run) {
+void ResponseToMenu(benchmark::State &run) {
     Bench bench(static_cast<int>(run.range()));
     for ([[maybe_unused]] const auto &turn : run) {
-        applyHealth(bench.state, bench.answer, {.now = NOW, .bound = true, .username = u"ann"_s});
+        applyHealth(bench.state, bench.response, {.now = NOW, .bound = true, .username = u"ann"_s});
         benchmark::DoNotOptimize(statusLine(bench.situation()));
         benchmark::DoNotOptimize(menuView(bench.situation()));
     }
@@ -91,7 +91,7 @@ void lengths(benchmark::internal::Benchmark *b) {
 BENCHMARK(ApplyHealth)->Apply(lengths);
 BENCHMARK(StatusLine)->Apply(lengths);
 BENCHMARK(WholeMenu)->Apply(lengths);
-BENCHMARK(AnswerToMenu)->Apply(lengths);
+BENCHMARK(ResponseToMenu)->Apply(lengths);
 BENCHMARK(PairingView)->Unit(benchmark::kMicrosecond);
 
 } // namespace

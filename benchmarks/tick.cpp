@@ -19,8 +19,8 @@ namespace korvel::bench {
 /// One tick. Not inlined, so that callgrind lists it by name.
 [[gnu::noinline]] void tick(const QByteArray &text, TrayState &state, const FixedConfig &config, MenuWidget &menu) {
     const Instant now = Instant(1h);
-    const QJsonObject answer = QJsonDocument::fromJson(text).object();
-    applyHealth(state, answer, {.now = now, .bound = true, .username = u"ann"_s});
+    const QJsonObject response = QJsonDocument::fromJson(text).object();
+    applyHealth(state, response, {.now = now, .bound = true, .username = u"ann"_s});
     const Situation situation{.state = state,
                               .isCn = config.IS_CN,
                               .version = config.VERSION,

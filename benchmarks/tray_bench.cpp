@@ -31,7 +31,7 @@ struct Memory {
     QList<double> pss, privateDirty;
     int sharers = 0; ///< The maximum over the runs.
 
-    void look(qint64 pid) {
+    void sample(qint64 pid) {
         const Held held = heldBy(pid);
         pss.append(static_cast<double>(held.pss) / 1024);
         privateDirty.append(static_cast<double>(held.privateDirty) / 1024);
@@ -101,14 +101,14 @@ constexpr milliseconds UNTIL_IDLE = 30s;
 
 void measureMemory(Program &program, const Run &run) {
     pass(BEFORE_CHECK);
-    program.early.look(run.pid());
+    program.early.sample(run.pid());
 }
 
 void measureIdle(Program &program, ItemWatcher &watcher, milliseconds idle) {
     const Run run(program, watcher);
     measureMemory(program, run);
     pass(PAST_CHECK);
-    program.late.look(run.pid());
+    program.late.sample(run.pid());
     pass(UNTIL_IDLE);
     const Used before = usedBy(run.pid());
     pass(idle);
