@@ -149,7 +149,7 @@ class Inspect(WithPackage):
             ('needs macOS 15.0', lambda: mach_o(inner, library='inner', minimum='15.0')),
             (f'looks for libraries in {homebrew}', lambda: mach_o(helper, loads=[core], rpaths=[FRAMEWORKS, homebrew])),
             ('needs what users lack: /opt', lambda: mach_o(inner, library='inner', loads=[f'{homebrew}/libz.dylib'])),
-            ('not told the processors', lambda: change(self.distribution, 'hostArchitectures', 'host')),
+            ('not name the processors', lambda: change(self.distribution, 'hostArchitectures', 'host')),
             ('elsewhere', lambda: change(self.distribution, 'enable_anywhere="false"', 'enable_anywhere="true"')),
             ('oldest macOS', lambda: change(self.distribution, 'min="14.0"', 'min="13.0"')),
             ('elsewhere', lambda: change(self.info, '<relocate/>', '<relocate>\n<bundle id="x"/></relocate>')),
