@@ -121,7 +121,7 @@ constexpr Mode MODES[] = {
          sendBody(c, right, std::max(bytes, qint64(1)), 1000 / PIECES_A_SECOND);
      }},
     {"redirect"_L1, false, [](auto &c, const auto &fault, const auto &) { c.respond(spelledOut(fault, 302)); }},
-    {"answer"_L1, false, [](auto &c, const auto &fault, const auto &) { c.respond(spelledOut(fault, 200)); }},
+    {"response"_L1, false, [](auto &c, const auto &fault, const auto &) { c.respond(spelledOut(fault, 200)); }},
 };
 
 const Mode &modeNamed(const QString &name) {
