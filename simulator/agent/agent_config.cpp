@@ -6,9 +6,9 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 
-namespace korvel::sim {
-
 using namespace Qt::StringLiterals;
+
+namespace korvel::sim {
 
 AgentConfig AgentConfig::ofThisProcess() {
     const QString folder = qEnvironmentVariable("KORVEL_HOME");

@@ -1,6 +1,6 @@
 #include "simulator/agent/agent_interface.h"
 
-#include "simulator/agent/agent_language.h"
+#include "simulator/agent/agent_config.h"
 #include "simulator/agent/agent_program.h"
 #include "simulator/agent/mac_binding.h"
 #include "simulator/home/files.h"

@@ -1,6 +1,6 @@
 #include "simulator/agent/agent_permissions.h"
 
-#include "simulator/agent/agent_language.h"
+#include "simulator/agent/agent_config.h"
 #include "simulator/home/files.h"
 
 #include <QJsonArray>

@@ -1,4 +1,4 @@
-#include "simulator/agent/agent_language.h"
+#include "simulator/agent/agent_config.h"
 #include "simulator/agent/agent_program.h"
 #include "simulator/agent/mac_binding.h"
 #include "simulator/home/files.h"
