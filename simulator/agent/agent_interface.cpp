@@ -2,7 +2,7 @@
 
 #include "simulator/agent/agent_config.h"
 #include "simulator/agent/agent_program.h"
-#include "simulator/agent/mac_binding.h"
+#include "simulator/agent/sign_in.h"
 #include "simulator/home/files.h"
 #include "simulator/server/account_server_program.h"
 #include "simulator/server/fault.h"

@@ -2,6 +2,7 @@
 
 #include "base/unix_process.h"
 #include "simulator/agent/agent_interface.h"
+#include "simulator/agent/sign_in.h"
 #include "simulator/home/files.h"
 #include "simulator/home/scenario.h"
 #include "simulator/launchd/job_file.h"

@@ -2,8 +2,6 @@
 
 #include "simulator/home/program_call.h"
 
-#include <QJsonObject>
-
 namespace korvel::sim {
 
 /// The agent's name and version as it reports them.
@@ -12,8 +10,5 @@ inline const QString AGENT_VERSION = QStringLiteral("korvel-agent/1.4.2");
 /// The program korvel-agent: `run`, `login --stdin-json`, `install-service` and `install-hooks`. Returns its exit
 /// status.
 int agentProgram(const ProgramCall &call);
-
-/// Carries out one sign-in request and prints the reply, or does as the scenario's "login" says.
-void signInByCommand(const ProgramCall &call, const QJsonObject &request);
 
 } // namespace korvel::sim

@@ -1,17 +1,19 @@
+#include "simulator/agent/sign_in.h"
+
 #include "simulator/agent/agent_config.h"
-#include "simulator/agent/agent_program.h"
-#include "simulator/agent/mac_binding.h"
 #include "simulator/home/files.h"
+#include "simulator/server/account_server_program.h"
 #include "simulator/server/accounts.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QRegularExpression>
+#include <QSysInfo>
 #include <cstdio>
 
-namespace korvel::sim {
-
 using namespace Qt::StringLiterals;
+
+namespace korvel::sim {
 
 namespace {
 
@@ -78,6 +80,21 @@ QJsonObject replyTo(Accounts &accounts, const QJsonObject &request) {
 }
 
 } // namespace
+
+QString macName() { return QSysInfo::machineHostName().remove(u".local"_s).left(32); }
+
+void bindMac(const HomePaths &paths, const QString &account) {
+    const AgentConfig config = AgentConfig::ofThisProcess();
+    Accounts accounts(paths);
+    accounts.release(config.text("agentToken"_L1));
+    const Credential granted = accounts.grant(account, macName());
+    config.change({{u"agentToken"_s, granted.token},
+                   {u"agentId"_s, granted.agentId},
+                   {u"username"_s, account},
+                   {u"loginName"_s, account},
+                   {u"server"_s, AccountServerProcess(paths).address()},
+                   {u"host"_s, granted.host}});
+}
 
 void signInByCommand(const ProgramCall &call, const QJsonObject &request) {
     const Scenario scenario(call.paths);

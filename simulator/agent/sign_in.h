@@ -1,6 +1,8 @@
 #pragma once
 
-#include "simulator/home/home_paths.h"
+#include "simulator/home/program_call.h"
+
+#include <QJsonObject>
 
 namespace korvel::sim {
 
@@ -11,5 +13,8 @@ QString macName();
 /// server, releases the one that agent.json held, and writes the new one there with the server's address and this Mac's
 /// name. Starts nothing.
 void bindMac(const HomePaths &paths, const QString &account);
+
+/// Carries out one sign-in request and prints the reply, or does as the scenario's "login" says.
+void signInByCommand(const ProgramCall &call, const QJsonObject &request);
 
 } // namespace korvel::sim
