@@ -3,8 +3,8 @@
 #include "simulator/agent/agent_config.h"
 #include "simulator/home/document.h"
 #include "simulator/home/files.h"
+#include "simulator/home/home_locks.h"
 #include "simulator/home/loopback_socket.h"
-#include "simulator/home/record_lock.h"
 
 #include <QDir>
 #include <unistd.h>

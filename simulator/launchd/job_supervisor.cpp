@@ -2,7 +2,7 @@
 
 #include "base/unix_process.h"
 #include "simulator/home/files.h"
-#include "simulator/home/record_lock.h"
+#include "simulator/home/home_locks.h"
 #include "simulator/home/scenario.h"
 #include "simulator/launchd/job_file.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simulator/home/home_watch.h"
+#include "simulator/home/home_locks.h"
 #include "simulator/home/program_call.h"
 #include "simulator/launchd/launch_job.h"
 

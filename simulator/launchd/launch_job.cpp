@@ -1,8 +1,8 @@
 #include "simulator/launchd/launch_job.h"
 
 #include "simulator/home/files.h"
+#include "simulator/home/home_locks.h"
 #include "simulator/home/program_call.h"
-#include "simulator/home/record_lock.h"
 
 #include <QDir>
 #include <QFile>

@@ -2,9 +2,8 @@
 
 #include "base/unix_process.h"
 #include "simulator/home/document.h"
-#include "simulator/home/home_watch.h"
+#include "simulator/home/home_locks.h"
 #include "simulator/home/loopback_socket.h"
-#include "simulator/home/record_lock.h"
 #include "simulator/server/account_server.h"
 
 #include <QCoreApplication>

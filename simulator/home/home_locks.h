@@ -1,6 +1,10 @@
 #pragma once
 
+#include "simulator/home/home_paths.h"
+
 #include <QString>
+#include <QTimer>
+#include <functional>
 #include <sys/types.h>
 
 namespace korvel::sim {
@@ -14,5 +18,15 @@ int takeRecordLock(const QString &path);
 
 /// The other process that holds the lock; 0 when none does.
 pid_t recordLockHolder(const QString &path);
+
+/// Reports within seconds to a process that belongs to a home that it should end.
+class HomeWatch {
+public:
+    /// Calls `onGone` once `file` is no longer there, or, if a process holds the home now, once none does.
+    HomeWatch(const HomePaths &paths, QString file, std::function<void()> onGone);
+
+private:
+    QTimer timer;
+};
 
 } // namespace korvel::sim

@@ -1,8 +1,11 @@
-#include "simulator/home/record_lock.h"
+#include "simulator/home/home_locks.h"
 
 #include <QFile>
+#include <chrono>
 #include <fcntl.h>
 #include <unistd.h>
+
+using namespace std::chrono_literals;
 
 namespace korvel::sim {
 
@@ -32,6 +35,15 @@ pid_t recordLockHolder(const QString &path) {
     if (!file.open(QIODevice::ReadOnly) || ::fcntl(file.handle(), F_GETLK, &lock) != 0 || lock.l_type == F_UNLCK)
         return 0;
     return lock.l_pid;
+}
+
+HomeWatch::HomeWatch(const HomePaths &paths, QString file, std::function<void()> onGone) {
+    const bool owned = recordLockHolder(paths.ownerLock()) != 0;
+    QObject::connect(&timer, &QTimer::timeout, &timer, [=] {
+        if (!QFile::exists(file) || (owned && recordLockHolder(paths.ownerLock()) == 0))
+            onGone();
+    });
+    timer.start(1s);
 }
 
 } // namespace korvel::sim
