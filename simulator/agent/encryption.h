@@ -1,7 +1,7 @@
 #pragma once
 
 #include "simulator/agent/agent_config.h"
-#include "simulator/home/document.h"
+#include "simulator/home/files.h"
 #include "simulator/home/home_paths.h"
 
 #include <QJsonObject>

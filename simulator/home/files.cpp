@@ -6,12 +6,17 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QRandomGenerator>
+#include <sys/file.h>
+
+using namespace Qt::StringLiterals;
 
 namespace korvel::sim {
 
 namespace {
+
 constexpr qint64 MAX_OBJECT_BYTES = 8 << 20;
-}
+
+} // namespace
 
 QJsonObject readObject(const QString &path) {
     const auto content = readRegularFile(path, MAX_OBJECT_BYTES);
@@ -69,5 +74,24 @@ QString randomHex(int bytes) {
 }
 
 QString randomCode() { return QString::number(QRandomGenerator::system()->bounded(1'000'000)).rightJustified(6, u'0'); }
+
+QJsonObject Document::read() const { return readObject(path); }
+
+bool Document::change(const std::function<bool(QJsonObject &)> &event) const {
+    QDir().mkpath(QFileInfo(path).path());
+    QFile lock(path + ".lock"_L1); // unlocked when it is closed
+    if (!lock.open(QIODevice::ReadWrite) || ::flock(lock.handle(), LOCK_EX) != 0)
+        return false;
+    const QJsonObject before = read();
+    QJsonObject after = before;
+    return event(after) && (after == before || replaceFile(path, after));
+}
+
+bool Document::patch(const QJsonObject &by) const {
+    return change([&by](QJsonObject &object) {
+        object = mergePatch(object, by);
+        return true;
+    });
+}
 
 } // namespace korvel::sim

@@ -1,6 +1,5 @@
 #include "simulator/home/scenario.h"
 
-#include "simulator/home/document.h"
 #include "simulator/home/files.h"
 
 namespace korvel::sim {

@@ -1,7 +1,6 @@
 #include "simulator/home/simulated_home.h"
 
 #include "simulator/agent/agent_config.h"
-#include "simulator/home/document.h"
 #include "simulator/home/files.h"
 #include "simulator/home/home_locks.h"
 #include "simulator/home/loopback_socket.h"

@@ -1,7 +1,7 @@
 #include "simulator/server/account_server_program.h"
 
 #include "base/unix_process.h"
-#include "simulator/home/document.h"
+#include "simulator/home/files.h"
 #include "simulator/home/home_locks.h"
 #include "simulator/home/loopback_socket.h"
 #include "simulator/server/account_server.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simulator/home/document.h"
+#include "simulator/home/files.h"
 #include "simulator/home/home_paths.h"
 
 #include <QList>
