@@ -4,9 +4,7 @@
 #include "simulator/control/control.h"
 #include "simulator/home/files.h"
 #include "simulator/launchd/job_supervisor.h"
-#include "simulator/launchd/launchctl.h"
 #include "simulator/server/account_server_program.h"
-#include "simulator/tools/osascript.h"
 #include "simulator/tools/tools.h"
 
 #include <QCoreApplication>

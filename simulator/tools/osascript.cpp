@@ -1,6 +1,6 @@
-#include "simulator/tools/osascript.h"
+#include "simulator/tools/tools.h"
 
-#include "simulator/tools/tool_fault.h"
+#include "simulator/home/scenario.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,8 +1,9 @@
 #include "simulator/tools/tools.h"
 
 #include "exchange/sha256.h"
+#include "simulator/home/files.h"
 #include "simulator/home/processes.h"
-#include "simulator/tools/tool_fault.h"
+#include "simulator/home/scenario.h"
 
 #include <QFile>
 #include <QRegularExpression>
@@ -14,6 +15,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 const QByteArray PACKAGE_MARK = "korvel-package ";
+}
+
+std::optional<ProgramResult> toolFault(const HomePaths &paths, QLatin1StringView section, const QString &name) {
+    const QJsonObject fault = Scenario(paths).fault(section, name);
+    pauseFor(milliseconds(fault, "delayMs"_L1));
+    const int status = fault.value("status"_L1).toInt();
+    return status == 0 ? std::nullopt : std::optional(ProgramResult{status, {}, fault.value("stderr"_L1).toString()});
 }
 
 ProgramResult pkill(const ProgramCall &call) {

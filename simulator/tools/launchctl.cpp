@@ -1,8 +1,7 @@
-#include "simulator/launchd/launchctl.h"
+#include "simulator/tools/tools.h"
 
 #include "simulator/launchd/job_file.h"
 #include "simulator/launchd/launch_job.h"
-#include "simulator/tools/tool_fault.h"
 
 #include <unistd.h>
 
