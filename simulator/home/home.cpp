@@ -2,12 +2,14 @@
 
 #include "simulator/agent/agent_config.h"
 #include "simulator/home/files.h"
-#include "simulator/home/home_cleaning.h"
+#include "simulator/home/processes.h"
+#include "simulator/home/program_call.h"
 #include "simulator/home/scenario.h"
 #include "simulator/launchd/job_file.h"
 #include "simulator/launchd/launch_job.h"
 #include "simulator/server/account_server_program.h"
 
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -31,6 +33,32 @@ bool placeProgram(const QString &program, const QString &path) {
     QFile::remove(path);
     return ::link(QFile::encodeName(source).constData(), QFile::encodeName(path).constData()) == 0 ||
            QFile::copy(source, path);
+}
+
+bool isLasting(const QStringList &words) {
+    const QString name = words.first().section(u'/', -1);
+    return name == "korvel-agent"_L1 || name == "korvel-account-server"_L1 ||
+           words.first() == QString(simulatedRoot() + "/sbin/launchd"_L1);
+}
+
+/// Also the shell that runs a script for the simulated osascript.
+bool isTool(const QStringList &words) {
+    const QString place = simulatedRoot() + u'/';
+    const bool isShell = words.first() == "/bin/sh"_L1 && words.value(1) == "-c"_L1 && words.value(2).contains(place);
+    return isShell || (words.first().startsWith(place) && !isLasting(words));
+}
+
+bool endWithin(int milliseconds, const HomePaths &paths, int signal, bool (*belongs)(const QStringList &words)) {
+    for (const QDeadlineTimer deadline(milliseconds);; pauseFor(10)) {
+        bool found = false;
+        for (const ProcessInfo &process : processesOfHome(paths.home))
+            if (belongs(process.commandLine)) {
+                found = true;
+                ::kill(process.id, signal);
+            }
+        if (!found || deadline.hasExpired())
+            return !found;
+    }
 }
 
 } // namespace
@@ -145,6 +173,11 @@ bool Home::killAgent(int signal) {
     return process != 0 && ::kill(pid_t(process), signal) == 0;
 }
 
-bool Home::shutDown() { return endAllOf(paths); }
+bool Home::shutDown() {
+    endWithin(2000, paths, SIGKILL, isTool); // a tool that waits could load a job later
+    for (const QString &label : LaunchJob::labels(paths))
+        LaunchJob(paths, label).unload();
+    return endWithin(2000, paths, SIGTERM, isLasting) || endWithin(2000, paths, SIGKILL, isLasting);
+}
 
 } // namespace korvel::sim
