@@ -1,6 +1,6 @@
 #include "simulator/gallery/gallery_page.h"
-#include "simulator/gallery/layout_faults.h"
 #include "simulator/gallery/stage.h"
+#include "simulator/gallery/window_faults.h"
 #include "ui/widgets/picture.h"
 
 #include <QCryptographicHash>

@@ -1,6 +1,5 @@
-#include "simulator/gallery/layout_faults.h"
-#include "simulator/gallery/shown_texts.h"
 #include "simulator/gallery/stage.h"
+#include "simulator/gallery/window_faults.h"
 
 #include <QLabel>
 #include <QMap>
