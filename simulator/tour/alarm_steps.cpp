@@ -1,7 +1,7 @@
 #include "simulator/desktop/screen.h"
+#include "simulator/tour/controls.h"
 #include "simulator/tour/steps.h"
 #include "simulator/tour/texts.h"
-#include "simulator/tour/window_controls.h"
 
 using namespace Qt::StringLiterals;
 

@@ -1,5 +1,5 @@
 #include "simulator/desktop/screen.h"
-#include "simulator/tour/menu_look.h"
+#include "simulator/tour/controls.h"
 #include "simulator/tour/steps.h"
 #include "simulator/tour/texts.h"
 

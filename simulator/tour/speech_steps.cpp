@@ -1,4 +1,4 @@
-#include "simulator/tour/menu_look.h"
+#include "simulator/tour/controls.h"
 #include "simulator/tour/steps.h"
 #include "simulator/tour/texts.h"
 

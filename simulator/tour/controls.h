@@ -2,7 +2,6 @@
 
 #include "simulator/tour/tour.h"
 
-/// The tray's window used as its user does, with the pointer and the keyboard. Each throws StepFailed.
 namespace korvel::sim {
 
 /// Names of AT-SPI for the kinds of controls.
@@ -25,5 +24,16 @@ void expectEnabled(Tour &tour, const QString &role, const QString &name, bool en
 
 /// The element that has the keyboard; an empty one while none has.
 AccessibleElement focusOf(Tour &tour);
+
+/// Opens the tray's own menu with a left click on the item, takes a screenshot of that name, and closes the menu with
+/// Escape. Throws StepFailed, as the others.
+void captureMenu(Tour &tour, const QString &name);
+
+/// The same with the panel's copy of the menu, after a right click.
+void capturePanelMenu(Tour &tour, const QString &name);
+
+/// The same with the left button, but chooses an entry with the arrow keys and Return; the screenshot shows it
+/// selected.
+void chooseByKeyboard(Tour &tour, const QString &entry, const QString &name);
 
 } // namespace korvel::sim
