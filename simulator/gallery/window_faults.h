@@ -2,6 +2,8 @@
 
 #include <QStringList>
 
+class QWidget;
+
 namespace korvel::gallery {
 
 /// What is wrong with how a window that is on the screen lays out what it shows, a line each: a text that its control

@@ -1,5 +1,6 @@
 #include "simulator/tools/tools.h"
 
+#include "simulator/home/files.h"
 #include "simulator/home/scenario.h"
 
 #include <QDir>
