@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// The sentence for a failure, in the agent's language.
+/// The message of a failure, in the agent's language.
 QString textOf(const QString &code) {
     const QMap<QString, QString> texts{
         {u"wrong-code"_s, L(u"配对码与新设备上显示的不一致", u"That isn't the code shown on the new device.")},

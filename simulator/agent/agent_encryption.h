@@ -9,22 +9,21 @@
 
 namespace korvel::sim {
 
-/// The agent's side of the encryption: its endpoints below /e2ee/, and the state in its health report.
+/// The encryption as the agent serves it: its endpoints below /e2ee/ and its part of the health report.
 class AgentEncryption {
 public:
     explicit AgentEncryption(Encryption e) : encryption(std::move(e)) {}
 
-    /// Its part of the health report.
     QJsonObject report(bool online) const { return encryption.report(online, checking); }
-    /// Responds to a request to one of them, later where the scenario's "replies" say so.
+    /// Responds to a request to one of the endpoints, with the delay of the scenario's "replies".
     void respondTo(const HttpRequest &request, const Scenario &scenario, const Respond &respond);
 
 private:
     void respondNow(const QByteArray &path, const QJsonObject &body, const QJsonObject &forced, const Respond &respond);
 
     Encryption encryption;
-    QSet<QString> checking; ///< Devices whose code is being checked; forgotten when the agent ends.
-    QObject timers;         ///< A response that is due later ends with it.
+    QSet<QString> checking; ///< Devices whose code is being checked.
+    QObject timers;         ///< Context of delayed responses.
 };
 
 } // namespace korvel::sim

@@ -33,9 +33,9 @@ AgentInterface::AgentInterface(const HomePaths &home)
       server([this](HttpConnection &connection, const HttpRequest &request) { receive(connection, request); }) {
     uptime.start();
     addRoutes();
-    // Binds the Mac to a user who has signed in in the browser, whether the tray asks or not.
+    // Binds the Mac to a user who has signed in in the browser, whether or not the tray polls.
     QObject::connect(&signInWatch, &QTimer::timeout, &signInWatch, [this] { collectSignIn(); });
-    signInWatch.start(WATCH_INTERVAL); // one that an earlier agent began may be pending
+    signInWatch.start(WATCH_INTERVAL); // a sign-in of an earlier agent may be pending
 }
 
 void AgentInterface::addRoutes() {
@@ -60,7 +60,7 @@ void AgentInterface::addRoutes() {
         };
 }
 
-/// All is well by default, then the scenario's "offline", "connectMs" and "health".
+/// A healthy report, changed by the scenario's "offline", "connectMs" and "health".
 QJsonObject AgentInterface::health(const Scenario &scenario) const {
     const QString agentToken = config.text("agentToken"_L1);
     const auto credential = accounts.credential(agentToken);

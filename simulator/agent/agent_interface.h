@@ -14,13 +14,13 @@
 
 namespace korvel::sim {
 
-/// The agent's loopback HTTP interface: logs every request, simulates the scenario's fault for it, checks the token,
-/// and responds by route.
+/// The agent's loopback HTTP interface. Logs each request, applies the scenario's fault, checks the token and responds
+/// by route.
 class AgentInterface {
 public:
     explicit AgentInterface(const HomePaths &home);
 
-    /// Listens on 127.0.0.1; false when the port is not to be had.
+    /// Listens on 127.0.0.1; false if the port is not available.
     bool listen(int port) { return server.listenOnLoopback(port); }
 
 private:

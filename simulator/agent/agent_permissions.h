@@ -8,13 +8,13 @@
 
 namespace korvel::sim {
 
-/// POST /perms/request: the system's prompts, as the scenario has the user answer them.
+/// POST /perms/request: simulates the system's prompts and the user's answers, as the scenario says.
 class AgentPermissions {
 public:
     explicit AgentPermissions(const HomePaths &paths);
 
-    /// Has the system ask for each permission that is undetermined, one after the other, and responds with the report
-    /// once all prompts are through; so does a request that comes meanwhile.
+    /// Shows a prompt for each undetermined permission in turn, then responds with the report. A second request
+    /// meanwhile gets the same response.
     void request(const Respond &respond);
 
 private:
@@ -23,9 +23,9 @@ private:
 
     HomePaths paths;
     Permissions permissions;
-    QStringList prompted;    ///< In the present round; the last one's prompt is open.
-    QElapsedTimer promptAge; ///< Of that one.
-    QList<Respond> waiting;  ///< For the end of the round.
+    QStringList prompted;    ///< In the current round. The last one's prompt is open.
+    QElapsedTimer promptAge; ///< Of the open prompt.
+    QList<Respond> waiting;  ///< Requests that get the report after the round.
     QTimer checks;
 };
 

@@ -24,7 +24,7 @@ namespace {
 
 constexpr int DEFAULT_PORT = 8790;
 
-/// What the agent's log says of a call.
+/// The log line of a call.
 QJsonObject lineOf(const ProgramCall &call) {
     return {{u"time"_s, timeNow()},
             {u"arguments"_s, QJsonArray::fromStringList(call.arguments)},
@@ -48,7 +48,7 @@ int run(const ProgramCall &call) {
     return QCoreApplication::exec();
 }
 
-/// Writes the job file and loads the job as an installer does: a job that is loaded already is restarted.
+/// Writes the job file and loads the job as an installer does: a loaded job is restarted.
 bool installService(const ProgramCall &call) {
     QJsonObject environment;
     for (const char *name : {"KORVEL_HOOK_PORT", "KORVEL_HOME"})
@@ -63,7 +63,7 @@ bool installService(const ProgramCall &call) {
             runProgram(launchctl, {u"kickstart"_s, u"-k"_s, target}) == 0);
 }
 
-/// A command of the installation, with the scenario's fault of that name in its place.
+/// Runs an installation command, or the scenario's fault of that name instead.
 int install(const ProgramCall &call, const QString &faultName, bool (*command)(const ProgramCall &)) {
     QJsonObject line = lineOf(call);
     const Scenario scenario(call.paths);

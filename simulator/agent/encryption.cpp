@@ -16,7 +16,7 @@ namespace {
 
 constexpr int RENEW_MS = 3000;    // from "expired" to a new code
 constexpr int TURN_ON_MS = 1500;  // from the right code to "active"
-constexpr int DOWNLOAD_MS = 6000; // of the speech recognition, unless the scenario says another time
+constexpr int DOWNLOAD_MS = 6000; // of the speech recognition, by default
 constexpr int MAX_WRONG_CODES = 5;
 
 const QStringList STATES{u"off"_s,      u"starting"_s, u"waiting"_s, u"pending"_s, u"approved"_s, u"pair-failed"_s,
@@ -27,7 +27,7 @@ bool isSignedIn(const QJsonObject &doc) { return !doc.value("signIn"_L1).toStrin
 bool isPaired(const QJsonObject &doc) { return doc.value("paired"_L1).toBool(); }
 bool takesCode(const QJsonObject &doc) { return stateOf(doc) == "pending"_L1 && !isPaired(doc); }
 
-/// False when `list` has no element whose `key` is `id`.
+/// False if `list` has no element whose `key` is `id`.
 bool removeElement(QJsonObject &doc, const QString &list, const QString &key, const QString &id) {
     QJsonArray left;
     const QJsonArray elements = doc.value(list).toArray();
@@ -45,7 +45,7 @@ QJsonObject deviceOf(const QJsonObject &doc, const QString &pendingId) {
     return {};
 }
 
-/// Six random digits that nothing shows at the moment.
+/// Six random digits that no device shows.
 QString drawCode(const QJsonObject &doc) {
     QStringList shown{doc.value("code"_L1).toString()};
     for (const QJsonValue device : doc.value("pending"_L1).toArray())
@@ -63,7 +63,7 @@ QString drawIdentity(QJsonObject &doc, const QString &kind) {
     return kind + u'-' + QString::number(number);
 }
 
-/// Shows a new pairing code; the wrong ones stay counted.
+/// Shows a new pairing code. The count of wrong codes stays.
 void showNewCode(QJsonObject &doc, bool wrong) {
     doc = mergePatch(doc, {{u"state"_s, u"pending"_s},
                            {u"phone"_s, true},
@@ -88,7 +88,7 @@ void enter(QJsonObject &doc, const QString &state, qint64 now) {
         showNewCode(doc, false);
 }
 
-/// Does what has come due, at its own time, so that what follows is not late.
+/// Applies the events that are due, each at its own time, so that the next ones are not late.
 void advance(QJsonObject &doc, int downloadMs, qint64 now) {
     if (const qint64 due = doc.value("due"_L1).toInteger(); due != 0 && due <= now)
         isPaired(doc) ? enter(doc, u"active"_s, due) : showNewCode(doc, false);
@@ -146,7 +146,7 @@ QString installSpeech(QJsonObject &doc, qint64 now) {
         doc.insert("asr"_L1, QJsonObject{{u"ready"_s, false}, {u"installing"_s, u"download"_s}, {u"pct"_s, 0}});
         doc.insert("downloadSince"_L1, now);
     }
-    return {}; // under way or there already: nothing to do
+    return {}; // being installed or installed: nothing to do
 }
 
 struct Endpoint {
@@ -182,14 +182,14 @@ constexpr Endpoint ENDPOINTS[] = {
      }},
 };
 
-/// A name for a sign-in that does not give its token away; empty while nobody is signed in.
+/// An identifier of a sign-in that does not reveal its token; empty if nobody is signed in.
 QString signInOf(const AgentConfig &config) {
     const QByteArray token = config.text("agentToken"_L1).toUtf8();
     const QByteArray digest = QCryptographicHash::hash(token, QCryptographicHash::Sha256).toHex();
     return token.isEmpty() ? QString() : QString::fromLatin1(digest.first(16));
 }
 
-/// The state in which a sign-in begins; the phone belongs to the account and stays.
+/// The initial state of a sign-in. Keeps `phone`, which belongs to the account.
 QJsonObject begun(const QJsonObject &before, const QString &signIn, const QString &start, qint64 now) {
     QJsonObject doc{{u"signIn"_s, signIn},
                     {u"began"_s, start},
@@ -220,7 +220,7 @@ bool Encryption::change(const std::function<bool(QJsonObject &)> &event) const {
         happened = event(changed);
         if (happened)
             doc = changed;
-        return true; // what time brought about is kept in any case
+        return true; // events that time caused are kept in any case
     });
     return kept && happened;
 }

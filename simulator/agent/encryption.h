@@ -11,50 +11,49 @@
 
 namespace korvel::sim {
 
-/// A device that asks to join the account's encryption.
+/// A device that requests to join the account's encryption.
 struct JoinRequest {
     QString pendingId;
-    QString code; ///< Six digits, which that device shows and the user types on the Mac.
+    QString code; ///< Six digits that the device shows and the user types on the Mac.
 };
 
-/// The encryption of this Mac and of what it sees of its account: one document that the agent reports, and that whoever
-/// simulates the phone and the account changes, whether the agent runs or not. Another sign-in starts it over.
+/// The encryption of this Mac, with its view of the account: one document that the agent reports and that the simulated
+/// phone and account change, whether or not the agent runs. A new sign-in resets it.
 ///
-/// The document holds the keys of the agent's report and, besides, `signIn`, `began`, `due` (ms since the epoch: when
-/// the state goes on), `phone`, `code`, `wrongCodes`, `drawn` (identities given out) and a device's own `code`.
+/// The document contains the keys of the agent's report, and also `signIn`, `began`, `due` (ms since the epoch: time of
+/// the next state), `phone`, `code`, `wrongCodes`, `drawn` (identities given out) and the `code` of each device.
 ///
-/// Each act returns true, or a text, when it does what its name says; while nobody is signed in on the Mac, nothing
-/// about the Mac is allowed.
+/// Operations return true, or a text, on success. While nobody is signed in on the Mac, operations on the Mac fail.
 class Encryption {
 public:
-    /// `config` tells which sign-in the state belongs to.
+    /// `config` identifies the sign-in that the state belongs to.
     Encryption(const HomePaths &paths, AgentConfig config);
 
-    /// The state that the agent reports; "off" while nobody is signed in.
+    /// The state that the agent reports; "off" if nobody is signed in.
     QString state() const;
-    /// The pairing code that the Mac shows; empty when it shows none, and once it is paired.
+    /// The pairing code that the Mac shows; empty if it shows none or is paired.
     QString pairCode() const;
-    /// The "e2ee" object of the health report; the devices of `checking` are busy.
+    /// The "e2ee" object of the health report. The devices in `checking` are busy.
     QJsonObject report(bool online, const QSet<QString> &checking) const;
 
-    /// The phone signs in to the account: a Mac that is "waiting" shows a code.
+    /// The phone signs in to the account. A "waiting" Mac shows a code.
     bool phoneSignIn();
-    /// Types a code on the phone: the right one pairs the Mac, a wrong one makes a new code; the fifth fails the
-    /// pairing.
+    /// Types a code on the phone. The right one pairs the Mac, a wrong one causes a new code, the fifth wrong one fails
+    /// the pairing.
     bool type(const QString &code);
     /// Types the code that the Mac shows.
     bool typeRight();
-    /// Puts the Mac into a state by its name: "pending" with a new code, "expired" for three seconds.
+    /// Sets the Mac's state by name: "pending" with a new code, "expired" for three seconds.
     bool setState(const QString &name);
-    /// `platform` as the report has it: ios, android, mac, windows, linux, or another.
+    /// `platform`: ios, android, mac, windows, linux, or another one.
     JoinRequest requestJoin(const QString &name, const QString &platform);
     /// Raises a security alarm, or the alarm of an encryption reset. Returns its id.
     QString raiseAlarm(const QString &text);
     QString raiseResetAlarm();
 
-    /// Acts on a request to the agent: the endpoint's path and the body. The failure's code; empty: done.
+    /// Processes a request to the agent. Returns the failure's code; empty on success.
     QString act(const QByteArray &path, const QJsonObject &body);
-    /// The paths of those endpoints.
+    /// The paths that act() accepts.
     static QList<QByteArray> endpoints();
 
 private:

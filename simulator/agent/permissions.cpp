@@ -13,7 +13,7 @@ namespace {
 
 struct Item {
     QString name;
-    QString pane; ///< Of the privacy settings.
+    QString pane; ///< Pane of the privacy settings.
     QString why;
     QString breaks;
 };
@@ -45,7 +45,7 @@ QStringList Permissions::names() {
     return {u"Screen Recording"_s, u"Accessibility"_s, u"Microphone"_s, u"Full Disk Access"_s};
 }
 
-/// Another start than before sets every state anew.
+/// A different `start` than before resets all states.
 QJsonObject Permissions::read() const {
     const QJsonValue start = Scenario(paths).section("permissions"_L1).value("start"_L1);
     QJsonObject stored = document.read();

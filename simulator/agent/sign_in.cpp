@@ -17,7 +17,7 @@ namespace korvel::sim {
 
 namespace {
 
-/// `field`: of the window, where the user should look.
+/// `field`: the field of the window that the error is about.
 QJsonObject refused(QLatin1StringView field, const QString &error) {
     return {{u"ok"_s, false}, {u"error"_s, error}, {u"field"_s, field}};
 }
@@ -47,7 +47,7 @@ QJsonObject sendCode(Accounts &accounts, const QString &phone, const QString &pu
     return {{u"ok"_s, true}, {u"next"_s, 60}};
 }
 
-/// One request {"op": ...} of the sign-in window: login, login-code, register, reset or send-code.
+/// Processes one request {"op": ...} of the sign-in window: login, login-code, register, reset or send-code.
 QJsonObject replyTo(Accounts &accounts, const QJsonObject &request) {
     const auto text = [&](QLatin1StringView key) { return request.value(key).toString(); };
     const QString op = text("op"_L1), phone = text("phone"_L1), password = text("password"_L1);

@@ -6,15 +6,15 @@
 
 namespace korvel::sim {
 
-/// This Mac's name as the account server gets it, at most 32 characters.
+/// The Mac's name as the account server gets it, at most 32 characters.
 QString macName();
 
-/// Binds this Mac to an account, as the agent does at the end of a sign-in: records a fresh credential on the account
-/// server, releases the one that agent.json held, and writes the new one there with the server's address and this Mac's
-/// name. Starts nothing.
+/// Binds the Mac to an account, as the agent does after a sign-in: records a new credential on the account server,
+/// releases the one in agent.json, and writes the new one there with the server's address and the Mac's name. Starts
+/// nothing.
 void bindMac(const HomePaths &paths, const QString &account);
 
-/// Carries out one sign-in request and prints the reply, or does as the scenario's "login" says.
+/// Runs one sign-in request and prints the reply, or does what the scenario's "login" says.
 void signInByCommand(const ProgramCall &call, const QJsonObject &request);
 
 } // namespace korvel::sim

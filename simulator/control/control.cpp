@@ -17,7 +17,7 @@ constexpr int USAGE = 2;
 
 int statusOf(bool success) { return success ? 0 : 1; }
 
-/// Prints a text; an empty one is a failure.
+/// Prints a text. Fails if it is empty.
 int given(const QString &text) {
     if (!text.isEmpty())
         std::puts(qUtf8Printable(text));
@@ -63,8 +63,8 @@ int permissions(Home &home) {
 
 using Words = const QStringList &;
 
-/// One command. Its usage is what matches: a word in capitals stands for an argument, one in brackets may be left out,
-/// and "..." for any more.
+/// One command. Its usage is the pattern to match: a word in capitals is an argument, one in brackets is optional,
+/// "..." is any number of arguments.
 struct Verb {
     const char *usage;
     const char *help;
@@ -131,7 +131,7 @@ constexpr Verb VERBS[] = {
      }},
 };
 
-/// The arguments of a command line that `verb` matches.
+/// The arguments of a command line; none if `verb` does not match.
 std::optional<QStringList> argumentsOf(const Verb &verb, const QStringList &line) {
     QStringList arguments;
     qsizetype at = 0;

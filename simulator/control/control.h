@@ -4,7 +4,7 @@
 
 namespace korvel::sim {
 
-/// The program korvel-simulator: a person's hand on a home. Returns its exit status.
+/// The program korvel-simulator, which controls a home by hand. Returns its exit status.
 int control(const ProgramCall &call);
 
 } // namespace korvel::sim

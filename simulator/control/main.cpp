@@ -1,4 +1,4 @@
-// One program that takes every part of the simulated Mac, chosen by the name it is started under.
+// All programs of the simulated Mac in one, selected by the name it is started under.
 
 #include "simulator/agent/agent_program.h"
 #include "simulator/control/control.h"
@@ -45,7 +45,7 @@ struct Part {
     Program run;
 };
 
-/// Each name stands in the build file's list of programs too.
+/// The list of programs in CMakeLists.txt has the same names.
 constexpr Part PARTS[] = {
     {"korvel-simulator"_L1, control}, {"korvel-agent"_L1, agentProgram},    {"korvel-account-server"_L1, serveAccounts},
     {"launchd"_L1, superviseJob},     {"launchctl"_L1, runTool<launchctl>}, {"pkill"_L1, runTool<pkill>},
@@ -53,7 +53,7 @@ constexpr Part PARTS[] = {
     {"cp"_L1, runTool<cp>},           {"shasum"_L1, runTool<shasum>},       {"installer"_L1, runTool<installer>},
 };
 
-/// A supervisor or server outlives who started it: it must not keep open what that one left open in it.
+/// A supervisor or server outlives its parent and must not keep the parent's files open.
 void closeInheritedFiles() {
     for (const QString &name : QDir(u"/dev/fd"_s).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot))
         if (const int file = name.toInt(); file > STDERR_FILENO)
@@ -76,7 +76,7 @@ int runPart(int argc, char **argv) {
     const QString name = QFileInfo(QString::fromLocal8Bit(argv[0])).fileName();
     if (name == "launchd"_L1 || name == "korvel-account-server"_L1)
         closeInheritedFiles();
-    // Qt's remark about a locale that is not UTF-8 is no part of what the tool says.
+    // Suppresses Qt's warning about a locale that is not UTF-8.
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
     const QCoreApplication application(argc, argv);
     qInstallMessageHandler(nullptr);

@@ -15,14 +15,14 @@ namespace korvel::sim {
 
 namespace {
 
-constexpr int DEEPEST = 12; // windows here are flat; a program's mistake must not keep the reader for ever
+constexpr int DEEPEST = 12; // windows here are flat; stops at a cyclic tree
 
 const auto ACCESSIBLE = u"org.a11y.atspi.Accessible"_s;
 
-// Numbers of AT-SPI's list of states, each a bit of the answer.
+// Bits of AT-SPI's state set.
 enum State { Active = 1, Checked = 4, Focusable = 11, Focused = 12, Sensitive = 24, Showing = 25 };
 
-// Number of AT-SPI's list of roles.
+// Role number of AT-SPI.
 constexpr uint PASSWORD_TEXT = 40;
 
 bool has(quint64 states, State state) { return (states >> state & 1) != 0; }
@@ -55,11 +55,11 @@ public:
     QString typed;
     QStringList notifications;
 public Q_SLOTS:
-    // What happened (insert or delete), where, how many characters, which ones.
+    // Arguments: insert or delete, position, length, characters.
     void textChanged(const QDBusMessage &signal) {
         typed += signal.arguments().value(3).value<QDBusVariant>().variant().toString();
     }
-    // Which state, and 1 when it holds now.
+    // Arguments: state, and 1 if it is set.
     void stateChanged(const QDBusMessage &signal) {
         const QVariantList what = signal.arguments();
         if (what.value(0).toString() != "showing"_L1 || what.value(1).toInt() != 1)
@@ -69,7 +69,7 @@ public Q_SLOTS:
     }
 
 private:
-    const std::function<QString(const QDBusMessage &)> notificationOf; // empty when it comes from anything else
+    const std::function<QString(const QDBusMessage &)> notificationOf; // empty for other sources
 };
 
 std::optional<AccessibleElement> AccessibleWindow::find(const QString &wanted) const {
@@ -125,7 +125,7 @@ bool AccessibleReader::listen() {
     });
     const Object registry{u"org.a11y.atspi.Registry"_s, u"/org/a11y/atspi/registry"_s};
     for (const QString &event : {u"object:text-changed"_s, u"object:state-changed"_s})
-        call(registry, registry.service, u"RegisterEvent"_s, {event}); // else programs keep quiet
+        call(registry, registry.service, u"RegisterEvent"_s, {event}); // without it, programs send no events
     const QString interface = u"org.a11y.atspi.Event.Object"_s;
     return bus.connect({}, {}, interface, u"TextChanged"_s, listener.get(), SLOT(textChanged(QDBusMessage))) &&
            bus.connect({}, {}, interface, u"StateChanged"_s, listener.get(), SLOT(stateChanged(QDBusMessage)));
@@ -210,7 +210,7 @@ AccessibleElement AccessibleReader::element(const Object &object, quint64 states
                               .checked = has(states, Checked)};
     if (element.role != "text"_L1)
         return element;
-    // Qt 6.4 names both kinds of fields alike.
+    // Qt 6.4 has one role name for both kinds of fields.
     if (call(object, ACCESSIBLE, u"GetRole"_s).value(0).toUInt() == PASSWORD_TEXT)
         element.role = u"password text"_s;
     element.text = call(object, u"org.a11y.atspi.Text"_s, u"GetText"_s, {0, -1}).value(0).toString();

@@ -11,16 +11,16 @@
 
 namespace korvel::sim {
 
-// One element of a window as assistive technology is told of it.
+// One element of a window as assistive technology sees it.
 struct AccessibleElement {
-    QString role; // AT-SPI's English name for it, such as "push button"
+    QString role; // AT-SPI's English name, such as "push button"
     QString name;
-    QString text; // what a field tells of what it holds; empty for what is no field
+    QString text; // content of a field; empty for other elements
     QRect area;   // on the screen
     bool enabled = false;
     bool focusable = false;
     bool focused = false;
-    bool checked = false; // a choice that is made
+    bool checked = false; // of a check box or radio button
 };
 
 // A window on the screen.
@@ -28,20 +28,20 @@ struct AccessibleWindow {
     QString role;
     QString name;
     QString description;
-    QRect area;                        // on the screen, without its frame
-    bool active = false;               // it has the keyboard
-    QList<AccessibleElement> elements; // those that show, in the program's order
+    QRect area;                        // on the screen, frame excluded
+    bool active = false;               // has the keyboard focus
+    QList<AccessibleElement> elements; // the visible ones, in the program's order
 
-    // The first element of that name; nothing without one.
+    // The first element of that name; none if there is none.
     std::optional<AccessibleElement> find(const QString &name) const;
-    // The same among those of one role.
+    // The first element of that role and name.
     std::optional<AccessibleElement> find(const QString &role, const QString &name) const;
-    // The element that has the focus; nothing without one.
+    // The element that has the focus; none without one.
     std::optional<AccessibleElement> focus() const;
 };
 
-// Reads windows as a screen reader does: over AT-SPI on the accessibility bus of the session that the environment
-// names, which the first reading starts.
+// Reads windows as a screen reader does: over AT-SPI on the accessibility bus of the session in the environment. The
+// first read starts the bus.
 class AccessibleReader {
 public:
     AccessibleReader();
@@ -49,15 +49,14 @@ public:
     AccessibleReader(const AccessibleReader &) = delete;
     AccessibleReader &operator=(const AccessibleReader &) = delete;
 
-    // The windows that a process shows; empty when it shows none, or tells assistive technology nothing.
+    // The visible windows of a process; empty if there are none, or it is not accessible.
     QList<AccessibleWindow> windows(qint64 pid);
 
-    // From now on collects what is told of texts that are typed, removed or replaced, and of notifications. False when
-    // it cannot.
+    // Starts collecting text changes and notifications. False on failure.
     bool listen();
-    // The characters told of since then, one after the other.
+    // The characters typed, inserted or removed since listen(), in order.
     QString typed() const;
-    // What the notifications said that have appeared since then; a screen reader reads each.
+    // The notifications that appeared since listen(), which a screen reader reads out.
     QStringList notifications() const;
 
 private:

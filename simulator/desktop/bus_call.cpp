@@ -11,7 +11,7 @@ namespace korvel::sim {
 QDBusMessage callWithEvents(const QDBusConnection &bus, const QDBusMessage &message) {
     using namespace std::chrono_literals;
     constexpr auto REPLY_TIMEOUT = 2s;
-    constexpr auto CHECK_INTERVAL = 100ms; // an answer that came before the loop ran wakes nobody
+    constexpr auto CHECK_INTERVAL = 100ms; // a reply that arrives before the loop runs does not wake it
     const QDBusPendingCall call =
         bus.asyncCall(message, int(std::chrono::milliseconds(REPLY_TIMEOUT + CHECK_INTERVAL).count()));
     const QDBusPendingCallWatcher watcher(call);

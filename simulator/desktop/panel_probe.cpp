@@ -43,7 +43,7 @@ QVariant first(const QDBusMessage &reply) {
 
 } // namespace
 
-// Takes the item's signals from the bus, which delivers to slots only.
+// Receives the item's signals, which D-Bus delivers to slots only.
 class PanelProbe::Receiver : public QObject {
     Q_OBJECT
 public:
@@ -160,7 +160,7 @@ QStringList PanelProbe::registeredItems() {
     return first(reply).value<QDBusVariant>().variant().toStringList();
 }
 
-// `registered` is a bus name with the item's path behind it, or the bare name when the path is the usual one.
+// `registered` is a bus name followed by the item's path, or a bus name alone for the usual path.
 bool PanelProbe::attach(const QString &registered, qint64 pid) {
     const qsizetype slash = registered.indexOf(u'/');
     const QString service = slash < 0 ? registered : registered.left(slash);

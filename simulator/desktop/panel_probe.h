@@ -16,53 +16,53 @@ namespace korvel::sim {
 // One entry of an exported menu as a panel shows it.
 struct PanelMenuEntry {
     int id = 0;
-    QString title; // with the marks of mnemonics taken out
+    QString title; // without mnemonic marks
     bool enabled = true;
     bool separator = false;
     bool visible = true;
 };
 
-// What a status item says about itself.
+// The properties of a status item.
 struct PanelItem {
     QString toolTipTitle;
     QString menuPath;
-    QList<QImage> icons; // one for each size offered, smallest first
+    QList<QImage> icons; // one per size, smallest first
 };
 
-// A status item seen as a panel sees it: found at the watcher, read and used over D-Bus (StatusNotifierItem and
-// com.canonical.dbusmenu). It shows and draws nothing. Needs an event loop's thread; the item may live in this process.
-// Each operation waits for the item at most two seconds, running the event loop meanwhile.
+// A status item as a panel sees it: found at the watcher, read and used over D-Bus (StatusNotifierItem and
+// com.canonical.dbusmenu). Draws nothing. Needs a thread with an event loop; the item may be in this process. Each
+// operation waits at most two seconds for the item and runs the event loop meanwhile.
 class PanelProbe {
 public:
-    // Connects to the session bus that the environment names.
+    // Connects to the session bus in the environment.
     PanelProbe();
     ~PanelProbe();
     PanelProbe(const PanelProbe &) = delete;
     PanelProbe &operator=(const PanelProbe &) = delete;
 
-    // Waits until an item is registered, of process `pid` unless that is 0, and attaches to it. False when none came.
+    // Waits for a registered item, of process `pid` unless that is 0, and attaches to it. False if none appears.
     bool waitForItem(std::chrono::milliseconds within, qint64 pid = 0);
-    // Whether the item attached to is still registered at the watcher.
+    // Whether the attached item is still registered at the watcher.
     bool isRegistered();
 
-    // The item's properties; nothing when it does not answer.
+    // The item's properties; none if it does not respond.
     std::optional<PanelItem> item();
-    // The menu from top to bottom, entries that are not visible included; empty when it does not answer.
+    // The menu from top to bottom, with invisible entries; empty if the item does not respond.
     QList<PanelMenuEntry> menu();
     // The title of the menu's first entry; empty without one.
     QString statusLine();
-    // Does what a panel does when its user opens the menu. False when the item does not answer.
+    // Opens the menu as a panel does. False if the item does not respond.
     bool open();
-    // Chooses the visible, enabled entry of that title. False when there is none or it does not answer.
+    // Chooses the visible, enabled entry of that title. False if there is none or the item does not respond.
     bool click(const QString &title);
 
-    // Signals of the item and its menu since it was attached to, or since clearSignals().
+    // Number of signals of the item and its menu since it was attached, or since clearSignals().
     int signalCount() const;
     void clearSignals();
-    // Called once per turn of the event loop in which signals came.
+    // Sets the callback for each turn of the event loop in which signals arrived.
     void onChange(std::function<void()> call);
 
-    // Runs the event loop until `condition` holds, looking every 20 ms. False when it did not come to hold in time.
+    // Runs the event loop until `condition` holds, checking every 20 ms. False on timeout.
     bool waitUntil(const std::function<bool()> &condition, std::chrono::milliseconds within);
 
 private:

@@ -15,11 +15,11 @@ namespace {
 
 constexpr int TOOL_WITHIN_MS = 5000;
 
-// The panel runs its status items as a plug-in process of this window class.
+// Window class of the panel's process for status items.
 const auto STATUS_AREA = u"wrapper-2.0"_s;
 constexpr int SMALLEST_STATUS_AREA = 16;
 
-// What xdotool prints; empty when it finds nothing.
+// The output of xdotool; empty on failure.
 QString xdotool(const QStringList &arguments) {
     QProcess tool;
     tool.setStandardErrorFile(QProcess::nullDevice());
@@ -29,7 +29,7 @@ QString xdotool(const QStringList &arguments) {
     return QString::fromUtf8(tool.readAllStandardOutput());
 }
 
-// Windows as `xdotool getwindowgeometry --shell` prints them, NAME=VALUE line by line and WINDOW first.
+// Parses the output of `xdotool getwindowgeometry --shell`: lines NAME=VALUE, WINDOW first.
 QList<std::pair<QString, QRect>> readWindows(const QString &printed) {
     QList<std::pair<QString, QRect>> windows;
     for (const QString &line : printed.split(u'\n', Qt::SkipEmptyParts)) {

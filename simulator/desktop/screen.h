@@ -8,10 +8,10 @@
 
 #include <chrono>
 
-// The X screen as its user sees and uses it; needs a QGuiApplication and xdotool. All measures are in pixels.
+// The X screen as its user sees and uses it. Needs a QGuiApplication and xdotool. All measures are in pixels.
 namespace korvel::sim {
 
-// The whole screen, or a part of it.
+// Captures the whole screen, or a part of it.
 QImage grabScreen(const QRect &part = {});
 
 // A window as the window manager knows it.
@@ -20,25 +20,25 @@ struct ScreenWindow {
     QString title;
 };
 
-// The visible top-level windows of a process; empty when it has none.
+// The visible top-level windows of a process.
 QList<ScreenWindow> windowsOf(qint64 pid);
 
-// Where the panel shows its status items; an empty rectangle while it shows none.
+// The area of the panel's status items; empty if it shows none.
 QRect statusArea();
 
-// The process that draws the status items, to which the menus belong that the panel opens; 0 when none does.
+// The process that draws the status items and owns the panel's menus; 0 if there is none.
 qint64 statusAreaProcess();
 
-// Moves the pointer there; the receiver of the motion has not yet acted on it when this returns.
+// Moves the pointer. The window below may not have processed the motion when this returns.
 void movePointer(QPoint to);
-// A click of a mouse button (1 left, 3 right) where the pointer is.
+// Clicks a mouse button (1 left, 3 right) at the pointer.
 void clickButton(int button);
-// A key by its X name, such as "Escape".
+// Presses and releases a key by its X name, such as "Escape".
 void pressKey(const QString &name);
-// Presses a key and leaves it down, and lets it go.
+// Presses a key without releasing it, and releases it.
 void holdKey(const QString &name);
 void releaseKey(const QString &name);
-// A text, key by key.
+// Types a text.
 void typeText(const QString &text, std::chrono::milliseconds betweenKeys = std::chrono::milliseconds(12));
 
 } // namespace korvel::sim

@@ -19,7 +19,7 @@ namespace {
 struct Sample {
     const char *name;
     std::function<AlertView()> view;
-    QString typed = {}; ///< Into the field for a code.
+    QString typed = {}; ///< Typed into the code field.
 };
 
 QJsonObject device(const QString &name, const QString &platform = u"ios"_s) {

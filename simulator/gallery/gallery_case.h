@@ -7,19 +7,19 @@
 
 namespace korvel::gallery {
 
-/// What makes a difference to how a case looks.
+/// The settings that change the picture of a case.
 enum class Differs { InLanguageAndAppearance, InLanguage, InNothing };
 
-/// One thing that the program can show, in one state.
+/// One thing that the program shows, in one state.
 struct Case {
     QString group; ///< Heading on the page.
-    QString name;  ///< Of its pictures: lower case and hyphens, unique in the group.
-    /// Puts it on the screen as the program does; it goes with the result.
+    QString name;  ///< File name of its pictures: lower case and hyphens, unique in the group.
+    /// Shows it as the program does, until the result is destroyed.
     std::function<std::shared_ptr<void>()> show;
     Differs differs = Differs::InLanguageAndAppearance;
 };
 
-/// Every case, grouped, in the language that is set now.
+/// All cases, grouped, in the current language.
 QList<Case> allCases();
 
 QList<Case> pairCases();
@@ -29,11 +29,11 @@ QList<Case> noticeCases();
 QList<Case> situationCases();
 QList<Case> iconCases();
 
-/// Names from outside as they can be at worst.
+/// Difficult names from outside.
 QString longName();        ///< Many words.
 QString unbrokenName();    ///< 200 characters without a space.
 QString rightToLeftName(); ///< Hebrew, with emoji.
-/// Every name that a case may show, a person's or a device's, longer ones before what they begin with.
+/// All names of persons and devices in the cases; a name comes before its prefixes.
 QStringList sampleNames();
 
 } // namespace korvel::gallery

@@ -27,7 +27,7 @@ class Painter {
 public:
     explicit Painter(const QString &f) : folder(f) {}
 
-    /// Draws a case as it is set now; what went wrong, or nothing.
+    /// Draws a case in a setting. Returns an error message, or nothing.
     QString draw(const Case &shown, const Setting &setting) {
         const Staged staged(shown);
         if (!staged.window())
@@ -45,7 +45,7 @@ public:
         drawn[name] = file;
         return layoutFaults(*staged.window()).join(u"; "_s);
     }
-    /// Where the picture of each name is.
+    /// The file of each picture, by its name.
     const PictureFiles &pictures() const { return drawn; }
     qsizetype count() const { return files.size(); }
 
@@ -59,11 +59,11 @@ private:
     }
 
     const QDir folder;
-    QHash<QByteArray, QString> files; ///< By what is in them.
+    QHash<QByteArray, QString> files; ///< By content.
     PictureFiles drawn;
 };
 
-/// Cases that show the same as another in every setting, or twice the same, a line each.
+/// Cases that look like another one in every setting, or the same in two settings; one per line.
 QStringList copies(const QList<Case> &cases, const PictureFiles &pictures) {
     QStringList faults;
     QHash<QStringList, QString> seen;

@@ -6,12 +6,12 @@
 
 namespace korvel::gallery {
 
-/// The name of a case's picture, "pairing-window/code-en-light": without what makes no difference to it.
+/// The name of a case's picture, such as "pairing-window/code-en-light", without settings that do not change it.
 QString pictureName(const Case &shown, const Setting &setting);
-/// The file in which each picture is, by the picture's name; several may be in one.
+/// The file of each picture, by the picture's name. Equal pictures share a file.
 using PictureFiles = QHash<QString, QString>;
 
-/// A page that shows every picture, with buttons for languages and looks; pictures lie beside it.
+/// A page with all pictures, and buttons for language and appearance. The pictures lie beside it.
 QByteArray page(const QList<Case> &cases, const PictureFiles &pictures);
 
 } // namespace korvel::gallery

@@ -11,7 +11,7 @@ namespace korvel::gallery {
 
 namespace {
 
-/// The icon at the sizes that panels ask for, on a panel of that colour.
+/// The icon in the sizes that panels request, on a panel of that colour.
 QWidget *strip(const QIcon &icon, const QColor &panel) {
     auto *all = new QWidget;
     all->setAutoFillBackground(true);

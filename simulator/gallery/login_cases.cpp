@@ -15,7 +15,7 @@ namespace {
 struct Sample {
     const char *name;
     CnLoginForm form;
-    int tabs = 0; ///< How often Tab is pressed.
+    int tabs = 0; ///< Number of presses of Tab.
 };
 
 std::shared_ptr<void> show(const Sample &sample) {

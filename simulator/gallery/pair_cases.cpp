@@ -15,7 +15,7 @@ struct Sample {
     QByteArray report;
     PairContext context = {.bound = true};
     PairState before = {};
-    QString error = {}; ///< The agent's sentence after a refresh that failed.
+    QString error = {}; ///< The agent's message after a failed refresh.
 };
 
 std::shared_ptr<void> show(const Sample &sample) {

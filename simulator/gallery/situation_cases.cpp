@@ -20,7 +20,7 @@ namespace {
 
 struct Sample {
     const char *name;
-    QByteArray health = {}; ///< The agent's answer; empty: it is silent.
+    QByteArray health = {}; ///< The agent's response; empty: none.
     std::function<void(TrayState &)> then = [](TrayState &) {};
     bool bound = true;
     bool plistExists = true;
@@ -29,7 +29,7 @@ struct Sample {
 
 constexpr Instant NOW = Instant(1h);
 
-/// Makes the situation of a sample and hands it over; it lives no longer.
+/// Calls `show` with the situation of a sample.
 std::shared_ptr<void> in(const Sample &sample, std::shared_ptr<void> (*show)(const Situation &)) {
     Deployment deployment = builtDeployment();
     deployment.edition = QLatin1StringView(sample.edition);
@@ -78,7 +78,7 @@ QByteArray encryption(const QByteArray &report, bool connected = false) {
 struct Permission {
     QString name;
     const char *state;
-    QString why, breaks; ///< What it is for, and what does not work without it.
+    QString why, breaks; ///< Its use, and the effect of its absence.
 };
 
 Permission microphone() {
@@ -86,7 +86,7 @@ Permission microphone() {
             L(u"手机上听不到声音", u"the phone hears nothing")};
 }
 
-/// The agent's list of what is lacking, in its words.
+/// A health response with these permissions.
 QByteArray lacking(const QList<Permission> &permissions) {
     QByteArrayList items, missing;
     for (const auto &[name, state, why, breaks] : permissions) {
@@ -121,7 +121,7 @@ QList<Sample> statusSamples() {
     };
 }
 
-/// The status line is that of others here, the menu is not.
+/// Samples for the menu; the status line is covered by others.
 QList<Sample> menuSamples() {
     const UpdateInfo update{.ver = u"2.1.0"_s};
     return {
@@ -138,7 +138,7 @@ QList<Sample> menuSamples() {
     };
 }
 
-/// What only the notice at start says.
+/// Samples for the startup notice.
 QList<Sample> startSamples() {
     return {
         {"sign-in-lost", R"({"ok":true,"account":"anna","authDead":true})",

@@ -29,7 +29,7 @@ QPalette coloursOf(Appearance appearance) {
     palette.setColor(QPalette::Link, c.link);
     palette.setColor(QPalette::ToolTipBase, c.button);
     palette.setColor(QPalette::ToolTipText, c.text);
-    // As faint as systems leave what cannot be used now.
+    // As faint as systems draw disabled controls.
     const QColor faint = appearance == Appearance::Dark ? QColor(0x6e, 0x72, 0x76) : QColor(0xbe, 0xbe, 0xbe);
     for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         palette.setColor(QPalette::Disabled, role, faint);

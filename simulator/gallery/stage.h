@@ -8,29 +8,28 @@ namespace korvel::gallery {
 
 enum class Appearance { Light, Dark };
 
-/// How a case is looked at.
+/// Language and appearance in which a case is shown.
 struct Setting {
     bool chinese = false;
     Appearance appearance = Appearance::Light;
     bool operator==(const Setting &) const = default;
 };
 
-/// All four.
 QList<Setting> allSettings();
-/// Those in which a case differs.
+/// The settings in which the case differs.
 QList<Setting> settingsOf(const Case &shown);
-/// What tells a case in this setting from the same one in another: its language, its look, as "en" and "light".
+/// The differences of a case in this setting: language and appearance, such as "en" and "light".
 QStringList differencesOf(const Case &shown, const Setting &setting);
 
-/// Makes language and colours those of the setting for what is shown from now on.
+/// Applies language and colours to the windows shown next.
 void apply(const Setting &setting);
 
-/// A case on the screen, until it is destroyed.
+/// Shows a case until destruction.
 class Staged {
 public:
     explicit Staged(const Case &shown);
     ~Staged();
-    /// Its window; null when it shows none, or more than one.
+    /// Its window; null if it shows none or several.
     QWidget *window() const;
 
 private:

@@ -24,11 +24,11 @@ namespace korvel::gallery {
 
 namespace {
 
-constexpr int BESIDE_TEXT = 8; // points of a button, on either side
+constexpr int BESIDE_TEXT = 8; // points on each side of a button's text
 
 bool isLink(const QPushButton &button) { return dynamic_cast<const LinkButton *>(&button); }
 
-/// Whether a control is looked at for itself; others only hold some.
+/// Whether a widget is checked itself. Other widgets only contain controls.
 bool isControl(const QWidget &widget) {
     return qobject_cast<const QLabel *>(&widget) || qobject_cast<const QAbstractButton *>(&widget) ||
            qobject_cast<const QLineEdit *>(&widget) || qobject_cast<const QProgressBar *>(&widget);
@@ -56,7 +56,7 @@ QString named(const QWidget &control) {
     return text.isEmpty() ? QString::fromLatin1(control.metaObject()->className()) : u'"' + text.left(40) + u'"';
 }
 
-/// The part of a control that can be seen: what a scroll area hides is reached by scrolling.
+/// The visible part of a control. A part that a scroll area hides can be scrolled to.
 QRect placeIn(const QWidget &window, const QWidget &control) {
     QRect place(control.mapTo(&window, QPoint()), control.size());
     for (const QWidget *holder = control.parentWidget(); holder && holder != &window; holder = holder->parentWidget())
@@ -65,7 +65,7 @@ QRect placeIn(const QWidget &window, const QWidget &control) {
     return place;
 }
 
-/// The size that a control needs for all of its text; as wide as it is where its text wraps.
+/// The size that a control needs for its whole text. Wrapping texts keep their width.
 QSize neededSize(const QWidget &control) {
     if (const auto *label = dynamic_cast<const ToneLabel *>(&control); label && label->wordWrap())
         return label->wrappedSize(label->width());
@@ -104,7 +104,7 @@ QStringList menuFaults(const QMenu &menu) {
 
 bool isChinese(QChar c) { return c.script() == QChar::Script_Han; }
 
-/// What `pattern` finds in a text, sorted.
+/// All matches of `pattern`, sorted.
 QStringList found(const QString &pattern, const QString &text) {
     QStringList all;
     for (const auto &match : QRegularExpression(pattern).globalMatch(text))
@@ -113,7 +113,7 @@ QStringList found(const QString &pattern, const QString &text) {
     return all;
 }
 
-/// The names from outside that a text holds, as often as it does.
+/// The names from outside in a text, with repetitions.
 QStringList namesIn(const QString &text) {
     QStringList names;
     for (const QString &name : sampleNames())
@@ -121,7 +121,7 @@ QStringList namesIn(const QString &text) {
     return names;
 }
 
-/// A text without the names from outside, and without words that are the same in both languages.
+/// A text without names from outside and without words that are the same in both languages.
 QString withoutNames(QString text) {
     for (const QString &name : sampleNames())
         text.remove(name);

@@ -79,7 +79,7 @@ QJsonObject Document::read() const { return readObject(path); }
 
 bool Document::change(const std::function<bool(QJsonObject &)> &event) const {
     QDir().mkpath(QFileInfo(path).path());
-    QFile lock(path + ".lock"_L1); // unlocked when it is closed
+    QFile lock(path + ".lock"_L1); // closing it unlocks it
     if (!lock.open(QIODevice::ReadWrite) || ::flock(lock.handle(), LOCK_EX) != 0)
         return false;
     const QJsonObject before = read();

@@ -25,7 +25,7 @@ namespace {
 
 constexpr int DEFAULT_PORT = 8790;
 
-/// Puts a program at a path as a file of its own there: a second name of the same file, or else a copy.
+/// Makes a program available at a path as a file: a hard link, else a copy.
 bool placeProgram(const QString &program, const QString &path) {
     const QString source = QFileInfo(program).canonicalFilePath();
     if (source.isEmpty() || !QDir().mkpath(QFileInfo(path).path()))
@@ -41,7 +41,7 @@ bool isLasting(const QStringList &words) {
            words.first() == QString(simulatedRoot() + "/sbin/launchd"_L1);
 }
 
-/// Also the shell that runs a script for the simulated osascript.
+/// Includes the shell that runs a script for the simulated osascript.
 bool isTool(const QStringList &words) {
     const QString place = simulatedRoot() + u'/';
     const bool isShell = words.first() == "/bin/sh"_L1 && words.value(1) == "-c"_L1 && words.value(2).contains(place);
@@ -174,7 +174,7 @@ bool Home::killAgent(int signal) {
 }
 
 bool Home::shutDown() {
-    endWithin(2000, paths, SIGKILL, isTool); // a tool that waits could load a job later
+    endWithin(2000, paths, SIGKILL, isTool); // a waiting tool could load a job later
     for (const QString &label : LaunchJob::labels(paths))
         LaunchJob(paths, label).unload();
     return endWithin(2000, paths, SIGTERM, isLasting) || endWithin(2000, paths, SIGKILL, isLasting);

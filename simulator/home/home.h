@@ -14,12 +14,11 @@
 
 namespace korvel::sim {
 
-/// A home directory with a Mac in miniature in it: launchd jobs, the agent, the simulated tools and the logs of their
-/// calls. docs/simulator.md lists the scenario's keys and the logs' fields. An object of this class owns nothing: any
-/// number, in any process, may use the same home. Needs no event loop.
+/// A home directory with a simulated Mac: launchd jobs, the agent, the simulated tools and the logs of their calls.
+/// docs/simulator.md lists the keys of the scenario and the fields of the logs. Objects hold no resource: any number,
+/// in any process, may use the same home. Needs no event loop.
 class Home {
 public:
-    /// `directory` should exist.
     explicit Home(const QString &directory);
 
     /// The home directory, absolute and without symbolic links.
@@ -28,71 +27,70 @@ public:
     QString configPath() const { return paths.home + QStringLiteral("/.korvel/agent.json"); }
     /// The agent's job file.
     QString jobFilePath() const { return paths.jobFile(); }
-    /// The port of the agent of this home on 127.0.0.1: the one reserved for it, else KORVEL_HOOK_PORT, else 8790.
+    /// The agent's port on 127.0.0.1: the one reserved for this home, else KORVEL_HOOK_PORT, else 8790.
     int port() const;
-    /// This process's environment for programs of this home.
+    /// The environment for programs of this home, based on this process's.
     QProcessEnvironment environment() const;
 
-    /// Replaces the scenario; faults with "times" count anew. False when it cannot be written.
+    /// Replaces the scenario and restarts the counts of "times". False if it cannot be written.
     bool setScenario(const QJsonObject &scenario);
-    /// Applies an RFC 7396 merge patch to the scenario.
+    /// Applies a merge patch (RFC 7396) to the scenario.
     bool changeScenario(const QJsonObject &patch);
     QJsonObject scenario() const;
 
-    /// Writes a sign-in into agent.json; an agent that runs goes online without a restart, and its encryption starts
-    /// over. False when the file cannot be written or holds something else than an object.
+    /// Writes a sign-in into agent.json. A running agent goes online without a restart, and the encryption restarts.
+    /// False if the file cannot be written or contains anything but an object.
     bool signIn(const QString &account);
     bool signOut();
-    /// The account in agent.json; empty when nobody is signed in.
+    /// The account in agent.json; empty if nobody is signed in.
     QString account() const;
 
-    /// The encryption as the phone and the account see and change it.
+    /// The encryption, for the simulated phone and account.
     Encryption encryption() const;
-    /// The permissions of this Mac's agent as the user sets them.
+    /// The agent's permissions, for the simulated user.
     Permissions permissions() const { return Permissions(paths); }
-    /// What the account server knows, and what the user does there.
+    /// The state of the account server, for the simulated user.
     Accounts accounts() const { return Accounts(paths); }
     ServerUpdates updates() const { return ServerUpdates{paths}; }
 
-    /// Starts the account server, and waits until it serves; it ends with the home. True when it runs.
+    /// Starts the account server and waits until it accepts connections. It ends with the home. True if it runs.
     bool startAccountServer();
-    /// True when it no longer runs.
+    /// True once it has stopped.
     bool stopAccountServer();
-    /// Its address, running or not: "localhost:PORT".
+    /// The address "localhost:PORT", whether or not the server runs.
     QString accountServer() const;
-    /// The certificate, as PEM, of the authority that signs the server's certificate.
+    /// The certificate of the test authority, as PEM file.
     static QString authorityFile();
 
-    /// Writes the agent's job file without loading the job, and puts the agent where the job expects it.
+    /// Writes the agent's job file and the program that it names, without loading the job.
     bool installJobFile();
-    /// Puts Korvel.app into the home, with the given tray program and the agent in it, and returns the tray's path
-    /// inside the bundle. Empty on failure.
+    /// Assembles Korvel.app in the home, from the given tray program and the agent. Returns the tray's path in it;
+    /// empty on failure.
     QString assembleBundle(const QString &trayProgram);
-    /// The agent inside the home's Korvel.app; there after assembleBundle() or installJobFile().
+    /// The agent in the home's Korvel.app; exists after assembleBundle() or installJobFile().
     QString agentProgram() const { return paths.agentProgram(); }
     /// Runs the simulated launchctl and returns its exit status.
     int launchctl(const QStringList &arguments);
-    /// The launchd domain of this user, gui/UID, and the agent job's target in it.
+    /// The user's launchd domain, gui/UID, and the target of the agent's job in it.
     static QString domain();
     static QString agentTarget() { return domain() + u'/' + AGENT_LABEL; }
 
-    /// Requests that the agent and the account server received, calls of the simulated tools and of the agent's command
-    /// line, oldest first.
+    /// Logs of the requests to the agent and to the account server, and of the calls of the simulated tools and the
+    /// agent's command line, oldest first.
     QList<QJsonObject> requests() const;
     QList<QJsonObject> serverRequests() const;
     QList<QJsonObject> toolCalls() const;
     QList<QJsonObject> agentCalls() const;
-    /// The addresses that were opened.
     QStringList opened() const;
     /// Installed packages, oldest first: "time" (ms), "version", "sha256".
     QList<QJsonObject> installedPackages() const;
 
-    /// Process id of the agent that launchd runs here; 0 when none runs.
+    /// Process id of the agent that launchd runs; 0 if there is none.
     qint64 agentPid() const;
-    /// Sends a signal to that process. False when none runs.
+    /// Sends a signal to the agent. False if it does not run.
     bool killAgent(int signal);
-    /// Boots out every job of this home and ends the account server and whatever else of the simulator runs in it. The
-    /// tray must have ended before. True when no process is left.
+    /// Ends everything of the simulator in this home: tools, loaded jobs, the account server and other agents; by
+    /// SIGTERM, and SIGKILL after 2 seconds. The tray must have ended before. True if no process is left.
     bool shutDown();
 
 protected:

@@ -9,20 +9,20 @@
 
 namespace korvel::sim {
 
-// A record lock (fcntl(2)) on a whole file: the kernel says which process holds it, and releases it when that process
-// ends in whatever way. The holder must not open the file a second time: closing that would release it too.
+// Record locks (fcntl(2)) on whole files: the kernel reports the process that holds one and releases it when that
+// process ends. The holder must not open the file again: closing it releases the lock.
 
-/// Takes the lock for this process, creating the file. The descriptor to close for releasing it, or -1 when another
-/// process holds it.
+/// Takes the lock for this process; creates the file. Returns the descriptor, whose closing releases the lock, or -1 if
+/// another process holds it.
 int takeRecordLock(const QString &path);
 
-/// The other process that holds the lock; 0 when none does.
+/// The other process that holds the lock; 0 if there is none.
 pid_t recordLockHolder(const QString &path);
 
-/// Reports within seconds to a process that belongs to a home that it should end.
+/// Notifies a process of a home that it should end, within seconds after the home has gone.
 class HomeWatch {
 public:
-    /// Calls `onGone` once `file` is no longer there, or, if a process holds the home now, once none does.
+    /// Calls `onGone` when `file` has disappeared, or when the process that owns the home now has ended.
     HomeWatch(const HomePaths &paths, QString file, std::function<void()> onGone);
 
 private:

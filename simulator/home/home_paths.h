@@ -4,17 +4,17 @@
 
 namespace korvel::sim {
 
-/// The folder that stands in for "/" when system tools are run.
+/// The folder that replaces "/" for system tools.
 QString simulatedRoot();
 
-/// Where a home keeps the simulator's state and the files that the agent shares with the tray. Touches no file.
+/// The paths of a home: the simulator's state and the files that the agent shares with the tray.
 struct HomePaths {
     QString home; ///< The home directory, absolute.
 
-    /// $HOME.
+    /// The paths of $HOME.
     static HomePaths ofThisProcess();
 
-    /// A file of the simulator's own state.
+    /// A file of the simulator's state.
     QString state(const QString &name) const { return home + QStringLiteral("/.simulator/") + name; }
     QString requestLog() const { return state(QStringLiteral("requests.jsonl")); }
     QString toolLog() const { return state(QStringLiteral("tools.jsonl")); }
@@ -26,11 +26,11 @@ struct HomePaths {
     QString ports() const { return state(QStringLiteral("ports.json")); }
     /// Locked by the account server while it runs.
     QString serverLock() const { return state(QStringLiteral("server")); }
-    /// Locked by the process that holds the home, if one does.
+    /// Locked by the test or the tour that owns the home, if there is one.
     QString ownerLock() const { return state(QStringLiteral("owner")); }
-    /// One folder a job label.
+    /// Has a folder for each job label.
     QString jobs() const { return state(QStringLiteral("launchd")); }
-    /// Stands in for PRIVATE_TEMP.
+    /// Replaces PRIVATE_TEMP.
     QString privateTemp() const { return state(QStringLiteral("private/tmp")); }
 
     QString bundle() const { return home + QStringLiteral("/Korvel.app"); }
@@ -42,7 +42,6 @@ struct HomePaths {
 /// The Mac's folder for temporary files.
 inline const QString PRIVATE_TEMP = QStringLiteral("/private/tmp");
 
-/// The label of the agent's job.
 inline const QString AGENT_LABEL = QStringLiteral("com.korvel.agent");
 
 } // namespace korvel::sim

@@ -8,17 +8,15 @@
 
 namespace korvel::sim {
 
-/// One running process.
 struct ProcessInfo {
     pid_t id = 0;
-    QStringList commandLine; ///< Its name as first element.
+    QStringList commandLine; ///< The first element is the name.
 };
 
-/// The other processes of this user whose environment had this HOME when they started. What cannot be looked into, and
-/// what has ended but was not yet waited for, is left out.
+/// The other processes of this user that were started with this HOME. Omits unreadable ones and zombies.
 QList<ProcessInfo> processesOfHome(const QString &home);
 
-/// Whether a variable of an environment names the home, which may have been removed.
+/// Whether an environment variable is HOME with this directory, which may have been removed.
 inline bool namesHome(const QByteArray &variable, const QString &home) {
     const QString value = QFile::decodeName(variable.mid(5));
     const auto canonical = [](const QString &path) { return QFileInfo(path).canonicalFilePath(); };

@@ -14,13 +14,13 @@ QList<QByteArray> readWords(const QString &path) {
     QFile file(path);
     QList<QByteArray> words = file.open(QIODevice::ReadOnly) ? file.readAll().split('\0') : QList<QByteArray>();
     if (!words.isEmpty())
-        words.removeLast(); // behind the last zero
+        words.removeLast(); // the empty text after the last zero byte
     return words;
 }
 
 } // namespace
 
-// Linux: proc(5).
+// See proc(5).
 QList<ProcessInfo> processesOfHome(const QString &home) {
     QList<ProcessInfo> found;
     for (const QString &name : QDir(u"/proc"_s).entryList(QDir::Dirs)) {

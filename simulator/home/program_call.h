@@ -10,34 +10,33 @@
 
 namespace korvel::sim {
 
-/// How one of the simulator's programs was started.
+/// The call of one of the simulator's programs.
 struct ProgramCall {
-    HomePaths paths;       ///< Of $HOME.
+    HomePaths paths;       ///< Those of $HOME.
     QString name;          ///< The base name it was started under.
-    QString program;       ///< Its own absolute path, symbolic links not resolved.
+    QString program;       ///< Absolute path of the program; symbolic links are not resolved.
     QStringList arguments; ///< Without the name.
 };
 
-/// What a program that runs to its end leaves: its exit status and what it prints.
+/// The result of a program.
 struct ProgramResult {
     int status = 0;
     QString output = {};
     QString error = {};
 };
 
-/// Runs a program to its end, its output passed through to ours; 127 when it cannot be started.
+/// Runs a program, with its output passed through. Returns its exit status; 127 if it cannot be started.
 int runProgram(const QString &program, const QStringList &arguments);
 
-/// Starts a program of the simulated root that outlives this one, its output appended to `log`; 0 when it cannot be
-/// started. Holds none of the caller's pipes open.
+/// Starts a program of the simulated root that outlives this process, with its output appended to `log`. It inherits no
+/// pipes of the caller. Returns its process id; 0 on failure.
 pid_t startLasting(const QString &program, const QStringList &arguments, const QProcessEnvironment &environment,
                    const QString &log);
 bool isRunning(pid_t process);
 
-/// Blocks this thread.
 void pauseFor(int milliseconds);
 
-/// Blocks until `done` returns true; false when it does not within 10 seconds.
+/// Blocks until `done` returns true; false after 10 seconds.
 bool waitUntil(const std::function<bool()> &done);
 
 } // namespace korvel::sim

@@ -27,7 +27,7 @@ SimulatedHome::SimulatedHome(const QString &directory)
       ownerLock(takeRecordLock(paths.ownerLock())) {
     const bool boundHere = readObject(configPath()).value("server"_L1).toString() == accountServer();
     Document(paths.ports()).patch({{u"agent"_s, portOf(agentPort)}, {u"server"_s, portOf(serverPort)}});
-    if (boundHere) // before the home was taken over
+    if (boundHere) // by an earlier owner of the home
         AgentConfig(configPath()).change({{u"server"_s, accountServer()}});
 }
 

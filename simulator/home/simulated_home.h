@@ -4,21 +4,19 @@
 
 namespace korvel::sim {
 
-/// A home that this process holds: journey tests and the tour make one, start the tray with environment(), and change
-/// the scenario while it runs.
+/// A home that this process owns, for journey tests and the tour.
 class SimulatedHome : public Home {
 public:
-    /// Creates `directory` and its parents where missing, and reserves two loopback ports until destruction, for the
-    /// agent and the account server. A home that is there already is taken over with its scenario and logs.
+    /// Creates `directory` and its parents, and reserves two loopback ports for the agent and the account server until
+    /// destruction. An existing home keeps its scenario and logs.
     explicit SimulatedHome(const QString &directory);
-    /// Calls shutDown(). The directory and its files stay. Should this process end without it, the jobs of the home end
-    /// by themselves within seconds.
+    /// Calls shutDown(). The directory stays. If this process ends without it, the home's jobs end within seconds.
     ~SimulatedHome();
     SimulatedHome(const SimulatedHome &) = delete;
     SimulatedHome &operator=(const SimulatedHome &) = delete;
 
 private:
-    int agentPort; ///< Sockets bound to the ports that never listen.
+    int agentPort; ///< Bound sockets that never listen, to reserve their ports.
     int serverPort;
     int ownerLock;
 };

@@ -14,7 +14,7 @@ namespace {
 
 constexpr qint64 MAX_JOB_FILE_BYTES = 1 << 20;
 
-/// The element that the reader stands on, up to its end.
+/// Reads the current element up to its end.
 QJsonValue readValue(QXmlStreamReader &xml) {
     const QString type = xml.name().toString();
     QJsonObject dictionary;

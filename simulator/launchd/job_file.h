@@ -6,14 +6,14 @@
 
 namespace korvel::sim {
 
-/// The content of a launchd job file, an XML property list (launchd.plist(5)); empty when it is malformed, or its Label
-/// cannot name a folder.
+/// The content of a launchd job file, an XML property list (launchd.plist(5)); empty if it is malformed or its Label is
+/// not safe.
 QJsonObject readJobFile(const QString &path);
 
-/// Writes the job file that the agent's installation makes: `program` with the argument "run", at load and kept alive.
+/// Writes the job file of the agent's installation: `program` with the argument "run", at load and kept alive.
 bool writeAgentJob(const HomePaths &paths, const QString &program, const QJsonObject &environment);
 
-/// Whether a label may name a folder.
+/// Whether a label can be a folder name.
 bool isSafeLabel(const QString &label);
 
 } // namespace korvel::sim

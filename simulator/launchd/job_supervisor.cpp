@@ -26,7 +26,7 @@ namespace {
 constexpr int DEFAULT_THROTTLE_MS = 500;
 constexpr auto KILL_DELAY = 2s; // after SIGTERM
 
-/// Where an output goes; its folder may have been removed meanwhile.
+/// The file for an output. Creates its folder, which may have been removed.
 QString outputFile(const QJsonValue &path) {
     if (path.toString().isEmpty())
         return QProcess::nullDevice();
@@ -116,7 +116,7 @@ void JobSupervisor::onEnded() {
 
 void JobSupervisor::writeState() {
     if (!QFile::exists(place.lockFile()))
-        return; // a home that is gone must not come back
+        return; // must not create a removed home again
     replaceFile(place.stateFile(),
                 {{u"supervisor"_s, qint64(::getpid())}, {u"process"_s, program.processId()}, {u"starts"_s, starts}});
 }
@@ -133,7 +133,8 @@ int superviseJob(const ProgramCall &call) {
         else
             supervisor.start(number == SIGUSR1);
     });
-    // Only now may others see the job as loaded: their signals are understood. Held until this process ends.
+    // Locks last, because a locked job counts as loaded and must understand signals. The lock is held until this
+    // process ends.
     if (takeRecordLock(LaunchJob(call.paths, label).lockFile()) < 0)
         return 1;
     supervisor.begin();

@@ -9,14 +9,14 @@
 
 namespace korvel::sim {
 
-/// Simulates launchd for one loaded job: starts its program, restarts it when it is kept alive, ends it when asked to.
+/// Simulates launchd for one loaded job: starts, restarts and ends its program.
 class JobSupervisor {
 public:
     JobSupervisor(const HomePaths &paths, const QJsonObject &jobFile);
 
-    /// Does what loading the job does.
+    /// Starts the program if the job file says so, as loading the job does.
     void begin();
-    /// Starts the program unless it runs; with `kill`, ends it first and then starts it without delay.
+    /// Starts the program unless it runs. With `kill`, first ends a running one, and starts it again without delay.
     void start(bool kill);
     /// Ends the program, then leaves the event loop.
     void finish();
@@ -27,7 +27,7 @@ private:
     void endProgram();
     void writeState();
 
-    enum class After { KeepAlive, StartAgain, Leave }; ///< The end of the program.
+    enum class After { KeepAlive, StartAgain, Leave }; ///< What follows the end of the program.
 
     HomePaths paths;
     QJsonObject job;
@@ -40,7 +40,7 @@ private:
     HomeWatch watch;
 };
 
-/// The program behind a loaded job, `launchd LABEL JOBFILE`. Ends with status 1 when the job is loaded already.
+/// The program of a loaded job, `launchd LABEL JOBFILE`. Returns 1 if the job is already loaded.
 int superviseJob(const ProgramCall &call);
 
 } // namespace korvel::sim

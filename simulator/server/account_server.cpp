@@ -35,7 +35,7 @@ std::unique_ptr<QTcpSocket> makeSocket(const HomePaths &paths) {
     const bool demands = section.value("demandsCertificate"_L1).toBool();
     configuration.setPeerVerifyMode(demands ? QSslSocket::VerifyPeer : QSslSocket::VerifyNone);
     configuration.setMissingCertificateIsFatal(demands);
-    // A client that went on with an earlier session would not look at the certificate.
+    // A client that resumes a session does not check the certificate.
     configuration.setSslOption(QSsl::SslOptionDisableSessionTickets, true);
     auto socket = std::make_unique<QSslSocket>();
     socket->setSslConfiguration(configuration);
@@ -101,7 +101,7 @@ HttpResponse AccountServer::logIn(const HttpRequest &request) {
 }
 
 HttpResponse AccountServer::unbind(const HttpRequest &request) {
-    const auto held = accounts.credential(request.bearerToken()); // by its token alone, not by the agent's id
+    const auto held = accounts.credential(request.bearerToken()); // by token only, not by agent id
     return held && accounts.release(held->token) ? HttpResponse::json({})
                                                  : refusal(401, u"This Mac isn't signed in."_s);
 }

@@ -8,14 +8,13 @@
 
 namespace korvel::sim {
 
-/// The account server of a home: HTTP over TLS, logged, with the faults and the certificate that the scenario's
-/// "server" names at each connection and request.
+/// The account server of a home: HTTP over TLS, with a log, and with the faults and the certificate of the scenario's
+/// "server".
 class AccountServer {
 public:
     explicit AccountServer(const HomePaths &home);
 
-    /// Listens on a port of 127.0.0.1, or, while the scenario's server refuses, does not. False when the port is not to
-    /// be had.
+    /// Listens on a port of 127.0.0.1, except while the scenario's server refuses. False if the port is not available.
     bool listen(int port);
 
 private:

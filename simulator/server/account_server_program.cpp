@@ -20,10 +20,10 @@ int serveAccounts(const ProgramCall &call) {
     AccountServer server(call.paths);
     const auto end = [] { QCoreApplication::exit(0); };
     const UnixSignals signalHandling({SIGTERM, SIGINT}, [&](int) { end(); });
-    // From before the lock on, so that no change is missed. The file itself is replaced each time.
+    // Watches before it locks, so that no change is missed. The file itself is replaced by each change.
     QFileSystemWatcher scenario({call.paths.state({})});
     QObject::connect(&scenario, &QFileSystemWatcher::directoryChanged, &scenario, [&] { server.listen(port); });
-    // Only one holds the lock, and only one that serves: others may rely on it.
+    // Locks after it listens: others rely on the holder of the lock to serve.
     if (!server.listen(port) || takeRecordLock(call.paths.serverLock()) < 0) {
         std::fprintf(stderr, "korvel-account-server: cannot serve at 127.0.0.1:%d\n", port);
         return 1;

@@ -8,7 +8,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qint64 LIFETIME_MS = 10 * 60 * 1000; // a code and a sign-in in the browser
+constexpr qint64 LIFETIME_MS = 10 * 60 * 1000; // of a code and of a sign-in in the browser
 constexpr qint64 NEXT_CODE_MS = 60 * 1000;
 
 Credential credentialOf(const QString &token, const QJsonValue &stored) {

@@ -8,7 +8,7 @@
 
 namespace korvel::sim {
 
-/// What lets one Mac act for an account.
+/// A Mac's right to act for an account.
 struct Credential {
     QString token;
     QString agentId;
@@ -17,57 +17,58 @@ struct Credential {
     bool released = false;
 };
 
-/// What the account server knows: one document that the server, the agent and whoever simulates the user change,
-/// whether the server runs or not. A home begins with the account sam@example.com, 13800000000, "open sesame".
+/// The state of the account server: one document that the server, the agent and the simulated user change, whether or
+/// not the server runs. Initially it has the account sam@example.com, 13800000000, "open sesame".
 ///
 /// `users` by name, `credentials` by token, `codes` by phone number, `signIns` (in the browser) by id; `newest` is the
-/// id of the last of these. Times are in milliseconds since the epoch.
+/// id of the last sign-in. Times are in milliseconds since the epoch.
 class Accounts {
 public:
     explicit Accounts(const HomePaths &paths) : document(paths.state(QStringLiteral("account.json"))) {}
 
     // Users.
 
-    /// Adds an account; `phone` may be empty. False when the name is empty, or it or the phone number is in use.
+    /// Adds an account; `phone` may be empty. False if the name is empty, or the name or the phone number is in use.
     bool add(const QString &name, const QString &phone, const QString &password);
-    /// The name of the account with that name or phone number; empty when there is none.
+    /// The name of the account with that name or phone number; empty if there is none.
     QString find(const QString &nameOrPhone) const;
-    /// The same, if the password is the account's.
+    /// As above, but empty if the password is wrong.
     QString find(const QString &nameOrPhone, const QString &password) const;
     bool setPassword(const QString &name, const QString &password);
 
     // Credentials.
 
-    /// A new credential for a Mac named `host`.
+    /// Issues a credential for a Mac named `host`.
     Credential grant(const QString &account, const QString &host);
-    /// Ends a credential by its token or agent id. False when there is no such live one.
+    /// Releases a credential by its token or agent id. False if there is no such live one.
     bool release(const QString &tokenOrAgentId);
-    /// The credential with that token, live or released; none for one that the server never gave.
+    /// The credential with that token, live or released; none if the server never issued it.
     std::optional<Credential> credential(const QString &token) const;
     QList<Credential> liveCredentials() const;
 
     // Codes sent to phones.
 
-    /// Sends a new code for "login", "register" or "reset"; the ones before it are no longer good.
+    /// Sends a new code for "login", "register" or "reset"; invalidates earlier ones.
     bool sendCode(const QString &phone, const QString &purpose);
     /// Milliseconds until the next code may be sent.
     qint64 codeWait(const QString &phone) const;
-    /// Whether `code` is the last one sent, for that purpose, within 10 minutes, and unused. It is used then.
+    /// Whether `code` is the last one sent, for that purpose, within 10 minutes, and unused. Marks it as used.
     bool useCode(const QString &phone, const QString &purpose, const QString &code);
-    /// The last code sent to a phone; empty when none was.
+    /// The last code sent to a phone; empty if there is none.
     QString lastCode(const QString &phone) const;
 
     // Sign-ins that the agent begins and the user finishes in a browser.
 
-    /// Its id holds "+", "/" and "=", which have to be encoded.
+    /// Starts a sign-in. Returns its id, which contains "+", "/" and "=", so that it must be encoded.
     QString beginSignIn(const QString &device);
-    /// `device`, `status`, `account` and `error`; empty when there is none. A pending one expires after 10 minutes.
+    /// The sign-in's `device`, `status`, `account` and `error`; empty if there is none. A pending one expires after 10
+    /// minutes.
     QJsonObject signIn(const QString &id) const;
     bool isPending(const QString &id) const;
     QString newestSignIn() const;
-    /// Ends a pending one: "done" with an account, "cancelled", or "failed" with an error.
+    /// Ends a pending sign-in: "done" with an account, "cancelled", or "failed" with an error.
     bool endSignIn(const QString &id, const QString &status, const QString &account = {}, const QString &error = {});
-    /// The account of one that is done since the last call; empty when none is.
+    /// The account of a sign-in that is done since the last call; empty without one.
     QString collectSignIn();
 
 private:

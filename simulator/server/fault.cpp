@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Writes what `next` gives every `everyMs`, no faster than the client reads; nothing ends the response.
+/// Writes a piece from `next` every `everyMs`, no faster than the client reads, indefinitely.
 void sendPieces(HttpConnection &connection, int everyMs, std::function<QByteArray()> next) {
     auto timer = new QTimer(&connection);
     QObject::connect(timer, &QTimer::timeout, &connection, [&connection, timer, next = std::move(next)] {
@@ -52,7 +52,7 @@ void sendHuge(HttpConnection &connection, qint64 length) {
     });
 }
 
-/// A redirection, or a response that the scenario spells out.
+/// The response, possibly a redirect, that the scenario contains.
 HttpResponse spelledOut(const QJsonObject &fault, int usualStatus) {
     const QJsonValue body = fault.value("body"_L1);
     HttpResponse response = HttpResponse::json(body.toObject(), fault.value("status"_L1).toInt(usualStatus));
@@ -65,7 +65,7 @@ HttpResponse spelledOut(const QJsonObject &fault, int usualStatus) {
 
 struct Mode {
     QLatin1StringView name;
-    bool needsResponse; ///< Whether the right response is a part of it.
+    bool needsResponse; ///< Whether it uses the correct response.
     void (*apply)(HttpConnection &connection, const QJsonObject &fault, const HttpResponse &right);
 };
 

@@ -5,9 +5,9 @@
 
 namespace korvel::sim {
 
-/// Responds to the current request for `path` as the scenario's fault for it wants: `faults` by path, or "*" for every
-/// other path, of the server named `server`. `act` does what was requested and gives the right response; it is called
-/// only where the fault needs that. A mode of an unknown name is reported on standard error and counts as none.
+/// Responds to the current request for `path` with the scenario's fault for it: `faults` by path, or "*" for all other
+/// paths, of the server named `server`. `act` carries out the request and passes on the correct response; it is called
+/// only if the fault needs that. An unknown mode is reported on standard error and ignored.
 void respondUnder(const Scenario &scenario, const QString &server, const QJsonObject &faults, const QByteArray &path,
                   HttpConnection &connection, const std::function<void(const Respond &)> &act);
 

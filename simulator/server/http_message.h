@@ -7,19 +7,19 @@
 
 namespace korvel::sim {
 
-/// One request as it was read; header names in lower case.
+/// One request; header names in lower case.
 struct HttpRequest {
     QByteArray method;
-    QByteArray target; ///< Path and query as sent.
+    QByteArray target; ///< Path and query, still encoded.
     QMap<QByteArray, QByteArray> headers = {};
     QByteArray body = {};
 
     /// The target without its query.
     QByteArray path() const { return target.split('?').first(); }
-    /// A field of the query, or of the form in the body, decoded; empty when there is none.
+    /// A decoded field of the query, or of the form in the body; empty without one.
     QString queryField(const QString &name) const;
     QString formField(const QString &name) const;
-    /// The token of the Authorization field (RFC 6750); empty when there is none.
+    /// The token in the Authorization header (RFC 6750); empty without one.
     QString bearerToken() const;
 };
 
@@ -27,18 +27,18 @@ struct HttpResponse {
     int status = 200;
     QByteArray type = "application/json";
     QByteArray body = {};
-    QByteArray location = {}; ///< Of a redirection.
+    QByteArray location = {}; ///< Target of a redirect.
 
     static HttpResponse json(const QJsonObject &object, int status = 200);
 };
 
-/// Gives the response to one request; may be called later, and at most once.
+/// Sends the response to one request, at once or later, at most once.
 using Respond = std::function<void(const HttpResponse &)>;
 
-/// Status line and header, up to and with the empty line. `length` is the announced length of the body.
+/// Status line and header, with the final empty line. `length` is the Content-Length.
 QByteArray headOf(const HttpResponse &response, qint64 length, bool keepAlive);
 
-/// A JSON object or a form as a log may hold it: each password as "***".
+/// A JSON object or a form with each password replaced by "***", for logs.
 QByteArray withoutPasswords(const QByteArray &text);
 
 } // namespace korvel::sim

@@ -15,7 +15,7 @@ namespace http = boost::beast::http;
 
 namespace {
 
-constexpr qint64 MAX_BACKLOG = 2 << 20; // what a client may send before its last request is answered
+constexpr qint64 MAX_BACKLOG = 2 << 20; // limit of a client's data before the response to its last request
 constexpr std::uint32_t MAX_HEAD = 32 << 10;
 
 QByteArray bytesOf(beast::string_view text) { return {text.data(), qsizetype(text.size())}; }
@@ -79,7 +79,7 @@ void HttpConnection::finishResponse() {
         return close();
     busy = false;
     QMetaObject::invokeMethod(
-        this, [this] { read(); }, Qt::QueuedConnection); // what came meanwhile
+        this, [this] { read(); }, Qt::QueuedConnection); // reads the data that arrived meanwhile
 }
 
 qint64 HttpConnection::backlog() const {
@@ -104,7 +104,7 @@ HttpServer::HttpServer(HttpConnection::OnRequest onRequest, MakeSocket makeSocke
     : handle(std::move(onRequest)), makeSocket(std::move(makeSocket)) {}
 
 bool HttpServer::listenOnLoopback(int port) {
-    // The port may be shared with a socket that holds it for us, but never with a second listener.
+    // The port may be shared with a socket that reserves it, but not with a second listener.
     const int socket = isPortTaken(port) ? -1 : boundLoopbackSocket(port);
     if (socket < 0)
         return false;

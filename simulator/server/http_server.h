@@ -9,31 +9,31 @@
 
 namespace korvel::sim {
 
-/// One accepted connection. It reads requests one after the other; each must be answered with respond(), or the
-/// connection ended, before the next is read. Deletes itself once the connection is gone: hold it by QPointer.
+/// One accepted connection. Reads the next request only after the response to the current one. Deletes itself when the
+/// connection has gone: hold it by QPointer.
 class HttpConnection : public QObject {
 public:
     using OnRequest = std::function<void(HttpConnection &, const HttpRequest &)>;
 
-    /// `number` counts the connections of a server from 1.
+    /// `number`: number of the connection, from 1.
     HttpConnection(std::unique_ptr<QTcpSocket> connected, int number, OnRequest onRequest, QObject *parent);
     ~HttpConnection() override;
 
     int number() const { return ownNumber; }
-    /// The number of the current request, from 1.
+    /// Number of the current request, from 1.
     int requestNumber() const { return requests; }
 
-    /// Sends a whole response and goes on to the next request.
+    /// Sends a whole response and continues with the next request.
     void respond(const HttpResponse &response);
-    /// Sends the head of a response with a body of that length; write() and finishResponse() follow.
+    /// Sends the head of a response with a body of that length. write() and finishResponse() follow.
     void begin(const HttpResponse &response, qint64 length) { write(headOf(response, length, keepsOpen)); }
     void write(const QByteArray &bytes) { tcp->write(bytes); }
     void finishResponse();
-    /// Bytes that were written and not yet sent.
+    /// Bytes written but not yet sent.
     qint64 backlog() const;
-    /// Closes once all is sent.
+    /// Closes the connection once everything is sent.
     void close();
-    /// Throws away what was not sent; the client sees a reset.
+    /// Discards unsent data and resets the connection.
     void reset();
 
 private:
@@ -42,25 +42,25 @@ private:
 
     std::unique_ptr<QTcpSocket> tcp;
     OnRequest handle;
-    std::unique_ptr<Parser> parser; ///< Of the request that is being read.
-    QByteArray received;            ///< Bytes that only later ones give a meaning.
+    std::unique_ptr<Parser> parser; ///< For the current request.
+    QByteArray received;            ///< Bytes not yet parsed.
     int ownNumber;
     int requests = 0;
-    bool busy = false;     ///< With a response, or for good.
-    bool keepsOpen = true; ///< The client leaves the connection open after the response.
+    bool busy = false;     ///< A response is due, or nothing more is read.
+    bool keepsOpen = true; ///< Whether the client keeps the connection open after the response.
 };
 
-/// Accepts connections and hands their requests to one function.
+/// Accepts connections and passes their requests to one function.
 class HttpServer : public QTcpServer {
 public:
-    /// Makes the socket of an accepted connection; a server over TLS gives one that encrypts.
+    /// Creates the socket of an accepted connection, an encrypting one for TLS.
     using MakeSocket = std::function<std::unique_ptr<QTcpSocket>()>;
 
     explicit HttpServer(HttpConnection::OnRequest onRequest, MakeSocket makeSocket = std::make_unique<QTcpSocket>);
 
-    /// Listens on 127.0.0.1. False when the port is taken by a listener, or cannot be bound.
+    /// Listens on 127.0.0.1. False if the port has a listener or cannot be bound.
     bool listenOnLoopback(int port);
-    /// Stops listening, and resets every connection.
+    /// Stops listening and resets all connections.
     void stop();
 
 protected:

@@ -16,9 +16,9 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr qint64 DEFAULT_BYTES = 200'000;
-constexpr qint64 MAX_BYTES = 256 << 20; // the server takes three times that while it sends them
+constexpr qint64 MAX_BYTES = 256 << 20; // sending takes three times as much memory
 
-/// The key whose public half a development build trusts: RFC 8032, section 7.1, test 1. Everybody knows it.
+/// The private key of development builds, which is public: RFC 8032, section 7.1, test 1.
 const char DEVELOPMENT_SEED[] = "9d61b19deffd5a60ba844af492ec2cc44449c5697b326919703bac031cae7f60";
 
 QByteArray packageOf(const QString &version, qint64 bytes) {
@@ -28,7 +28,7 @@ QByteArray packageOf(const QString &version, qint64 bytes) {
     return start + line.repeated(filler / line.size() + 1).left(filler);
 }
 
-/// By libcrypto: Qt's takes seconds for a large package, and each request makes it anew.
+/// With libcrypto: Qt takes seconds for a large package, which each request creates again.
 QString sha256Of(const QByteArray &bytes) {
     QByteArray digest(EVP_MAX_MD_SIZE, '\0');
     size_t size = 0;
@@ -75,7 +75,7 @@ UpdateOffer updateOffer(const QJsonObject &section) {
     info.sha = hashFor(section.value("sha256"_L1).toString(), package);
     info.sig = signatureFor(section.value("signature"_L1).toString(), info);
     QJsonObject entry = entryOf(info);
-    entry.insert(u"platform"_s, mainland ? u"mac-cn"_s : u"mac"_s); // also where the name says something else
+    entry.insert(u"platform"_s, mainland ? u"mac-cn"_s : u"mac"_s); // even if the file name says otherwise
     const QJsonObject manifest{{u"packages"_s, QJsonArray{entry}}};
     return {info, package, manifestFor(section.value("manifest"_L1), manifest)};
 }

@@ -7,15 +7,15 @@
 
 namespace korvel::sim {
 
-/// One update as the account server has it.
+/// One update that the account server offers.
 struct UpdateOffer {
-    UpdateInfo info;     ///< As the manifest has it.
-    QByteArray package;  ///< Its bytes: "korvel-package VERSION", a line feed, filler.
+    UpdateInfo info;     ///< The manifest's entry.
+    QByteArray package;  ///< "korvel-package VERSION", a line feed, filler.
     QByteArray manifest; ///< The response to GET /v1/dl/manifest.
 };
 
-/// What the scenario's section `update` names; nothing newer than this build when it is empty. The same section gives
-/// the same bytes each time.
+/// The update of the scenario's section `update`; by default not newer than this build. The same section gives the same
+/// bytes.
 UpdateOffer updateOffer(const QJsonObject &section);
 
 /// The updates that a home's account server offers.
@@ -23,7 +23,7 @@ struct ServerUpdates {
     HomePaths paths;
 
     UpdateOffer offer() const { return updateOffer(Scenario(paths).section(QLatin1StringView("update"))); }
-    /// Where the server has the package, as `server.faults` names it.
+    /// Path of the package, the key in `server.faults`.
     QString packagePath() const { return QStringLiteral("/dl/") + offer().info.file; }
 };
 

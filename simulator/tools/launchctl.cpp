@@ -11,7 +11,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// launchd's own statuses, as `launchctl error` lists them.
+// launchd's statuses, as `launchctl error` lists them.
 constexpr int NO_SUCH_PROCESS = 3;
 constexpr int INPUT_OUTPUT_ERROR = 5;
 constexpr int USAGE = 64;
@@ -31,7 +31,7 @@ ProgramResult bootstrap(const HomePaths &paths, const QString &file) {
     return {INPUT_OUTPUT_ERROR, {}, u"Bootstrap failed: 5: Input/output error\n"_s};
 }
 
-/// A subcommand on one job, such as "kickstart -k".
+/// Runs a subcommand on one job, such as "kickstart -k".
 ProgramResult onJob(const QString &subcommand, const QString &target, LaunchJob job) {
     if (subcommand == "enable"_L1 || subcommand == "disable"_L1) {
         job.setDisabled(subcommand == "disable"_L1);

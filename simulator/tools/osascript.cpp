@@ -22,7 +22,7 @@ const QStringList LEADING_ARGUMENTS{
     u"-e"_s, u"on run argv"_s,
     u"-e"_s, u"do shell script (item 1 of argv) with prompt (item 2 of argv) with administrator privileges"_s,
     u"-e"_s, u"end run"_s};
-constexpr int SCRIPT = 6; // the argument after those
+constexpr int SCRIPT = 6; // the argument after them
 constexpr int PROMPT = 7;
 
 const QStringList HOST_TOOLS{u"/bin/rm"_s, u"/usr/bin/awk"_s, u"/usr/bin/mktemp"_s};
@@ -31,7 +31,7 @@ ProgramResult executionError(const QString &text, int number) {
     return {1, {}, u"0:123: execution error: %1 (%2)\n"_s.arg(text).arg(number)};
 }
 
-/// Where an absolute path of the script leads; nothing when it must not be touched.
+/// The replacement of an absolute path in the script; none if the script must not use that path.
 std::optional<QString> placeOf(const QString &path, const HomePaths &paths) {
     if (path != QDir::cleanPath(path))
         return std::nullopt;
@@ -45,13 +45,13 @@ std::optional<QString> placeOf(const QString &path, const HomePaths &paths) {
 
 QString quoted(QString text) { return u'\'' + text.replace(u'\'', u"'\\''"_s) + u'\''; }
 
-/// The script with its absolute paths led elsewhere, and the first that leads nowhere.
+/// The script with replaced absolute paths, and the first path without a replacement.
 struct MappedScript {
     QString text;
     QString stray = {};
 };
 
-/// What stands between single quotes stays: it is data, as the path of the package.
+/// Keeps texts in single quotes: they are data, such as the package's path.
 MappedScript mapped(const QString &script, const HomePaths &paths) {
     static const QRegularExpression WORDS(uR"('[^']*'|\\.|(?<![\w/.}-])(?<path>/[\w.-][\w./+-]*))"_s);
     MappedScript result;
@@ -77,7 +77,7 @@ ProgramResult runScript(const QString &script, const HomePaths &paths) {
         return executionError(u"sh: %1: No such file or directory"_s.arg(ours.stray), COMMAND_NOT_FOUND);
     QDir().mkpath(paths.privateTemp());
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(u"PATH"_s, simulatedRoot() + "/usr/bin"_L1); // not a tool of the host by its bare name
+    environment.insert(u"PATH"_s, simulatedRoot() + "/usr/bin"_L1); // excludes tools of the host
     QProcess shell;
     shell.setProcessEnvironment(environment);
     shell.setStandardInputFile(QProcess::nullDevice());

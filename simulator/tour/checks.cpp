@@ -13,9 +13,9 @@ namespace korvel::sim {
 
 namespace {
 
-// In points.
+// Tolerances in points for a centred window.
 constexpr int BESIDE = 2;
-constexpr int LOWER = 16; // by half of a title bar, which is not a part of the window
+constexpr int LOWER = 16; // half of a title bar, which the window's area excludes
 
 bool isCentred(const QRect &window) {
     const QScreen &screen = *QGuiApplication::primaryScreen();

@@ -4,46 +4,43 @@
 
 #include <QStringList>
 
-/// What the steps look at and act on again and again. Each waits for what it expects, and throws StepFailed when it
-/// does not come.
+/// Checks and actions of the steps. Each waits for its condition, and throws StepFailed on timeout.
 namespace korvel::sim {
 
-/// A poll, and what it starts.
+/// Time until the next poll has had its effect.
 inline constexpr auto NEXT_POLL = std::chrono::milliseconds(4500);
 
 using Within = std::chrono::milliseconds;
 
 void expectLine(Tour &tour, const QString &line, Within within = NEXT_POLL);
-/// A window that holds all these texts and the keyboard; takes a screenshot of that name.
+/// Expects a window with all these texts and the keyboard focus; takes a screenshot of that name.
 void expectTexts(Tour &tour, const QStringList &texts, const QString &name);
-/// The same of a window that has just opened, in the middle of the screen.
+/// As above, for a window that has just opened, in the middle of the screen.
 void expectWindow(Tour &tour, const QStringList &texts, const QString &name);
 void expectNoWindow(Tour &tour);
 void expectNotice(Tour &tour, const QString &text, Within within = NEXT_POLL);
 void expectNoNotice(Tour &tour, Within within);
-/// The menu has, or has not, an entry of that title that can be chosen.
+/// Expects that the menu has, or has not, an enabled entry of that title.
 void expectEntry(Tour &tour, const QString &title, bool there);
-/// The agent received so many requests to a path so far.
+/// Expects a number of requests to a path so far.
 void expectRequests(Tour &tour, const QString &path, int count);
 
-/// Waits until a window that came up by itself takes keys, as somebody does who reads it.
+/// Waits until a window that opened automatically accepts keys.
 void readWindow(Tour &tour);
-/// Chooses an entry of the menu.
 void choose(Tour &tour, const QString &entry);
-/// Saves the screen under that name, once it rests.
+/// Saves the screen under that name once it no longer changes.
 void screenshot(Tour &tour, const QString &name);
-/// Changes the scenario.
 void change(Tour &tour, const QJsonObject &patch);
 
-/// The title of the menu's first entry that begins so; empty while there is none.
+/// The title of the first menu entry with that beginning; empty without one.
 QString entryThatBegins(Tour &tour, const QString &beginning);
-/// Watches an entry that begins so and changes until it is gone.
+/// Expects that the entry with that beginning changes, and then disappears.
 void expectProgress(Tour &tour, const QString &beginning, Within within);
-/// Requests to a path that the agent received so far.
+/// Number of requests to a path so far.
 int requestsTo(Tour &tour, const QString &path);
-/// The digits with spaces between, as a screen reader is to say a code.
+/// The digits separated by spaces, as in the accessible text of a code.
 QString spelled(const QString &code);
-/// Six digits that are not this code.
+/// A code that differs from this one.
 QString otherCode(const QString &code);
 
 } // namespace korvel::sim

@@ -19,7 +19,7 @@ std::optional<AccessibleElement> control(Tour &tour, const QString &role, const 
     return window ? window->find(role, name) : std::nullopt;
 }
 
-/// Waits until the control is there and `holds` for it.
+/// Waits until the control exists and `holds` is true for it.
 bool waitFor(Tour &tour, const QString &role, const QString &name,
              const std::function<bool(const AccessibleElement &)> &holds) {
     const auto there = [&] {
@@ -33,7 +33,7 @@ constexpr auto MENU_TIMEOUT = 3s;
 constexpr int LEFT_BUTTON = 1;
 constexpr int RIGHT_BUTTON = 3;
 
-// Lower than a menu of more than two entries, higher than a tool tip and a notice (in points).
+// In points: less than a menu with more than two entries, more than a tool tip or a notice.
 constexpr int SMALLEST_MENU = 80;
 
 QList<QRect> menusOf(qint64 pid) {
@@ -45,19 +45,18 @@ QList<QRect> menusOf(qint64 pid) {
     return menus;
 }
 
-/// Opens the menu with a click on the item and expects it as a window of process `owner`.
+/// Opens the menu with a click on the item. It must be a window of process `owner`.
 void openWith(Tour &tour, int button, qint64 owner) {
     expect(tour.pointAtItem(), u"the panel does not show the item under the pointer"_s);
     clickButton(button);
     expect(tour.waitUntil([&] { return !menusOf(owner).isEmpty(); }, MENU_TIMEOUT), u"no menu opened"_s);
-    tour.waitForRest({}); // a window is there before it is painted
-    // The panel puts its own where it likes.
+    tour.waitForRest({}); // a window exists before it is painted
+    // The panel may place its own menu anywhere.
     const QList<QRect> own = menusOf(tour.tray().processId());
     expect(std::ranges::none_of(own, [](const QRect &menu) { return menu.intersects(statusArea()); }),
            u"the menu covers the icon"_s);
 }
 
-/// Takes the screenshot and closes the menu with a key.
 void closeWith(Tour &tour, const QString &key, qint64 owner, const QString &name) {
     expect(tour.screenshot(name), u"no screenshot"_s);
     pressKey(key);
@@ -65,7 +64,7 @@ void closeWith(Tour &tour, const QString &key, qint64 owner, const QString &name
     expect(tour.waitUntil([&] { return menusOf(owner).isEmpty(); }, MENU_TIMEOUT), key + u" does not close it"_s);
 }
 
-/// How often Up is pressed until an entry of the open menu is selected, which begins at its end.
+/// Number of presses of Up until the entry of the open menu is selected. The first one selects the last entry.
 int stepsUpTo(Tour &tour, const QString &entry) {
     const auto entries = tour.panel().menu();
     int steps = 0;
@@ -91,7 +90,7 @@ void fillIn(Tour &tour, const QString &role, const QString &name, const QString 
     expectFocus(tour, role, name);
     pressKey(u"ctrl+a"_s);
     typeText(text);
-    const bool isTyped = role == role::PASSWORD || // a reader is told nothing of it
+    const bool isTyped = role == role::PASSWORD || // its content is not accessible
                          waitFor(tour, role, name, [&](const AccessibleElement &now) { return now.text == text; });
     expect(isTyped, u"the field %1 does not hold %2"_s.arg(name, text));
 }

@@ -30,7 +30,7 @@ bool canAllow(Tour &tour) {
     return button && button->enabled;
 }
 
-/// The alert with its field in the focus, empty, and nothing to allow yet.
+/// Expects the alert, with an empty focused field and a disabled button Allow.
 void expectAlert(Tour &tour, const QStringList &texts, const QString &name) {
     expectWindow(tour, texts + QStringList{allow(), instructions()}, name);
     readWindow(tour);
@@ -39,7 +39,7 @@ void expectAlert(Tour &tour, const QStringList &texts, const QString &name) {
     expect(!canAllow(tour), u"a device can be allowed without a code"_s);
 }
 
-/// Types a code as its user does and waits until it can be sent.
+/// Types a code and waits until the button Allow is enabled.
 void typeCode(Tour &tour, const QString &code) {
     typeText(code);
     const QString shown = code.left(3) + u' ' + code.mid(3);
@@ -69,7 +69,7 @@ void allowDevice(Tour &tour) {
     expectRequests(tour, u"/e2ee/pair"_s, before + 1);
 }
 
-/// From the field Tab leads over the buttons that can be used, in the system's order, to the one that denies.
+/// Tab moves from the field over the enabled buttons, in the system's order, to Deny.
 void denyDevice(Tour &tour, const QString &device) {
     const QString deny = L(u"拒绝", u"Deny"), later = L(u"稍后", u"Later");
     for (int stops = 0; stops < 2 && focusOf(tour).name != deny; ++stops) {

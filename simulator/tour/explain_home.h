@@ -6,7 +6,7 @@
 
 namespace korvel::sim {
 
-/// Prints where a tray runs and how to make things happen there.
+/// Prints the tray's home and the commands to control it.
 inline void explainHome(const Home &home) {
     std::printf("The tray runs with the home directory %s. To make things happen there:\n"
                 "  export HOME=%s PATH=%s/usr/local/bin:$PATH\n"

@@ -8,10 +8,10 @@ namespace korvel::sim {
 
 namespace {
 
-constexpr auto AGENT_START_DELAY = 2500ms; // long enough to be seen as starting
+constexpr auto AGENT_START_DELAY = 2500ms; // long enough to see the state "starting"
 constexpr auto AGENT_CONNECT_DELAY = 300ms;
 constexpr auto POLL_INTERVAL = 3s;
-constexpr auto SLACK = 1s; // for starting programs on a busy machine
+constexpr auto SLACK = 1s; // for program starts on a busy machine
 
 QList<QImage> iconsOf(Tour &tour) {
     const auto item = tour.panel().item();
@@ -43,7 +43,7 @@ void connect(Tour &tour) {
     expect(tour.waitUntil(differs, SLACK), u"the icon is still that of the start"_s);
 }
 
-/// The start-up report comes with the first good response.
+/// The startup notice appears with the first good response.
 void notice(Tour &tour) {
     const QString more = L(u" · 双击 Korvel 可暂停或恢复同步", u" · Double-click Korvel to pause or resume sync");
     expectNotice(tour, connectedLine() + more, POLL_INTERVAL);

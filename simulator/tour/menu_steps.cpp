@@ -10,7 +10,7 @@ namespace korvel::sim {
 
 namespace {
 
-/// Three polls without any change must send nothing to the panel.
+/// Three polls without a change send no signal to the panel.
 void quiet(Tour &tour) {
     tour.panel().clearSignals();
     tour.waitUntil([&] { return tour.panel().signalCount() > 0; }, 9500ms);
@@ -18,7 +18,7 @@ void quiet(Tour &tour) {
     expect(total == 0, QString::number(total) + u" signals, though nothing changed"_s);
 }
 
-/// A panel that crashed or was updated comes back, and the item with it.
+/// After a restart of the panel the item appears again.
 void restartPanel(Tour &tour) {
     QProcess restart;
     restart.start(qEnvironmentVariable("KORVEL_PANEL"), {u"restart"_s});

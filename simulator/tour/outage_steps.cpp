@@ -11,21 +11,21 @@ namespace korvel::sim {
 
 namespace {
 
-// After having loaded the job the tray takes silence for starting this long, so an outage shows only later.
+// After loading the job, the tray takes silence for "starting" for this time; an outage shows only later.
 constexpr auto STARTING_WINDOW = 25s;
 constexpr auto POLL_INTERVAL = 3s;
 constexpr auto RESTART_DELAY = 8000ms;
 
-// What a poll that finds nobody needs before the panel is told: the refused connection, a run of launchctl, the bus.
+// From a failed poll to the panel: the refused connection, a run of launchctl, the bus.
 constexpr auto REPORT_TIMEOUT = 200ms;
-// For starting launchctl while both cores of a small machine draw a desktop, and for looking every 20 ms.
+// For the start of launchctl while a small machine draws a desktop, and for the checks every 20 ms.
 constexpr auto SLACK = 500ms;
 
 void die(Tour &tour) {
     tour.waitUntil([&] { return tour.time() > STARTING_WINDOW + 1s; }, STARTING_WINDOW + 1s);
     change(tour, {{u"launchd"_s, QJsonObject{{u"throttleMs"_s, qint64(RESTART_DELAY.count())}}},
                   {u"agent"_s, QJsonObject{{u"startDelayMs"_s, 0}}}});
-    // Right after a response, so that the tray learns of it as late as it ever does.
+    // Ends the agent right after a response: the worst case for the time until the tray notices.
     const auto polled = tour.home().requests().size();
     expect(tour.waitUntil([&] { return tour.home().requests().size() > polled; }, POLL_INTERVAL + SLACK),
            u"the agent is not polled"_s);

@@ -12,7 +12,7 @@ namespace {
 
 QString showEntry() { return L(u"显示配对码…", u"Show Pairing Code…"); }
 
-/// The status line says it too; an agent that has not been paired is not connected.
+/// Expects the status line of an agent that is not paired, and so not connected.
 void expectPairingLine(Tour &tour, const QString &text) { expectLine(tour, u"○ %1 · ann"_s.arg(text)); }
 
 void expectCode(Tour &tour, const QString &code, const QStringList &more, const QString &name) {
@@ -55,12 +55,11 @@ void typeWrongCode(Tour &tour) {
                u"pairing-wrong-code"_s);
 }
 
-/// Closed and opened again from the menu, then a new code is requested, by the keyboard alone.
+/// Closes the window, opens it again from the menu, and requests a new code, all by keyboard.
 void refresh(Tour &tour) {
     pressKey(u"Return"_s);
     expectNoWindow(tour);
-    // Not at once: shown again within the 0.4 s in which Qt still doubts that its focus went, a window counts as
-    // inactive.
+    // Not at once: for 0.4 s after a window has lost the focus, Qt regards it as inactive if it shows again.
     const int polls = requestsTo(tour, u"/health"_s);
     tour.waitUntil([&] { return requestsTo(tour, u"/health"_s) > polls + 1; }, 2 * NEXT_POLL);
     choose(tour, showEntry());
@@ -76,7 +75,7 @@ void refresh(Tour &tour) {
 
 void typeRightCode(Tour &tour) { pairNow(tour, u"paired"_s); }
 
-/// The agent reaches its server now; in the menu is what only a paired Mac has.
+/// The agent reaches its server. The menu has the entries of a paired Mac.
 void connectAgain(Tour &tour) {
     change(tour, {{u"offline"_s, false}});
     expectLine(tour, connectedLine());

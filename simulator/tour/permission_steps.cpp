@@ -15,16 +15,16 @@ namespace {
 
 constexpr int PROMPT_TAKES_MS = 800;
 constexpr auto ALL_PROMPTS = std::chrono::milliseconds(4 * PROMPT_TAKES_MS);
-const auto ACCESSIBILITY = u"Accessibility"_s; // cannot be granted in a prompt
+const auto ACCESSIBILITY = u"Accessibility"_s; // not granted by a prompt
 const auto MICROPHONE = u"Microphone"_s;       // refused in its prompt
 
 QString requestEntry() { return L(u"申请权限…", u"Request Permissions…"); }
 
 QString repairEntry() { return L(u"修复 Korvel", u"Repair Korvel"); }
 
-/// Waits until the menu lists so many missing permissions.
+/// Waits until the menu lists this number of missing permissions.
 void expectMissing(Tour &tour, int count) {
-    tour.panel().open(); // the list is requested now
+    tour.panel().open(); // requests the list
     const auto matches = [&] {
         return count == std::ranges::count_if(tour.panel().menu(), [](const PanelMenuEntry &entry) {
                    return entry.enabled && entry.title.startsWith(u"⚠ "_s);
@@ -45,7 +45,7 @@ void fresh(Tour &tour) {
     captureMenu(tour, u"permissions-missing"_s);
 }
 
-/// The user allows two, refuses one, and one more can only be turned on by hand.
+/// The user allows two, refuses one, and has to turn on one by hand.
 void request(Tour &tour) {
     choose(tour, requestEntry());
     expectNotice(tour, L(u"系统将多次弹出授权对话框，请都点击「允许」。辅助功能需在系统设置中打开 korvel-agent",
@@ -64,7 +64,7 @@ void request(Tour &tour) {
     expectRequests(tour, u"/perms/request"_s, 1);
 }
 
-/// Its line of the menu opens the settings; what is turned on there shows at the next look.
+/// Its menu entry opens the settings. The permission turned on there appears in the next report.
 void grantByHand(Tour &tour) {
     const auto opened = tour.home().opened().size();
     choose(tour, entryThatBegins(tour, L(u"⚠ 辅助功能", u"⚠ Accessibility")));

@@ -16,7 +16,7 @@ void quit(Tour &tour) {
            u"the tray ended with status "_s + QString::number(tray.exitCode()));
     expect(tour.home().agentPid() == 0, u"the agent still runs"_s);
     expect(tour.waitUntil([&] { return !tour.panel().isRegistered(); }, 2s), u"the item stays"_s);
-    screenshot(tour, u"quit"_s); // once the panel has closed the gap
+    screenshot(tour, u"quit"_s); // after the panel has removed the item
 }
 
 } // namespace

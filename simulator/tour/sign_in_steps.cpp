@@ -12,7 +12,7 @@ namespace {
 
 constexpr int RESPONSE_TAKES_MS = 2500;
 
-// The texts of the window, which the tray is not asked for.
+// Texts of the window.
 QString title() { return L(u"登录 Korvel", u"Sign In to Korvel"); }
 QString account() { return L(u"账号", u"Account"); }
 QString phone() { return L(u"手机号", u"Phone number"); }
@@ -32,7 +32,7 @@ void expectSignedOut(Tour &tour) {
     expectEntry(tour, signOutEntry(), false);
 }
 
-/// A Mac on which nobody is signed in, and which will have to be paired by whoever does.
+/// Nobody is signed in, and the next account has to be paired.
 void signedOut(Tour &tour) {
     change(tour, {{u"offline"_s, true}, {u"e2ee"_s, QJsonObject{{u"start"_s, u"pending"_s}}}});
     expect(tour.home().startAccountServer() && tour.home().signOut(), u"the simulated home could not be prepared"_s);
@@ -48,7 +48,7 @@ void openWindow(Tour &tour) {
     expectFocus(tour, role::FIELD, account());
 }
 
-/// The agent's sentence comes below fields that stay where they are.
+/// The agent's error message appears below the fields, which do not move.
 void typeWrongPassword(Tour &tour) {
     const QRect before = tour.windowArea();
     fillIn(tour, role::FIELD, account(), SERVER_ACCOUNT);
@@ -91,7 +91,7 @@ void seeReset(Tour &tour) {
     clickControl(tour, role::BUTTON, back());
 }
 
-/// The seconds in the title of the button that counts down; 0 while it does not.
+/// The seconds in the title of the button that counts down; 0 without a countdown.
 int secondsLeft(Tour &tour) {
     const QString before = L(u"", u"Resend in "), after = L(u" 秒后重新获取", u"s");
     for (const AccessibleElement &each : tour.window().value_or(AccessibleWindow()).elements) {
@@ -115,7 +115,7 @@ void requestCode(Tour &tour) {
            u"the button does not count down from %1"_s.arg(first));
 }
 
-/// The agent takes its time, and the window shows that it waits.
+/// The agent responds late, and the window shows its progress.
 void typeTheCode(Tour &tour) {
     const QJsonObject late{{u"login-code"_s, QJsonObject{{u"delayMs"_s, RESPONSE_TAKES_MS}}}};
     change(tour, {{u"login"_s, late}});
@@ -142,7 +142,7 @@ void openSignOut(Tour &tour, const QString &name) {
                  name);
 }
 
-/// First not after all, then really: the account server, the agent and the configuration know.
+/// Cancels, then signs out. The account server, the agent and the configuration reflect it.
 void signOut(Tour &tour) {
     auto &home = tour.home();
     openSignOut(tour, u"sign-out"_s);
@@ -160,7 +160,7 @@ void signOut(Tour &tour) {
     screenshot(tour, u"signed-out"_s);
 }
 
-/// After the click that opens the menu the pointer is not needed any more. The Mac's keys are known by now.
+/// Needs the pointer only to open the menu. The Mac already has its keys.
 void signInByKeyboard(Tour &tour) {
     change(tour, {{u"e2ee"_s, QJsonObject{{u"start"_s, u"active"_s}}}});
     chooseByKeyboard(tour, signInEntry(), u"menu-by-keyboard"_s);
@@ -180,7 +180,7 @@ void signInByKeyboard(Tour &tour) {
 QList<Step> signInSteps() {
     return {{u"nobody is signed in and the menu says so"_s, signedOut},
             {u"the menu opens the sign-in window"_s, openWindow},
-            {u"a wrong password is told without a jump"_s, typeWrongPassword},
+            {u"a wrong password is reported without a jump"_s, typeWrongPassword},
             {u"the page to sign up, and its terms"_s, seeSignUp},
             {u"the page to reset the password"_s, seeReset},
             {u"a code is requested and the button counts down"_s, requestCode},

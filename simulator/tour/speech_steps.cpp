@@ -20,7 +20,7 @@ void install(Tour &tour) {
     screenshot(tour, u"speech-starts"_s);
 }
 
-/// The percent follows the download; the menu is looked at while it does.
+/// The percentage follows the download, also while the menu is open.
 void progress(Tour &tour) {
     const QString beginning = L(u"正在安装语音识别… ", u"Installing speech recognition… ");
     expect(tour.waitUntil([&] { return !entryThatBegins(tour, beginning).isEmpty(); }, NEXT_POLL),

@@ -23,8 +23,8 @@ QList<Step> permissionSteps();
 QList<Step> updateSteps();
 QList<Step> quitSteps();
 
-/// The right code is typed on the phone: the window of that screenshot says so and closes itself, and one notice shows
-/// and goes.
+/// Types the right code on the phone. The window of that screenshot reports it and closes automatically; one notice
+/// shows and disappears.
 void pairNow(Tour &tour, const QString &name);
 
 } // namespace korvel::sim

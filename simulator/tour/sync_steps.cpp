@@ -8,10 +8,10 @@ namespace korvel::sim {
 
 namespace {
 
-// Stopping the job (6 s at most) or starting it, then the poll that reports it.
+// Stopping the job (at most 6 s) or starting it, then the next poll.
 constexpr auto TOGGLE_TIMEOUT = 12s;
 
-/// Chooses a menu entry and expects the status line and one of the notices that may follow.
+/// Chooses a menu entry and expects the status line and one of the notices.
 void toggle(Tour &tour, const QString &entry, const QString &line, const QStringList &notices, const QString &name) {
     expectNoNotice(tour, 4s);
     choose(tour, entry);
@@ -30,7 +30,7 @@ void pause(Tour &tour) {
 }
 
 void resume(Tour &tour) {
-    // By then the agent responds or does not, and is connected or not: three notices are right.
+    // Depending on the agent's start and connection, three notices are right.
     const QStringList notices{connectedLine(), L(u"○ 正在连接… · ann", u"○ Connecting… · ann"),
                               L(u"● 已恢复同步，正在连接…", u"● Sync resumed. Connecting…")};
     toggle(tour, L(u"恢复同步", u"Resume Sync"), connectedLine(), notices, u"resumed"_s);

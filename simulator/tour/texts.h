@@ -2,10 +2,10 @@
 
 #include "app/model/wording.h"
 
-/// The texts that more than one step expects, written out here so that the tour does not take the tray's word for them.
+/// Texts of several steps, written out so that the tour does not depend on the tray's.
 namespace korvel::sim {
 
-// Who signs in during the tour: the account that every simulated account server has.
+// Account of the tour's sign-ins, which every simulated account server has.
 inline const QString SERVER_ACCOUNT = QStringLiteral("sam@example.com");
 inline const QString SERVER_PHONE = QStringLiteral("13800000000");
 inline const QString SERVER_PASSWORD = QStringLiteral("open sesame");

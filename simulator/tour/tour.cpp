@@ -22,17 +22,17 @@ constexpr auto PANEL_TIMEOUT = 3s;
 constexpr int END_WITHIN_MS = 5000;
 constexpr int RESTS_AFTER_MS = 150;
 
-/// A notice or a menu hangs from the panel and begins this far below the top edge at most (in points).
+/// In points: maximum distance of a notice or a menu from the top edge.
 constexpr int BELOW_PANEL = 60;
 constexpr int NOTICE_OFF_CENTRE = 4;
 
-/// The title of the pairing window and of alerts.
+/// Title of the pairing window and of alerts.
 const auto WINDOW_TITLE = u"Korvel"_s;
 
-/// The dark of a notice's background, drawn over whatever is behind it.
+/// Whether a colour is that of a notice's background, over any desktop.
 bool isDark(QRgb colour) { return qGray(colour) < 80; }
 
-/// Whether there is more than a plain background.
+/// Whether an image is more than a plain background.
 bool isPainted(const QImage &area) {
     for (int y = 0; y < area.height(); ++y) {
         for (int x = 0; x < area.width(); ++x) {
@@ -71,7 +71,7 @@ void Tour::startTray() {
     auto environment = simulated.environment();
     environment.insert(u"LANGUAGE"_s, ZH ? u"zh_CN:zh"_s : u"en_US:en"_s);
     environment.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
-    environment.insert(u"QT_LINUX_ACCESSIBILITY_ALWAYS_ON"_s, u"1"_s); // as with a screen reader running
+    environment.insert(u"QT_LINUX_ACCESSIBILITY_ALWAYS_ON"_s, u"1"_s); // as if a screen reader runs
     trayProcess.setProcessEnvironment(environment);
     trayProcess.setStandardOutputFile(QProcess::nullDevice());
     trayProcess.setStandardErrorFile(options.outputDirectory + u"/tray.log"_s, QIODevice::Append);
@@ -149,7 +149,7 @@ bool Tour::screenshot(const QString &name) {
     return grabScreen().save(options.outputDirectory + u'/' + number + u'-' + name + u".png"_s);
 }
 
-/// Only signals lead here: a change that the tray does not announce is one that a panel does not show.
+/// Called for signals only: panels do not show changes without a signal.
 void Tour::readLine() {
     const QString now = probe.statusLine();
     if (now.isEmpty() || now == std::exchange(line, now))

@@ -14,10 +14,10 @@
 
 namespace korvel::sim {
 
-/// Whether a window of the screen stands right below the panel, as menus and notices do and other windows do not.
+/// Whether a window is right below the panel, like menus and notices, and unlike other windows.
 bool hangsFromPanel(const QRect &window);
 
-/// What a step did not show as it should.
+/// The failure of a step.
 struct StepFailed {
     QString what;
 };
@@ -28,15 +28,14 @@ inline void expect(bool holds, const QString &otherwise) {
         throw StepFailed{otherwise};
 }
 
-/// What the tour is started with.
 struct TourOptions {
     QString trayProgram;
     QString homeDirectory;
-    QString outputDirectory; ///< for the screenshots and the tray's log
+    QString outputDirectory; ///< for screenshots and the tray's log
 };
 
-/// A tray on the desktop with a simulated home: what every step of the tour looks at and acts on. Prints each status
-/// line as it changes, with the seconds since the tray was started. Destruction leaves no process of the home behind.
+/// A tray on the desktop with a simulated home, for the steps of the tour. Prints each change of the status line with
+/// the seconds since the tray's start. Destruction ends all processes of the home.
 class Tour {
 public:
     explicit Tour(TourOptions options);
@@ -48,30 +47,30 @@ public:
     PanelProbe &panel() { return probe; }
     QProcess &tray() { return trayProcess; }
 
-    /// Starts the tray out of a bundle in the home and waits for its status item.
+    /// Starts the tray from a bundle in the home and waits for its status item.
     void startTray();
     /// Time since the tray was started.
     std::chrono::milliseconds time() const { return std::chrono::milliseconds(clock.elapsed()); }
-    /// The status line as the panel was last told it.
+    /// The status line as last reported to the panel.
     QString statusLine() const { return line; }
 
-    /// Runs the event loop until `condition` holds; false when it did not come to hold in time.
+    /// Runs the event loop until `condition` holds. False on timeout.
     bool waitUntil(const std::function<bool()> &condition, std::chrono::milliseconds within);
 
-    /// The text of the notice on the screen, once it is painted; nothing while there is none.
+    /// The text of the visible notice once it is painted; none without one.
     std::optional<QString> notice() const;
-    /// The pairing window or alert as assistive technology is told of it; nothing while none shows.
+    /// The pairing window or alert as assistive technology sees it; none if none shows.
     std::optional<AccessibleWindow> window();
-    /// The same window's area on the screen in pixels, frame excluded; empty while none shows.
+    /// The area of that window on the screen in pixels, frame excluded; empty if none shows.
     QRect windowArea() const;
 
-    /// Waits until a part of the screen has not changed for a while, as after a fade. False if it never rests.
+    /// Waits until a part of the screen no longer changes, as after a fade. False on timeout.
     bool waitForRest(const QRect &part);
     /// Waits until the panel has painted the status item.
     bool waitForItemOnScreen();
-    /// Moves the pointer to the status item and waits until the panel shows that it is there. False if it never does.
+    /// Moves the pointer to the status item and waits for the panel's highlight. False on timeout.
     bool pointAtItem();
-    /// Saves the screen under that name. False when it cannot be saved.
+    /// Saves the screen under that name. False on failure.
     bool screenshot(const QString &name);
 
 private:

@@ -1,4 +1,4 @@
-// Leads a tray program through its main duties on a desktop and checks at each step what the panel shows.
+// Runs a tray program through its main features on a desktop and checks what the panel shows after each step.
 
 #include "app/model/wording.h"
 #include "base/unix_process.h"
@@ -27,7 +27,7 @@ struct Arguments {
     bool stay = false;
 };
 
-// Ends the program with a message when the arguments do not do.
+// Exits with a message if the arguments are wrong.
 Arguments readArguments(const QGuiApplication &application) {
     QCommandLineParser parser;
     parser.setApplicationDescription(
@@ -49,7 +49,7 @@ Arguments readArguments(const QGuiApplication &application) {
             parser.isSet(u"stay"_s)};
 }
 
-// Removes what an earlier tour left, so that every file there is of this one.
+// Removes the files of an earlier tour.
 void clearOutput(const QString &directory) {
     QDir folder(directory);
     folder.mkpath(u"."_s);
@@ -57,7 +57,7 @@ void clearOutput(const QString &directory) {
         folder.remove(file);
 }
 
-/// Takes one step; true when all showed what it should.
+/// Runs one step. True on success.
 bool take(const Step &step, Tour &tour) {
     try {
         step.take(tour);

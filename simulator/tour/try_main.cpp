@@ -1,4 +1,4 @@
-// Starts a tray program with a simulated home in the user's own desktop session, until it is quit or interrupted.
+// Starts a tray program with a simulated home in the user's own desktop session, until one of them ends.
 
 #include "base/unix_process.h"
 #include "simulator/agent/agent_config.h"
@@ -21,7 +21,7 @@ namespace {
 
 constexpr int END_WITHIN_MS = 5000;
 
-// Makes the home one in which a user is signed in at its account server and all goes well, unless it was used before.
+// Prepares a new home: a user is signed in at its account server, without faults. Keeps a used one.
 bool prepare(Home &home, const QString &account) {
     const bool used = QFileInfo::exists(home.jobFilePath());
     return used ||

@@ -21,7 +21,7 @@ QString checkEntry(Tour &tour) { return entryThatBegins(tour, L(u"检查更新�
 
 QString updateEntry() { return L(u"⬆ 更新到 2.0…", u"⬆ Update to 2.0…"); }
 
-/// Waits for an entry that begins so and cannot be chosen.
+/// Waits for a disabled entry with that beginning.
 void expectGoingOn(Tour &tour, const QString &beginning) {
     const auto shown = [&] {
         return std::ranges::any_of(tour.panel().menu(), [&](const PanelMenuEntry &entry) {
@@ -41,7 +41,7 @@ void announce(Tour &tour) {
     captureMenu(tour, u"update-offered"_s);
 }
 
-/// The percent moves while the menu is looked at, and the agent is polled as ever.
+/// The percentage changes while the menu is open, and polls continue.
 void download(Tour &tour) {
     const QJsonObject slow{{u"mode"_s, u"slow"_s}, {u"bytesPerSecond"_s, BYTES_A_SECOND}};
     const QJsonObject faults{{tour.home().updates().packagePath(), slow}};
