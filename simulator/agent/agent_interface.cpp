@@ -119,11 +119,11 @@ void AgentInterface::receive(HttpConnection &connection, const HttpRequest &requ
 
 void AgentInterface::log(const HttpConnection &connection, const HttpRequest &request) const {
     const QByteArray sent = request.headers.value("x-korvel-token");
-    const QString told = sent.isEmpty() ? u"absent"_s : sent == token ? u"right"_s : u"wrong"_s;
+    const QString kind = sent.isEmpty() ? u"absent"_s : sent == token ? u"right"_s : u"wrong"_s;
     appendLine(paths.requestLog(), {{u"time"_s, timeNow()},
                                     {u"method"_s, QString::fromUtf8(request.method)},
                                     {u"path"_s, QString::fromUtf8(request.target)},
-                                    {u"token"_s, told},
+                                    {u"token"_s, kind},
                                     {u"contentType"_s, QString::fromUtf8(request.headers.value("content-type"))},
                                     {u"body"_s, QString::fromUtf8(request.body)},
                                     {u"connection"_s, connection.number()},
