@@ -1,6 +1,6 @@
 #include "exchange/messages.h"
 
-#include "base/json_values.h"
+#include "base/json.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -1,6 +1,6 @@
 #include "publisher/release.h"
 
-#include "base/json_values.h"
+#include "base/json.h"
 #include "exchange/ed25519.h"
 #include "exchange/sha256.h"
 #include "update/manifest.h"

@@ -2,7 +2,7 @@
 
 #include "account/account_notices.h"
 #include "account/server_api.h"
-#include "base/json_values.h"
+#include "base/json.h"
 
 #include <QUrl>
 

@@ -1,7 +1,7 @@
 #include "account/cn_login_form.h"
 
 #include "app/model/wording.h"
-#include "base/json_values.h"
+#include "base/json.h"
 #include "service/agent_api.h"
 
 #include <algorithm>

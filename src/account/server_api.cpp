@@ -1,7 +1,7 @@
 #include "account/server_api.h"
 
 #include "app/model/wording.h"
-#include "base/json_values.h"
+#include "base/json.h"
 #include "base/log.h"
 #include "base/plain_text.h"
 

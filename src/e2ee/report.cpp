@@ -1,8 +1,7 @@
 #include "e2ee/report.h"
 
 #include "app/model/wording.h"
-#include "base/json_bounds.h"
-#include "base/json_values.h"
+#include "base/json.h"
 #include "base/plain_text.h"
 
 #include <algorithm>

@@ -1,8 +1,7 @@
 #include "permissions/permission_rules.h"
 
 #include "app/model/wording.h"
-#include "base/json_bounds.h"
-#include "base/json_values.h"
+#include "base/json.h"
 #include "base/plain_text.h"
 
 #include <QUrl>

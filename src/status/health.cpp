@@ -1,7 +1,7 @@
 #include "status/health.h"
 
 #include "app/model/situation.h"
-#include "base/json_bounds.h"
+#include "base/json.h"
 #include "e2ee/report.h"
 #include "permissions/permission_rules.h"
 #include "service/agent_api.h"

@@ -1,6 +1,6 @@
 #include "update/manifest.h"
 
-#include "base/json_values.h"
+#include "base/json.h"
 
 #include <QJsonDocument>
 #include <QRegularExpression>

@@ -1,7 +1,7 @@
 // The agent's health responses and permission replies, through the rules to everything that shows them. The input is a
 // list of replies: one with "items" is a permission reply, one that is no object is silence.
 #include "app/model/wording.h"
-#include "base/json_bounds.h"
+#include "base/json.h"
 #include "base/plain_text.h"
 #include "e2ee/alarms.h"
 #include "e2ee/approval.h"

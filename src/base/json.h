@@ -5,11 +5,37 @@
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QJsonValue>
+#include <QList>
+#include <QString>
+#include <QStringList>
 #include <QStringView>
 #include <initializer_list>
+#include <limits>
 #include <optional>
 
 namespace korvel {
+
+// Typed access to JSON from outside: a value of the wrong type, also inside an array, counts as absent.
+
+inline std::optional<bool> jsonBool(const QJsonValue &v) {
+    return v.isBool() ? std::optional(v.toBool()) : std::nullopt;
+}
+
+/// An integer; none if it has a fraction or exceeds 64 bits.
+inline std::optional<qint64> jsonInteger(const QJsonValue &v) {
+    constexpr qint64 NONE = std::numeric_limits<qint64>::min();
+    const qint64 number = v.toInteger(NONE);
+    return number == NONE ? std::nullopt : std::optional(number);
+}
+
+inline std::optional<QString> jsonText(const QJsonValue &v) {
+    return v.isString() ? std::optional(v.toString()) : std::nullopt;
+}
+
+/// The elements of an array of strings; none if `v` is anything else.
+std::optional<QStringList> jsonTexts(const QJsonValue &v);
+/// The elements of an array of objects; none if `v` is anything else.
+std::optional<QList<QJsonObject>> jsonObjects(const QJsonValue &v);
 
 // Limits on JSON from outside. Responses are bounded right after parsing, so comparing or showing them stays cheap.
 
