@@ -3,7 +3,6 @@
 #include "app/model/tray_state.h"
 #include "base/alive.h"
 #include "base/scheduler.h"
-#include "e2ee/pair_panel.h"
 #include "e2ee/pair_view.h"
 #include "ports/app_services.h"
 #include "service/agent_api.h"

@@ -4,7 +4,6 @@
 #include "account/login_panel.h"
 #include "app/model/paths.h"
 #include "app/model/wording.h"
-#include "e2ee/pair_panel.h"
 #include "e2ee/pair_view.h"
 #include "ports/desktop.h"
 #include "ports/http_client.h"

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "e2ee/pair_panel.h"
 #include "e2ee/pair_view.h"
 #include "ui/widgets/key_filter.h"
 #include "ui/widgets/scrolling_text.h"
