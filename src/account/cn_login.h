@@ -2,7 +2,7 @@
 
 #include "account/after_sign_in.h"
 #include "account/cn_login_form.h"
-#include "account/login_panel.h"
+#include "account/cn_login_view.h"
 #include "app/model/fixed_config.h"
 #include "app/model/tray_state.h"
 #include "base/alive.h"

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "account/cn_login_view.h"
-#include "account/login_panel.h"
 #include "app/model/paths.h"
 #include "app/model/wording.h"
 #include "e2ee/pair_view.h"

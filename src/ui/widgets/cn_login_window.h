@@ -1,7 +1,6 @@
 #pragma once
 
 #include "account/cn_login_view.h"
-#include "account/login_panel.h"
 #include "ui/widgets/key_filter.h"
 #include "ui/widgets/text_styles.h"
 #include "ui/widgets/windows.h"
