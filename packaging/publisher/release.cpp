@@ -4,7 +4,6 @@
 #include "exchange/ed25519.h"
 #include "exchange/sha256.h"
 #include "update/manifest.h"
-#include "update/signature.h"
 
 #include <QFileInfo>
 #include <QJsonDocument>

@@ -25,6 +25,14 @@ UpdateInfo infoOf(const QJsonObject &package) {
             .bytes = jsonInteger(package.value(u"bytes")).value_or(0)};
 }
 
+/// Decodes base64 that consists of whole groups of four. Qt's decoder also accepts base64 without padding.
+std::optional<QByteArray> fromBase64(const QString &text) {
+    if (text.size() % 4 != 0)
+        return std::nullopt;
+    const auto decoded = QByteArray::fromBase64Encoding(text.toUtf8(), QByteArray::AbortOnBase64DecodingErrors);
+    return decoded ? std::optional(*decoded) : std::nullopt;
+}
+
 } // namespace
 
 bool isOurPackage(const FixedConfig &config, const QJsonObject &package) {
@@ -62,6 +70,25 @@ bool isNewer(const QString &a, const QString &b) {
 bool isWellFormed(const UpdateInfo &info) {
     return matches(u"[A-Za-z0-9][A-Za-z0-9._-]{0,79}\\.pkg"_s, info.file) &&
            matches(u"[0-9]+(\\.[0-9]+){0,3}"_s, info.ver) && matches(u"[0-9a-f]{64}"_s, info.sha);
+}
+
+QByteArray signedMessage(const QString &prefix, const UpdateInfo &info) {
+    return QStringList{prefix, info.file, info.ver, info.sha}.join(u'\n').toUtf8();
+}
+
+std::optional<SignatureProof> updateSignature(const FixedConfig &config, const UpdateInfo &info) {
+    const auto rawKey = fromBase64(config.UPDATE_PUBKEY);
+    const auto signature = fromBase64(info.sig);
+    if (!rawKey || !signature)
+        return std::nullopt;
+    return SignatureProof{*rawKey, *signature, signedMessage(config.UPDATE_SIG_PREFIX, info)};
+}
+
+void verifyUpdate(ServerClient &servers, const FixedConfig &config, const UpdateInfo &info, Done<bool> done) {
+    if (const auto proof = updateSignature(config, info))
+        servers.verify(*proof, std::move(done));
+    else
+        done(false);
 }
 
 } // namespace korvel

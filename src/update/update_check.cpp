@@ -4,7 +4,6 @@
 #include "account/server_rules.h"
 #include "base/log.h"
 #include "update/manifest.h"
-#include "update/signature.h"
 #include "update/update_notices.h"
 
 using namespace Qt::StringLiterals;

@@ -7,7 +7,6 @@
 #include "ports/system_tools.h"
 #include "update/install_script.h"
 #include "update/manifest.h"
-#include "update/signature.h"
 #include "update/update_notices.h"
 
 #include <QDir>

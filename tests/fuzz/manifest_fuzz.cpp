@@ -2,7 +2,6 @@
 #include "exchange/ed25519.h"
 #include "fuzz/fuzz.h"
 #include "update/manifest.h"
-#include "update/signature.h"
 #include "update/update_check.h"
 
 #include <QList>

@@ -3,7 +3,7 @@
 #include "base/plain_text.h"
 #include "e2ee/pair_code.h"
 #include "fuzz/fuzz.h"
-#include "update/signature.h"
+#include "update/manifest.h"
 
 using namespace korvel;
 using namespace Qt::StringLiterals;

@@ -3,7 +3,6 @@
 #include "support/tray_fixture.h"
 #include "update/install_script.h"
 #include "update/manifest.h"
-#include "update/signature.h"
 #include "update/update_install.h"
 #include "update/update_notices.h"
 
