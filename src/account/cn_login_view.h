@@ -40,9 +40,6 @@ struct CnLoginView {
 
 CnLoginView cnLoginView(const CnLoginForm &form);
 
-struct CnLoginView;
-enum class LoginField;
-
 /// An input of the user in the sign-in window.
 struct LoginInput {
     enum class Kind {

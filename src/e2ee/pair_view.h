@@ -48,8 +48,6 @@ PairUpdate pairView(const QJsonObject &e2, PairState &pairing, const PairContext
 /// The characters of a code separated by spaces, for screen readers.
 QString spelledOut(const QString &code);
 
-struct PairView;
-
 /// Interface of the pairing window for its feature.
 class PairPanel {
 public:
