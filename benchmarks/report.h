@@ -5,7 +5,7 @@
 
 namespace korvel::bench {
 
-/// A health response with `devices` devices that ask to join and as many alarms, as text and parsed.
+/// A health response with `devices` devices that request to join and as many alarms, as text and parsed.
 QByteArray healthText(int devices);
 QJsonObject health(int devices);
 

@@ -101,7 +101,7 @@ constexpr Verb VERBS[] = {
     {"phone type-right", "type the code that the Mac shows",
      [](Home &h, Words) { return statusOf(h.encryption().typeRight()); }},
     {"pair-code", "print the code that the Mac shows", [](Home &h, Words) { return given(h.encryption().pairCode()); }},
-    {"device ask NAME PLATFORM", "a device asks to join; print its id and the code that it shows",
+    {"device ask NAME PLATFORM", "a device requests to join; print its id and the code that it shows",
      [](Home &h, Words a) { return requestJoin(h, a[0], a[1]); }},
     {"alarm TEXT", "raise a security alarm; print its id",
      [](Home &h, Words a) { return given(h.encryption().raiseAlarm(a[0])); }},

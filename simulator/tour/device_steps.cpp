@@ -107,8 +107,8 @@ void denySecond(Tour &tour) {
 } // namespace
 
 QList<Step> deviceSteps() {
-    return {{u"a device asks, its code is typed, Return allows it"_s, allowDevice},
-            {u"another asks again after a wrong code, and is denied"_s, denySecond}};
+    return {{u"a device requests to join, its code is typed, Return allows it"_s, allowDevice},
+            {u"another one is denied after a wrong code"_s, denySecond}};
 }
 
 } // namespace korvel::sim
