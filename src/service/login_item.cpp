@@ -30,10 +30,10 @@ QString loginItemText(const QString &executablePath, const QString &logPath) {
            u"</dict></plist>\n"_s;
 }
 
-bool isInstalledCopy(const QString &executablePath) { return executablePath.startsWith(u"/Applications/"); }
+bool isInstalledProgram(const QString &executablePath) { return executablePath.startsWith(u"/Applications/"); }
 
 void ensureTrayLoginItem(const Paths &paths, const QString &executablePath) {
-    if (QFileInfo::exists(paths.trayPlist) || !isInstalledCopy(executablePath))
+    if (QFileInfo::exists(paths.trayPlist) || !isInstalledProgram(executablePath))
         return;
     QDir().mkpath(QFileInfo(paths.trayPlist).absolutePath());
     QFile file(paths.trayPlist);

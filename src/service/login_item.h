@@ -10,7 +10,7 @@ namespace korvel {
 QString loginItemText(const QString &executablePath, const QString &logPath);
 
 /// Whether the program at this path is the installed one. Only that one may start at login.
-bool isInstalledCopy(const QString &executablePath);
+bool isInstalledProgram(const QString &executablePath);
 
 /// Writes the tray's login item if there is none and the program is installed. Never changes an existing one. Ignores
 /// failures, because the tray must start without a login item too.
