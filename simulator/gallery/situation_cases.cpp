@@ -36,11 +36,11 @@ std::shared_ptr<void> in(const Sample &sample, std::shared_ptr<void> (*show)(con
     const FixedConfig config = makeFixedConfig(deployment, {});
     TrayState state;
     state.health.jobLoaded = true;
-    const Result<QJsonObject> answer =
+    const Result<QJsonObject> response =
         sample.health.isEmpty() ? Error{} : Result(QJsonDocument::fromJson(sample.health).object());
-    applyHealth(state, answer, {.now = NOW, .bound = sample.bound, .username = u"anna"_s});
-    if (answer)
-        applyPermReply(state.permissions, answer->value(u"perms").toObject());
+    applyHealth(state, response, {.now = NOW, .bound = sample.bound, .username = u"anna"_s});
+    if (response)
+        applyPermReply(state.permissions, response->value(u"perms").toObject());
     sample.then(state);
     return show({.state = state,
                  .isCn = config.IS_CN,

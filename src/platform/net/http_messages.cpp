@@ -103,7 +103,7 @@ void HttpResponseParser::messageRead() {
     const auto &head = message->get();
     const bool isCoded = head.find(http::field::transfer_encoding) != head.end();
     if (head.result() == http::status::switching_protocols || (isCoded && !message->chunked()))
-        return fail(ErrorKind::UnreadableResponse, QStringLiteral("a protocol or encoding that nobody asked for"));
+        return fail(ErrorKind::UnreadableResponse, QStringLiteral("a protocol or encoding that was not requested"));
     if (head.result_int() < 100)
         return fail(ErrorKind::UnreadableResponse, QStringLiteral("no status"));
     if (!message->is_done())

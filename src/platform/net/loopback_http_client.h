@@ -43,7 +43,7 @@ private:
     std::set<PortOwner> logged; ///< Each owner is logged once.
     bool closing = false;
     std::unique_ptr<Idle> idle;
-    HttpRequest lastGet; ///< The agent is mostly asked the same again; then its message need not be made again.
+    HttpRequest lastGet;                ///< Most polls repeat it, so its message is kept.
     std::optional<Message> lastMessage; ///< Of `lastGet`.
     std::map<const Exchange *, std::unique_ptr<Exchange>> exchanges;
     std::unique_ptr<QObject> context; ///< Context of pending refusals, which are dropped with it.
