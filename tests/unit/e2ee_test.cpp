@@ -201,6 +201,7 @@ TEST_F(E2eeOperations, ADeviceIsAllowedByItsCodeDeniedOrLeft) {
     reply = R"({"ok":true})";
     const qsizetype polls = requestsTo(u"/health"_s);
     alerts.answer(0, {u"１２３ 456"_s});
+    ASSERT_EQ(posts.size(), 1);
     EXPECT_EQ(posts.last().body, R"({"code":"123456","pendingId":"p"})");
     EXPECT_EQ(posts.last().timeout, 75s);
     EXPECT_EQ(notices.last(), u"✓ Allowed Anna's phone"_s);
