@@ -1,6 +1,6 @@
 // The messages between the tray and korvel-exchange, read on both sides.
 #include "exchange/messages.h"
-#include "fuzz/fuzz.h"
+#include "fuzz/json_mutator.h"
 #include "platform/net/exchange_output.h"
 
 using namespace korvel;

@@ -8,7 +8,7 @@
 #include "e2ee/pair_view.h"
 #include "e2ee/prompts.h"
 #include "e2ee/report.h"
-#include "fuzz/fuzz.h"
+#include "fuzz/json_mutator.h"
 #include "permissions/permission_rules.h"
 #include "permissions/permission_views.h"
 #include "status/health.h"

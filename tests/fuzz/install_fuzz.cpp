@@ -2,6 +2,7 @@
 #include "fuzz/fuzz.h"
 #include "update/install_script.h"
 
+#include <cstring>
 #include <optional>
 
 using namespace korvel;

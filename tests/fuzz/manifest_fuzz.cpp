@@ -1,12 +1,11 @@
 // The update manifest: the real check on a manifest whose entries the mutator signs anew with a test key.
 #include "exchange/ed25519.h"
-#include "fuzz/fuzz.h"
+#include "fuzz/json_mutator.h"
+#include "support/signing.h"
 #include "update/manifest.h"
 #include "update/update_check.h"
 
 #include <QList>
-#include <memory>
-#include <openssl/evp.h>
 
 using namespace korvel;
 using namespace Qt::StringLiterals;
@@ -14,38 +13,13 @@ using fuzz::require;
 
 namespace {
 
-using Key = std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)>;
-
-const Key &key() {
-    static const unsigned char SEED[32] = {1};
-    static const Key MADE(EVP_PKEY_new_raw_private_key(EVP_PKEY_ED25519, nullptr, SEED, sizeof SEED), &EVP_PKEY_free);
-    return MADE;
-}
-
-QString publicKey() {
-    QByteArray bytes(32, '\0');
-    size_t size = 32;
-    EVP_PKEY_get_raw_public_key(key().get(), reinterpret_cast<unsigned char *>(bytes.data()), &size);
-    return QString::fromLatin1(bytes.toBase64());
-}
-
-QString signature(const QByteArray &message) {
-    QByteArray bytes(64, '\0');
-    size_t size = 64;
-    const std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> context(EVP_MD_CTX_new(), &EVP_MD_CTX_free);
-    EVP_DigestSignInit(context.get(), nullptr, nullptr, nullptr, key().get());
-    EVP_DigestSign(context.get(), reinterpret_cast<unsigned char *>(bytes.data()), &size,
-                   reinterpret_cast<const unsigned char *>(message.constData()), static_cast<size_t>(message.size()));
-    return QString::fromLatin1(bytes.toBase64());
-}
-
 FixedConfig configOf(const QString &edition) {
     return makeFixedConfig({.version = u"1.2.3"_s,
                             .edition = edition,
                             .cnServer = u"cn.example:443"_s,
                             .intlServers = {u"intl.example:443"_s},
                             .site = u"https://site.example"_s,
-                            .updatePubkey = publicKey()},
+                            .updatePubkey = test::PUBLIC_KEY},
                            {});
 }
 
@@ -130,7 +104,7 @@ void signAnew(QJsonDocument &document) {
         const UpdateInfo info{
             .ver = entry[u"ver"].toString(), .file = entry[u"file"].toString(), .sha = entry[u"sha256"].toString()};
         if (!entry.isEmpty())
-            entry[u"sig"] = signature(signedMessage(configOf(u"cn"_s).UPDATE_SIG_PREFIX, info));
+            entry[u"sig"] = test::signature(signedMessage(configOf(u"cn"_s).UPDATE_SIG_PREFIX, info));
         package = entry;
     }
     manifest[u"packages"] = packages;

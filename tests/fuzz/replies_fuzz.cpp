@@ -6,7 +6,7 @@
 #include "account/server_api.h"
 #include "app/model/wording.h"
 #include "base/plain_text.h"
-#include "fuzz/fuzz.h"
+#include "fuzz/json_mutator.h"
 #include "platform/net/http_messages.h"
 #include "service/agent_api.h"
 #include "service/agent_command.h"

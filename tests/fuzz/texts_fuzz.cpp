@@ -5,6 +5,8 @@
 #include "fuzz/fuzz.h"
 #include "update/manifest.h"
 
+#include <cstring>
+
 using namespace korvel;
 using namespace Qt::StringLiterals;
 using fuzz::require;
