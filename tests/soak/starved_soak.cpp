@@ -62,5 +62,17 @@ TEST_F(StarvedSoak, WithoutThreadsEverythingEndsAndAfterwardsEverythingWorks) {
     starve(RLIMIT_NPROC, 1);
 }
 
+TEST_F(StarvedSoak, AfterMinutesWithoutTheProcessorItTellsTheTruthWithoutCatchingUp) {
+    const auto pid = static_cast<pid_t>(process->processId());
+    ASSERT_EQ(::kill(pid, SIGSTOP), 0);
+    panel.waitUntil([] { return false; }, std::chrono::minutes(2));
+    ASSERT_TRUE(home.signOut());
+    const auto before = home.requests().size();
+    ASSERT_EQ(::kill(pid, SIGCONT), 0);
+    ASSERT_TRUE(lineIs(u"Not signed in"_s, std::chrono::seconds(5)));
+    EXPECT_LE(home.requests().size() - before, 5);
+    end();
+}
+
 } // namespace
 } // namespace korvel::test

@@ -1,0 +1,213 @@
+#include "journey/journey.h"
+#include "support/signing.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRandomGenerator>
+#include <atomic>
+#include <csignal>
+#include <cstdio>
+#include <ctime>
+#include <unistd.h>
+
+namespace {
+/// By how many seconds this process's wall clock is wrong.
+std::atomic<std::time_t> clockJump{0};
+} // namespace
+
+/// Takes the place of the C library's.
+extern "C" std::time_t time(std::time_t *out) noexcept {
+    timespec now{};
+    ::clock_gettime(CLOCK_REALTIME, &now);
+    const std::time_t shown = now.tv_sec + clockJump;
+    if (out)
+        *out = shown;
+    return shown;
+}
+
+namespace korvel::test {
+namespace {
+
+constexpr int POLLS = 28'800, WARM_UP = POLLS / 10, POLLS_AN_EVENT = 24;
+constexpr std::time_t YEAR = 365 * 24 * 3600;
+
+// AddressSanitizer keeps freed memory; its leak check at the end of the process takes the place of this limit.
+#ifdef __SANITIZE_ADDRESS__
+constexpr double MAX_GROWTH_MIB = 1e9;
+#else
+constexpr double MAX_GROWTH_MIB = 4;
+#endif
+
+qsizetype entriesOf(const QString &folder) {
+    return QDir(folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::System).size();
+}
+
+QByteArray contentOf(const QString &path) {
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    return file.readAll();
+}
+
+/// What this process holds. Linux only.
+struct Held {
+    double mebibytes = contentOf(u"/proc/self/statm"_s).split(' ').value(1).toDouble() *
+                       static_cast<double>(::sysconf(_SC_PAGESIZE)) / (1 << 20);
+    qsizetype descriptors = entriesOf(u"/proc/self/fd"_s);
+    qsizetype threads = entriesOf(u"/proc/self/task"_s);
+    qsizetype children = contentOf(u"/proc/self/task/%1/children"_s.arg(::getpid())).split(' ').size();
+};
+
+/// Counts requests.
+struct CountingHttp final : HttpClient {
+    explicit CountingHttp(HttpClient &c) : client(c) {}
+    void send(HttpRequest request, Done<HttpReply> done) override {
+        ++count;
+        client.send(std::move(request), std::move(done));
+    }
+    HttpClient &client;
+    int count = 0;
+};
+
+/// A user's day with the tray, some hundred times as fast, with everything going wrong that can.
+struct DaySoak : Journey {
+    DaySoak() : Journey(300) {}
+    CountingHttp counted{http};
+    QRandomGenerator random{static_cast<quint32>(qEnvironmentVariableIntValue("KORVEL_SOAK_SEED"))};
+    QMap<QString, int> happened;
+
+    void SetUp() override {
+        fixed.UPDATE_PUBKEY = PUBLIC_KEY;
+        ASSERT_TRUE(home.startAccountServer());
+        installAndSignIn();
+        configure(u"server"_s, home.accountServer());
+        home.setScenario(GOOD);
+        launch(counted);
+    }
+    void TearDown() override { clockJump = 0; }
+
+    template <class List>
+    auto any(const List &list) {
+        return list[static_cast<qsizetype>(random.bounded(static_cast<quint32>(std::size(list))))];
+    }
+    /// Lets the tray send so many requests.
+    void pass(int requests) {
+        const int until = counted.count + requests;
+        ASSERT_TRUE(eventually([&] { return counted.count >= until; }, std::chrono::minutes(2)));
+    }
+    void agentFails() {
+        home.changeScenario(
+            agentFault(u"/health"_s, {{u"mode"_s, any(QStringList{u"close"_s, u"reset"_s, u"garbage"_s, u"truncate"_s,
+                                                                  u"html"_s, u"deep"_s, u"exit"_s})},
+                                      {u"times"_s, 5}}));
+    }
+    void encryptionChanges() {
+        sim::Encryption encryption = home.encryption();
+        switch (random.bounded(5)) {
+        case 0:
+            encryption.askDevice(u"Phone %1"_s.arg(random.bounded(3)), u"ios"_s);
+            return;
+        case 1:
+            encryption.raiseAlarm(u"Look at this"_s);
+            return;
+        case 2:
+            encryption.raiseResetAlarm();
+            return;
+        default:
+            encryption.setState(any(QStringList{u"waiting"_s, u"pending"_s, u"active"_s, u"rejected"_s, u"revoked"_s,
+                                                u"suspended"_s, u"off"_s}));
+        }
+    }
+    void userChooses() {
+        item.events.menuOpening();
+        item.press(any(QList{Action::CheckUpdate, Action::InstallUpdate, Action::MenuToggle, Action::LogoutDialog,
+                             Action::ShowPair, Action::E2AsrInstall, Action::AskPerms}));
+    }
+    void happens() {
+        const std::pair<const char *, std::function<void()>> events[] = {
+            {"agent fails", [this] { agentFails(); }},
+            {"agent killed", [this] { home.killAgent(SIGKILL); }},
+            {"agent stopped",
+             [this] {
+                 if (random.bounded(20) == 0 && home.killAgent(SIGSTOP)) {
+                     pass(6);
+                     home.killAgent(SIGCONT);
+                 }
+             }},
+            {"encryption", [this] { encryptionChanges(); }},
+            {"signed out", [this] { home.signOut(); }},
+            {"choice", [this] { userChooses(); }},
+            {"clock",
+             [this] {
+                 clockJump = any(std::array{-YEAR, std::time_t{0}, YEAR});
+             }},
+            {"answer",
+             [this] {
+                 if (alerts.isOpen())
+                     alerts.answer(random.bounded(static_cast<int>(alerts.view.buttons.size())), {u"123456"_s});
+             }},
+            {"calm", [] {}}};
+        const auto &[name, event] = events[random.bounded(static_cast<quint32>(std::size(events)))];
+        ++happened[QString::fromLatin1(name)];
+        event();
+    }
+    /// All that is wrong passes.
+    void recover() {
+        home.setScenario(GOOD);
+        home.killAgent(SIGCONT);
+        home.signIn(u"ann"_s);
+        if (item.entry(Action::MenuToggle).title.startsWith(u"Resume"))
+            item.press(Action::MenuToggle);
+    }
+    Held settled() {
+        recover();
+        home.encryption().setState(u"active"_s);
+        EXPECT_TRUE(eventually(
+            [this] {
+                if (alerts.isOpen())
+                    alerts.dismiss();
+                recover();
+                return item.statusLine() == CONNECTED && !tray->currentState().update.updateBusy;
+            },
+            std::chrono::minutes(2)))
+            << item.statusLine().toStdString();
+        EXPECT_TRUE(eventually([this] { return exchangesOf(::getpid()).isEmpty(); }));
+        return {};
+    }
+    static inline const QJsonObject GOOD{{u"connectMs"_s, 0},
+                                         {u"launchd"_s, QJsonObject{{u"throttleMs"_s, 50}}},
+                                         {u"update"_s, QJsonObject{{u"ver"_s, u"9.0"_s}, {u"edition"_s, u"cn"_s}}}};
+};
+
+TEST_F(DaySoak, ADayLeavesNoTrace) {
+    std::optional<Held> early;
+    for (int polls = 0; polls < POLLS; polls += POLLS_AN_EVENT) {
+        if (!early && polls >= WARM_UP)
+            early = settled();
+        if (random.bounded(2) == 0)
+            recover();
+        happens();
+        ASSERT_NO_FATAL_FAILURE(pass(POLLS_AN_EVENT));
+    }
+    const Held late = settled();
+    for (auto event = happened.cbegin(); event != happened.cend(); ++event)
+        std::printf("%6d  %s\n", event.value(), qPrintable(event.key()));
+    std::printf(
+        "%d requests; after a tenth and at the end: %.1f and %.1f MiB, %lld and %lld descriptors, %lld and %lld "
+        "threads, %lld and %lld children\n",
+        counted.count, early->mebibytes, late.mebibytes, early->descriptors, late.descriptors, early->threads,
+        late.threads, early->children, late.children);
+    EXPECT_LT(late.mebibytes - early->mebibytes, MAX_GROWTH_MIB);
+    EXPECT_LE(late.descriptors - early->descriptors, 4); // a connection more or less
+    EXPECT_LE(late.threads, std::max<qsizetype>(early->threads, 8));
+    EXPECT_LE(late.children, early->children);
+
+    const int icons = item.iconChanges, menus = item.menuChanges;
+    const auto told = notices.shown.size();
+    ASSERT_NO_FATAL_FAILURE(pass(600)); // half an hour in which nothing happens
+    EXPECT_EQ(item.iconChanges, icons);
+    EXPECT_EQ(item.menuChanges, menus);
+    EXPECT_EQ(notices.shown.size(), told);
+}
+
+} // namespace
+} // namespace korvel::test
