@@ -104,7 +104,7 @@ struct DaySoak : Journey {
         sim::Encryption encryption = home.encryption();
         switch (random.bounded(5)) {
         case 0:
-            encryption.askDevice(u"Phone %1"_s.arg(random.bounded(3)), u"ios"_s);
+            encryption.requestJoin(u"Phone %1"_s.arg(random.bounded(3)), u"ios"_s);
             return;
         case 1:
             encryption.raiseAlarm(u"Look at this"_s);
