@@ -50,7 +50,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     const qsizetype first = repeated ? 1 + place % 8 + input.bytes.size() / 128 : 1 + place * input.bytes.size() / 64;
     const Outcome pieces = outcomeOf(input.bytes, limit, ends, first, repeated);
     // Beast reads an open quote in a chunk's extension past its line: the kind of failure depends on what has arrived.
-    const bool isOpen = input.bytes.contains("hunked") && input.bytes.contains('"') && !pieces.body && !whole.body;
+    const bool isOpen =
+        input.bytes.toLower().contains("chunked") && input.bytes.contains('"') && !pieces.body && !whole.body;
     require(isOpen || pieces == whole, "the same outcome in pieces");
     require(whole.over || !ends, "over at the end of the connection");
     require(!whole.body || whole.body->size() <= std::min<qint64>(limit, input.bytes.size()),
