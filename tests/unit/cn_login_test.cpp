@@ -78,6 +78,11 @@ TEST(CnLoginForm, AResetWithoutASignInContinuesWithTheNewPassword) {
     EXPECT_EQ(form.password, u""_s);
     EXPECT_EQ(form.error, u"Sign in now."_s);
     EXPECT_EQ(outcome.focus, LoginField::Password);
+    setCodeMode(form, true); // another tab or page is about something else
+    EXPECT_EQ(form.error, u""_s);
+    form.error = u"Too often."_s;
+    setPage(form, Page::Register);
+    EXPECT_EQ(form.error, u""_s);
 }
 
 struct CnLoginTest : TrayFixture {
