@@ -62,12 +62,12 @@ void checkPairView(const Situation &s, PairState &pairing) {
         require(isBounded(text) && fuzz::isDrawable(keepOrder(text).remove(u'\n')), "the texts of the pairing window");
 }
 
-void checkViews(Situation s) {
+void checkViews(const Situation &s, PairState &pairing) {
     checkState(s.state);
     require(fuzz::isDrawable(keepOrder(singleLine(statusLine(s)))), "the status line");
     require(isBounded(iconView(s).toolTip) && fuzz::isOneLine(iconView(s).toolTip), "the tool tip of the icon");
     checkMenu(menuView(s).entries);
-    checkPairView(s, s.state.pairing);
+    checkPairView(s, pairing);
     startupNotice(s);
     require(settingsAddress(s.state.permissions.permItems.value(0).value(u"pane")).value_or(u"x"_s).size() <= MAX_TEXT,
             "the address of a settings pane");
@@ -117,13 +117,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     Situation s{.isCn = input.flag(), .version = u"1.2.3"_s, .bound = !input.flag(), .plistExists = !input.flag()};
     s.timing.longConnecting = input.flag();
     s.state.menu.optionKey = input.flag();
-    s.state.pairing.pairPreview = input.flag();
+    PairState pairing{.pairPreview = input.flag()}; // of the window, which stays open
     s.server = u"intl.example:443"_s;
     const HealthContext context{.now = Instant(std::chrono::hours(9)), .bound = s.bound, .username = u"ann"_s};
     const QJsonArray replies = QJsonDocument::fromJson(input.bytes).array();
     for (qsizetype i = 0; i < std::min<qsizetype>(replies.size(), 4); ++i) {
         apply(s.state, replies.at(i), context);
-        checkViews(s);
+        checkViews(s, pairing);
         const TrayState before = s.state;
         checkPrompts(s);
         require(s.state == before, "views change nothing");
