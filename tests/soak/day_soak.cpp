@@ -205,7 +205,7 @@ TEST_F(DaySoak, ADayLeavesNoTrace) {
     const auto told = notices.shown.size();
     ASSERT_NO_FATAL_FAILURE(pass(600)); // half an hour in which nothing happens
     EXPECT_EQ(item.iconChanges, icons);
-    EXPECT_EQ(item.menuChanges, menus);
+    EXPECT_LE(item.menuChanges - menus, 2); // a check for updates may fall due
     EXPECT_EQ(notices.shown.size(), told);
 }
 
