@@ -128,9 +128,9 @@ bool FileStamp::isSettled(std::time_t now) const {
     return now - changedAt > COARSEST_TICK + 1; // +1 for rounding
 }
 
-std::optional<FileStamp> stampOf(const QString &path) {
+std::optional<FileStamp> stampOf(const QByteArray &path) {
     struct stat info {};
-    if (::stat(QFile::encodeName(path).constData(), &info) != 0)
+    if (::stat(path.constData(), &info) != 0)
         return std::nullopt;
     return FileStamp{.device = info.st_dev, .inode = info.st_ino, .size = info.st_size, .changedAt = info.st_ctime};
 }

@@ -29,8 +29,8 @@ struct FileStamp {
     bool isSettled(std::time_t now) const;
 };
 
-/// The stamp of the file at `path`, links followed; none if there is no file.
-std::optional<FileStamp> stampOf(const QString &path);
+/// The stamp of the file at `path`, as QFile::encodeName() gives it, links followed; none if there is no file.
+std::optional<FileStamp> stampOf(const QByteArray &path);
 
 /// Creates a folder with mode 0700, and its parents. True if it exists afterwards.
 bool makePrivateFolder(const QString &path);

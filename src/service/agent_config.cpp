@@ -26,7 +26,7 @@ bool isShortage(const std::error_code &error) {
 
 QJsonObject AgentConfig::readCfg() const {
     // Taken before reading: if the file changes in between, the next stamp differs.
-    const std::optional<FileStamp> stamp = stampOf(paths.agentCfg);
+    const std::optional<FileStamp> stamp = stampOf(encodedPath);
     if (stamp && stamp == readAt)
         return content;
     std::error_code unreadable;

@@ -4,6 +4,8 @@
 #include "base/private_file.h"
 #include "base/scheduler.h"
 
+#include <QByteArray>
+#include <QFile>
 #include <QJsonObject>
 #include <QString>
 #include <ctime>
@@ -22,7 +24,7 @@ public:
     using WallClock = std::function<std::time_t()>;
     explicit AgentConfig(
         const Paths &p, WallClock now = [] { return std::time(nullptr); })
-        : paths(p), wallNow(std::move(now)) {}
+        : paths(p), encodedPath(QFile::encodeName(p.agentCfg)), wallNow(std::move(now)) {}
 
     /// The object in the file; empty when it is missing, unreadable, not a regular file, over 1 MiB or not an object.
     /// While the tray has no descriptor or memory to read with, the content last read.
@@ -46,6 +48,7 @@ private:
     bool succeeded(const std::error_code &error) const;
 
     const Paths &paths;
+    const QByteArray encodedPath; ///< Each poll looks at the file several times.
     const WallClock wallNow;
     mutable std::optional<FileStamp> readAt; ///< Stamp of the file that `content` was read from.
     mutable QJsonObject content;

@@ -182,6 +182,7 @@ TEST(HealthRules, SilenceForgetsWhatOnlyARunningAgentKnows) {
     EXPECT_FALSE(effects().checkJob); // looked up ten seconds ago
     EXPECT_FALSE(state.health.running || state.health.online || state.health.connectingSince);
     EXPECT_EQ(state.permissions, PermissionState());
+    EXPECT_FALSE(state.permissions.permsFetchedAt); // so that the next poll fetches
     state.health.jobLoaded.reset();
     EXPECT_TRUE(effects().checkJob);
     EXPECT_EQ(state.health.jobCheckedAt, now);

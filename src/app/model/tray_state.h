@@ -8,6 +8,7 @@
 #include <QString>
 #include <QStringList>
 #include <optional>
+#include <tuple>
 
 namespace korvel {
 
@@ -44,7 +45,13 @@ struct PermissionState {
     bool permsRequesting = false;
     bool permsFetchFailed = false;
     bool permsFetching = false;
-    bool operator==(const PermissionState &) const = default;
+    /// Compares what can be seen. That a fetch begins or ends changes nothing on the screen.
+    bool operator==(const PermissionState &other) const {
+        const auto seen = [](const PermissionState &p) {
+            return std::tie(p.permsOk, p.permsMissing, p.permItems, p.permsRequesting, p.permsFetchFailed);
+        };
+        return seen(*this) == seen(other);
+    }
 };
 
 /// One validated update package.
