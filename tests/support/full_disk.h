@@ -8,7 +8,8 @@ namespace korvel::test {
 /// This process may use no more than `most` of a resource while this lives.
 class LoweredLimit {
 public:
-    LoweredLimit(__rlimit_resource r, rlim_t most) : resource(r) {
+    using Resource = decltype(RLIMIT_FSIZE); // an enumeration or a number, by the system
+    LoweredLimit(Resource r, rlim_t most) : resource(r) {
         ::getrlimit(resource, &before);
         rlimit limit = before;
         limit.rlim_cur = most;
@@ -17,7 +18,7 @@ public:
     ~LoweredLimit() { ::setrlimit(resource, &before); }
 
 private:
-    const __rlimit_resource resource;
+    const Resource resource;
     rlimit before{};
 };
 
