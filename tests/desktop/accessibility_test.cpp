@@ -24,7 +24,7 @@ struct AccessibilityTest : PanelTray {
     bool opens(const QString &text) {
         return soon([&] { return window().active && window().find(text); });
     }
-    /// Waits for a window that opens by itself, and then until it takes keys.
+    /// Waits for a window that the program opens, and then until it takes keys.
     bool comesUp(const QString &text) {
         const bool came = opens(text);
         panel.waitUntil([] { return false; }, std::chrono::seconds(1));

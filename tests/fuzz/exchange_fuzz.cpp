@@ -12,13 +12,13 @@ namespace {
 
 /// Progress as it came, then the result; empty without one.
 QByteArray outcomeOf(const QByteArray &output, qsizetype first) {
-    QByteArray told;
-    ExchangeOutput parser([&told](const Progress &p) { told += toJson(Line(p)); });
+    QByteArray reported;
+    ExchangeOutput parser([&reported](const Progress &p) { reported += toJson(Line(p)); });
     parser.feed(output.first(first));
     const bool valid = parser.feed(output.sliced(first));
     const auto result = parser.result();
     require(valid || !result, "invalid output has no result");
-    return result ? told + toJson(*result) : valid ? told + "none" : QByteArray("invalid");
+    return result ? reported + toJson(*result) : valid ? reported + "none" : QByteArray("invalid");
 }
 
 } // namespace

@@ -90,8 +90,8 @@ class WithPackage(WithTools):
             for name in ['otool', 'lipo']:
                 (self.folder / 'bin' / name).symlink_to(llvm(f'llvm-{name}'))
 
-    def tell(self, architectures):
-        """Writes what the installer is told."""
+    def write_distribution(self, architectures):
+        """Writes what the installer reads about the package."""
         self.info.write_text('<pkg-info><relocate/></pkg-info>')
         values = {'CPACK_KORVEL_ARCHITECTURES': architectures, 'CPACK_KORVEL_MINIMUM_SYSTEM': '14.0',
                   'CPACK_PACKAGEMAKER_CHOICES': '<choices-outline/>'}
@@ -122,7 +122,7 @@ class Inspect(WithPackage):
         shutil.copytree(self.linked, self.contents)
         (self.contents / 'Info.plist').write_bytes(
             b'<plist version="1.0"><dict><key>LSMinimumSystemVersion</key><string>14.0</string></dict></plist>')
-        self.tell(','.join(BOTH))
+        self.write_distribution(','.join(BOTH))
 
     def test_accepts_a_release_and_starts_it_on_each_processor_with_each_platform(self):
         done = self.look(RELEASE)
@@ -139,7 +139,7 @@ class Inspect(WithPackage):
 
         def thin():
             link(self.contents, ['arm64'])
-            self.tell('arm64')
+            self.write_distribution('arm64')
         core, homebrew = f'@rpath/{QT_CORE}', '/opt/homebrew/lib'
         inner, helper = self.contents / 'Frameworks/libinner.dylib', self.contents / 'Helpers/korvel-exchange'
         tray, agent = self.contents / 'MacOS/korvel-tray', self.contents / 'Resources/korvel-agent'
@@ -182,7 +182,7 @@ class Linked(WithPackage):
         (packed,) = self.folder.glob('Korvel-*-trial-cn.tar.gz')
         self.payload.mkdir(parents=True)
         self.ok('tar', '-xzf', packed, '-C', self.payload)
-        self.tell('arm64')
+        self.write_distribution('arm64')
         done = self.look(packed.name.replace('.tar.gz', '.pkg'))
         self.assertEqual(done.returncode, 0, done.stderr)
 

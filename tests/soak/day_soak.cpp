@@ -202,11 +202,11 @@ TEST_F(DaySoak, ADayLeavesNoTrace) {
     EXPECT_LE(late.children, early->children);
 
     const int icons = item.iconChanges, menus = item.menuChanges;
-    const auto told = notices.shown.size();
+    const auto noticesShown = notices.shown.size();
     ASSERT_NO_FATAL_FAILURE(pass(600)); // half an hour in which nothing happens
     EXPECT_EQ(item.iconChanges, icons);
     EXPECT_LE(item.menuChanges - menus, 2); // a check for updates may fall due
-    EXPECT_EQ(notices.shown.size(), told);
+    EXPECT_EQ(notices.shown.size(), noticesShown);
 }
 
 } // namespace
