@@ -44,7 +44,7 @@ TEST_F(ServerJourney, EveryFailureOnTheWayHasItsSentence) {
     const auto redirect = [](int status) { // if it is followed, nothing listens there
         return mode(u"redirect"_s, {{u"status"_s, status}, {u"location"_s, u"https://localhost:1"_s}});
     };
-    const QJsonObject drip = mode(u"drip"_s, {{u"ms"_s, 20}});
+    const QJsonObject drip = mode(u"drip"_s, {{u"ms"_s, 200}}); // longer than libcurl needs to see that it is slow
     const struct {
         QJsonObject server;
         QString sentence;
