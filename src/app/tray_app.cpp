@@ -59,13 +59,17 @@ PairContext TrayApp::pairContext() const {
 
 Situation TrayApp::situation() const {
     const QJsonObject cfg = config.readCfg();
-    return {.state = state,
-            .isCn = fixed.IS_CN,
-            .version = fixed.VERSION,
-            .timing = timingOf(state.health, ports.scheduler.now()),
-            .bound = bound(cfg),
-            .plistExists = plistExists(paths),
-            .server = serverOf(fixed, cfg)};
+    Situation now{.state = state,
+                  .isCn = fixed.IS_CN,
+                  .version = fixed.VERSION,
+                  .timing = timingOf(state.health, ports.scheduler.now()),
+                  .bound = bound(cfg),
+                  .plistExists = plistExists(paths),
+                  .server = serverOf(fixed, cfg)};
+    // Nothing on the screen depends on when permissions are fetched, and a fetch must not be a reason to draw.
+    now.state.permissions.permsFetching = false;
+    now.state.permissions.permsFetchedAt.reset();
+    return now;
 }
 
 void TrayApp::launch(const QString &executablePath) {

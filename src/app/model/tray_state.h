@@ -8,7 +8,6 @@
 #include <QString>
 #include <QStringList>
 #include <optional>
-#include <tuple>
 
 namespace korvel {
 
@@ -45,13 +44,7 @@ struct PermissionState {
     bool permsRequesting = false;
     bool permsFetchFailed = false;
     bool permsFetching = false;
-    /// Compares what can be seen. That a fetch begins or ends changes nothing on the screen.
-    bool operator==(const PermissionState &other) const {
-        const auto seen = [](const PermissionState &p) {
-            return std::tie(p.permsOk, p.permsMissing, p.permItems, p.permsRequesting, p.permsFetchFailed);
-        };
-        return seen(*this) == seen(other);
-    }
+    bool operator==(const PermissionState &) const = default;
 };
 
 /// One validated update package.
