@@ -8,6 +8,7 @@
 #include <QJsonObject>
 #include <QStringList>
 #include <cstring>
+#include <functional>
 #include <random>
 
 extern "C" size_t LLVMFuzzerMutate(uint8_t *data, size_t size, size_t maxSize);
@@ -96,8 +97,9 @@ private:
 };
 
 /// A custom mutator for inputs that are JSON: changes a value, or bytes. `repair` may correct the changed document.
-template <class Repair>
-size_t mutateJson(uint8_t *data, size_t size, size_t maxSize, unsigned seed, Repair repair) {
+inline size_t mutateJson(
+    uint8_t *data, size_t size, size_t maxSize, unsigned seed,
+    const std::function<void(QJsonDocument &)> &repair = [](QJsonDocument &) {}) {
     const Input input(data, size);
     QJsonDocument document = QJsonDocument::fromJson(input.bytes);
     if (seed % 4 == 0 || document.isNull())
