@@ -21,6 +21,8 @@
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QRegularExpression>
+#include <QScopedValueRollback>
 #include <QTemporaryDir>
 #include <QUrl>
 #include <deque>
@@ -41,35 +43,23 @@ namespace korvel::test {
 
 using namespace Qt::StringLiterals;
 
-/// Sets the language of all texts for the life of the scope.
-class LanguageScope {
-public:
-    explicit LanguageScope(bool chinese) : before(ZH) { ZH = chinese; }
-    ~LanguageScope() { ZH = before; }
-
-private:
-    bool before;
-};
-
 inline QJsonObject object(const QByteArray &json) { return QJsonDocument::fromJson(json).object(); }
 
-inline Deployment testDeployment(const QString &edition = QStringLiteral("cn")) {
+inline Deployment testDeployment(const QString &edition = QStringLiteral("cn"), const QString &updateKey = {}) {
     return {.version = QStringLiteral("1.2.3"),
             .edition = edition,
             .cnServer = QStringLiteral("cn.example:443"),
             .intlServers = {QStringLiteral("intl.example:443"), QStringLiteral("192.0.2.1:443"),
                             QStringLiteral("192.0.2.2:443"), QStringLiteral("192.0.2.3:8443")},
             .site = QStringLiteral("https://site.example"),
-            .updatePubkey = QString()};
+            .updatePubkey = updateKey};
 }
 
 /// The settings of an edition with its files in `home`.
 inline FixedConfig testConfig(const QString &edition, const QString &home = {}, const QString &updateKey = {}) {
-    Deployment deployment = testDeployment(edition);
-    deployment.updatePubkey = updateKey;
     LaunchEnvironment environment;
     environment.home = home;
-    return makeFixedConfig(deployment, environment);
+    return makeFixedConfig(testDeployment(edition, updateKey), environment);
 }
 
 /// A temporary home directory with the files that the tray reads.
@@ -102,7 +92,6 @@ class FakeHttp final : public HttpClient, public ServerClient {
 public:
     struct Request : HttpRequest {
         bool isForServer = false;
-        std::chrono::seconds slowTimeout{0};
     };
     struct InFlight {
         Request request;
@@ -110,7 +99,7 @@ public:
     };
     void send(HttpRequest request, Done<HttpReply> done) override { take({std::move(request)}, std::move(done)); }
     void send(ServerRequest r, Done<HttpReply> done) override {
-        take({{r.method, r.url, r.headers, r.body, r.timeout, r.maxBytes}, true, r.slowTimeout}, std::move(done));
+        take({{r.method, r.url, r.headers, r.body, r.timeout, r.maxBytes}, true}, std::move(done));
     }
     void download(ServerRequest request, const QString &file, std::function<void(qint64, qint64)> progress,
                   Done<HttpReply> done) override {
@@ -135,7 +124,8 @@ public:
     std::function<Result<bool>(const SignatureProof &)> verdict = [](const SignatureProof &) { return true; };
     std::deque<InFlight> inFlight;
     Request last;
-    QStringList paths;  ///< Of all requests, in order.
+    QStringList paths; ///< Of all requests, in order.
+    QList<Request> posts;
     QString downloadTo; ///< The file of the last download, which the test writes.
     std::function<void(qint64, qint64)> onProgress;
 
@@ -143,6 +133,8 @@ private:
     void take(Request request, Done<HttpReply> done) {
         last = request;
         paths.append(QUrl(request.url).path());
+        if (request.method == "POST")
+            posts.append(request);
         if (respond)
             return done(respond(request));
         inFlight.push_back({std::move(request), std::move(done)});
@@ -170,12 +162,7 @@ public:
     ServiceResult kickstart(const QString &label) override { return call(u"kickstart "_s + label, loaded); }
 
     /// The names of all calls.
-    QString operations() const {
-        QStringList names;
-        for (const QString &command : calls)
-            names.append(command.section(u' ', 0, 0));
-        return names.join(u' ');
-    }
+    QString operations() const { return calls.join(u' ').remove(QRegularExpression(u" com\\.\\S+"_s)); }
 
     bool loaded = false;
     bool runs = true;       ///< If false, no command can run.
@@ -222,6 +209,14 @@ public:
     int terminated = 0;
 };
 
+/// The entry of a menu with an action; an empty one if there is none.
+inline MenuEntry entryFor(Action action, const MenuView &menu) {
+    for (const MenuEntry &entry : menu.entries)
+        if (entry.action == action)
+            return entry;
+    return {};
+}
+
 /// Keeps what the menu bar shows and counts the changes.
 class FakeItem final : public StatusItem {
 public:
@@ -235,12 +230,7 @@ public:
         ++menuChanges;
     }
     QString statusLine() const { return menu.entries.value(0).title; }
-    MenuEntry entry(Action action) const {
-        for (const MenuEntry &e : menu.entries)
-            if (e.action == action)
-                return e;
-        return {};
-    }
+    MenuEntry entry(Action action) const { return entryFor(action, menu); }
     void choose(Action action) { events.chosen(entry(action)); }
     /// Chooses an entry that the menu need not show.
     void press(Action action) { events.chosen(menuItem({}, action)); }
@@ -328,6 +318,13 @@ public:
     }
     void hide() override { visible = false; }
     QString last() const { return shown.empty() ? QString() : shown.back().text; }
+    /// The texts shown since the last call, joined by " | ".
+    QString take() {
+        QStringList texts;
+        for (const NoticeView &notice : std::exchange(shown, {}))
+            texts.append(notice.text);
+        return texts.join(u" | "_s);
+    }
 
     std::vector<NoticeView> shown;
     bool visible = false;

@@ -10,6 +10,7 @@ namespace korvel::test {
 
 inline const QByteArray ONLINE = R"({"ok":true,"online":true,"account":"ann","sessions":1})";
 inline const QByteArray OFFLINE = R"({"ok":true,"online":false,"account":"ann"})";
+inline const QByteArray SILENCE;
 inline const QByteArray SIGNED_OUT = R"({"ok":true,"online":false,"account":"ann","authDead":true})";
 /// A health response with an encryption report.
 inline QByteArray withReport(const QByteArray &report) { return R"({"ok":true,"online":true,"e2ee":)" + report + '}'; }
@@ -22,6 +23,7 @@ struct TrayFixture : ::testing::Test, FakeScreen {
     FakeServices services;
     FakePrograms programs;
     LoginPanel *shownLogin = &loginPanel;
+    QByteArray reply = SILENCE; ///< The agent's response to a POST.
     std::unique_ptr<TrayApp> tray;
 
     /// Puts an agent program into the tray's bundle.
@@ -66,17 +68,17 @@ struct TrayFixture : ::testing::Test, FakeScreen {
         item.choose(action);
         scheduler.runDue();
     }
-    /// Lets the agent respond with `body` from the next poll on, which is sent now.
+    /// Lets the agent respond with `body` to polls from the next poll on, which is sent now.
     void nextPoll(const QByteArray &body) {
         agentResponds(body);
         scheduler.advance(3s);
     }
     void nextReport(const QByteArray &report) { nextPoll(withReport(report)); }
     void agentResponds(const QByteArray &body) {
-        http.respond = [body](const HttpRequest &) { return json(body); };
-    }
-    void agentIsSilent() {
-        http.respond = [](const HttpRequest &) { return noResponse(); };
+        http.respond = [this, body](const HttpRequest &request) {
+            const QByteArray &response = request.method == "POST" ? reply : body;
+            return response.isEmpty() ? noResponse() : json(response);
+        };
     }
     /// Completes the oldest request in flight whose address ends in `path`.
     void complete(const QString &path, Result<HttpReply> reply) {

@@ -30,7 +30,7 @@ TEST(ServerApi, AResponseIsJudgedByItsBodyAlone) {
 }
 
 struct AccountTest : TrayFixture {
-    QByteArray agent = ONLINE; ///< The agent's response to all requests; empty: none.
+    QByteArray agent = ONLINE; ///< The agent's response to all requests.
     QByteArray loginReply = R"({"agentToken":"new","agentId":"id"})";
     bool unbindFails = false;
     QStringList sent;    ///< Requests to servers: operation, server and credential.
@@ -56,20 +56,14 @@ struct AccountTest : TrayFixture {
     QByteArray file() const { return home.read(home.paths.agentCfg); }
     QJsonObject cfg() const { return object(file()); }
     QString token() const { return cfg().value(u"agentToken").toString(); }
-    void beginSignIn(const QString &user = u"ann@example.com"_s) {
+    void signIn(const QString &user = u"ann@example.com"_s) {
         item.press(Action::LoginDialog);
         alerts.answer(0, {user, u"pass"_s});
-    }
-    void beginSignOut() {
-        item.press(Action::LogoutDialog);
-        alerts.answer(0);
-    }
-    void signIn() {
-        beginSignIn();
         scheduler.runDue();
     }
     void signOut() {
-        beginSignOut();
+        item.press(Action::LogoutDialog);
+        alerts.answer(0);
         scheduler.runDue();
     }
 };
@@ -221,22 +215,22 @@ TEST_F(AccountTest, SigningOutReleasesTheCredentialAndForgetsWhatBelongsToTheAcc
 TEST_F(AccountTest, NoFailureAndNoSilenceKeepsASignOutFromEnding) {
     installAndBind();
     launch();
+    forget();
     http.respond = nullptr;
-    beginSignOut();
-    EXPECT_EQ(notices.last(), u"⏻ Signing out…"_s);
+    signOut();
+    EXPECT_EQ(notices.take(), u"⏻ Signing out…"_s);
     item.choose(Action::LogoutDialog); // once is enough
     EXPECT_FALSE(alerts.isOpen());
     EXPECT_EQ(http.last.timeout, 30s);
     complete(u"/e2ee/logout"_s, Error{ErrorKind::TimedOut, {}});
     EXPECT_EQ(http.last.timeout, 15s);
-    scheduler.holdBackground(true); // launchctl hangs too
+    scheduler.holdsBackground = true; // launchctl hangs too
     complete(u"/v1/agents/unbind"_s, Error{ErrorKind::TimedOut, {}});
     scheduler.advance(10s);
-    EXPECT_EQ(notices.last(), u"⏻ Signed out"_s);
+    EXPECT_EQ(notices.take(), u"⏻ Signed out"_s);
     EXPECT_EQ(token(), u""_s);
-    notices.shown.clear();
-    scheduler.holdBackground(false);
-    EXPECT_TRUE(notices.shown.empty());
+    scheduler.releaseBackground();
+    EXPECT_EQ(notices.take(), u""_s);
 }
 
 /// Two operations at a time; the test completes each request.
@@ -266,14 +260,14 @@ TEST_F(AccountRaceTest, ASignOutWinsOverASignInAtAnyStage) {
     for (const Stage stage : {Sending, Releasing, Restarting}) {
         SCOPED_TRACE(stage);
         home.bind();
-        scheduler.holdBackground(true);
-        beginSignIn(u"bob"_s);
+        scheduler.holdsBackground = true;
+        signIn(u"bob"_s);
         if (stage >= Releasing)
             signedInAs("new");
         if (stage == Restarting)
             released("t");
-        beginSignOut();
-        notices.shown.clear();
+        notices.take();
+        signOut();
         if (stage == Sending)
             signedInAs("new");
         if (stage == Releasing)
@@ -283,11 +277,10 @@ TEST_F(AccountRaceTest, ASignOutWinsOverASignInAtAnyStage) {
         EXPECT_EQ(token(), stage == Restarting ? u"new"_s : u"t"_s);
         complete(u"/e2ee/logout"_s, json("{}"));
         released(stage == Restarting ? "new" : "t");
-        scheduler.holdBackground(false);
+        scheduler.releaseBackground();
         EXPECT_EQ(token(), u""_s);
         EXPECT_EQ(health().account, u""_s);
-        EXPECT_EQ(std::ranges::count(notices.shown, u"● Signed in as bob"_s, &NoticeView::text), 0);
-        EXPECT_EQ(notices.last(), u"⏻ Signed out"_s);
+        EXPECT_EQ(notices.take(), u"⏻ Signing out… | ⏻ Signed out"_s);
         alerts.dismiss();
         http.inFlight.clear();
     }
@@ -298,23 +291,22 @@ TEST_F(AccountRaceTest, ASignInForgetsThatTheLastOneWasLost) {
     ASSERT_TRUE(health().authDead);
     http.respond = nullptr;
     scheduler.advance(3s); // sends a poll whose response comes after the sign-in
-    beginSignIn();
+    signIn();
     signedInAs("new");
     released("t");
     EXPECT_FALSE(health().authDead || health().authDeadNotified);
-    notices.shown.clear();
     complete(u"/health"_s, json(SIGNED_OUT));
     EXPECT_FALSE(health().authDead);
-    EXPECT_TRUE(notices.shown.empty());
+    EXPECT_EQ(notices.last(), u"Signing in…"_s);
 }
 
 TEST_F(AccountRaceTest, OfTwoSignInsTheNewerOneStaysAndTheOtherOneIsReleased) {
     for (const bool olderEndsFirst : {true, false}) {
         SCOPED_TRACE(olderEndsFirst);
         home.bind();
-        beginSignIn(u"bob"_s);
+        signIn(u"bob"_s);
         signedInAs("older");
-        beginSignIn(u"kim"_s);
+        signIn(u"kim"_s);
         signedInAs("newer"); // both wait for the release of the same credential
         released("t", olderEndsFirst ? 0 : 1);
         EXPECT_EQ(token(), olderEndsFirst ? u"older"_s : u"newer"_s);
@@ -330,7 +322,7 @@ TEST_F(AccountRaceTest, OfTwoSignInsTheNewerOneStaysAndTheOtherOneIsReleased) {
 TEST_F(AccountRaceTest, ACredentialThatAppearsDuringTheReleaseOfAnotherIsReleasedToo) {
     for (const bool signsOut : {true, false}) {
         home.bind();
-        signsOut ? beginSignOut() : beginSignIn(u"bob"_s);
+        signsOut ? signOut() : signIn(u"bob"_s);
         signsOut ? complete(u"/e2ee/logout"_s, json("{}")) : signedInAs("new");
         home.writeConfig(R"({"agentToken":"another","server":"own.example"})"); // the agent has signed this Mac in
         released("t");

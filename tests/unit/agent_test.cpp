@@ -90,7 +90,7 @@ TEST_F(AgentCommandTest, TheRequestGoesThroughStandardInputAndTheReplyComesOnce)
     programs.result.output = "{\"ok\":true}\n";
     AgentCommand agent = command(u"/a/agent.mjs"_s), none = command(std::nullopt);
     int replies = 0, failures = 0;
-    const LanguageScope chinese(true);
+    const QScopedValueRollback chinese(ZH, true);
     agent.runAgentJson({{u"password"_s, u"p"_s}},
                        [&](const auto &reply) { replies += reply && reply->value(u"ok").toBool(); });
     none.runAgentJson({}, [&](const auto &reply) { failures += !reply; });
@@ -128,14 +128,20 @@ TEST(LoginItem, IsWrittenOnceAndOnlyForAnInstalledProgram) {
     const TestHome home;
     ensureTrayLoginItem(home.paths, home.home() + u"/Applications/Korvel.app/Contents/MacOS/korvel-tray"_s);
     EXPECT_FALSE(QFile::exists(home.paths.trayPlist));
-    ensureTrayLoginItem(home.paths, u"/Applications/A & <B>/korvel-tray"_s);
+    const QString installed = u"/Applications/A & <B>/korvel-tray"_s;
+    {
+        const FullDisk full(100);
+        ensureTrayLoginItem(home.paths, installed);
+    }
+    EXPECT_FALSE(QFile::exists(home.paths.trayPlist)); // no half of it
+    ensureTrayLoginItem(home.paths, installed);
     const QByteArray text = home.read(home.paths.trayPlist);
     EXPECT_TRUE(text.contains("<array><string>/Applications/A &amp; &lt;B&gt;/korvel-tray</string></array>\n"
                               "  <key>RunAtLoad</key><true/>\n  <key>StandardErrorPath</key><string>"))
         << text.constData();
     EXPECT_EQ(modeOf(home.paths.trayPlist), 0644u);
     home.write(home.paths.trayPlist, "edited");
-    ensureTrayLoginItem(home.paths, u"/Applications/Korvel.app/x"_s);
+    ensureTrayLoginItem(home.paths, installed);
     EXPECT_EQ(home.read(home.paths.trayPlist), "edited");
 }
 
@@ -173,11 +179,11 @@ TEST_F(AgentConfigTest, AChangeByAnotherProgramIsReadAtOnce) {
     for (int reading = 0; reading < 2; ++reading)
         EXPECT_EQ(cfgText(anHourLater.readCfg(), u"username"), u"bob"_s);
     replacePrivateFile(home.paths.agentCfg, R"({"username":"eve"})");
-    EXPECT_EQ(cfgText(anHourLater.readCfg(), u"username"), u"eve"_s);
     {
         const NoDescriptors none; // the content read last stays
-        EXPECT_EQ(cfgText(anHourLater.readCfg(), u"username"), u"eve"_s);
+        EXPECT_EQ(cfgText(anHourLater.readCfg(), u"username"), u"bob"_s);
     }
+    EXPECT_EQ(cfgText(anHourLater.readCfg(), u"username"), u"eve"_s);
     QFile::remove(home.paths.agentCfg);
     EXPECT_TRUE(anHourLater.readCfg().isEmpty());
 }
@@ -206,7 +212,7 @@ TEST_F(AgentConfigTest, AWriteIsPrivateWholeAndBehindALink) {
 using AgentControlTest = TrayFixture;
 
 TEST_F(AgentControlTest, LaunchLoadsTheJobUnlessItIsLoaded) {
-    agentIsSilent();
+    agentResponds(SILENCE);
     home.bind();
     home.installJobFile();
     launch();
@@ -233,7 +239,7 @@ TEST_F(AgentControlTest, QuittingStopsTheAgentAndItsStraysFirst) {
     EXPECT_EQ(programs.runs[1].arguments, (QStringList{u"-f"_s, u"korvel-agent.mjs run"_s}));
     EXPECT_EQ(desktop.terminated, 1);
     launch();
-    scheduler.holdBackground(true);
+    scheduler.holdsBackground = true;
     item.press(Action::QuitAll);
     scheduler.advance(30s); // the service manager hangs
     EXPECT_EQ(desktop.terminated, 2);

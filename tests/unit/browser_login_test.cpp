@@ -40,12 +40,12 @@ TEST_F(BrowserLoginTest, ThePageOpensAndPollsGoOnUntilAnOutcome) {
     for (const auto &[outcome, notice] : outcomes) {
         status = "not json";
         scheduler.advance(3s); // an unreadable response is no outcome
+        forget();
         sent.clear();
-        notices.shown.clear();
         status = outcome;
         scheduler.advance(5s);
         EXPECT_EQ(sent, QStringList{poll}) << outcome.constData();
-        EXPECT_EQ(notices.last(), notice);
+        EXPECT_EQ(notices.take(), notice);
         choose();
     }
     EXPECT_EQ(pairPanel.presented, 1);
@@ -54,28 +54,27 @@ TEST_F(BrowserLoginTest, ThePageOpensAndPollsGoOnUntilAnOutcome) {
 TEST_F(BrowserLoginTest, AfterItsTimeAndTheGracePollingStopsSilently) {
     launch();
     choose();
-    notices.shown.clear();
+    forget();
     scheduler.advance(599s);
     choose();
     EXPECT_EQ(desktop.opened.size(), 2);
     scheduler.advance(31s);
     sent.clear();
     scheduler.advance(10s);
-    EXPECT_TRUE(sent.isEmpty());
-    EXPECT_TRUE(notices.shown.empty());
     choose(); // a new sign-in
     EXPECT_EQ(sent, QStringList{u"/auth/start"_s});
+    EXPECT_EQ(notices.take(), u""_s);
 }
 
 TEST_F(BrowserLoginTest, APageThatIsNotSecureIsNotOpened) {
     launch();
+    forget();
     for (const char *response :
          {R"({"id":"a","url":"http://own.example/"})", R"({"id":"a","url":"file:///etc/passwd"})",
           R"({"id":"a","url":"https:"})", R"({"id":1,"url":"https://own.example/"})", "{}"}) {
         start = response;
         choose();
-        EXPECT_EQ(notices.last(), u"Couldn't start signing in. Try again later."_s) << response;
-        notices.shown.clear();
+        EXPECT_EQ(notices.take(), u"Couldn't start signing in. Try again later."_s) << response;
     }
     EXPECT_TRUE(desktop.opened.isEmpty());
 }
@@ -98,13 +97,12 @@ TEST_F(BrowserLoginTest, ResponsesToAnAttemptThatAnotherSignInReplacedAreIgnored
     item.press(Action::LogoutDialog);
     alerts.answer(0);
     complete(u"/e2ee/logout"_s, json("{}"));
-    notices.shown.clear();
     complete(u"/auth/status?id=a%2B%2Fb"_s, json(R"({"status":"done","user":"Bob"})"));
-    EXPECT_TRUE(notices.shown.empty());
+    EXPECT_EQ(notices.last(), u"⏻ Signing out…"_s);
 }
 
 TEST_F(BrowserLoginTest, AnAgentThatDoesNotStartIsRestartedOnceAndGivenUp) {
-    agentIsSilent();
+    agentResponds(SILENCE);
     launch();
     services.calls.clear();
     choose();

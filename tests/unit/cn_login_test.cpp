@@ -16,11 +16,7 @@ namespace {
 
 TEST(CnLoginForm, ACodeThatWasSentOrRefusedStartsItsCountdown) {
     const QString sent = u"Code sent."_s, failed = u"Couldn't finish. Check your network and try again."_s;
-    const struct {
-        Result<QJsonObject> reply;
-        int countdown;
-        QString info, error;
-    } cases[] = {
+    const std::tuple<Result<QJsonObject>, int, QString, QString> cases[] = {
         {object(R"({"ok":true,"next":90})"), 90, sent, {}},
         {object(R"({"ok":true})"), 60, sent, {}},
         {object(R"({"ok":true,"next":1.5})"), 60, sent, {}},
@@ -31,24 +27,19 @@ TEST(CnLoginForm, ACodeThatWasSentOrRefusedStartsItsCountdown) {
         {object(R"({"ok":1,"retryAfter":"20"})"), 0, {}, failed},
         {Error{}, 0, {}, failed},
     };
-    for (const auto &c : cases) {
+    for (const auto &[reply, countdown, info, error] : cases) {
         CnLoginForm form;
         ASSERT_TRUE(sendCode(form));
-        applyCodeResponse(form, c.reply);
-        EXPECT_EQ(form.countdown, c.countdown);
-        EXPECT_EQ(form.info, c.info);
-        EXPECT_EQ(form.error, c.error);
-        EXPECT_EQ(canSendCode(form), c.countdown == 0);
+        applyCodeResponse(form, reply);
+        EXPECT_EQ(form.countdown, countdown);
+        EXPECT_EQ(form.info, info);
+        EXPECT_EQ(form.error, error);
+        EXPECT_EQ(canSendCode(form), countdown == 0);
     }
 }
 
 TEST(CnLoginForm, AReplyNamesTheFieldToFocus) {
-    const struct {
-        Page page;
-        bool codeMode;
-        const char *reply;
-        LoginField focus;
-    } cases[] = {
+    const std::tuple<Page, bool, const char *, LoginField> cases[] = {
         {Page::Register, false, R"({"field":"agree"})", LoginField::Agree},
         {Page::Register, false, R"({"field":"phone"})", LoginField::Account},
         {Page::Login, false, R"({"field":"username"})", LoginField::Account},
@@ -58,12 +49,12 @@ TEST(CnLoginForm, AReplyNamesTheFieldToFocus) {
         {Page::Login, false, R"({"field":"code"})", LoginField::Password},  // not on this page
         {Page::Login, true, "{}", LoginField::Account},                     // none is empty
     };
-    for (const auto &c : cases) {
-        CnLoginForm form{.page = c.page, .codeMode = c.codeMode, .account = u"a"_s, .code = u"1"_s};
+    for (const auto &[page, codeMode, reply, focus] : cases) {
+        CnLoginForm form{.page = page, .codeMode = codeMode, .account = u"a"_s, .code = u"1"_s};
         EXPECT_TRUE(submit(form));
-        const SubmitOutcome outcome = applySubmitResponse(form, object(c.reply));
+        const SubmitOutcome outcome = applySubmitResponse(form, object(reply));
         EXPECT_TRUE(outcome.bringToFront && !form.busy);
-        EXPECT_EQ(outcome.focus, c.focus) << c.reply;
+        EXPECT_EQ(outcome.focus, focus) << reply;
     }
 }
 
@@ -138,27 +129,24 @@ TEST_F(CnLoginTest, ASignInGoesThroughTheAgentAndLeadsToThePairingWindow) {
 }
 
 TEST_F(CnLoginTest, ASignInStartsAnAgentThatIsStopped) {
-    const struct {
-        bool responds, loaded;
-        QString calls, statusLine;
-    } cases[] = {
-        {false, false, u"print enable bootstrap print"_s, u"○ Starting… · ann"_s},
-        {false, true, u"print print"_s, u"○ Starting… · ann"_s},
-        {true, true, u""_s, u"● Connected · ann · 1 session"_s},
+    const std::tuple<QByteArray, bool, QString, QString> cases[] = {
+        {SILENCE, false, u"print enable bootstrap print"_s, u"○ Starting… · ann"_s},
+        {SILENCE, true, u"print print"_s, u"○ Starting… · ann"_s},
+        {ONLINE, true, u""_s, u"● Connected · ann · 1 session"_s},
     };
-    for (const auto &c : cases) {
+    home.installJobFile();
+    for (const auto &[response, loaded, calls, line] : cases) {
         home.writeConfig("{}");
-        home.installJobFile();
-        services.loaded = c.loaded;
-        c.responds ? agentResponds(ONLINE) : agentIsSilent();
+        services.loaded = loaded;
+        agentResponds(response);
         openWindow();
         loginPanel.does(Kind::Account, u"ann"_s);
         home.bind();
         reply(R"({"ok":true})");
         services.calls.clear();
         submit();
-        EXPECT_EQ(services.operations(), c.calls);
-        EXPECT_EQ(item.statusLine(), c.statusLine);
+        EXPECT_EQ(services.operations(), calls);
+        EXPECT_EQ(item.statusLine(), line);
     }
 }
 
@@ -182,7 +170,7 @@ TEST_F(CnLoginTest, TheCountdownRunsAcrossPagesAndOnlyWhileTheWindowIsOpen) {
     scheduler.advance(1s);
     EXPECT_EQ(loginPanel.view.sendText, u"Get Code"_s);
     EXPECT_TRUE(loginPanel.view.sendEnabled);
-    const LanguageScope chinese(true);
+    const QScopedValueRollback chinese(ZH, true);
     sendCode(R"({"ok":true,"next":1})");
     EXPECT_EQ(loginPanel.view.sendText, u"1 秒后重新获取"_s);
     loginPanel.does(Kind::Close);
@@ -196,8 +184,7 @@ TEST_F(CnLoginTest, AfterASignInNothingReportsThatTheLastOneWasLost) {
     for (const QByteArray &lost : {SIGNED_OUT, R"({"ok":true,"authDead":true,"accountGone":true})"_ba}) {
         agentResponds(lost);
         openWindow();
-        ASSERT_TRUE(health().authDead);
-        notices.shown.clear();
+        notices.take();
         http.respond = nullptr;
         scheduler.advance(3s); // a poll before the sign-in
         reply(R"({"ok":true,"user":"ann"})");
@@ -207,7 +194,7 @@ TEST_F(CnLoginTest, AfterASignInNothingReportsThatTheLastOneWasLost) {
         complete(u"/health"_s, json(SIGNED_OUT));
         EXPECT_FALSE(health().authDead);
         complete(u"/health"_s, json(SIGNED_OUT)); // the poll after it: the agent does not know of the sign-in yet
-        EXPECT_EQ(notices.shown.size(), 1u);
+        EXPECT_EQ(notices.take(), u"● Signed in as ann"_s);
         http.inFlight.clear();
     }
 }
@@ -216,13 +203,13 @@ TEST_F(CnLoginTest, AReplyForAClosedWindowIsReportedOnlyWhenItSignedIn) {
     openWindow();
     for (const bool signsIn : {false, true}) {
         reply(signsIn ? R"({"ok":true})" : R"({"ok":false,"error":"No."})");
-        scheduler.holdBackground(true);
+        scheduler.holdsBackground = true;
         loginPanel.does(Kind::Account, u"ann"_s);
         loginPanel.does(Kind::SendCode);
         loginPanel.does(Kind::Submit);
         loginPanel.does(Kind::Close);
         item.choose(Action::BrowserLogin);
-        scheduler.holdBackground(false);
+        scheduler.releaseBackground();
         EXPECT_EQ(loginPanel.view.error + loginPanel.view.info, u""_s);
         EXPECT_EQ(loginPanel.visible, !signsIn);
         EXPECT_EQ(notices.last() == u"● Signed in as ann", signsIn);
@@ -230,22 +217,19 @@ TEST_F(CnLoginTest, AReplyForAClosedWindowIsReportedOnlyWhenItSignedIn) {
 }
 
 TEST_F(CnLoginTest, TheWindowOpensWithTheNameOfALostSignInUnlessItIsMasked) {
-    const struct {
-        QByteArray response;
-        QString title, account;
-    } cases[] = {
+    const std::tuple<QByteArray, QString, QString> cases[] = {
         {SIGNED_OUT, u"Sign In to Korvel Again"_s, u"ann"_s},
         {R"({"ok":true,"account":"138****0000","authDead":true})", u"Sign In to Korvel Again"_s, u""_s},
         {R"({"ok":true,"account":"ann","authDead":true,"accountGone":true})", u"Sign In to Korvel"_s, u""_s},
     };
     installAndBind();
-    for (const auto &c : cases) {
-        agentResponds(c.response);
+    for (const auto &[response, title, account] : cases) {
+        agentResponds(response);
         loginPanel.visible = false;
         openWindow();
-        EXPECT_EQ(loginPanel.view.title, c.title) << c.response.constData();
-        EXPECT_EQ(loginPanel.view.account.text, c.account);
-        EXPECT_EQ(loginPanel.focused, c.account.isEmpty() ? LoginField::Account : LoginField::Password);
+        EXPECT_EQ(loginPanel.view.title, title) << response.constData();
+        EXPECT_EQ(loginPanel.view.account.text, account);
+        EXPECT_EQ(loginPanel.focused, account.isEmpty() ? LoginField::Account : LoginField::Password);
     }
     loginPanel.does(Kind::Account, u"bob"_s);
     item.choose(Action::BrowserLogin); // brings the same window to the front
@@ -279,8 +263,12 @@ struct CnLoginWindowTest : CnLoginTest {
 TEST_F(CnLoginWindowTest, EveryControlReachesItsRequest) {
     openWindow();
     click(u"Code"_s);
-    EXPECT_TRUE(isFocused(field(u"Phone number"_s)));
-    field(u"Phone number"_s)->insert(u" 138\n"_s);
+    QLineEdit *phone = field(u"Phone number"_s);
+    EXPECT_TRUE(isFocused(phone));
+    phone->insert(u" 138\n"_s);
+    phone->setCursorPosition(2);
+    const QWidget *shown = phone->window();
+    const int height = shown->height();
     find<QPushButton>(u"Get Code"_s)->setFocus();
     click(u"Get Code"_s);
     EXPECT_TRUE(isFocused(field(u"Code"_s)));
@@ -288,6 +276,9 @@ TEST_F(CnLoginWindowTest, EveryControlReachesItsRequest) {
     field(u"Code"_s)->insert(u"1２3\u3000４\u00A05\u200B\t6 "_s); // full-width digits, every kind of space
     click(u"Sign In"_s);
     EXPECT_EQ(request(), object(R"({"op":"login-code","phone":"138","code":"123456"})"));
+    EXPECT_TRUE(find<QLabel>(u"Couldn't finish. Check your network and try again."_s));
+    EXPECT_EQ(phone->cursorPosition(), 2);
+    EXPECT_EQ(shown->height(), height); // an error has room for its line
     QRadioButton *tab = find<QRadioButton>(u"Code"_s);
     ASSERT_TRUE(QTest::qWaitForWindowActive(tab->window()));
     tab->setFocus();
@@ -317,24 +308,12 @@ TEST_F(CnLoginWindowTest, EveryControlReachesItsRequest) {
     click(u"Terms of Service"_s);
     click(u"Privacy Policy"_s);
     EXPECT_EQ(desktop.opened, (QStringList{u"https://site.example/cn/terms"_s, u"https://site.example/cn/privacy"_s}));
-    const QWidget *shown = field(u"Code"_s)->window();
+    QTest::keyClick(field(u"Code"_s), Qt::Key_Escape, Qt::ControlModifier);
+    EXPECT_TRUE(shown->isVisible());
     QTest::keyClick(field(u"Code"_s), Qt::Key_Escape);
     EXPECT_FALSE(shown->isVisible());
     openWindow();
     EXPECT_EQ(field(u"Password"_s)->text(), u""_s);
-}
-
-TEST_F(CnLoginWindowTest, TheCursorAndAFewLinesOfSpaceStayWhenAnErrorAppears) {
-    CnLoginForm form{.account = u"ann"_s};
-    window.connect([](const LoginInput &) {});
-    window.present(cnLoginView(form), OpenedBy::User);
-    QLineEdit *account = field(u"Account"_s);
-    account->setCursorPosition(2);
-    const int height = account->window()->height();
-    form.error = u"An error of one line."_s;
-    window.apply(cnLoginView(form));
-    EXPECT_EQ(account->cursorPosition(), 2);
-    EXPECT_EQ(account->window()->height(), height);
 }
 
 } // namespace

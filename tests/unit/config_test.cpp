@@ -15,8 +15,9 @@ TEST(FixedConfig, TextsAndRequestsFollowTheUsersLanguages) {
     EXPECT_TRUE(prefersChinese({u"ZH-Hans-CN"_s, u"en"_s}));
     EXPECT_FALSE(prefersChinese({u"en-US"_s, u"zh-Hans"_s}));
     EXPECT_EQ(acceptLanguage({u"zh-Hans-CN"_s, u"en-CN"_s}), "zh-Hans-CN, en-CN;q=0.9");
-    EXPECT_EQ(acceptLanguage({u"C"_s, u"de"_s, u"DE"_s, u"fr\r\nX: y"_s, u"-"_s, u""_s, u"日本"_s, u"en"_s}),
-              "de, en;q=0.9");
+    EXPECT_EQ(
+        acceptLanguage({u"C"_s, u"de"_s, u"DE"_s, u"fr\r\nX: y"_s, u"-"_s, u""_s, u"日本"_s, u"français"_s, u"en"_s}),
+        "de, en;q=0.9");
     QStringList many;
     for (char c = 'a'; c <= 'z'; ++c)
         many.append(u"x"_s + QLatin1Char(c));
@@ -32,19 +33,17 @@ TEST(FixedConfig, TheEditionChoosesServerAndPages) {
 }
 
 TEST(FixedConfig, EnvironmentValuesAreUsedUnchanged) {
-    const auto config = [](std::optional<QString> hookPort, std::optional<QString> korvelHome) {
-        return makeFixedConfig(testDeployment(), {.preferredLanguages = {},
-                                                  .home = u"/Users/ann"_s,
-                                                  .hookPort = std::move(hookPort),
-                                                  .korvelHome = std::move(korvelHome),
-                                                  .automation = {}});
-    };
-    EXPECT_EQ(config({}, {}).AGENT_LOCAL, u"http://127.0.0.1:8790"_s);
-    EXPECT_EQ(config(u""_s, {}).AGENT_LOCAL, u"http://127.0.0.1:"_s);
-    EXPECT_EQ(makePaths(config({}, u""_s), u"/Users/ann"_s, 501).agentCfg, u"agent.json"_s); // in the current folder
-    EXPECT_EQ(makePaths(config({}, u"/data"_s), u"/Users/ann"_s, 501).agentCfg, u"/data/agent.json"_s);
-
-    const Paths paths = makePaths(config({}, {}), u"/Users/ann"_s, 501);
+    LaunchEnvironment environment;
+    environment.home = u"/Users/ann"_s;
+    const auto config = [&] { return makeFixedConfig(testDeployment(), environment); };
+    const Paths paths = makePaths(config(), environment.home, 501);
+    EXPECT_EQ(config().AGENT_LOCAL, u"http://127.0.0.1:8790"_s);
+    environment.hookPort = u""_s;
+    EXPECT_EQ(config().AGENT_LOCAL, u"http://127.0.0.1:"_s);
+    for (const auto &[folder, file] : {std::pair(u""_s, u"agent.json"_s), {u"/data"_s, u"/data/agent.json"_s}}) {
+        environment.korvelHome = folder;
+        EXPECT_EQ(makePaths(config(), environment.home, 501).agentCfg, file);
+    }
     EXPECT_EQ(paths.agentPlist, u"/Users/ann/Library/LaunchAgents/com.korvel.agent.plist"_s);
     EXPECT_EQ(paths.trayPlist, u"/Users/ann/Library/LaunchAgents/com.korvel.tray.plist"_s);
     EXPECT_EQ(paths.agentCfg, u"/Users/ann/.korvel/agent.json"_s);
@@ -90,16 +89,12 @@ TEST(ServerRules, AServerOfAnotherEditionIsForeignAndIgnored) {
 
 TEST(Automation, AModeNeedsItsArgumentsAndThePermission) {
     using Mode = AutomationMode;
-    const struct {
-        QStringList arguments;
-        std::optional<QString> permission;
-        std::optional<Mode> mode;
-    } cases[] = {
+    const std::tuple<QStringList, std::optional<QString>, std::optional<Mode>> cases[] = {
         {{u"--menu-dump"_s}, u"1"_s, Mode::MenuDump},
         {{u"--menu-dump"_s}, {}, {}},
         {{u"--menu-dump"_s}, u"true"_s, {}},
         {{u"x"_s, u"--menu-dump"_s}, u"1"_s, {}},
-        {{}, u"1"_s, {}},
+        {QStringList(), u"1"_s, {}},
         {{u"--login"_s}, u"1"_s, {}},
         {{u"--login"_s, u"ann"_s}, u"1"_s, Mode::Login},
         {{u"--e2ee-render"_s, u"pair"_s, u"o"_s}, u"1"_s, {}},
@@ -107,9 +102,9 @@ TEST(Automation, AModeNeedsItsArgumentsAndThePermission) {
         {{u"--login-render"_s, u"login"_s}, u"1"_s, {}},
         {{u"--login-render"_s, u"login"_s, u"o"_s}, u"1"_s, Mode::LoginRender},
     };
-    for (const auto &c : cases)
-        EXPECT_EQ(automationMode(QStringList{u"tray"_s} + c.arguments, c.permission), c.mode)
-            << c.arguments.join(u' ').toStdString();
+    for (const auto &[arguments, permission, mode] : cases)
+        EXPECT_EQ(automationMode(QStringList{u"tray"_s} + arguments, permission), mode)
+            << arguments.join(u' ').toStdString();
 }
 
 TEST(MenuDump, PrintsOneLineAnEntryFromTheRealFiles) {
@@ -127,9 +122,9 @@ on  Quit Korvel
     home.bind();
     home.installJobFile();
     const auto lacking = dump(
-        R"({"online":true,"perms":{"ok":false,"missing":["Screen"],"items":[{"name":"Screen","state":"denied"}]}})");
-    EXPECT_TRUE(lacking->startsWith("off ● Connected · ann · 0 sessions · ⚠ 1 permission missing\n"));
-    EXPECT_TRUE(lacking->contains("off Permissions · 1 missing\non  ⚠ Screen")) << lacking->constData();
+        R"({"online":true,"perms":{"ok":false,"missing":["Screen","Mic"],"items":[{"name":"Screen","state":"denied"}]}})");
+    EXPECT_TRUE(lacking->startsWith("off ● Connected · ann · 0 sessions · ⚠ 2 permissions missing\n"));
+    EXPECT_TRUE(lacking->contains("off Permissions · 2 missing\non  ⚠ Screen")) << lacking->constData();
     EXPECT_TRUE(dump(R"({"ok":false,"online":true})")->startsWith("off ⏻ Sync paused"));
     // A text from outside adds no line.
     EXPECT_TRUE(dump(R"({"online":true,"account":"a\non  Fake\tb\u2028c"})")

@@ -4,7 +4,7 @@
 #include "platform/qt/qt_scheduler.h"
 
 #include <QCoreApplication>
-#include <QEventLoop>
+#include <QTest>
 #include <QThread>
 #include <atomic>
 #include <gtest/gtest.h>
@@ -17,18 +17,15 @@ namespace korvel::test {
 namespace {
 
 TEST(Done, ReportsOnTheMainThreadThatItWasDropped) {
-    QEventLoop loop;
     int calls = 0;
     std::thread other([done = Done<int>([&](const Result<int> &r) {
                            ++calls;
                            EXPECT_EQ(r.error().kind, ErrorKind::Dropped);
                            EXPECT_EQ(QThread::currentThread(), QCoreApplication::instance()->thread());
-                           loop.quit();
                        })]() mutable { const Done<int> taken = std::move(done); });
     other.join();
     EXPECT_EQ(calls, 0);
-    loop.exec();
-    EXPECT_EQ(calls, 1);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return calls == 1; }));
 }
 
 TEST(QtScheduler, WorkWaitsForAThreadAndIsLeftOutWhenThereIsNoneForSeconds) {
@@ -39,16 +36,11 @@ TEST(QtScheduler, WorkWaitsForAThreadAndIsLeftOutWhenThereIsNoneForSeconds) {
         return WorkerThreads::makeThread(std::move(f));
     });
     const auto run = [&](int refused) {
-        QEventLoop loop;
         int result = -1;
         refusals = refused;
-        scheduler.background([] { return 7; },
-                             [&](int end) {
-                                 result = end;
-                                 loop.quit();
-                             });
+        scheduler.background([] { return 7; }, [&](int end) { result = end; });
         EXPECT_EQ(result, -1); // never before the caller has gone on
-        loop.exec();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return result >= 0; }));
         return result;
     };
     EXPECT_EQ(run(3), 7);
@@ -60,7 +52,6 @@ TEST(QtScheduler, WorkWaitsForAThreadAndIsLeftOutWhenThereIsNoneForSeconds) {
 
 TEST(QtScheduler, SixtyFourJobsRunAtATimeAndTheOthersWait) {
     QtScheduler scheduler;
-    QEventLoop loop;
     std::atomic<int> running = 0;
     std::atomic<bool> met = false;
     int ended = 0;
@@ -76,25 +67,23 @@ TEST(QtScheduler, SixtyFourJobsRunAtATimeAndTheOthersWait) {
     for (int i = 0; i < 200; ++i)
         scheduler.background(meetOthers, [&](bool) {
             EXPECT_EQ(QThread::currentThread(), QCoreApplication::instance()->thread());
-            if (++ended == 200)
-                loop.quit();
+            ++ended;
         });
-    loop.exec();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return ended == 200; }, 20000));
     EXPECT_TRUE(met);
 }
 
 TEST(QtScheduler, ATimerMayBeCancelledByItsOwnCall) {
     QtScheduler scheduler;
-    QEventLoop loop;
     int periodic = 0, single = 0;
-    Timer timer;
-    timer = scheduler.every(milliseconds(1), [&] {
+    Timer timer = scheduler.every(milliseconds(1), [&] {
         ++periodic;
         timer.cancel();
     });
     const Timer once = scheduler.after(milliseconds(1), [&] { ++single; });
-    const Timer end = scheduler.after(milliseconds(20), [&] { loop.quit(); });
-    loop.exec();
+    bool over = false;
+    const Timer end = scheduler.after(milliseconds(20), [&] { over = true; });
+    EXPECT_TRUE(QTest::qWaitFor([&] { return over; }));
     EXPECT_EQ(std::pair(periodic, single), std::pair(1, 1));
 }
 

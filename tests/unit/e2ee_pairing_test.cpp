@@ -64,25 +64,19 @@ TEST(PairView, ShowsTheCodeTheSituationAndTheNextStep) {
     EXPECT_EQ(viewOf(R"({"state":"pending","pair":{"show":"123 456"}})").codeName, u"1 2 3 4 5 6"_s);
 }
 
-struct PairingTest : TrayFixture {
-    void launchWith(const QByteArray &report) {
-        launchBound(withReport(report));
-        scheduler.advance(10ms);
-    }
-};
+using PairingTest = TrayFixture;
 
 const QByteArray CODE = R"({"state":"pending","pair":{"show":"123456"}})";
 const QByteArray ACTIVE = R"({"state":"active"})";
 
 TEST_F(PairingTest, TheWindowFollowsThePairingAndClosesAfterSuccess) {
-    launchWith(R"({"state":"waiting"})");
+    launchBound(withReport(R"({"state":"waiting"})"));
     ASSERT_TRUE(pairPanel.visible);
     EXPECT_EQ(pairPanel.by, OpenedBy::Program);
     nextReport(CODE);
     EXPECT_EQ(pairPanel.view.code, u"123456"_s);
-    notices.shown.clear();
-    agentResponds(withReport(ACTIVE));
-    scheduler.advance(3s - 10ms);
+    forget();
+    nextReport(ACTIVE);
     item.press(Action::ShowPair); // in a menu that is still open
     ASSERT_TRUE(pairPanel.visible);
     EXPECT_EQ(pairPanel.view.title, u"Paired"_s);
@@ -92,17 +86,16 @@ TEST_F(PairingTest, TheWindowFollowsThePairingAndClosesAfterSuccess) {
     scheduler.advance(40ms);
     EXPECT_FALSE(pairPanel.visible);
     scheduler.advance(10s);
-    EXPECT_EQ(notices.shown.size(), 1u);
-    EXPECT_EQ(notices.last(), u"🔒 Encrypted. Syncing now."_s);
+    EXPECT_EQ(notices.take(), u"🔒 Encrypted. Syncing now."_s);
     nextReport(R"({"state":"waiting"})"); // a window that never showed a code closes silently
     item.choose(Action::ShowPair);
     nextReport(ACTIVE);
     EXPECT_FALSE(pairPanel.visible);
-    EXPECT_EQ(notices.shown.size(), 1u);
+    EXPECT_EQ(notices.take(), u""_s);
 }
 
 TEST_F(PairingTest, EachButtonActsAndTheWindowStaysClosed) {
-    launchWith(R"({"state":"approved"})");
+    launchBound(withReport(R"({"state":"approved"})"));
     pairPanel.events.buttonClicked();
     EXPECT_EQ(alerts.view.title, u"Sign Out?"_s);
     EXPECT_FALSE(loginPanel.visible);
@@ -122,7 +115,7 @@ TEST_F(PairingTest, EachButtonActsAndTheWindowStaysClosed) {
 }
 
 TEST_F(PairingTest, ACodeIsRenewedByOneRequestWhoseErrorStaysUntilTheReportChanges) {
-    launchWith(CODE);
+    launchBound(withReport(CODE));
     http.respond = nullptr;
     pairPanel.events.renewClicked();
     EXPECT_FALSE(pairPanel.view.refreshEnabled);
@@ -150,7 +143,7 @@ TEST(PairCode, DigitsOfAnyScriptAreTakenAndTheCaretStaysBehindTheSameDigit) {
         {{u"1234"_s, 4}, {u"123 4"_s, 5}},      {{u"1293 45"_s, 3}, {u"129 345"_s, 3}},
         {{u"13 456"_s, 1}, {u"134 56"_s, 1}},   {{u"x1"_s, 1}, {u"1"_s, 0}},
         {{u"1234567"_s, 7}, {u"123 456"_s, 7}}, {{u"１２٣４५６"_s, 6}, {u"123 456"_s, 7}},
-        {{u"²①½一𝟟"_s, 0}, {u"7"_s, 0}},
+        {{u"²①½一𝟟"_s, 0}, {u"7"_s, 0}},        {{u"12"_s, 0}, {u"12"_s, 0}},
     };
     for (const auto &[typed, shown] : cases)
         EXPECT_EQ(formatCode(typed), shown) << typed.text.toStdString();
@@ -161,16 +154,14 @@ TEST(CodeField, KeepsItsFormAndLeavesUnfinishedTextOfAnInputMethodAlone) {
     QTest::keyClicks(&field, u"12a3 4-56"_s);
     EXPECT_EQ(field.text(), u"123 456"_s);
     EXPECT_TRUE(field.isComplete());
-    QTest::keyClick(&field, Qt::Key_Backspace);
-    EXPECT_EQ(field.text(), u"123 45"_s);
-    EXPECT_FALSE(field.isComplete());
     field.setCursorPosition(4); // behind the space, which goes with the digit before it
     QTest::keyClick(&field, Qt::Key_Backspace);
-    EXPECT_EQ(field.text(), u"124 5"_s);
+    EXPECT_EQ(field.text(), u"124 56"_s);
+    EXPECT_FALSE(field.isComplete());
     EXPECT_EQ(field.cursorPosition(), 2);
     QInputMethodEvent composing(u"３４"_s, {}), committed;
     QCoreApplication::sendEvent(&field, &composing);
-    EXPECT_EQ(field.text(), u"124 5"_s);
+    EXPECT_EQ(field.text(), u"124 56"_s);
     committed.setCommitString(u"３４"_s);
     QCoreApplication::sendEvent(&field, &committed);
     EXPECT_EQ(field.text(), u"123 445"_s);

@@ -31,21 +31,18 @@ TEST(E2eeReport, IsStoredWithinBounds) {
 }
 
 TEST(E2eeReport, PairingIsNeededByStateSignInAndRequirement) {
-    const struct {
-        bool signedIn, signedOut; ///< Whether pairing is needed then.
-        QStringList states;
-    } cases[] = {
+    const std::tuple<bool, bool, QStringList> cases[] = {
         {true, false, {u"waiting"_s, u"pending"_s, u"approved"_s, u"rejected"_s, u"expired"_s}},
         {true, false, {u"off, required"_s, u"starting, required"_s}},
         {true, true, {u"pair-failed"_s}},
         {false, false, {u"off"_s, u"starting"_s, u"active, required"_s}},
         {false, false, {u"revoked"_s, u"suspended"_s, u"new, required"_s}},
     };
-    for (const auto &c : cases)
-        for (const QString &state : c.states) {
+    for (const auto &[signedIn, signedOut, states] : cases)
+        for (const QString &state : states) {
             const QJsonObject e2{{u"state"_s, state.section(u',', 0, 0)}, {u"required"_s, state.contains(u',')}};
-            EXPECT_EQ(e2NeedsPairing(e2, true, false), c.signedIn) << state.toStdString();
-            EXPECT_EQ(e2NeedsPairing(e2, true, true), c.signedOut) << state.toStdString();
+            EXPECT_EQ(e2NeedsPairing(e2, true, false), signedIn) << state.toStdString();
+            EXPECT_EQ(e2NeedsPairing(e2, true, true), signedOut) << state.toStdString();
             EXPECT_FALSE(e2NeedsPairing(e2, false, false)) << state.toStdString();
         }
 }
@@ -150,78 +147,54 @@ TEST_F(PromptRules, TheWindowOpensOnceAndNotWhileEncryptionStarts) {
 }
 
 TEST_F(PromptRules, ActiveEncryptionIsAnnouncedWhereNoWindowShowsIt) {
-    const struct {
-        const char *before;
-        bool visible, announced;
-    } cases[] = {{R"({"state":"pending"})", false, true},
-                 {R"({"state":"approved"})", false, true},
-                 {R"({"state":"pending"})", true, false},
-                 {R"({"state":"expired"})", false, false},
-                 {R"({"state":"active"})", false, false}};
-    for (const auto &c : cases) {
-        context.pairWindowVisible = c.visible;
-        after(c.before);
-        EXPECT_EQ(after(R"({"state":"active"})").announceActive, c.announced) << c.before;
+    for (const auto &[before, visible, announced] : {std::tuple(R"({"state":"pending"})", false, true),
+                                                     {R"({"state":"approved"})", false, true},
+                                                     {R"({"state":"pending"})", true, false},
+                                                     {R"({"state":"expired"})", false, false},
+                                                     {R"({"state":"active"})", false, false}}) {
+        context.pairWindowVisible = visible;
+        after(before);
+        EXPECT_EQ(after(R"({"state":"active"})").announceActive, announced) << before;
     }
 }
 
-/// A tray whose agent sends `report` with each poll and a reply to each post.
 struct E2eeOperations : TrayFixture {
-    QByteArray report = R"({"state":"active"})";
-    QByteArray reply; ///< Empty: none.
-    QList<HttpRequest> posts;
-
     void SetUp() override {
-        installAndBind();
-        http.respond = [this](const HttpRequest &request) {
-            if (request.url.endsWith(u"/health"))
-                return json(withReport(report));
-            if (request.method == "POST")
-                posts.append(request);
-            return reply.isEmpty() ? noResponse() : json(reply);
-        };
-        launch();
-        notices.shown.clear();
+        launchBound(withReport(R"({"state":"active"})"));
+        forget();
     }
-    void next(const QByteArray &json) {
-        report = json;
-        scheduler.advance(3s);
-    }
-    QString postedTo() const { return posts.isEmpty() ? QString() : posts.last().url.section(u"8790"_s, 1); }
 };
 
 const QByteArray ASKING =
     R"({"state":"active","pending":[{"pendingId":"p","attempt":1,"name":"Anna's phone","platform":"ios","ready":true}]})";
 
 TEST_F(E2eeOperations, ADeviceIsAllowedByItsCodeDeniedOrLeft) {
-    next(ASKING);
+    nextReport(ASKING);
     ASSERT_TRUE(alerts.isOpen());
-    EXPECT_EQ(alerts.view.title, u"New device: Anna's phone · iPhone"_s);
     EXPECT_EQ(alerts.by, OpenedBy::Program);
     reply = R"({"ok":true})";
     const qsizetype polls = requestsTo(u"/health"_s);
     alerts.answer(0, {u"１２３ 456"_s});
-    ASSERT_EQ(posts.size(), 1);
-    EXPECT_EQ(posts.last().body, R"({"code":"123456","pendingId":"p"})");
-    EXPECT_EQ(posts.last().timeout, 75s);
-    EXPECT_EQ(notices.last(), u"✓ Allowed Anna's phone"_s);
-    EXPECT_EQ(notices.shown.at(notices.shown.size() - 2).text, u"Verifying…"_s);
+    ASSERT_EQ(http.posts.size(), 1);
+    EXPECT_EQ(http.posts.last().body, R"({"code":"123456","pendingId":"p"})");
+    EXPECT_EQ(http.posts.last().timeout, 75s);
+    EXPECT_EQ(notices.take(), u"Verifying… | ✓ Allowed Anna's phone"_s);
     EXPECT_EQ(requestsTo(u"/health"_s), polls + 1);
     EXPECT_TRUE(tray->currentState().e2ee.e2Answering.isEmpty());
     reply.clear();
     item.choose(Action::E2Pending);
     alerts.answer(1);
-    EXPECT_EQ(postedTo(), u"/e2ee/reject"_s);
+    EXPECT_EQ(http.posts.last().url, u"http://127.0.0.1:8790/e2ee/reject"_s);
     EXPECT_EQ(notices.last(), u"Denied Anna's phone. If that wasn't you, change your password immediately."_s);
     item.choose(Action::E2Pending);
     alerts.dismiss();
-    EXPECT_EQ(posts.size(), 2);
-    next(ASKING);
+    EXPECT_EQ(http.posts.size(), 2);
+    nextReport(ASKING);
     EXPECT_FALSE(alerts.isOpen());
 }
 
 TEST_F(E2eeOperations, AWrongCodeIsRequestedAgainWithTheAgentsSentence) {
-    next(ASKING);
+    nextReport(ASKING);
     for (const char *code : {"wrong-code", "bad-code", "answered"}) {
         reply = QByteArray(R"({"ok":false,"code":")") + code + R"(","error":"No match."})";
         alerts.answer(0, {u"111111"_s});
@@ -246,58 +219,58 @@ TEST_F(E2eeOperations, APromptWaitsWhileAnotherAlertIsOpen) {
         "pending":[{"pendingId":"p","name":"P","ready":true},{"pendingId":"q","name":"Q","ready":true}]})";
     const auto shown = [this] { return alerts.view.title.section(u" · "_s, 0, 0) + u' ' + alerts.view.fromOutside; };
     item.choose(Action::LogoutDialog);
-    next(REPORT);
+    nextReport(REPORT);
     item.choose(Action::E2Alarm); // opens no second alert
-    next(REPORT);
+    nextReport(REPORT);
     EXPECT_EQ(shown(), u"Sign Out? "_s);
     alerts.dismiss();
-    next(REPORT);
+    nextReport(REPORT);
     EXPECT_EQ(shown(), u"New device: P "_s);
     reply = R"({"ok":false,"code":"wrong-code","error":"No match."})";
     alerts.answer(0, {u"111111"_s}); // opens again after 0.3 s; the next report is quicker
     EXPECT_EQ(shown(), u"New device: Q "_s);
-    next(REPORT);
+    nextReport(REPORT);
     EXPECT_EQ(shown(), u"New device: Q "_s);
     for (const QString &waiting : {u"New device: P No match."_s, u"Security Alert Knock."_s}) {
         alerts.dismiss();
-        next(REPORT);
+        nextReport(REPORT);
         ASSERT_TRUE(alerts.isOpen());
         EXPECT_EQ(shown(), waiting);
     }
     alerts.dismiss();
-    next(REPORT);
+    nextReport(REPORT);
     EXPECT_FALSE(alerts.isOpen());
-    next(R"({"state":"active","pending":[{"name":"x"}]})"); // without an id
+    nextReport(R"({"state":"active","pending":[{"name":"x"}]})"); // without an id
     item.choose(Action::E2Pending);
     EXPECT_FALSE(alerts.isOpen());
 }
 
 TEST_F(E2eeOperations, AnAlarmIsDismissedAtTheAgentByItsId) {
-    next(R"({"state":"active","alarms":[{"id":"7","text":"Keys <b>changed</b>"}]})");
+    nextReport(R"({"state":"active","alarms":[{"id":"7","text":"Keys <b>changed</b>"}]})");
     EXPECT_EQ(alerts.view.fromOutside, u"Keys <b>changed</b>"_s);
     EXPECT_TRUE(alerts.view.warning);
     alerts.dismiss();
-    EXPECT_EQ(posts.last().body, R"({"id":"7"})");
-    next(R"({"state":"active","alarms":[{"text":"no id"}]})");
+    EXPECT_EQ(http.posts.last().body, R"({"id":"7"})");
+    nextReport(R"({"state":"active","alarms":[{"text":"no id"}]})");
     alerts.answer(0);
-    EXPECT_EQ(posts.size(), 1);
+    EXPECT_EQ(http.posts.size(), 1);
 }
 
 TEST_F(E2eeOperations, AResetIsRejoinedOrLeftStanding) {
     const QByteArray RESET = R"({"state":"active","alarms":[{"id":"r","kind":"reset","text":"ignored"}]})";
-    next(RESET);
+    nextReport(RESET);
     EXPECT_EQ(alerts.view.title, u"Encryption Was Reset"_s);
     EXPECT_FALSE((alerts.view.text + alerts.view.fromOutside).contains(u"ignored"_s));
     EXPECT_EQ(alerts.view.main, alerts.view.escape); // Return does not accept it
     alerts.dismiss();
-    EXPECT_TRUE(posts.isEmpty());
+    EXPECT_TRUE(http.posts.isEmpty());
     EXPECT_EQ(notices.last(), u"Don't approve any new device, and change your password immediately."_s);
 
     item.choose(Action::E2Alarm);
     alerts.answer(0);
     EXPECT_EQ(notices.last(), u"Couldn't rejoin: Korvel isn't responding. Try again later."_s);
     reply = R"({"ok":true})";
-    next(R"({"state":"pending","pair":{"show":"654321"},"alarms":[{"id":"r","kind":"reset"}]})");
+    nextReport(R"({"state":"pending","pair":{"show":"654321"},"alarms":[{"id":"r","kind":"reset"}]})");
     pairPanel.hide();
     item.choose(Action::E2Alarm);
     alerts.answer(0);
@@ -314,10 +287,10 @@ TEST_F(E2eeOperations, SpeechIsInstalledByOneRequest) {
     reply = R"({"ok":true})";
     item.choose(Action::E2AsrInstall);
     EXPECT_EQ(notices.last(), u"Downloading speech recognition. The menu will show when it's ready."_s);
-    EXPECT_EQ(posts.size(), 3);
+    EXPECT_EQ(http.posts.size(), 3);
     home.writeConfig(R"({"agentToken":"t"})"); // no token for the agent: nothing leaves
     item.choose(Action::E2AsrInstall);
-    EXPECT_EQ(posts.size(), 3);
+    EXPECT_EQ(http.posts.size(), 3);
 }
 
 } // namespace

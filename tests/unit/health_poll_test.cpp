@@ -1,7 +1,5 @@
 #include "support/tray_fixture.h"
 
-#include <algorithm>
-
 namespace korvel::test {
 namespace {
 
@@ -46,6 +44,9 @@ TEST_F(HealthPollTest, AResponseIsCopiedIntoTheStateWithinBounds) {
     agentResponds(R"({"ok":false,"items":[)" + entries + "]}");
     item.events.menuOpening();
     EXPECT_EQ(permissions.permItems.size(), 64);
+    nextPoll(SILENCE); // forgets what only a running agent knows
+    EXPECT_FALSE(health().running || health().online || health().connectingSince);
+    EXPECT_EQ(permissions, PermissionState());
 }
 
 TEST_F(HealthPollTest, WithAnUnchangedResponseTheViewFollowsClockAndFilesOnly) {
@@ -83,8 +84,7 @@ TEST_F(HealthPollTest, ALostSignInIsReportedOncePerLoss) {
     };
     EXPECT_EQ(noticesAfter(SIGNED_OUT), 1u);
     EXPECT_EQ(notices.last(), u"You've been signed out. Sign in again."_s);
-    agentIsSilent(); // which says nothing about the sign-in
-    scheduler.advance(3s);
+    nextPoll(SILENCE); // which says nothing about the sign-in
     EXPECT_EQ(noticesAfter(SIGNED_OUT), 1u);
     EXPECT_EQ(noticesAfter(ONLINE), 1u);
     EXPECT_EQ(noticesAfter(R"({"ok":true,"authDead":true,"accountGone":true})"), 2u);
@@ -97,14 +97,13 @@ TEST_F(HealthPollTest, ALostSignInIsReportedOncePerLoss) {
 TEST_F(HealthPollTest, TheJobOfASilentAgentIsLookedUpOnEveryTickWhileItStartsAndThenEveryTenSeconds) {
     const QString silent = u"○ Korvel isn't responding. Retrying…"_s;
     installAndBind();
-    agentIsSilent();
+    agentResponds(SILENCE);
     services.runs = false; // an unknown result is no pause
     launch();
-    const qsizetype before = lookups();
-    scheduler.advance(9s);
-    EXPECT_GE(lookups() - before, 3);
+    scheduler.advance(19s);
     expectLine(u"○ Starting… · ann"_s);
-    scheduler.advance(16s);
+    scheduler.advance(6s);
+    EXPECT_GE(lookups(), 8);
     expectLine(silent);
     services.calls.clear();
     services.runs = true;
@@ -112,80 +111,55 @@ TEST_F(HealthPollTest, TheJobOfASilentAgentIsLookedUpOnEveryTickWhileItStartsAnd
     EXPECT_GE(lookups(), 5);
     EXPECT_LE(lookups(), 7);
     services.loaded = false;
-    scheduler.haveThreads(false);
+    scheduler.hasThreads = false;
     scheduler.advance(40s);
     expectLine(silent);
-    scheduler.haveThreads(true);
+    scheduler.hasThreads = true;
     scheduler.advance(12s);
     expectLine(u"⏻ Sync paused · ann"_s);
 }
 
 TEST_F(HealthPollTest, AHangingServiceManagerTakesOneThreadAndBlocksNothing) {
     launchWith(ONLINE);
-    agentIsSilent();
-    scheduler.holdBackground(true);
+    agentResponds(SILENCE);
+    scheduler.holdsBackground = true;
     scheduler.advance(120s);
-    EXPECT_EQ(scheduler.backgroundWaiting(), 1u);
     EXPECT_FALSE(item.icon.on); // without waiting for the lookup
     expectLine(u"○ Korvel isn't responding. Retrying…"_s);
     nextPoll(ONLINE);
     services.loaded = false;
-    scheduler.holdBackground(false); // the late result does not replace the newer response
+    scheduler.releaseBackground(); // the late result does not replace the newer response
+    EXPECT_EQ(lookups(), 1);
     expectLine(u"● Connected · ann · 1 session"_s);
     EXPECT_EQ(health().jobLoaded, true);
 }
 
 TEST_F(HealthPollTest, ALookupFromBeforeAToggleIsDiscarded) {
     launchWith(ONLINE);
-    agentIsSilent();
-    scheduler.holdBackground(true);
+    agentResponds(SILENCE);
+    scheduler.holdsBackground = true;
     scheduler.advance(12s);
-    scheduler.hangBackground(true); // the lookup
-    scheduler.holdBackground(false);
+    scheduler.holdsBackground = false; // the lookup goes on waiting
     item.choose(Action::MenuToggle);
     scheduler.advance(1s);
     expectLine(u"⏻ Sync paused · ann"_s);
     scheduler.advance(20s); // later polls wait for the lookup
     services.loaded = true; // its result
-    scheduler.hangBackground(false);
+    scheduler.releaseBackground();
     expectLine(u"⏻ Sync paused · ann"_s);
 }
 
 TEST_F(HealthPollTest, ThreePollsAreInFlightAtMostAndALateResponseDoesNotReplaceANewerOne) {
     launchWith(ONLINE);
     http.respond = nullptr;
+    const qsizetype before = requestsTo(u"/health"_s);
     scheduler.advance(30s);
-    const auto polls = [this] {
-        return std::ranges::count_if(http.inFlight, [](const auto &p) { return p.request.url.endsWith(u"/health"); });
-    };
-    EXPECT_EQ(polls(), 3);
+    EXPECT_EQ(requestsTo(u"/health"_s) - before, 3);
     http.complete(1, json(ONLINE));
     http.complete(0, noResponse());
     EXPECT_TRUE(health().running);
     scheduler.advance(6s);
-    EXPECT_EQ(polls(), 3);
-}
-
-TEST(HealthRules, SilenceForgetsWhatOnlyARunningAgentKnows) {
-    const Instant now(1h);
-    TrayState state;
-    state.health.running = state.health.online = true;
-    state.health.connectingSince = now - 5s;
-    state.health.jobLoaded = true;
-    state.health.jobCheckedAt = now - 10s;
-    state.permissions = {.permsOk = false,
-                         .permsMissing = {u"a"_s},
-                         .permItems = {QJsonObject()},
-                         .permsFetchedAt = now,
-                         .permsFetchFailed = true};
-    const auto effects = [&] { return applyHealth(state, Error{}, {.now = now, .bound = true, .username = u"ann"_s}); };
-    EXPECT_FALSE(effects().checkJob); // looked up ten seconds ago
-    EXPECT_FALSE(state.health.running || state.health.online || state.health.connectingSince);
-    EXPECT_EQ(state.permissions, PermissionState());
-    EXPECT_FALSE(state.permissions.permsFetchedAt); // so that the next poll fetches
-    state.health.jobLoaded.reset();
-    EXPECT_TRUE(effects().checkJob);
-    EXPECT_EQ(state.health.jobCheckedAt, now);
+    EXPECT_EQ(requestsTo(u"/health"_s) - before, 5);
 }
 
 } // namespace

@@ -59,6 +59,13 @@ struct Scene : TrayState {
     }
 };
 
+QStringList titlesOf(const MenuView &menu) {
+    QStringList list;
+    for (const MenuEntry &e : menu.entries)
+        list.append(e.isSeparator() ? u"---"_s : e.title);
+    return list;
+}
+
 TEST(StatusLine, ShowsTheFirstSituationThatApplies) {
     Scene anonymous, unknown = Scene().missing({u"A"_s});
     anonymous.health.sessions = 0;
@@ -94,9 +101,12 @@ TEST(StatusLine, ShowsTheFirstSituationThatApplies) {
         {Scene().silent(), u"○ Korvel isn't responding. Retrying…"_s},
         {Scene().silent().job({}), u"⏻ Sync paused · ann"_s},
     };
-    for (const auto &[scene, line] : cases)
+    for (const auto &[scene, line] : cases) {
         EXPECT_EQ(scene.see(statusLine), line);
-    const LanguageScope chinese(true);
+        EXPECT_FALSE(titlesOf(scene.see(menuView)).join(u'|').contains(u"---|---"_s))
+            << "separators never double: " << line.toStdString();
+    }
+    const QScopedValueRollback chinese(ZH, true);
     EXPECT_EQ(Scene().missing({u"A"_s, u"B"_s}).see(statusLine), u"● 已连接 · ann · 1 个会话 · ⚠ 缺少 2 项权限"_s);
     EXPECT_EQ(Scene().connectingFor(60s).reports(u"rejected"_s).see(statusLine),
               u"⚠ 手机已拒绝这台 Mac，请重新登录后重试 · ann"_s);
@@ -115,7 +125,7 @@ TEST(Icon, IsActiveWhileTheAgentRunsAndItsToolTipNamesTheMostUrgentProblem) {
     };
     for (const auto &[scene, icon] : cases)
         EXPECT_EQ(scene.see(iconView), icon) << icon.toolTip.toStdString();
-    const LanguageScope chinese(true);
+    const QScopedValueRollback chinese(ZH, true);
     EXPECT_EQ(Scene().missing({u"A"_s, u"B"_s}).see(iconView).toolTip, u"Korvel · 缺少权限：A、B"_s);
 }
 
@@ -123,18 +133,8 @@ struct MenuViewTest : ::testing::Test {
     Scene state;
 
     MenuView view() const { return state.see(menuView); }
-    QStringList titles() const {
-        QStringList list;
-        for (const MenuEntry &e : view().entries)
-            list.append(e.isSeparator() ? u"---"_s : e.title);
-        return list;
-    }
-    MenuEntry entry(Action action) const {
-        for (const MenuEntry &e : view().entries)
-            if (e.action == action)
-                return e;
-        return {};
-    }
+    QStringList titles() const { return titlesOf(view()); }
+    MenuEntry entry(Action action) const { return entryFor(action, view()); }
 };
 
 TEST_F(MenuViewTest, AHealthyMacOffersPauseAndSignOutAndWithOptionItsDiagnostics) {
@@ -173,49 +173,6 @@ TEST_F(MenuViewTest, ALostSignInIsOfferedAgainOncePerEdition) {
               (QStringList{u"Sign In with Another Account…"_s, u"Sign In with Password…"_s, u"---"_s}));
     state.unbound();
     EXPECT_EQ(titles().mid(4, 2), (QStringList{u"Sign In / Sign Up…"_s, u"Sign In with Password…"_s}));
-}
-
-TEST_F(MenuViewTest, TheUpdateItemFollowsTheUpdate) {
-    const auto expect = [this](const UpdateState &update, Action action, const QString &title, bool enabled) {
-        state.update = update;
-        EXPECT_EQ(entry(action).title, title);
-        EXPECT_EQ(entry(action).enabled, enabled) << title.toStdString();
-    };
-    const UpdateInfo two{.ver = u"2.0"_s};
-    expect({.updateBusy = true}, Action::CheckUpdate, u"Check for Updates… (1.2.3)"_s, false);
-    expect({.updateAvail = two, .updateBusy = true}, Action::InstallUpdate, u"Installing 2.0…"_s, false);
-    expect({.updateAvail = two, .updateBusy = true, .updatePct = 7}, Action::InstallUpdate, u"Downloading 2.0… 7%"_s,
-           false);
-    expect({.updateAvail = two, .updatePct = 7}, Action::InstallUpdate, u"⬆ Update to 2.0…"_s, true);
-}
-
-TEST_F(MenuViewTest, PermissionsShowOnlyWhileTheAgentRuns) {
-    state.missing({u"Screen"_s, u"Mic"_s});
-    state.permissions.permItems = {object(R"({"name":"Screen","state":"denied","pane":"x:y"})")};
-    EXPECT_TRUE(titles().contains(u"Permissions · 2 missing"_s));
-    state.permissions.permItems += {QJsonObject(), QJsonObject()};
-    EXPECT_TRUE(titles().contains(u"Permissions · 3 missing"_s));
-    EXPECT_EQ(entry(Action::OpenPermPane).payload, QJsonValue(u"x:y"_s));
-    EXPECT_EQ(entry(Action::AskPerms).title, u"Request Permissions…"_s);
-    state.health.running = false;
-    EXPECT_EQ(entry(Action::AskPerms), MenuEntry());
-}
-
-TEST_F(MenuViewTest, SeparatorsNeverDouble) {
-    for (unsigned bits = 0; bits < 256; ++bits) {
-        state.bound = bits & 1;
-        state.plistExists = bits & 2;
-        state.health.running = bits & 4;
-        state.health.authDead = bits & 8;
-        state.menu.optionKey = bits & 16;
-        state.permissions.permItems = bits & 32 ? QList<QJsonObject>{QJsonObject()} : QList<QJsonObject>();
-        state.e2ee.e2 = {{u"state"_s, bits & 64 ? u"active"_s : u"off"_s}};
-        state.service.repairing = bits & 128;
-        const QStringList list = titles();
-        EXPECT_NE(list.first(), u"---"_s);
-        EXPECT_NE(list.last(), u"---"_s);
-        EXPECT_FALSE(list.join(u'|').contains(u"---|---"_s)) << bits;
-    }
 }
 
 struct MenuWidgetTest : ::testing::Test {

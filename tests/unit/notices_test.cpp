@@ -124,28 +124,25 @@ TEST(NoticeLayout, IsCentredBelowTheMenuBarAndNeverWiderThanItsLimit) {
     EXPECT_LE(noticeLayout({560, 32767}, visible).panel.bottom(), visible.bottom());
 }
 
-QWidget *shownWindow(const QString &title) {
-    for (QWidget *window : QApplication::topLevelWidgets())
-        if (window->isVisible() && window->windowTitle() == title)
-            return window;
-    return nullptr;
-}
-
 TEST(NoticeWindow, IsOnTheScreenOfTheActiveWindowElseOfThePointerAndReportsAClick) {
     const QList<QScreen *> screens = QGuiApplication::screens();
     ASSERT_EQ(screens.size(), 2);
     NoticeWindow notices;
     int clicks = 0;
+    QWidget *window = nullptr;
     const auto screen = [&] {
         notices.show({.text = u"here"_s}, [&] { ++clicks; });
-        return QGuiApplication::screenAt(shownWindow(u"here"_s)->geometry().center());
+        for (QWidget *shown : QApplication::topLevelWidgets())
+            if (shown->isVisible() && shown->windowTitle() == u"here")
+                window = shown;
+        return QGuiApplication::screenAt(window->geometry().center());
     };
     const QPoint before = QCursor::pos();
     for (QScreen *ofPointer : screens) {
         QCursor::setPos(ofPointer->geometry().center());
         EXPECT_EQ(screen(), ofPointer);
     }
-    QTest::mouseClick(shownWindow(u"here"_s), Qt::LeftButton);
+    QTest::mouseClick(window, Qt::LeftButton);
     EXPECT_EQ(clicks, 1);
     QWidget active;
     active.setGeometry(100, 100, 200, 200);
@@ -193,17 +190,6 @@ TEST(NamedNotices, LastAsLongAsTheirTextNeedsAndShowErrorsAsSuch) {
     expect(30, false, {signingOutNotice(), installingNotice({})});
     expect(40, false, {signingInNotice()});
     expect(50, false, {verifyingNotice()});
-}
-
-TEST(EscWindow, OnlyEscapeWithoutAModifierRunsItsAction) {
-    EscWindow window;
-    int escaped = 0;
-    window.onEsc = [&] { ++escaped; };
-    QTest::keyClick(&window, Qt::Key_Escape, Qt::ControlModifier);
-    QTest::keyClick(&window, Qt::Key_A);
-    EXPECT_EQ(escaped, 0);
-    QTest::keyClick(&window, Qt::Key_Escape);
-    EXPECT_EQ(escaped, 1);
 }
 
 } // namespace

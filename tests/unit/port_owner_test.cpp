@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <gtest/gtest.h>
 #include <optional>
+#include <tuple>
 
 using namespace Qt::StringLiterals;
 
@@ -16,16 +17,13 @@ QByteArray row(const char *local, int user, const char *state = "0A") {
 }
 
 TEST(PortOwner, IsTheUserWhoseSocketListensOnThePortOfTheLoopback) {
-    using Table = std::optional<QByteArray>;
+    using Table = std::optional<QByteArray>; // nothing if the kernel's file could not be read
     const QByteArray stranger = row("0100007F:2256", 502);
     const QByteArray others = row("0100007F:2256", 501, "01") + // a connection
                               row("0200007F:2256", 501) +       // another address
                               row("0100007F:2257", 501) +       // another port
                               row("0100007F:2256 extra", 501) + "   8: 0100007F:2256\n   9: 0100007F:2256";
-    const struct {
-        Table ipv4, ipv6;
-        PortOwner owner;
-    } cases[] = {
+    const std::tuple<Table, Table, PortOwner> cases[] = {
         {row("0100007F:2256", 501), ""_ba, PortOwner::Trusted},
         {row("0100007F:2256", 0), ""_ba, PortOwner::Trusted},
         {stranger, ""_ba, PortOwner::Stranger},
@@ -36,13 +34,13 @@ TEST(PortOwner, IsTheUserWhoseSocketListensOnThePortOfTheLoopback) {
         {row("00000000:2256", 502) + row("0100007F:2256", 501), row("00000000000000000000000000000000:2256", 502),
          PortOwner::Trusted},
         {others, row("00000000000000000000000001000000:2256", 501), PortOwner::Nobody},
-        {{}, {}, PortOwner::Unknown},
+        {Table(), {}, PortOwner::Unknown},
         {""_ba, {}, PortOwner::Unknown},
         {stranger, {}, PortOwner::Stranger},
     };
-    for (const auto &c : cases)
-        EXPECT_EQ(portOwner({.ipv4 = c.ipv4, .ipv6 = c.ipv6}, 8790, 501), c.owner)
-            << c.ipv4.value_or("-").constData() << c.ipv6.value_or("-").constData();
+    for (const auto &[ipv4, ipv6, owner] : cases)
+        EXPECT_EQ(portOwner({.ipv4 = ipv4, .ipv6 = ipv6}, 8790, 501), owner)
+            << ipv4.value_or("-").constData() << ipv6.value_or("-").constData();
 }
 
 } // namespace

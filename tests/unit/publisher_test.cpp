@@ -15,17 +15,12 @@ using namespace Qt::StringLiterals;
 namespace korvel::test {
 namespace {
 
-struct Ended {
-    int status = -1;
-    QByteArray output = {};
-};
-
-Ended run(const QString &program, const QStringList &arguments) {
+/// The exit status of a program, -1 if it did not end so, and its output.
+std::pair<int, QByteArray> run(const QString &program, const QStringList &arguments) {
     QProcess process;
     process.start(program, arguments);
-    if (!process.waitForFinished(30'000) || process.exitStatus() != QProcess::NormalExit)
-        return {};
-    return {process.exitCode(), process.readAllStandardOutput()};
+    const bool ended = process.waitForFinished(30'000) && process.exitStatus() == QProcess::NormalExit;
+    return {ended ? process.exitCode() : -1, process.readAllStandardOutput()};
 }
 
 struct PublisherTest : ::testing::Test {
@@ -56,7 +51,7 @@ TEST_F(PublisherTest, SignsAsOpenSslDoesWithAKeyFileThatIsPrivateAndNeverReplace
         const UpdateInfo info = package(u"Korvel-2.0.pkg"_s, u"2.0"_s);
         const QString message = write(u"message"_s, "korvel-update/1\nKorvel-2.0.pkg\n2.0\n" + info.sha.toLatin1());
         EXPECT_EQ(run(openssl, {u"pkeyutl"_s, u"-sign"_s, u"-rawin"_s, u"-inkey"_s, file, u"-in"_s, message})
-                      .output.toBase64(),
+                      .second.toBase64(),
                   info.sig.toLatin1());
     }
     QFile::setPermissions(file, QFile::ReadOwner | QFile::ReadGroup);
@@ -102,16 +97,16 @@ TEST_F(PublisherTest, ANewerPackageReplacesTheOneOfItsEditionAndTheRestStays) {
 TEST_F(PublisherTest, TheProgramSignsAndVerifiesAndKeepsTheManifestWhenItRefuses) {
     const QString program = QStringLiteral(KORVEL_PUBLISH_PROGRAM), manifest = path(u"manifest"_s),
                   keyFile = path(u"key"_s);
-    const QString publicKey = QString::fromLatin1(run(program, {u"make-key"_s, keyFile}).output.trimmed());
+    const QString publicKey = QString::fromLatin1(run(program, {u"make-key"_s, keyFile}).second.trimmed());
     EXPECT_EQ(publicKey, SigningKey::read(keyFile).value().publicKey());
-    EXPECT_EQ(run(program, {u"make-key"_s, keyFile}).status, 1);
+    EXPECT_EQ(run(program, {u"make-key"_s, keyFile}).first, 1);
     const auto sign = [&](const QString &version, const QStringList &packages) {
         const QStringList options{u"--key"_s, keyFile, u"--version"_s, version, u"--manifest"_s, manifest};
-        return run(program, QStringList{u"sign"_s} + options + packages).status;
+        return run(program, QStringList{u"sign"_s} + options + packages).first;
     };
     const auto verify = [&](const QString &edition, const QString &installed, const QString &package) {
         const QStringList options{u"--public-key"_s, publicKey, u"--edition"_s, edition, u"--installed"_s, installed};
-        return run(program, QStringList{u"verify"_s} + options + QStringList{manifest, package}).status;
+        return run(program, QStringList{u"verify"_s} + options + QStringList{manifest, package}).first;
     };
     const QString cn = write(u"Korvel-2.0-cn.pkg"_s, "c"), intl = write(u"Korvel-2.0.pkg"_s, "i");
     EXPECT_EQ(sign(u"2.0"_s, {cn, intl}), 0);

@@ -6,19 +6,18 @@ namespace {
 
 const QString PAUSED = u"⏻ Sync paused · ann"_s;
 const QString SILENT = u"○ Korvel isn't responding. Retrying…"_s;
+const QString STARTING = u"○ Starting… · ann"_s;
 const QString NOT_PAUSED = u"Couldn't pause sync. Try again."_s;
 const QString RESUMED = u"● Sync resumed. Connecting…"_s;
+const QString NOT_RESUMED =
+    u"Korvel couldn't start. Allow it in System Settings › General › Login Items, then choose Resume Sync."_s;
 
 struct SyncToggleTest : TrayFixture {
-    void launchConnected() {
-        launchBound();
-        forget();
-    }
-    void launchPaused() {
+    void launchWith(const QByteArray &body, bool jobLoaded = true) {
         installAndBind();
-        services.loaded = false;
-        services.failBootstraps = 1;
-        agentIsSilent();
+        services.loaded = jobLoaded;
+        services.failBootstraps = 1; // of the launch
+        agentResponds(body);
         launch();
         forget();
     }
@@ -27,14 +26,14 @@ struct SyncToggleTest : TrayFixture {
 };
 
 TEST_F(SyncToggleTest, APauseUnloadsAndDisablesTheJob) {
-    launchConnected();
+    launchWith(ONLINE);
     toggle();
     EXPECT_EQ(item.statusLine(), u"Switching…"_s);
     EXPECT_FALSE(entry().enabled);
     EXPECT_EQ(services.calls,
               (QStringList{u"bootout com.korvel.agent"_s, u"disable com.korvel.agent"_s, u"print com.korvel.agent"_s}));
     toggle(); // ignored meanwhile
-    agentIsSilent();
+    agentResponds(SILENCE);
     scheduler.advance(1s);
     EXPECT_EQ(services.calls.filter(u"bootout"_s).size(), 1);
     EXPECT_EQ(notices.last(), u"⏻ Sync paused. Your phone can't see this Mac."_s);
@@ -43,12 +42,11 @@ TEST_F(SyncToggleTest, APauseUnloadsAndDisablesTheJob) {
 }
 
 TEST_F(SyncToggleTest, AJobThatStaysLoadedIsReportedAfterSixSeconds) {
-    launchConnected();
+    launchWith(ONLINE);
     services.stuck = true;
     toggle();
     scheduler.advance(6500ms);
     EXPECT_TRUE(notices.shown.empty());
-    EXPECT_EQ(item.statusLine(), u"Switching…"_s);
     scheduler.advance(1s);
     EXPECT_EQ(notices.last(), NOT_PAUSED);
     EXPECT_EQ(health().jobLoaded, true);
@@ -57,43 +55,34 @@ TEST_F(SyncToggleTest, AJobThatStaysLoadedIsReportedAfterSixSeconds) {
 }
 
 TEST_F(SyncToggleTest, AResumeEnablesAndLoadsTheJobAtTheSecondAttemptAtTheLatest) {
-    launchPaused();
-    toggle();
-    EXPECT_EQ(services.calls.mid(0, 3),
-              (QStringList{u"enable com.korvel.agent"_s, u"bootstrap com.korvel.agent.plist"_s,
-                           u"print com.korvel.agent"_s}));
-    scheduler.advance(1s);
-    EXPECT_EQ(notices.last(), RESUMED);
-    EXPECT_EQ(item.statusLine(), u"○ Starting… · ann"_s);
-    nextPoll(ONLINE);
-    EXPECT_EQ(item.statusLine(), u"● Connected · ann · 1 session"_s);
-    agentIsSilent();
-    scheduler.advance(3s);
+    const struct {
+        int failures;
+        milliseconds time;
+        QString calls, notice, line;
+    } cases[] = {
+        {0, 900ms, u"enable bootstrap print"_s, RESUMED, STARTING},
+        {1, 2400ms, u"enable bootstrap kickstart print bootstrap print"_s, RESUMED, STARTING},
+        {2, 2400ms, u"enable bootstrap kickstart print bootstrap kickstart print"_s, NOT_RESUMED, PAUSED},
+    };
+    for (const auto &c : cases) {
+        launchWith(SILENCE, false);
+        services.failBootstraps = c.failures;
+        toggle();
+        scheduler.advance(c.time - 1ms);
+        EXPECT_EQ(services.operations(), c.calls);
+        EXPECT_TRUE(notices.shown.empty());
+        scheduler.advance(1ms);
+        EXPECT_EQ(notices.last(), c.notice);
+        EXPECT_EQ(item.statusLine(), c.line);
+        EXPECT_TRUE(entry().enabled);
+    }
+    launchWith(SILENCE);
     toggle(); // a loaded job is paused even if its agent is silent
-    EXPECT_EQ(services.calls.filter(u"bootout"_s).size(), 1);
-    scheduler.advance(1s);
-    services.failBootstraps = 1;
-    toggle();
-    scheduler.advance(2500ms);
-    EXPECT_EQ(notices.last(), RESUMED);
-    scheduler.advance(1s);
-    toggle();
-    scheduler.advance(1s);
-    services.failBootstraps = 10;
-    forget();
-    toggle();
-    scheduler.advance(2300ms);
-    EXPECT_TRUE(notices.shown.empty());
-    scheduler.advance(200ms);
-    EXPECT_TRUE(notices.last().startsWith(u"Korvel couldn't start. Allow it in System Settings"_s));
-    EXPECT_EQ(services.calls.filter(u"bootstrap"_s).size(), 2);
-    EXPECT_EQ(services.calls.filter(u"enable"_s).size(), 1);
-    EXPECT_EQ(item.statusLine(), PAUSED);
-    EXPECT_TRUE(entry().enabled);
+    EXPECT_EQ(services.operations(), u"bootout disable print"_s);
 }
 
 TEST_F(SyncToggleTest, EachNoticeIsAboutItsOwnToggle) {
-    launchPaused();
+    launchWith(SILENCE, false);
     http.respond = nullptr; // the resume's last poll is in flight when a pause begins
     toggle();
     scheduler.advance(1s);
@@ -109,29 +98,29 @@ TEST_F(SyncToggleTest, EachNoticeIsAboutItsOwnToggle) {
 TEST_F(SyncToggleTest, ACommandThatCannotRunEndsTheToggleAndLeavesTheJobUnknown) {
     for (const bool threads : {true, false}) {
         services.runs = true;
-        launchConnected();
-        agentIsSilent();
+        launchWith(ONLINE);
+        agentResponds(SILENCE);
         services.runs = !threads; // one of the two is missing
-        scheduler.haveThreads(threads);
+        scheduler.hasThreads = threads;
         toggle();
         scheduler.advance(25s);
         EXPECT_EQ(notices.last(), NOT_PAUSED);
         EXPECT_EQ(item.statusLine(), SILENT);
         EXPECT_TRUE(entry().enabled);
-        scheduler.haveThreads(true);
+        scheduler.hasThreads = true;
     }
     services.runs = true;
-    launchPaused();
+    launchWith(SILENCE, false);
     services.runs = false;
     toggle();
     scheduler.advance(10s);
-    EXPECT_TRUE(notices.last().startsWith(u"Korvel couldn't start."_s));
+    EXPECT_EQ(notices.last(), NOT_RESUMED);
     EXPECT_EQ(item.statusLine(), PAUSED);
 }
 
 TEST_F(SyncToggleTest, WithoutAnAccountItLeadsToTheSignIn) {
     home.installJobFile();
-    agentIsSilent();
+    agentResponds(SILENCE);
     launch();
     item.press(Action::MenuToggle);
     EXPECT_TRUE(loginPanel.visible);
