@@ -4,6 +4,8 @@
 #include "app/model/paths.h"
 #include "app/model/wording.h"
 #include "e2ee/pair_view.h"
+#include "exchange/ed25519.h"
+#include "exchange/sha256.h"
 #include "ports/desktop.h"
 #include "ports/http_client.h"
 #include "ports/programs.h"
@@ -16,7 +18,6 @@
 #include "ui/views/menu_entry.h"
 #include "ui/views/notice_view.h"
 
-#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QJsonDocument>
@@ -30,7 +31,6 @@
 #include <gtest/gtest.h>
 #include <optional>
 #include <ostream>
-#include <string>
 #include <vector>
 
 // GoogleTest prints these in its messages.
@@ -90,47 +90,11 @@ public:
 /// The agent and all servers. The test completes each request: at once, late, out of order or never.
 class FakeHttp final : public HttpClient, public ServerClient {
 public:
-    struct Request : HttpRequest {
-        bool isForServer = false;
-    };
     struct InFlight {
-        Request request;
+        HttpRequest request;
         Done<HttpReply> done;
     };
-    void send(HttpRequest request, Done<HttpReply> done) override { take({std::move(request)}, std::move(done)); }
-    void send(ServerRequest r, Done<HttpReply> done) override {
-        take({{r.method, r.url, r.headers, r.body, r.timeout, r.maxBytes}, true}, std::move(done));
-    }
-    void download(ServerRequest request, const QString &file, std::function<void(qint64, qint64)> progress,
-                  Done<HttpReply> done) override {
-        downloadTo = file;
-        onProgress = std::move(progress);
-        send(std::move(request), std::move(done));
-    }
-    void hash(const QString &file, Done<QString> done) override {
-        QFile content(file);
-        if (!content.open(QIODevice::ReadOnly))
-            return done(Error{ErrorKind::UnreadableResponse, {}});
-        done(QString::fromLatin1(QCryptographicHash::hash(content.readAll(), QCryptographicHash::Sha256).toHex()));
-    }
-    void verify(const SignatureProof &proof, Done<bool> done) override { done(verdict(proof)); }
-    /// Completes the request number `index` of those in flight.
-    void complete(size_t index, Result<HttpReply> result) {
-        InFlight sent = std::move(inFlight.at(index));
-        inFlight.erase(inFlight.begin() + static_cast<std::ptrdiff_t>(index));
-        sent.done(std::move(result));
-    }
-    std::function<Result<HttpReply>(const Request &)> respond; ///< If set, completes every request at once.
-    std::function<Result<bool>(const SignatureProof &)> verdict = [](const SignatureProof &) { return true; };
-    std::deque<InFlight> inFlight;
-    Request last;
-    QStringList paths; ///< Of all requests, in order.
-    QList<Request> posts;
-    QString downloadTo; ///< The file of the last download, which the test writes.
-    std::function<void(qint64, qint64)> onProgress;
-
-private:
-    void take(Request request, Done<HttpReply> done) {
+    void send(HttpRequest request, Done<HttpReply> done) override {
         last = request;
         paths.append(QUrl(request.url).path());
         if (request.method == "POST")
@@ -139,6 +103,34 @@ private:
             return done(respond(request));
         inFlight.push_back({std::move(request), std::move(done)});
     }
+    void send(ServerRequest r, Done<HttpReply> done) override {
+        send(HttpRequest{r.method, r.url, r.headers, r.body, r.timeout, r.maxBytes}, std::move(done));
+    }
+    void download(ServerRequest request, const QString &file, std::function<void(qint64, qint64)> progress,
+                  Done<HttpReply> done) override {
+        downloadTo = file;
+        onProgress = std::move(progress);
+        send(std::move(request), std::move(done));
+    }
+    void hash(const QString &file, Done<QString> done) override {
+        const auto hash = sha256File(file);
+        done(hash ? Result(*hash) : Error{ErrorKind::UnreadableResponse, {}});
+    }
+    void verify(const SignatureProof &proof, Done<bool> done) override { done(verdict(proof)); }
+    /// Completes the request number `index` of those in flight.
+    void complete(size_t index, Result<HttpReply> result) {
+        InFlight sent = std::move(inFlight.at(index));
+        inFlight.erase(inFlight.begin() + static_cast<std::ptrdiff_t>(index));
+        sent.done(std::move(result));
+    }
+    std::function<Result<HttpReply>(const HttpRequest &)> respond; ///< If set, completes every request at once.
+    std::function<Result<bool>(const SignatureProof &)> verdict = ed25519Valid;
+    std::deque<InFlight> inFlight;
+    HttpRequest last;
+    QStringList paths; ///< Of all requests, in order.
+    QList<HttpRequest> posts;
+    QString downloadTo; ///< The file of the last download, which the test writes.
+    std::function<void(qint64, qint64)> onProgress;
 };
 
 inline Result<HttpReply> json(const QByteArray &body) { return HttpReply{200, body}; }

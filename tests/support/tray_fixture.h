@@ -58,6 +58,7 @@ struct TrayFixture : ::testing::Test, FakeScreen {
         installAndBind();
         agentResponds(body);
         launch();
+        forget();
     }
     void forget() {
         services.calls.clear();

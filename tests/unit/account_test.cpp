@@ -38,8 +38,9 @@ struct AccountTest : TrayFixture {
     QByteArray onUnbind; ///< The configuration at the moment of the last release.
 
     void SetUp() override {
-        http.respond = [this](const FakeHttp::Request &r) {
-            return r.isForServer ? serverResponse(r) : agent.isEmpty() ? noResponse() : json(agent);
+        makeInternational();
+        http.respond = [this](const HttpRequest &r) {
+            return r.url.startsWith(u"https:") ? serverResponse(r) : agent.isEmpty() ? noResponse() : json(agent);
         };
     }
     Result<HttpReply> serverResponse(const HttpRequest &r) {
@@ -69,7 +70,6 @@ struct AccountTest : TrayFixture {
 };
 
 TEST_F(AccountTest, APasswordSignInBindsThisMacAndKeepsTheOtherSettings) {
-    makeInternational();
     home.writeConfig(R"({"localToken":"secret","other":{"kept":1}})");
     launch();
     signIn();
@@ -85,7 +85,6 @@ TEST_F(AccountTest, APasswordSignInBindsThisMacAndKeepsTheOtherSettings) {
 }
 
 TEST_F(AccountTest, AnOlderCredentialIsReleasedOnceByItsServerBeforeTheNewOneIsWritten) {
-    makeInternational();
     launch();
     // Another edition's server is used for nothing but this release.
     const QByteArray before = R"({"agentToken":"old","server":"cn.example"})";
@@ -110,7 +109,6 @@ TEST_F(AccountTest, AnOlderCredentialIsReleasedOnceByItsServerBeforeTheNewOneIsW
 }
 
 TEST_F(AccountTest, SettingsThatCannotBeSavedAreReportedOnceAndTheOldOnesStay) {
-    makeInternational();
     home.bind();
     launch();
     const std::pair<QByteArray, rlim_t> cases[] = {
@@ -135,7 +133,6 @@ TEST_F(AccountTest, SettingsThatCannotBeSavedAreReportedOnceAndTheOldOnesStay) {
 }
 
 TEST_F(AccountTest, AFileThatTheAgentIsWritingIsReadAgainBeforeItCountsAsEmpty) {
-    makeInternational();
     const QByteArray whole = R"({"agentToken":"t","server":"own.example","localToken":"secret"})";
     const QByteArray half = whole.first(20);
     home.writeConfig(whole);
@@ -159,7 +156,6 @@ TEST_F(AccountTest, AFileThatTheAgentIsWritingIsReadAgainBeforeItCountsAsEmpty) 
 }
 
 TEST_F(AccountTest, TheDialogComesBackWithTheInputAndTheError) {
-    makeInternational();
     launch();
     desktop.option = true;
     item.press(Action::LoginDialog);
@@ -191,7 +187,7 @@ TEST_F(AccountTest, TheDialogComesBackWithTheInputAndTheError) {
 
 TEST_F(AccountTest, SigningOutReleasesTheCredentialAndForgetsWhatBelongsToTheAccount) {
     installAndBind();
-    home.writeConfig(R"({"agentToken":"t","agentId":"i","username":"ann","loginName":"ann","server":"intl.example",
+    home.writeConfig(R"({"agentToken":"t","agentId":"i","username":"ann","loginName":"ann","server":"cn.example",
                          "host":"Studio","localToken":"secret"})"); // another edition's server is not used
     agent = R"({"ok":true,"authDead":true,"e2ee":{"state":"active"}})";
     launch();
@@ -204,7 +200,7 @@ TEST_F(AccountTest, SigningOutReleasesTheCredentialAndForgetsWhatBelongsToTheAcc
     EXPECT_TRUE(sent.isEmpty() && !services.calls.contains(u"bootout com.korvel.agent"_s));
     agent.clear();
     signOut();
-    EXPECT_EQ(sent, QStringList{u"unbind cn.example:443 t"_s});
+    EXPECT_EQ(sent, QStringList{u"unbind intl.example:443 t"_s});
     EXPECT_EQ(cfg().keys(), (QStringList{u"host"_s, u"localToken"_s, u"server"_s}));
     EXPECT_TRUE(services.calls.contains(u"bootout com.korvel.agent"_s));
     EXPECT_EQ(notices.last(), u"⏻ Signed out"_s);
@@ -237,7 +233,6 @@ TEST_F(AccountTest, NoFailureAndNoSilenceKeepsASignOutFromEnding) {
 struct AccountRaceTest : AccountTest {
     void SetUp() override {
         AccountTest::SetUp();
-        makeInternational();
         installAndBind();
         launch();
         http.respond = nullptr;

@@ -226,7 +226,6 @@ TEST_F(AgentControlTest, LaunchLoadsTheJobUnlessItIsLoaded) {
 
 TEST_F(AgentControlTest, QuittingStopsTheAgentAndItsStraysFirst) {
     launchBound();
-    forget();
     item.press(Action::QuitAll);
     item.press(Action::QuitAll);
     EXPECT_EQ(notices.last(), u"⏻ Quitting…"_s);

@@ -159,10 +159,7 @@ TEST_F(PromptRules, ActiveEncryptionIsAnnouncedWhereNoWindowShowsIt) {
 }
 
 struct E2eeOperations : TrayFixture {
-    void SetUp() override {
-        launchBound(withReport(R"({"state":"active"})"));
-        forget();
-    }
+    void SetUp() override { launchBound(withReport(R"({"state":"active"})")); }
 };
 
 const QByteArray ASKING =

@@ -90,14 +90,11 @@ TEST_F(KeyGuardTest, AHeldKeyAnswersNoWindowButWritesAndMoves) {
     EXPECT_FALSE(hold(300ms, RETURN, true));
 }
 
-struct NoticesTest : ::testing::Test {
+TEST(TimedNotices, EachNoticeHasItsOwnTimeBoundedTextAndLink) {
     FakeNotices panel;
     FakeDesktop desktop;
     ManualScheduler scheduler;
-    TimedNotices notices{panel, desktop, scheduler};
-};
-
-TEST_F(NoticesTest, EachNoticeHasItsOwnTimeBoundedTextAndLink) {
+    TimedNotices notices(panel, desktop, scheduler);
     notices.showHUD({.text = u"first"_s, .secs = Seconds(2)});
     scheduler.advance(1500ms);
     notices.showHUD({.text = u"x\n"_s.repeated(100000), .secs = Seconds(2)});

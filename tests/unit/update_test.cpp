@@ -174,7 +174,6 @@ struct UpdateTest : TrayFixture {
         home.fixed = testConfig(u"cn"_s, home.home(), PUBLIC_KEY);
         offer(u"2.0"_s);
         installAndBind();
-        http.verdict = ed25519Valid;
         http.respond = [this](const HttpRequest &r) {
             return json(r.url.endsWith(u"/v1/dl/manifest") ? manifest : ONLINE);
         };
