@@ -1,17 +1,9 @@
 #include "base/plain_text.h"
 #include "support/fakes.h"
-#include "ui/widgets/alert_window.h"
-#include "ui/widgets/buttons.h"
-#include "ui/widgets/contrast_style.h"
-#include "ui/widgets/text_fields.h"
 #include "ui/widgets/text_styles.h"
 #include "ui/widgets/windows.h"
 
-#include <QCheckBox>
-#include <QMenu>
-#include <QPushButton>
 #include <QTest>
-#include <algorithm>
 
 namespace korvel::test {
 namespace {
@@ -53,64 +45,6 @@ TEST(ToneColour, ALinkHasTheSystemsColourIfThereIsOne) {
     EXPECT_EQ(toneColour(Tone::Link, palette), QColor(0x00, 0x57, 0xae));
     palette.setColor(QPalette::Link, Qt::blue); // Qt's own default
     EXPECT_NE(toneColour(Tone::Link, palette), QColor(Qt::blue));
-}
-
-/// The highest contrast to `ground` in a line of pixels.
-double highestContrast(const QImage &image, QPoint from, QPoint step, int pixels, const QColor &ground) {
-    double highest = 1;
-    for (QPoint at = from; pixels > 0; at += step, --pixels)
-        highest = std::max(highest, contrastRatio(image.pixelColor(at), ground));
-    return highest;
-}
-
-TEST(ContrastStyle, EdgesAndSeparatorsAreVisible) {
-    ContrastStyle style(u"Fusion"_s);
-    for (const QPalette &palette : looks()) {
-        const QColor ground = palette.color(QPalette::Window);
-        SCOPED_TRACE(ground.name().toStdString());
-        QCheckBox box;
-        QPushButton button(u"Wait"_s);
-        PairCodeField field;
-        MainButton main;
-        for (QWidget *control : std::initializer_list<QWidget *>{&box, &button, &field, &main})
-            for (const bool enabled : {true, false}) {
-                control->setStyle(&style);
-                control->setPalette(palette);
-                control->setEnabled(enabled);
-                control->resize(control->sizeHint());
-                const QImage image = control->grab().toImage();
-                EXPECT_GE(highestContrast(image, {0, image.height() / 2}, {1, 0}, 4, ground), EDGE_CONTRAST)
-                    << control->metaObject()->className();
-            }
-        QMenu menu;
-        menu.setStyle(&style);
-        menu.setPalette(palette);
-        menu.addAction(u"Wait"_s);
-        QAction *separator = menu.addSeparator();
-        menu.addAction(u"Wait"_s);
-        const QRect place = menu.actionGeometry(separator);
-        menu.resize(menu.sizeHint());
-        EXPECT_GE(highestContrast(menu.grab().toImage(), {place.center().x(), place.top()}, {0, 1}, place.height(),
-                                  palette.color(QPalette::Base)),
-                  3.0);
-    }
-}
-
-TEST(MenuPlace, IsBesideThePanelAndNotOverIt) {
-    const QRect screen(1280, 0, 1280, 800); // the right one of two
-    const QSize menu(300, 200);
-    const std::tuple<QPoint, QRect, QPoint> cases[] = {
-        // the pointer, what the panel leaves, the menu's place
-        {{1800, 12}, screen.adjusted(0, 28, 0, 0), {1800, 28}},    // above
-        {{2550, 12}, screen.adjusted(0, 28, 0, 0), {2260, 28}},    // in the corner
-        {{1800, 790}, screen.adjusted(0, 0, 0, -40), {1800, 560}}, // below
-        {{1290, 300}, screen.adjusted(48, 0, 0, 0), {1328, 300}},  // on the left
-        {{2540, 700}, screen.adjusted(0, 0, -48, 0), {2212, 600}}, // on the right
-        {{1800, 16}, screen, {1800, 32}},                          // above, unreported
-        {{1800, 799}, screen, {1800, 572}},                        // below, at the very edge
-    };
-    for (const auto &[pointer, room, place] : cases)
-        EXPECT_EQ(menuPlace(pointer, menu, screen, room), place) << pointer.x() << ' ' << pointer.y();
 }
 
 TEST(LongText, ANameIsOneLineOfSixtyFourCharactersAtMost) {

@@ -2,11 +2,9 @@
 #include "support/fakes.h"
 #include "ui/menu/menu_view.h"
 #include "ui/views/icon_view.h"
-#include "ui/widgets/icons.h"
 #include "ui/widgets/menu_widget.h"
 
 #include <QSignalSpy>
-#include <QTest>
 
 namespace korvel::test {
 namespace {
@@ -248,23 +246,6 @@ TEST_F(MenuWidgetTest, ALineHasALimitedWidthAndItsToolTipTheWholeText) {
     EXPECT_LE(widget.menu().fontMetrics().horizontalAdvance(shortened->text()), 640);
     EXPECT_TRUE(shortened->text().startsWith(u"⚠ WW"_s) && shortened->text().endsWith(u"WW · Not allowed"_s));
     EXPECT_EQ(shortened->toolTip(), entry.title + u" · Without it: silence"_s);
-}
-
-TEST(PanelIcon, ShowsItsThreeStatesByShapeAtEverySize) {
-    for (const int size : {18, 36, 54}) {
-        const auto image = [&](bool on, bool dimmed) {
-            return panelIcon({.on = on, .dimmed = dimmed, .toolTip = {}}).pixmap(size).toImage();
-        };
-        const QImage active = image(true, false), offline = image(true, true), silent = image(false, true);
-        ASSERT_EQ(active.width(), size);
-        const auto filled = [&](const QImage &i, double x, double y) {
-            const QColor c = i.pixelColor(static_cast<int>(x * size / 18), static_cast<int>(y * size / 18));
-            return c.alpha() > 200;
-        };
-        EXPECT_TRUE(filled(active, 9, 9) && filled(active, 4.2, 9)) << size;
-        EXPECT_TRUE(!filled(offline, 9, 9) && filled(offline, 4.2, 9)) << size;
-        EXPECT_TRUE(filled(silent, 9, 9) && !filled(silent, 4.2, 9)) << size;
-    }
 }
 
 } // namespace
