@@ -10,7 +10,6 @@
 #include "ports/http_client.h"
 #include "ports/programs.h"
 #include "ports/server_client.h"
-#include "ports/service_control.h"
 #include "ports/status_item.h"
 #include "ports/windows.h"
 #include "ui/views/edit_menu.h"
@@ -136,23 +135,27 @@ public:
 inline Result<HttpReply> json(const QByteArray &body) { return HttpReply{200, body}; }
 inline Result<HttpReply> noResponse() { return Error{ErrorKind::Unreachable, {}}; }
 
-/// A service manager with one job.
-class FakeServices final : public ServiceControl {
-public:
-    ServiceResult print(const QString &label) override { return call(u"print "_s + label, loaded); }
-    ServiceResult bootstrap(const QString &jobFile) override {
-        const bool good = runs && !loaded && failBootstraps-- <= 0;
-        loaded = loaded || good;
-        return call(u"bootstrap "_s + QFileInfo(jobFile).fileName(), good);
-    }
-    ServiceResult bootout(const QString &label) override {
-        loaded = loaded && (!runs || stuck || label != u"com.korvel.agent");
-        return call(u"bootout "_s + label, true);
-    }
-    ServiceResult enable(const QString &label) override { return call(u"enable "_s + label, true); }
-    ServiceResult disable(const QString &label) override { return call(u"disable "_s + label, true); }
-    ServiceResult kickstart(const QString &label) override { return call(u"kickstart "_s + label, loaded); }
+/// The result of a program that exits with `status` after printing `output`.
+inline ProgramResult exited(int status, const QByteArray &output = {}) {
+    return {.status = status, .launched = true, .output = output, .launchError = {}};
+}
 
+/// A service manager with one job.
+class FakeLaunchctl final : public Programs {
+public:
+    ProgramResult run(const ProgramRun &request) override {
+        const QString operation = request.arguments.first(), label = request.arguments.last().section(u'/', -1);
+        calls.append(operation + u' ' + label);
+        if (!runs)
+            return {};
+        if (operation == u"print" || operation == u"kickstart")
+            return exited(loaded ? 0 : 113);
+        if (operation == u"bootstrap" && (loaded || failBootstraps-- > 0))
+            return exited(5);
+        if (operation.startsWith(u"boot") && label.startsWith(u"com.korvel.agent"))
+            loaded = operation == u"bootstrap" || (loaded && stuck);
+        return exited(0);
+    }
     /// The names of all calls.
     QString operations() const { return calls.join(u' ').remove(QRegularExpression(u" com\\.\\S+"_s)); }
 
@@ -161,18 +164,7 @@ public:
     bool stuck = false;     ///< The job stays loaded.
     int failBootstraps = 0; ///< The number of attempts that fail first.
     QStringList calls;
-
-private:
-    ServiceResult call(const QString &command, bool good) {
-        calls.append(command);
-        return !runs ? ServiceResult::Unknown : good ? ServiceResult::Succeeded : ServiceResult::Failed;
-    }
 };
-
-/// The result of a program that exits with `status` after printing `output`.
-inline ProgramResult exited(int status, const QByteArray &output = {}) {
-    return {.status = status, .launched = true, .output = output, .launchError = {}};
-}
 
 class FakePrograms final : public Programs {
 public:
@@ -192,14 +184,24 @@ public:
     void openUrl(const QString &url) override { opened.append(url); }
     bool optionKeyHeld() const override { return option; }
     QString computerName() const override { return u"Studio.local"_s; }
-    void installEditMenu(const QList<EditMenuItem> &items) override { editMenu = items; }
+    void installEditMenu(const QList<EditMenuItem> &items) override {
+        for (const EditMenuItem &item : items)
+            editKeys += item.title.isEmpty() ? u"-"_s : item.key;
+    }
     void terminate() override { ++terminated; }
 
     QStringList opened;
     bool option = false;
-    QList<EditMenuItem> editMenu;
+    QString editKeys; ///< Of the Edit menu; "-" for a separator.
     int terminated = 0;
 };
+
+inline QStringList titlesOf(const QList<MenuEntry> &entries) {
+    QStringList titles;
+    for (const MenuEntry &entry : entries)
+        titles.append(entry.isSeparator() ? u"---"_s : entry.title);
+    return titles;
+}
 
 /// The entry of a menu with an action; an empty one if there is none.
 inline MenuEntry entryFor(Action action, const MenuView &menu) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/tray_app.h"
+#include "service/launchctl.h"
 #include "support/fakes.h"
 #include "support/manual_scheduler.h"
 
@@ -11,6 +12,7 @@ namespace korvel::test {
 inline const QByteArray ONLINE = R"({"ok":true,"online":true,"account":"ann","sessions":1})";
 inline const QByteArray OFFLINE = R"({"ok":true,"online":false,"account":"ann"})";
 inline const QByteArray SILENCE;
+inline const QByteArray DELETED = R"({"ok":true,"online":false,"account":"ann","authDead":true,"accountGone":true})";
 inline const QByteArray SIGNED_OUT = R"({"ok":true,"online":false,"account":"ann","authDead":true})";
 /// A health response with an encryption report.
 inline QByteArray withReport(const QByteArray &report) { return R"({"ok":true,"online":true,"e2ee":)" + report + '}'; }
@@ -20,7 +22,8 @@ struct TrayFixture : ::testing::Test, FakeScreen {
     TestHome home;
     ManualScheduler scheduler;
     FakeHttp http;
-    FakeServices services;
+    FakeLaunchctl services;
+    Launchctl launchctl{services, 501};
     FakePrograms programs;
     LoginPanel *shownLogin = &loginPanel;
     QByteArray reply = SILENCE; ///< The agent's response to a POST.
@@ -48,7 +51,7 @@ struct TrayFixture : ::testing::Test, FakeScreen {
     void launch() {
         tray =
             std::make_unique<TrayApp>(home.fixed, home.paths,
-                                      TrayPorts{scheduler, http, http, programs, services, desktop, item, notices,
+                                      TrayPorts{scheduler, http, http, programs, launchctl, desktop, item, notices,
                                                 alerts, pairPanel, *shownLogin, home.home(), u"/opt/korvel-agent"_s});
         tray->launch(u"/Applications/Korvel.app/Contents/MacOS/korvel-tray"_s);
         scheduler.runDue();

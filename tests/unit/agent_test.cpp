@@ -119,11 +119,6 @@ TEST(Launchctl, OnlyAnExitStatusShowsHowACommandEnded) {
     EXPECT_EQ(programs.runs.at(0).timeout, 30s);
 }
 
-mode_t modeOf(const QString &path) {
-    struct stat info {};
-    return ::stat(QFile::encodeName(path).constData(), &info) == 0 ? info.st_mode & 0777 : 0;
-}
-
 TEST(LoginItem, IsWrittenOnceAndOnlyForAnInstalledProgram) {
     const TestHome home;
     ensureTrayLoginItem(home.paths, home.home() + u"/Applications/Korvel.app/Contents/MacOS/korvel-tray"_s);
@@ -139,7 +134,7 @@ TEST(LoginItem, IsWrittenOnceAndOnlyForAnInstalledProgram) {
     EXPECT_TRUE(text.contains("<array><string>/Applications/A &amp; &lt;B&gt;/korvel-tray</string></array>\n"
                               "  <key>RunAtLoad</key><true/>\n  <key>StandardErrorPath</key><string>"))
         << text.constData();
-    EXPECT_EQ(modeOf(home.paths.trayPlist), 0644u);
+    EXPECT_EQ(QFile::permissions(home.paths.trayPlist), QFile::Permissions(0x6644));
     home.write(home.paths.trayPlist, "edited");
     ensureTrayLoginItem(home.paths, installed);
     EXPECT_EQ(home.read(home.paths.trayPlist), "edited");
@@ -190,8 +185,8 @@ TEST_F(AgentConfigTest, AChangeByAnotherProgramIsReadAtOnce) {
 
 TEST_F(AgentConfigTest, AWriteIsPrivateWholeAndBehindALink) {
     config.writeCfg({{u"b"_s, 1}});
-    EXPECT_EQ(modeOf(home.paths.cfgDir), 0700u);
-    EXPECT_EQ(modeOf(home.paths.agentCfg), 0600u);
+    EXPECT_EQ(QFile::permissions(home.paths.cfgDir), QFile::Permissions(0x7700));
+    EXPECT_EQ(QFile::permissions(home.paths.agentCfg), QFile::Permissions(0x6600));
     {
         const FullDisk full(100);
         config.writeCfg({{u"b"_s, QString(500, u'x')}});
@@ -206,7 +201,7 @@ TEST_F(AgentConfigTest, AWriteIsPrivateWholeAndBehindALink) {
     config.writeCfg({{u"a"_s, u"b"_s}});
     EXPECT_TRUE(QFileInfo(home.paths.agentCfg).isSymLink());
     EXPECT_EQ(text(u"a"), u"b"_s);
-    EXPECT_EQ(modeOf(real), 0600u);
+    EXPECT_EQ(QFile::permissions(real), QFile::Permissions(0x6600));
 }
 
 using AgentControlTest = TrayFixture;

@@ -24,15 +24,10 @@ TEST(FixedConfig, TextsAndRequestsFollowTheUsersLanguages) {
     EXPECT_TRUE(acceptLanguage(many).endsWith(", xj;q=0.1"));
 }
 
-TEST(FixedConfig, TheEditionChoosesServerAndPages) {
-    const FixedConfig cn = testConfig(u"cn"_s), intl = testConfig(u"intl"_s);
-    EXPECT_TRUE(cn.IS_CN && !intl.IS_CN && !cn.ZH);
-    EXPECT_EQ(cn.SITE_URL, u"https://site.example/zh"_s);
-    EXPECT_EQ(intl.SITE_URL, u"https://site.example/en"_s);
-    EXPECT_EQ(intl.DEFAULT_SERVER, u"intl.example:443"_s);
-}
-
-TEST(FixedConfig, EnvironmentValuesAreUsedUnchanged) {
+TEST(FixedConfig, FollowsTheEditionAndTheEnvironment) {
+    EXPECT_EQ(testConfig(u"cn"_s).SITE_URL, u"https://site.example/zh"_s);
+    EXPECT_EQ(testConfig(u"intl"_s).SITE_URL, u"https://site.example/en"_s);
+    EXPECT_FALSE(testConfig(u"cn"_s).ZH);
     LaunchEnvironment environment;
     environment.home = u"/Users/ann"_s;
     const auto config = [&] { return makeFixedConfig(testDeployment(), environment); };

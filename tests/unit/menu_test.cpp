@@ -57,13 +57,6 @@ struct Scene : TrayState {
     }
 };
 
-QStringList titlesOf(const MenuView &menu) {
-    QStringList list;
-    for (const MenuEntry &e : menu.entries)
-        list.append(e.isSeparator() ? u"---"_s : e.title);
-    return list;
-}
-
 TEST(StatusLine, ShowsTheFirstSituationThatApplies) {
     Scene anonymous, unknown = Scene().missing({u"A"_s});
     anonymous.health.sessions = 0;
@@ -101,7 +94,7 @@ TEST(StatusLine, ShowsTheFirstSituationThatApplies) {
     };
     for (const auto &[scene, line] : cases) {
         EXPECT_EQ(scene.see(statusLine), line);
-        EXPECT_FALSE(titlesOf(scene.see(menuView)).join(u'|').contains(u"---|---"_s))
+        EXPECT_FALSE(titlesOf(scene.see(menuView).entries).join(u'|').contains(u"---|---"_s))
             << "separators never double: " << line.toStdString();
     }
     const QScopedValueRollback chinese(ZH, true);
@@ -131,7 +124,7 @@ struct MenuViewTest : ::testing::Test {
     Scene state;
 
     MenuView view() const { return state.see(menuView); }
-    QStringList titles() const { return titlesOf(view()); }
+    QStringList titles() const { return titlesOf(view().entries); }
     MenuEntry entry(Action action) const { return entryFor(action, view()); }
 };
 

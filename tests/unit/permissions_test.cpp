@@ -23,12 +23,7 @@ struct PermissionsTest : TrayFixture {
         http.respond = nullptr;
     }
     const PermissionState &permissions() const { return tray->currentState().permissions; }
-    QStringList block() const {
-        QStringList titles;
-        for (const MenuEntry &entry : permMenuItems(tray->situation()))
-            titles.append(entry.title);
-        return titles;
-    }
+    QStringList block() const { return titlesOf(permMenuItems(tray->situation())); }
 };
 
 TEST_F(PermissionsTest, EachPermissionIsOneLineAndOnlySettingsAreOpened) {

@@ -23,43 +23,29 @@
 namespace korvel::test {
 namespace {
 
-/// The palettes of light and dark desktops.
-QList<QPalette> looks() {
-    QList<QPalette> palettes;
+TEST(ToneColour, EveryToneCanBeReadOnLightAndDarkWindows) {
+    EXPECT_NEAR(contrastRatio(Qt::black, QColor(0x77, 0x77, 0x77)), 4.69, 0.01); // a published value
     for (const auto &[text, ground, field] :
          {std::tuple{QColor(Qt::black), QColor(0xef, 0xef, 0xef), QColor(Qt::white)},
           {Qt::black, Qt::white, Qt::white},
           {Qt::white, QColor(0x32, 0x32, 0x32), QColor(0x1e, 0x1e, 0x1e)},
           {QColor(0xee, 0xee, 0xec), QColor(0x35, 0x35, 0x35), QColor(0x2d, 0x2d, 0x2d)},
           {QColor(0xfc, 0xfc, 0xfc), QColor(0x2a, 0x2e, 0x32), QColor(0x1b, 0x1e, 0x20)}}) {
-        QPalette palette(text, ground, ground.lighter(150), ground.darker(180), ground.darker(130), text, Qt::white,
-                         field, ground);
-        palette.setColor(QPalette::PlaceholderText, readableColours(palette).color(QPalette::PlaceholderText));
-        palettes.append(palette);
-    }
-    return palettes;
-}
-
-TEST(ToneColour, EveryToneCanBeReadOnLightAndDarkWindows) {
-    EXPECT_NEAR(contrastRatio(Qt::black, QColor(0x77, 0x77, 0x77)), 4.69, 0.01); // a published value
-    for (const QPalette &palette : looks()) {
-        const QColor ground = palette.color(QPalette::Window), field = palette.color(QPalette::Base);
+        const QPalette palette(text, ground, ground.lighter(150), ground.darker(180), ground.darker(130), text,
+                               Qt::white, field, ground);
         for (const Tone tone : {Tone::Normal, Tone::Secondary, Tone::Tertiary, Tone::Link, Tone::Error})
             EXPECT_GE(contrastRatio(toneColour(tone, palette), ground), 4.5) << static_cast<int>(tone);
         const QPalette colours = readableColours(palette);
         EXPECT_GE(contrastRatio(colours.color(QPalette::Disabled, QPalette::ButtonText), ground), 4.5);
         const double placeholder = contrastRatio(colours.color(QPalette::Active, QPalette::PlaceholderText), field);
         EXPECT_GE(placeholder, 4.5);
-        EXPECT_LE(placeholder, contrastRatio(palette.color(QPalette::Text), field) / 2);
+        EXPECT_LE(placeholder, contrastRatio(text, field) / 2);
     }
-}
-
-TEST(ToneColour, ALinkHasTheSystemsColourIfThereIsOne) {
-    QPalette palette = looks().first();
-    palette.setColor(QPalette::Link, QColor(0x00, 0x57, 0xae));
-    EXPECT_EQ(toneColour(Tone::Link, palette), QColor(0x00, 0x57, 0xae));
-    palette.setColor(QPalette::Link, Qt::blue); // Qt's own default
-    EXPECT_NE(toneColour(Tone::Link, palette), QColor(Qt::blue));
+    QPalette system;
+    system.setColor(QPalette::Link, QColor(0x00, 0x57, 0xae));
+    EXPECT_EQ(toneColour(Tone::Link, system), QColor(0x00, 0x57, 0xae));
+    system.setColor(QPalette::Link, Qt::blue); // Qt's own default
+    EXPECT_NE(toneColour(Tone::Link, system), QColor(Qt::blue));
 }
 
 TEST(LongText, ANameIsOneLineOfSixtyFourCharactersAtMost) {
