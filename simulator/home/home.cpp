@@ -153,8 +153,6 @@ QList<QJsonObject> Home::requests() const { return readLines(paths.requestLog())
 
 QList<QJsonObject> Home::serverRequests() const { return readLines(paths.serverLog()); }
 
-QList<QJsonObject> Home::toolCalls() const { return readLines(paths.toolLog()); }
-
 QList<QJsonObject> Home::agentCalls() const { return readLines(paths.agentLog()); }
 
 QStringList Home::opened() const {

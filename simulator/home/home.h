@@ -75,11 +75,10 @@ public:
     static QString domain();
     static QString agentTarget() { return domain() + u'/' + AGENT_LABEL; }
 
-    /// Logs of the requests to the agent and to the account server, and of the calls of the simulated tools and the
-    /// agent's command line, oldest first.
+    /// Logs of the requests to the agent and to the account server, and of the calls of the agent's command line and
+    /// of `open`, oldest first.
     QList<QJsonObject> requests() const;
     QList<QJsonObject> serverRequests() const;
-    QList<QJsonObject> toolCalls() const;
     QList<QJsonObject> agentCalls() const;
     QStringList opened() const;
     /// Installed packages, oldest first: "time" (ms), "version", "sha256".
