@@ -13,12 +13,9 @@ struct PanelTray : Journey {
     std::unique_ptr<TrayProcess> process;
 
     bool soon(const std::function<bool()> &condition) { return panel.waitUntil(condition, SOON); }
-    void startProgram() {
+    void start() {
         process = std::make_unique<TrayProcess>(home, TrayProcess::Shown::OnDesktop);
         ASSERT_TRUE(process->begin());
-    }
-    void start() {
-        startProgram();
         ASSERT_TRUE(panel.waitForItem(SOON, process->processId()));
     }
     void end() {

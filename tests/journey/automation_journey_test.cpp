@@ -19,10 +19,11 @@ struct AutomationJourney : Journey {
         TrayProcess process(home, TrayProcess::Shown::Nowhere, language);
         if (!hasExchange)
             QFile::remove(QFileInfo(process.placed).path() + u"/../Helpers/korvel-exchange"_s);
-        const int status = process.automate(arguments, input);
-        output = process.output;
-        errors = process.errors;
-        return status;
+        process.beginAutomation(arguments, input);
+        EXPECT_TRUE(process.waitForFinished());
+        output = process.readAllStandardOutput();
+        errors = process.readAllStandardError();
+        return process.exitCode();
     }
 };
 

@@ -1,36 +1,13 @@
 #include "base/log.h"
 #include "journey/journey.h"
+#include "journey/listener.h"
 
-#include <QTcpServer>
-#include <QTcpSocket>
 #include <sys/socket.h>
 
 namespace korvel::test {
 namespace {
 
-void respond(QTcpSocket &socket) { socket.write("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\n{}"); }
 void reset(QTcpSocket &socket) { socket.abort(); }
-
-/// A listener on the loopback that reads requests and calls `onRequest` for each.
-struct Listener {
-    QTcpServer server;
-    int connections = 0;
-    QByteArray read;
-    std::function<void(QTcpSocket &)> onRequest = respond;
-
-    Listener() {
-        EXPECT_TRUE(server.listen(QHostAddress::LocalHost));
-        QObject::connect(&server, &QTcpServer::newConnection, &server, [this] {
-            ++connections;
-            QTcpSocket *socket = server.nextPendingConnection();
-            QObject::connect(socket, &QTcpSocket::readyRead, socket, [this, socket] {
-                read += socket->readAll();
-                onRequest(*socket);
-            });
-        });
-    }
-    QString url() const { return u"http://127.0.0.1:%1"_s.arg(server.serverPort()); }
-};
 
 /// The client for the agent.
 struct HttpJourney : ::testing::Test {

@@ -35,22 +35,6 @@ bool eventually(const std::function<bool()> &condition, std::chrono::millisecond
     return true;
 }
 
-std::optional<qint64> parentOfExchange(qint64 process) {
-    QFile file(u"/proc/%1/stat"_s.arg(process)); // "PID (NAME) STATE PARENT ..."
-    const QByteArray text = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    const QList<QByteArray> words = text.split(' ');
-    const bool lives = words.value(1) == "(korvel-exchange)" && words.value(2) != "Z";
-    return lives ? std::optional(words.value(3).toLongLong()) : std::nullopt;
-}
-
-QList<qint64> exchangesOf(qint64 parent) {
-    QList<qint64> found;
-    for (const QString &name : QDir(u"/proc"_s).entryList(QDir::Dirs))
-        if (parentOfExchange(name.toLongLong()) == parent)
-            found.append(name.toLongLong());
-    return found;
-}
-
 Journey::Journey(int speed)
     : launchEnvironment{.preferredLanguages = {},
                         .home = home.path(),
@@ -97,6 +81,12 @@ bool Journey::showsSoon(const QString &statusLine) {
     const bool shown = eventually([&] { return item.statusLine() == statusLine; });
     EXPECT_EQ(item.statusLine(), statusLine);
     return shown;
+}
+
+QList<sim::ProcessInfo> Journey::exchanges() const {
+    QList<sim::ProcessInfo> found = sim::processesOfHome(home.path());
+    found.removeIf([](const auto &process) { return !process.commandLine.first().endsWith(u"/korvel-exchange"_s); });
+    return found;
 }
 
 } // namespace korvel::test

@@ -6,6 +6,7 @@
 #include "platform/qt/qt_programs.h"
 #include "platform/qt/qt_scheduler.h"
 #include "service/launchctl.h"
+#include "simulator/home/processes.h"
 #include "simulator/home/simulated_home.h"
 #include "support/fakes.h"
 #include "support/tray_process.h"
@@ -28,11 +29,6 @@ Result<HttpReply> outcomeOf(Client &client, const Request &request) {
     EXPECT_TRUE(eventually([&] { return outcome.has_value(); }));
     return outcome.value_or(Error{});
 }
-
-/// The parent of this process if it is a run of korvel-exchange. Linux only.
-std::optional<qint64> parentOfExchange(qint64 process);
-/// The runs of korvel-exchange that `parent` has started. Linux only.
-QList<qint64> exchangesOf(qint64 parent);
 
 /// The part of a scenario with a fault of the agent at `path` (or "*"), and the same of the account server.
 inline QJsonObject agentFault(const QString &path, const QJsonObject &fault) {
@@ -74,6 +70,8 @@ struct Journey : ::testing::Test, FakeScreen {
     /// Signs in, launches, and waits until all is well.
     void startConnected();
     bool showsSoon(const QString &statusLine);
+    /// The runs of korvel-exchange in the home.
+    QList<sim::ProcessInfo> exchanges() const;
 
 private:
     const QProcessEnvironment before = QProcessEnvironment::systemEnvironment();

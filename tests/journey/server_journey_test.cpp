@@ -5,7 +5,6 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <csignal>
-#include <unistd.h>
 
 namespace korvel::test {
 namespace {
@@ -123,12 +122,12 @@ TEST_F(ServerJourney, AProxyOfTheEnvironmentThatRefusesIsNoConnection) {
 
 /// korvel-exchange while the server does not respond.
 struct ExchangeJourney : ServerJourney {
-    /// The only run that `parent` has started, once the server has read its request.
-    qint64 exchangeOf(qint64 parent) const {
+    /// The only run, once the server has read its request.
+    sim::ProcessInfo exchange() const {
         const auto before = home.serverRequests().size();
         EXPECT_TRUE(eventually([&] { return home.serverRequests().size() > before; }));
-        EXPECT_EQ(exchangesOf(parent).size(), 1);
-        return exchangesOf(parent).value(0);
+        EXPECT_EQ(exchanges().size(), 1);
+        return exchanges().value(0);
     }
 };
 
@@ -138,17 +137,15 @@ TEST_F(ExchangeJourney, OneThatIsKilledIsAFailureAndNoneIsLeftWhenItsClientEnds)
         std::optional<ErrorKind> kind;
         setServer(mode(u"silent"_s));
         client->send(login(), Done<HttpReply>([&](const Result<HttpReply> &reply) { kind = reply.error().kind; }));
-        const qint64 process = exchangeOf(::getpid());
-        QFile commandLine(u"/proc/%1/cmdline"_s.arg(process));
-        ASSERT_TRUE(commandLine.open(QIODevice::ReadOnly));
-        EXPECT_EQ(commandLine.readAll(), QFile::encodeName(exchangeProgram()) + '\0'); // no secret is an argument
+        const sim::ProcessInfo process = exchange();
+        EXPECT_EQ(process.commandLine, QStringList{exchangeProgram()}); // no secret is an argument
         if (isKilled)
-            ::kill(static_cast<pid_t>(process), SIGKILL);
+            ::kill(process.id, SIGKILL);
         else
             client.reset();
         ASSERT_TRUE(eventually([&] { return kind.has_value(); }));
         EXPECT_EQ(kind, isKilled ? ErrorKind::UnreadableResponse : ErrorKind::Dropped);
-        EXPECT_TRUE(exchangesOf(::getpid()).isEmpty());
+        EXPECT_TRUE(exchanges().isEmpty());
         setServer({});
         EXPECT_EQ(signIn(), SIGNED_IN); // the next request works
     }
@@ -158,9 +155,9 @@ TEST_F(ExchangeJourney, NoneIsLeftWhenTheTrayIsKilled) {
     setServer(mode(u"silent"_s));
     TrayProcess process(home);
     process.beginAutomation({u"--login"_s, u"sam@example.com"_s, server}, "open sesame\n");
-    const qint64 exchange = exchangeOf(process.processId());
+    exchange();
     process.stop(SIGKILL);
-    EXPECT_TRUE(eventually([&] { return !parentOfExchange(exchange); }));
+    EXPECT_TRUE(eventually([&] { return exchanges().isEmpty(); }));
 }
 
 } // namespace

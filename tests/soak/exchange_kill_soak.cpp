@@ -3,7 +3,6 @@
 #include <QElapsedTimer>
 #include <QRandomGenerator>
 #include <csignal>
-#include <unistd.h>
 
 namespace korvel::test {
 namespace {
@@ -23,9 +22,9 @@ struct ExchangeKillSoak : UpdateJourney {
         clock.start();
         const qint64 moment = random.bounded(withinMs);
         eventually([&] { return clock.elapsed() >= moment; });
-        const QList<qint64> running = exchangesOf(::getpid());
-        for (const qint64 pid : running)
-            ::kill(static_cast<pid_t>(pid), SIGKILL);
+        const auto running = exchanges();
+        for (const sim::ProcessInfo &process : running)
+            ::kill(process.id, SIGKILL);
         kills += !running.isEmpty();
         EXPECT_TRUE(eventually([&] { return !notices.shown.empty() && !isBusy(); }));
         return notices.last();
@@ -56,7 +55,7 @@ TEST_F(ExchangeKillSoak, EachKillIsReportedAsAFailureAndTheNextTryWorks) {
     EXPECT_GE(kills, KILLS);
     EXPECT_GT(failures, KILLS / 2); // the other kills came too late to matter
     tray.reset();
-    EXPECT_TRUE(eventually([] { return exchangesOf(::getpid()).isEmpty(); }));
+    EXPECT_TRUE(eventually([this] { return exchanges().isEmpty(); }));
 }
 
 } // namespace

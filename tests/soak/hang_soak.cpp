@@ -24,18 +24,16 @@ struct HangSoak : Journey {
 TEST_F(HangSoak, WhicheverSubcommandHangsTheToggleEndsAndTheNextOneWorks) {
     const QJsonObject hangs{{u"delayMs"_s, 600'000}}, fails{{u"status"_s, 5}};
     const QString paused = u"⏻ Sync paused · ann"_s;
+    const std::pair<QString, QString> toggles[] = {
+        {u"bootout"_s, paused},      {u"disable"_s, paused},      {u"print"_s, paused},    {u"enable"_s, CONNECTED},
+        {u"bootstrap"_s, CONNECTED}, {u"kickstart"_s, CONNECTED}, {u"print"_s, CONNECTED},
+    };
     ASSERT_NO_FATAL_FAILURE(startConnected());
-    for (const QString &subcommand : {u"bootout"_s, u"disable"_s, u"print"_s}) {
-        SCOPED_TRACE(subcommand.toStdString());
-        behave({{subcommand, hangs}});
-        ASSERT_NO_FATAL_FAILURE(toggleTo(paused));
-        ASSERT_NO_FATAL_FAILURE(toggleTo(CONNECTED));
-    }
-    for (const QString &subcommand : {u"enable"_s, u"bootstrap"_s, u"kickstart"_s, u"print"_s}) {
-        SCOPED_TRACE(subcommand.toStdString());
-        ASSERT_NO_FATAL_FAILURE(toggleTo(paused));
+    for (const auto &[subcommand, line] : toggles) {
+        SCOPED_TRACE((subcommand + u' ' + line).toStdString());
+        ASSERT_NO_FATAL_FAILURE(toggleTo(line == paused ? CONNECTED : paused));
         behave({{u"bootstrap"_s, subcommand == u"kickstart" ? fails : QJsonObject()}, {subcommand, hangs}});
-        ASSERT_NO_FATAL_FAILURE(toggleTo(CONNECTED));
+        ASSERT_NO_FATAL_FAILURE(toggleTo(line));
     }
 }
 

@@ -1,45 +1,26 @@
 #include "account/browser_login.h"
 #include "e2ee/requests.h"
 #include "journey/journey.h"
+#include "journey/listener.h"
 
 #include <QRandomGenerator>
-#include <QTcpServer>
-#include <QTcpSocket>
 
 namespace korvel::test {
 namespace {
 
 constexpr int POSTS = 1000;
 
-/// An agent that dies after it has read some part of each request.
-struct DyingAgent {
-    QTcpServer server;
-    int connections = 0;
-
-    explicit DyingAgent(QRandomGenerator &random) {
-        EXPECT_TRUE(server.listen(QHostAddress::LocalHost));
-        QObject::connect(&server, &QTcpServer::newConnection, &server, [this, &random] {
-            ++connections;
-            QTcpSocket *socket = server.nextPendingConnection();
-            const qint64 enough = random.bounded(300);
-            QObject::connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-            QObject::connect(socket, &QTcpSocket::readyRead, socket, [socket, enough, dies = random.bounded(2) == 0] {
-                if (socket->bytesAvailable() < enough && !socket->peek(4096).contains("\r\n\r\n"))
-                    return;
-                dies ? socket->abort() : socket->close();
-            });
-        });
-    }
-};
-
 TEST(PostSoak, AnAgentThatDiesWhileReadingGetsEachPostAtMostOnce) {
     QRandomGenerator random(static_cast<quint32>(qEnvironmentVariableIntValue("KORVEL_SOAK_SEED")));
-    DyingAgent agent(random);
+    Listener agent;
+    agent.onRequest = [&random](QTcpSocket &socket) {
+        random.bounded(2) ? socket.abort() : socket.disconnectFromHost();
+    };
     TestHome home;
     home.bind();
     const AgentConfig config(home.paths);
     FixedConfig fixed = home.fixed;
-    fixed.AGENT_LOCAL = u"http://127.0.0.1:%1"_s.arg(agent.server.serverPort());
+    fixed.AGENT_LOCAL = agent.url();
     LoopbackHttpClient http;
     AgentApi api(http, fixed, config);
     for (const AgentRequest &kind :

@@ -29,9 +29,8 @@ TrayProcess::~TrayProcess() {
         stop(SIGKILL);
 }
 
-bool TrayProcess::begin(const QStringList &arguments) {
+bool TrayProcess::begin() {
     setProcessChannelMode(MergedChannels);
-    setArguments(arguments);
     start();
     return waitForStarted();
 }
@@ -44,14 +43,6 @@ void TrayProcess::beginAutomation(const QStringList &arguments, const QByteArray
     start();
     write(input);
     closeWriteChannel();
-}
-
-int TrayProcess::automate(const QStringList &arguments, const QByteArray &input) {
-    beginAutomation(arguments, input);
-    EXPECT_TRUE(waitForFinished());
-    output = readAllStandardOutput();
-    errors = readAllStandardError();
-    return exitCode();
 }
 
 QByteArray TrayProcess::stop(int signal) {

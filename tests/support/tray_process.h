@@ -19,19 +19,16 @@ public:
     ~TrayProcess() override;
 
     /// Starts it; what it prints on either stream can be read.
-    bool begin(const QStringList &arguments = {});
-    /// Starts it in an automation mode with `input` to read.
+    bool begin();
+    /// Starts it in an automation mode with `input` to read; its streams are apart.
     void beginAutomation(const QStringList &arguments, const QByteArray &input);
-    /// Runs it to its end in an automation mode and gives its status.
-    int automate(const QStringList &arguments, const QByteArray &input);
     /// Sends it a signal, waits for its end, and gives what it printed.
     QByteArray stop(int signal);
     /// Asks it to end, which it does with success and without a word of a sanitizer.
     void end();
     bool hasEndedWell() const { return exitStatus() == NormalExit && exitCode() == 0; }
 
-    const QString placed;      ///< Where the program lies in the home.
-    QByteArray output, errors; ///< Of the last run in an automation mode.
+    const QString placed; ///< Where the program lies in the home.
 };
 
 } // namespace korvel::test
