@@ -23,10 +23,6 @@ QByteArray outcomeOf(const QByteArray &output, qsizetype first) {
 
 } // namespace
 
-extern "C" size_t LLVMFuzzerCustomMutator(uint8_t *data, size_t size, size_t maxSize, unsigned seed) {
-    return fuzz::mutateJson(data, size, maxSize, seed);
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     const fuzz::Input input(data, size);
     if (const auto task = parseTask(input.bytes)) {

@@ -38,6 +38,13 @@ private:
     unsigned used = 0;
 };
 
+/// Whether a text consists of ASCII letters, digits and these marks.
+inline bool isPlain(const QString &text, const char *marks) {
+    return std::all_of(text.begin(), text.end(), [marks](QChar c) {
+        return (c < QChar(128) && c.isLetterOrNumber()) || QLatin1StringView(marks).contains(c);
+    });
+}
+
 inline bool isDirectionMark(QChar c) {
     return c == QChar(0x61c) || c == QChar(0x200e) || c == QChar(0x200f) ||
            (c >= QChar(0x202a) && c <= QChar(0x202e)) || (c >= QChar(0x2066) && c <= QChar(0x2069));

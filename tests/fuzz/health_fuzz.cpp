@@ -107,10 +107,6 @@ void apply(TrayState &state, const QJsonValue &reply, const HealthContext &conte
 
 } // namespace
 
-extern "C" size_t LLVMFuzzerCustomMutator(uint8_t *data, size_t size, size_t maxSize, unsigned seed) {
-    return fuzz::mutateJson(data, size, maxSize, seed);
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     fuzz::Input input(data, size);
     ZH = input.flag();

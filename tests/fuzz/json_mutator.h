@@ -8,7 +8,6 @@
 #include <QJsonObject>
 #include <QStringList>
 #include <cstring>
-#include <functional>
 #include <random>
 
 extern "C" size_t LLVMFuzzerMutate(uint8_t *data, size_t size, size_t maxSize);
@@ -36,82 +35,77 @@ public:
     explicit JsonMutation(unsigned seed) : random(seed) {}
 
     QJsonValue changed(const QJsonValue &value) {
-        if (value.isObject() && below(8) != 0)
+        if (value.isObject() && !seldom())
             return changedObject(value.toObject());
-        if (value.isArray() && below(8) != 0)
+        if (value.isArray() && !seldom())
             return changedArray(value.toArray());
         return any();
     }
 
 private:
     qsizetype below(qsizetype end) { return static_cast<qsizetype>(random() % static_cast<unsigned>(end)); }
-
-    QString text() {
-        static const QStringList TEXTS{u""_s,          u" "_s,
-                                       u"\u202eabc"_s, u"\u05d0\u05d1 1\u200f"_s,
-                                       u"a\nb\t\0c"_s, u"e\u0301\u0301"_s,
-                                       u"\u2028"_s,    u"\U0001f469\u200d\U0001f467"_s,
-                                       u"482 913"_s,   u"\u2066x"_s,
-                                       u"9"_s,         u"1.10"_s};
-        QString made = below(2) ? words().at(below(words().size())) : TEXTS.at(below(TEXTS.size()));
-        while (below(3) == 0 && made.size() < 2000)
-            made += below(2) ? TEXTS.at(below(TEXTS.size())) : made;
-        return made;
+    bool seldom() { return below(8) == 0; }
+    template <class List>
+    auto anyOf(const List &list) {
+        return list.at(below(list.size()));
     }
 
     QJsonValue any() {
-        static const QJsonArray VALUES{
-            QJsonValue(), true, false, 0, 1, -1, 12.5, 1e300, Q_INT64_C(9007199254740993), QJsonArray(), QJsonObject()};
-        return below(2) ? QJsonValue(text()) : VALUES.at(below(VALUES.size()));
+        static const QJsonArray VALUES = QJsonDocument::fromJson(R"([
+            null, true, false, 0, 1, -1, 12.5, 1e300, 9007199254740993, [], {}, "", " ", "\u202eabc",
+            "\u05d0\u05d1 1\u200f", "a\nb\t\u0000c", "e\u0301\u0301", "\u2028", "\ud83d\udc69\u200d\ud83d\udc67",
+            "482 913", "\u2066x", "9", "1.10"])")
+                                             .array();
+        QJsonValue made = below(3) == 0 ? QJsonValue(anyOf(words())) : anyOf(VALUES);
+        while (made.isString() && below(3) == 0 && made.toString().size() < 2000)
+            made = made.toString() + (below(2) ? made : anyOf(VALUES)).toString();
+        return made;
     }
 
     QJsonObject changedObject(QJsonObject object) {
-        const QStringList keys = object.keys();
-        const auto choice = below(8);
-        if (choice == 0 || keys.isEmpty())
-            object.insert(words().at(below(words().size())), any());
-        else if (choice == 1)
-            object.remove(keys.at(below(keys.size())));
+        const QString key = object.isEmpty() || seldom() ? anyOf(words()) : anyOf(object.keys());
+        if (seldom())
+            object.remove(key);
         else
-            object[keys.at(below(keys.size()))] = changed(object[keys.at(below(keys.size()))]);
+            object[key] = object.contains(key) ? changed(object[key]) : any();
         return object;
     }
 
     QJsonArray changedArray(QJsonArray array) {
-        const auto choice = below(6);
-        if (array.isEmpty()) {
+        const qsizetype at = below(array.size() + 1);
+        if (at == array.size())
             array.append(any());
-        } else if (choice == 0) {
-            array.removeAt(below(array.size()));
-        } else if (choice == 1) {
-            for (auto more = below(8) ? 1 : below(80); more > 0; --more)
-                array.append(array.at(below(array.size())));
-        } else {
-            const auto at = below(array.size());
+        else if (seldom())
+            array.removeAt(at);
+        else if (seldom())
+            for (auto more = seldom() ? below(80) : 1; more > 0; --more)
+                array.append(array.at(at));
+        else
             array[at] = changed(array.at(at));
-        }
         return array;
     }
 
     std::minstd_rand random;
 };
 
-/// A custom mutator for inputs that are JSON: changes a value, or bytes. `repair` may correct the changed document.
-inline size_t mutateJson(
-    uint8_t *data, size_t size, size_t maxSize, unsigned seed,
-    const std::function<void(QJsonDocument &)> &repair = [](QJsonDocument &) {}) {
-    const Input input(data, size);
+/// Corrects the changed document; a target may set it in LLVMFuzzerInitialize.
+inline void (*repair)(QJsonDocument &document, unsigned seed) = [](QJsonDocument &, unsigned) {};
+
+} // namespace korvel::fuzz
+
+/// Changes a value of an input that is JSON, or bytes. Each target is one file, which includes this one.
+extern "C" size_t LLVMFuzzerCustomMutator(uint8_t *data, size_t size, size_t maxSize, unsigned seed) {
+    const korvel::fuzz::Input input(data, size);
     QJsonDocument document = QJsonDocument::fromJson(input.bytes);
     if (seed % 4 == 0 || document.isNull())
         return LLVMFuzzerMutate(data, size, maxSize);
-    JsonMutation mutation(seed);
-    const QJsonValue value =
-        document.isArray() ? mutation.changed(document.array()) : mutation.changed(document.object());
+    const QJsonValue value = korvel::fuzz::JsonMutation(seed).changed(
+        document.isArray() ? QJsonValue(document.array()) : QJsonValue(document.object()));
     if (value.isArray())
         document.setArray(value.toArray());
     else if (value.isObject())
         document.setObject(value.toObject());
-    repair(document);
+    korvel::fuzz::repair(document, seed);
     QByteArray text = document.toJson(QJsonDocument::Compact);
     text += static_cast<char>(seed % 16 == 1 ? seed >> 8 : input.mode);
     if (static_cast<size_t>(text.size()) > maxSize)
@@ -119,5 +113,3 @@ inline size_t mutateJson(
     std::memcpy(data, text.constData(), static_cast<size_t>(text.size()));
     return static_cast<size_t>(text.size());
 }
-
-} // namespace korvel::fuzz
