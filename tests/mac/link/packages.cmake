@@ -29,8 +29,6 @@ macro(provide_package method name)
     endforeach()
     # Debian's Boost asks for what C++20 took away.
     target_compile_definitions(Boost::headers INTERFACE _LIBCPP_ENABLE_CXX20_REMOVED_TYPE_TRAITS)
-    # Debian's GoogleTest is built on another standard library.
-    target_link_options(GTest::gtest INTERFACE -Wl,-undefined,dynamic_lookup)
     set(${name}_FOUND ON)
 endmacro()
 cmake_language(SET_DEPENDENCY_PROVIDER provide_package SUPPORTED_METHODS FIND_PACKAGE)

@@ -20,7 +20,7 @@ foreach(language IN ITEMS CXX OBJCXX)
     # macOS 13 is the newest whose headers zig has.
     set(CMAKE_${language}_FLAGS_INIT "-target aarch64-macos.13.0 -g0 -fno-sanitize=all -Werror")
     set(CMAKE_${language}_LINK_EXECUTABLE "clang -target arm64-apple-macos${CMAKE_OSX_DEPLOYMENT_TARGET} -fuse-ld=lld \
--nostdlib -Wl,-headerpad_max_install_names -Wl,--error-limit=0 -F${tools}/stubs -L${tools}/stubs <LINK_FLAGS> <OBJECTS> -o <TARGET> <LINK_LIBRARIES> -lc++ -lobjc -lSystem")
+-nostdlib -Wl,-headerpad_max_install_names -Wl,--error-limit=0 -Wl,-undefined,dynamic_lookup -F${tools}/stubs -L${tools}/stubs <LINK_FLAGS> <OBJECTS> -o <TARGET> <LINK_LIBRARIES> -lc++ -lobjc -lSystem")
 endforeach()
-string(APPEND CMAKE_OBJCXX_FLAGS_INIT " -Wno-unused-command-line-argument -Wno-unused-parameter -I${tools}/objc \
+string(APPEND CMAKE_OBJCXX_FLAGS_INIT " -Wno-unused-command-line-argument -Wno-unused-parameter -Wundeclared-selector -I${tools}/objc \
 -isystem /usr/include/GNUstep -isystem ${CMAKE_CURRENT_LIST_DIR}/../headers -include apple_additions.h")
