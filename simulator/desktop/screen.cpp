@@ -92,12 +92,6 @@ void clickButton(int button) { xdotool({u"click"_s, QString::number(button)}); }
 
 void pressKey(const QString &name) { xdotool({u"key"_s, name}); }
 
-void holdKey(const QString &name) { xdotool({u"keydown"_s, name}); }
-
-void releaseKey(const QString &name) { xdotool({u"keyup"_s, name}); }
-
-void typeText(const QString &text, std::chrono::milliseconds betweenKeys) {
-    xdotool({u"type"_s, u"--delay"_s, QString::number(betweenKeys.count()), text});
-}
+void typeText(const QString &text) { xdotool({u"type"_s, text}); }
 
 } // namespace korvel::sim

@@ -35,10 +35,7 @@ void movePointer(QPoint to);
 void clickButton(int button);
 // Presses and releases a key by its X name, such as "Escape".
 void pressKey(const QString &name);
-// Presses a key without releasing it, and releases it.
-void holdKey(const QString &name);
-void releaseKey(const QString &name);
 // Types a text.
-void typeText(const QString &text, std::chrono::milliseconds betweenKeys = std::chrono::milliseconds(12));
+void typeText(const QString &text);
 
 } // namespace korvel::sim

@@ -24,12 +24,6 @@ struct AccessibilityTest : PanelTray {
     bool opens(const QString &text) {
         return soon([&] { return window().active && window().find(text); });
     }
-    /// Waits for a window that the program opens, and then until it takes keys.
-    bool comesUp(const QString &text) {
-        const bool came = opens(text);
-        panel.waitUntil([] { return false; }, std::chrono::seconds(1));
-        return came;
-    }
     bool closes() {
         return soon([&] { return window().elements.isEmpty(); });
     }
@@ -63,20 +57,17 @@ struct AccessibilityTest : PanelTray {
             visited.append(next);
         EXPECT_EQ(visited, seen);
     }
-    qsizetype requestsTo(const QString &path) const {
-        return std::ranges::count(home.requests(), path,
-                                  [](const QJsonObject &r) { return r.value(u"path").toString(); });
-    }
 };
 
-TEST_F(AccessibilityTest, ADeviceIsAllowedByKeyboardAndAHeldKeyDismissesNoAlarm) {
+TEST_F(AccessibilityTest, ADeviceIsAllowedByKeyboardAndTheOutcomeIsRead) {
     home.changeScenario(agentFault(u"/e2ee/pair"_s, {{u"delayMs"_s, 300}})); // to read
     installAndSignIn();
     ASSERT_NO_FATAL_FAILURE(start());
     ASSERT_TRUE(lineIs(CONNECTED));
     const sim::JoinRequest device = home.encryption().requestJoin(u"Anna's phone"_s, u"ios"_s);
     const QString title = u"New device: Anna's phone · iPhone"_s;
-    ASSERT_TRUE(comesUp(title));
+    ASSERT_TRUE(opens(title));
+    panel.waitUntil([] { return false; }, std::chrono::seconds(1)); // until it takes keys
     EXPECT_EQ(window().description, title);
     EXPECT_EQ(focus().role, u"text");
     EXPECT_FALSE(isEnabled(u"Allow"_s));
@@ -86,21 +77,9 @@ TEST_F(AccessibilityTest, ADeviceIsAllowedByKeyboardAndAHeldKeyDismissesNoAlarm)
     expectOrder();
     sim::pressKey(u"Return"_s);
     EXPECT_TRUE(closes());
-    EXPECT_EQ(requestsTo(u"/e2ee/pair"_s), 1);
     const QStringList notices{u"Verifying…"_s, u"✓ Allowed Anna's phone"_s};
     EXPECT_TRUE(soon([&] { return reader.notifications().size() >= notices.size(); }));
     EXPECT_EQ(reader.notifications(), notices);
-
-    sim::holdKey(u"Return"_s); // in another program
-    home.encryption().raiseAlarm(u"Alarm"_s);
-    EXPECT_TRUE(comesUp(u"Alarm"_s));
-    sim::typeText(u"   "_s, std::chrono::milliseconds(300));
-    sim::releaseKey(u"Return"_s);
-    EXPECT_EQ(requestsTo(u"/e2ee/alarm/dismiss"_s), 0);
-    ASSERT_TRUE(comesUp(u"Alarm"_s)); // still open
-    sim::pressKey(u"Return"_s);
-    EXPECT_TRUE(closes());
-    EXPECT_EQ(requestsTo(u"/e2ee/alarm/dismiss"_s), 1);
 }
 
 TEST_F(AccessibilityTest, TheSignInWindowNamesItsControlsAndKeepsThePassword) {
