@@ -70,13 +70,6 @@ constexpr Mode MODES[] = {
          c.close();
      }},
     {"garbage"_L1, false, [](auto &c, const auto &...) { c.respond({.body = "{\"ok\":tru\x01 \x7f]}}} korvel"}); }},
-    {"wrong-types"_L1, false,
-     [](auto &c, const auto &...) {
-         c.respond({.body = R"({"ok":"yes","online":"yes","ver":142,"sessions":"two","account":["sam"],)"
-                            R"("authDead":"no","accountGone":1,"e2ee":"active","perms":["screen"],)"
-                            R"("missing":"screen","items":{},"agentToken":7,"agentId":["a"],"id":3,"url":false,)"
-                            R"("status":{},"user":1,"error":[]})"});
-     }},
     {"deep"_L1, false,
      [](auto &c, const auto &...) {
          constexpr int DEPTH = 100'000;

@@ -13,12 +13,9 @@ namespace {
 /// The automation modes of the tray program, off screen.
 struct AutomationJourney : Journey {
     QByteArray output, errors;
-    bool hasExchange = true; ///< The bundle has korvel-exchange.
 
     int run(const QStringList &arguments, const QByteArray &input = {}, const QString &language = u"en"_s) {
         TrayProcess process(home, TrayProcess::Shown::Nowhere, language);
-        if (!hasExchange)
-            QFile::remove(QFileInfo(process.placed).path() + u"/../Helpers/korvel-exchange"_s);
         process.beginAutomation(arguments, input);
         EXPECT_TRUE(process.waitForFinished());
         output = process.readAllStandardOutput();
@@ -60,9 +57,6 @@ TEST_F(AutomationJourney, LoginSignsInOnceAndPrintsTheOutcome) {
     const auto credentials = home.accounts().liveCredentials();
     ASSERT_EQ(credentials.size(), 1);
     EXPECT_EQ(sim::readObject(home.configPath()).value(u"agentToken"), credentials.first().token);
-    hasExchange = false;
-    EXPECT_EQ(printed({}, "open sesame"), "1 Can't connect to the server. Try again later.\n");
-    EXPECT_EQ(errors.count("[net] korvel-exchange"), 1) << errors.constData();
 }
 
 TEST_F(AutomationJourney, EachWindowIsDrawnInTheLanguageOfTheEnvironment) {

@@ -120,6 +120,23 @@ TEST_F(ServerJourney, AProxyOfTheEnvironmentThatRefusesIsNoConnection) {
     EXPECT_EQ(signIn(), NO_CONNECTION);
 }
 
+TEST_F(ServerJourney, ThePageOfTheInternationalEditionSignsIn) {
+    ASSERT_TRUE(home.installJobFile());
+    fixed = makeFixedConfig(testDeployment(u"intl"_s), launchEnvironment);
+    configure(u"server"_s, server);
+    launch();
+    item.choose(Action::BrowserLogin); // starts the agent first
+    ASSERT_TRUE(eventually([&] { return !desktop.opened.isEmpty(); }));
+    ServerRequest form{.method = "POST", .url = desktop.opened.first()};
+    form.headers = {{"Content-Type", "application/x-www-form-urlencoded"}};
+    form.body = "username=sam%40example.com&password=open+sesame&action=sign-in";
+    form.timeout = 10s;
+    EXPECT_TRUE(outcomeOf(servers, form));
+    ASSERT_TRUE(eventually([&] { return notices.last() == u"● Signed in as sam@example.com"; }));
+    ASSERT_TRUE(showsSoon(u"● Connected · sam@example.com · 0 sessions"_s));
+    EXPECT_EQ(home.accounts().liveCredentials().size(), 1);
+}
+
 /// korvel-exchange while the server does not respond.
 struct ExchangeJourney : ServerJourney {
     /// The only run, once the server has read its request.
