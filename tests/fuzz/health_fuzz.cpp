@@ -98,10 +98,10 @@ void apply(TrayState &state, const QJsonValue &reply, const HealthContext &conte
     }
     const QJsonObject bounded = boundedHealth(object);
     require(boundedHealth(bounded) == bounded, "bounds are exact");
-    applyHealth(state, reply.isObject() ? healthResponse(bounded) : Error{ErrorKind::TimedOut, {}}, context);
+    const auto response = reply.isObject() ? healthResponse(bounded) : Error{ErrorKind::TimedOut, {}};
+    applyHealth(state, response, context);
     TrayState again = state;
-    const HealthEffects effects =
-        applyHealth(again, reply.isObject() ? healthResponse(bounded) : Error{ErrorKind::TimedOut, {}}, context);
+    const HealthEffects effects = applyHealth(again, response, context);
     require(again == state && effects.notice == HealthEffects::Notice::None, "the same response changes nothing");
 }
 

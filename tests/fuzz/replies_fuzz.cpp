@@ -12,6 +12,7 @@
 #include "service/agent_command.h"
 #include "update/update_notices.h"
 
+#include <QRegularExpression>
 #include <QUrl>
 
 using namespace korvel;
@@ -80,14 +81,9 @@ void checkServer(const QByteArray &body, unsigned mode) {
 
 /// The last line that begins with a brace after blanks.
 QByteArray lastObject(const QByteArray &output) {
-    QByteArray last;
-    for (QByteArray line : output.split('\n')) {
-        while (line.startsWith(' ') || line.startsWith('\t'))
-            line.remove(0, 1);
-        if (line.startsWith('{'))
-            last = line;
-    }
-    return last;
+    static const QRegularExpression BEGINNING(u"^[ \t]*\\{"_s);
+    const QStringList lines = QString::fromLatin1(output).split(u'\n').filter(BEGINNING);
+    return lines.isEmpty() ? QByteArray() : lines.last().toLatin1();
 }
 
 } // namespace
