@@ -17,10 +17,6 @@ struct StarvedSoak : PanelTray {
         ASSERT_NO_FATAL_FAILURE(start());
         ASSERT_TRUE(lineIs(CONNECTED));
     }
-    void TearDown() override {
-        if (HasFailure() && process)
-            ADD_FAILURE() << "it printed: " << process->stop(SIGKILL).constData() << process->exitCode();
-    }
     rlimit limit(__rlimit_resource resource, const rlimit *wanted) const {
         rlimit before{};
         EXPECT_EQ(::prlimit(static_cast<pid_t>(process->processId()), resource, wanted, &before), 0);
