@@ -1,15 +1,13 @@
-"""Makes programs and libraries for macOS, on Linux too."""
+"""Makes programs and libraries for macOS on Linux."""
 import subprocess
-import sys
 import tempfile
 from pathlib import Path
 
-ON_MAC = sys.platform == 'darwin'
 BOTH = ('arm64', 'x86_64')
 
 
 def llvm(tool):
-    """A tool of LLVM's on Linux; of several versions the newest that is whole."""
+    """A tool of LLVM's; of several versions the newest that is whole."""
     whole = [folder for folder in Path('/usr/lib').glob('llvm-*/bin')
              if all((folder / name).exists() for name in ['clang', 'ld64.lld', 'llvm-otool', 'llvm-lipo'])]
     return max(whole, key=lambda folder: int(folder.parent.name.split('-')[1])) / tool
@@ -30,11 +28,10 @@ def mach_o(path, *, architectures=BOTH, library=None, loads=(), rpaths=(), minim
         linking += [word for rpath in rpaths for word in ('-rpath', rpath)]
         linking += ['-dylib', '-install_name', library] if library else ['-e', '_main']
         for one in architectures:
-            compiler = ['clang', '-arch', one] if ON_MAC else [llvm('clang'), f'--target={one}-apple-macos{minimum}']
-            linker = 'ld' if ON_MAC else llvm('ld64.lld')
-            for command in [[*compiler, '-c', folder / 'code.c', '-o', folder / 'code.o'],
-                            [linker, '-arch', one, '-platform_version', 'macos', minimum, minimum, folder / 'code.o',
-                             *linking, '-o', folder / one]]:
+            for command in [[llvm('clang'), f'--target={one}-apple-macos{minimum}', '-c', folder / 'code.c', '-o',
+                             folder / 'code.o'],
+                            [llvm('ld64.lld'), '-arch', one, '-platform_version', 'macos', minimum, minimum,
+                             folder / 'code.o', *linking, '-o', folder / one]]:
                 subprocess.run(command, check=True)
-        subprocess.run(['lipo' if ON_MAC else llvm('llvm-lipo'), '-create', *[folder / one for one in architectures],
-                        '-output', path], check=True)
+        subprocess.run([llvm('llvm-lipo'), '-create', *[folder / one for one in architectures], '-output', path],
+                       check=True)

@@ -1,5 +1,5 @@
 """Tests of the scripts that sign a bundle, have a package notarised and look at one. Apple's tools that only a Mac has
-are fakes; what reads programs is LLVM's on Linux, under the names of Apple's."""
+are fakes; what reads programs is LLVM's, under the names of Apple's."""
 import os
 import re
 import shutil
@@ -8,7 +8,7 @@ import unittest
 from pathlib import Path
 from xml.etree import ElementTree
 
-from mach_o import BOTH, ON_MAC, llvm, mach_o
+from mach_o import BOTH, llvm, mach_o
 from support import CMAKE, SOURCE, WithTools
 
 QT_CORE = 'QtCore.framework/Versions/A/QtCore'
@@ -86,9 +86,8 @@ class WithPackage(WithTools):
         self.fake('plutil', '')
         self.fake('codesign', '')
         self.fake('arch', MENU + '*--login-render*) : >"$5" ;; esac')
-        if not ON_MAC:
-            for name in ['otool', 'lipo']:
-                (self.folder / 'bin' / name).symlink_to(llvm(f'llvm-{name}'))
+        for name in ['otool', 'lipo']:
+            (self.folder / 'bin' / name).symlink_to(llvm(f'llvm-{name}'))
 
     def write_distribution(self, architectures):
         """Writes what the installer reads about the package."""
