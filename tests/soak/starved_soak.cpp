@@ -1,6 +1,5 @@
 #include "desktop/panel_tray.h"
 
-#include <QElapsedTimer>
 #include <csignal>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -33,11 +32,9 @@ struct StarvedSoak : PanelTray {
         const rlimit before = limit(resource, nullptr);
         const rlimit little{.rlim_cur = most, .rlim_max = before.rlim_max};
         limit(resource, &little);
-        QElapsedTimer clock;
-        clock.start();
         ASSERT_TRUE(panel.click(u"Pause Sync"_s));
         ASSERT_NE(entry(u"Pause Sync"_s, STARVED_FOR), QString()); // it ends, and has paused nothing
-        panel.waitUntil([&] { return std::chrono::milliseconds(clock.elapsed()) >= STARVED_FOR; }, STARVED_FOR);
+        panel.waitUntil([] { return false; }, STARVED_FOR);
         limit(resource, &before);
         ASSERT_TRUE(lineIs(CONNECTED));
         ASSERT_TRUE(panel.click(u"Pause Sync"_s));

@@ -13,12 +13,9 @@ int main(int argc, char **argv) {
     QTemporaryFile screens;
     if (!screens.open() || screens.write(TWO_SCREENS) < 0 || !screens.flush())
         return 1;
-    // As an argument, so that no display is needed and the environment stays as it is.
-    char program[] = "korvel_tests";
-    char platform[] = "-platform";
-    QByteArray offscreen = "offscreen:configfile=" + screens.fileName().toLocal8Bit();
-    char *arguments[] = {program, platform, offscreen.data(), nullptr};
-    int count = 3;
-    const QApplication app(count, arguments);
+    // Needs no display. The programs that the tests start may have one.
+    qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + screens.fileName().toLocal8Bit());
+    const QApplication app(argc, argv);
+    qunsetenv("QT_QPA_PLATFORM");
     return RUN_ALL_TESTS();
 }
