@@ -28,11 +28,7 @@ bool isBounded(const QString &text) { return text.size() <= MAX_TEXT; }
 
 void checkMenu(const QList<MenuEntry> &entries) {
     require(!entries.isEmpty() && entries.size() <= MAX_ENTRIES, "the number of menu entries");
-    require(!entries.first().isSeparator() && !entries.last().isSeparator(), "no separator at an end");
-    bool afterSeparator = false;
     for (const MenuEntry &entry : entries) {
-        require(!entry.isSeparator() || !afterSeparator, "no two separators");
-        afterSeparator = entry.isSeparator();
         require(isBounded(entry.title) && isBounded(entry.toolTip) && entry.detail.size() <= MAX_TEXT + 8, "lengths");
         require(fuzz::isDrawable(keepOrder(entry.title + entry.detail)), "a title is one plain line");
         require(fuzz::isOneLine(entry.toolTip), "a tool tip is one line");

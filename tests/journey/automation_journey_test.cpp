@@ -1,7 +1,5 @@
 #include "journey/journey.h"
-#include "service/login_item.h"
 #include "simulator/home/files.h"
-#include "simulator/launchd/job_file.h"
 
 #include <QImage>
 #include <QJsonArray>
@@ -82,16 +80,6 @@ TEST_F(AutomationJourney, EachWindowIsDrawnInTheLanguageOfTheEnvironment) {
         EXPECT_EQ(errors.count('\n'), 1) << errors.constData();
     }
     EXPECT_FALSE(QFile::exists(out));
-}
-
-TEST(LoginItemText, IsAPropertyListWhateverThePaths) {
-    const QTemporaryDir folder;
-    const QString program = u"/Applications/A & B <\"C\">'.app/x"_s, log = u"/Users/安/&amp;/]]>.log"_s;
-    ASSERT_TRUE(sim::replaceFile(folder.filePath(u"job"_s), loginItemText(program, log).toUtf8()));
-    EXPECT_EQ(sim::readJobFile(folder.filePath(u"job"_s)), (QJsonObject{{u"Label"_s, u"com.korvel.tray"_s},
-                                                                        {u"ProgramArguments"_s, QJsonArray{program}},
-                                                                        {u"RunAtLoad"_s, true},
-                                                                        {u"StandardErrorPath"_s, log}}));
 }
 
 } // namespace

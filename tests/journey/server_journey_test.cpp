@@ -1,9 +1,8 @@
 #include "account/server_api.h"
 #include "exchange/http_exchange.h"
 #include "journey/journey.h"
+#include "journey/listener.h"
 
-#include <QTcpServer>
-#include <QTcpSocket>
 #include <csignal>
 
 namespace korvel::test {
@@ -111,13 +110,11 @@ TEST_F(ServerJourney, NothingLeavesExceptOverHttps) {
 }
 
 TEST_F(ServerJourney, AProxyOfTheEnvironmentThatRefusesIsNoConnection) {
-    QTcpServer proxy;
-    ASSERT_TRUE(proxy.listen(QHostAddress::LocalHost));
-    QObject::connect(&proxy, &QTcpServer::newConnection, &proxy, [&proxy] {
-        proxy.nextPendingConnection()->write("HTTP/1.1 403 Forbidden\r\nContent-Length: 0\r\n\r\n");
-    });
-    qputenv("https_proxy", "http://127.0.0.1:" + QByteArray::number(proxy.serverPort()));
+    Listener proxy;
+    proxy.onRequest = [](QTcpSocket &s) { s.write("HTTP/1.1 403 Forbidden\r\nContent-Length: 0\r\n\r\n"); };
+    qputenv("https_proxy", proxy.url().toUtf8());
     EXPECT_EQ(signIn(), NO_CONNECTION);
+    EXPECT_GT(proxy.connections, 0);
 }
 
 TEST_F(ServerJourney, ThePageOfTheInternationalEditionSignsIn) {

@@ -6,6 +6,7 @@
 #include "support/full_disk.h"
 #include "support/tray_fixture.h"
 
+#include <QXmlStreamReader>
 #include <sys/stat.h>
 
 namespace korvel::test {
@@ -131,7 +132,13 @@ TEST(LoginItem, IsWrittenOnceAndOnlyForAnInstalledProgram) {
     EXPECT_FALSE(QFile::exists(home.paths.trayPlist)); // no half of it
     ensureTrayLoginItem(home.paths, installed);
     const QByteArray text = home.read(home.paths.trayPlist);
-    EXPECT_TRUE(text.contains("<array><string>/Applications/A &amp; &lt;B&gt;/korvel-tray</string></array>\n"
+    QXmlStreamReader xml(text);
+    while (!xml.atEnd())
+        xml.readNext();
+    EXPECT_FALSE(xml.hasError());
+    EXPECT_TRUE(text.contains("<key>Label</key><string>com.korvel.tray</string>\n"
+                              "  <key>ProgramArguments</key>"
+                              "<array><string>/Applications/A &amp; &lt;B&gt;/korvel-tray</string></array>\n"
                               "  <key>RunAtLoad</key><true/>\n  <key>StandardErrorPath</key><string>"))
         << text.constData();
     EXPECT_EQ(QFile::permissions(home.paths.trayPlist), QFile::Permissions(0x6644));
