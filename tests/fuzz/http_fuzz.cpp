@@ -2,8 +2,6 @@
 #include "fuzz/fuzz.h"
 #include "platform/net/http_messages.h"
 
-#include <tuple>
-
 using namespace korvel;
 using fuzz::require;
 
@@ -27,15 +25,12 @@ Outcome outcomeOf(const QByteArray &bytes, qint64 limit, bool ends, qsizetype fi
     }
     if (ends)
         parser.end();
-    Outcome outcome{.over = parser.isOver(), .persistent = parser.leavesConnection()};
-    if (!outcome.over)
-        return outcome;
+    if (!parser.isOver())
+        return {.persistent = parser.leavesConnection()};
     const auto result = parser.outcome();
     if (!result)
-        outcome.error = result.error().kind;
-    else
-        std::tie(outcome.status, outcome.body) = std::pair(result->status, result->body);
-    return outcome;
+        return {true, parser.leavesConnection(), 0, {}, result.error().kind};
+    return {true, parser.leavesConnection(), result->status, result->body, {}};
 }
 
 } // namespace

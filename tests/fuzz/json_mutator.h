@@ -99,16 +99,12 @@ extern "C" size_t LLVMFuzzerCustomMutator(uint8_t *data, size_t size, size_t max
     QJsonDocument document = QJsonDocument::fromJson(input.bytes);
     if (seed % 4 == 0 || document.isNull())
         return LLVMFuzzerMutate(data, size, maxSize);
-    const QJsonValue value = korvel::fuzz::JsonMutation(seed).changed(
-        document.isArray() ? QJsonValue(document.array()) : QJsonValue(document.object()));
-    if (value.isArray())
-        document.setArray(value.toArray());
-    else if (value.isObject())
-        document.setObject(value.toObject());
+    const QJsonValue value = QJsonValue::fromVariant(document.toVariant());
+    document = QJsonDocument::fromVariant(korvel::fuzz::JsonMutation(seed).changed(value).toVariant());
     korvel::fuzz::repair(document, seed);
     QByteArray text = document.toJson(QJsonDocument::Compact);
     text += static_cast<char>(seed % 16 == 1 ? seed >> 8 : input.mode);
-    if (static_cast<size_t>(text.size()) > maxSize)
+    if (document.isNull() || static_cast<size_t>(text.size()) > maxSize)
         return LLVMFuzzerMutate(data, size, maxSize);
     std::memcpy(data, text.constData(), static_cast<size_t>(text.size()));
     return static_cast<size_t>(text.size());

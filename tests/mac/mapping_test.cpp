@@ -3,6 +3,7 @@
 #include "exchange/system_network.h"
 #include "mac/native_fake.h"
 #include "ports/port_owner.h"
+#include "support/fakes.h"
 #include "ui/menu/menu_view.h"
 #include "ui/views/edit_menu.h"
 #include "ui/views/icon_view.h"
@@ -31,9 +32,7 @@ using Calls = std::vector<std::string>;
 /// The parts of the Mac program that are not macOS itself, on a fake of it.
 struct MacParts : ::testing::Test {
     MacParts() { native::fake() = {}; }
-    struct NoPrograms final : Programs {
-        ProgramResult run(const ProgramRun &) override { return {}; }
-    } programs;
+    FakePrograms programs;
     native::Fake &mac = native::fake();
 
     /// Expects these calls since the last time.

@@ -16,11 +16,6 @@ struct StarvedSoak : PanelTray {
         ASSERT_NO_FATAL_FAILURE(start());
         ASSERT_TRUE(lineIs(CONNECTED));
     }
-    rlimit limit(__rlimit_resource resource, const rlimit *wanted) const {
-        rlimit before{};
-        EXPECT_EQ(::prlimit(static_cast<pid_t>(process->processId()), resource, wanted, &before), 0);
-        return before;
-    }
     /// The descriptor that the program would get next. With fewer than it has open already, poll(2) would fail.
     rlim_t nextDescriptor() const {
         rlim_t next = 0;
@@ -29,13 +24,15 @@ struct StarvedSoak : PanelTray {
         return next;
     }
     void starve(__rlimit_resource resource, rlim_t most) {
-        const rlimit before = limit(resource, nullptr);
+        const auto pid = static_cast<pid_t>(process->processId());
+        rlimit before{};
+        ASSERT_EQ(::prlimit(pid, resource, nullptr, &before), 0);
         const rlimit little{.rlim_cur = most, .rlim_max = before.rlim_max};
-        limit(resource, &little);
+        ASSERT_EQ(::prlimit(pid, resource, &little, nullptr), 0);
         ASSERT_TRUE(panel.click(u"Pause Sync"_s));
         ASSERT_NE(entry(u"Pause Sync"_s, STARVED_FOR), QString()); // it ends, and has paused nothing
         panel.waitUntil([] { return false; }, STARVED_FOR);
-        limit(resource, &before);
+        ::prlimit(pid, resource, &before, nullptr);
         ASSERT_TRUE(lineIs(CONNECTED));
         ASSERT_TRUE(panel.click(u"Pause Sync"_s));
         ASSERT_TRUE(lineIs(u"⏻ Sync paused · ann"_s));

@@ -27,9 +27,4 @@ struct FullDisk : LoweredLimit {
     explicit FullDisk(rlim_t bytes) : LoweredLimit(RLIMIT_FSIZE, bytes) { std::signal(SIGXFSZ, SIG_IGN); }
 };
 
-/// No file can be opened.
-struct NoDescriptors : LoweredLimit {
-    NoDescriptors() : LoweredLimit(RLIMIT_NOFILE, 0) {}
-};
-
 } // namespace korvel::test

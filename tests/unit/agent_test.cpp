@@ -182,7 +182,7 @@ TEST_F(AgentConfigTest, AChangeByAnotherProgramIsReadAtOnce) {
         EXPECT_EQ(cfgText(anHourLater.readCfg(), u"username"), u"bob"_s);
     replacePrivateFile(home.paths.agentCfg, R"({"username":"eve"})");
     {
-        const NoDescriptors none; // the content read last stays
+        const LoweredLimit noDescriptors(RLIMIT_NOFILE, 0); // the content read last stays
         EXPECT_EQ(cfgText(anHourLater.readCfg(), u"username"), u"bob"_s);
     }
     EXPECT_EQ(cfgText(anHourLater.readCfg(), u"username"), u"eve"_s);
