@@ -24,7 +24,6 @@
 #include <QRegularExpression>
 #include <QScopedValueRollback>
 #include <QTemporaryDir>
-#include <QUrl>
 #include <deque>
 #include <functional>
 #include <gtest/gtest.h>
@@ -32,11 +31,8 @@
 #include <ostream>
 #include <vector>
 
-// GoogleTest prints these in its messages.
+// GoogleTest prints this in its messages.
 inline void PrintTo(const QString &text, std::ostream *out) { *out << '"' << text.toStdString() << '"'; }
-inline void PrintTo(const QStringList &list, std::ostream *out) {
-    *out << list.join(QStringLiteral(" | ")).toStdString();
-}
 
 namespace korvel::test {
 
@@ -95,7 +91,7 @@ public:
     };
     void send(HttpRequest request, Done<HttpReply> done) override {
         last = request;
-        paths.append(QUrl(request.url).path());
+        paths.append(u'/' + request.url.section(u'/', 3));
         if (request.method == "POST")
             posts.append(request);
         if (respond)
@@ -126,7 +122,7 @@ public:
     std::function<Result<bool>(const SignatureProof &)> verdict = ed25519Valid;
     std::deque<InFlight> inFlight;
     HttpRequest last;
-    QStringList paths; ///< Of all requests, in order.
+    QStringList paths; ///< Of all requests, in order, with their queries.
     QList<HttpRequest> posts;
     QString downloadTo; ///< The file of the last download, which the test writes.
     std::function<void(qint64, qint64)> onProgress;

@@ -12,9 +12,7 @@
 namespace korvel::test {
 namespace {
 
-struct AgentApiTest : ::testing::Test {
-    TestHome home;
-    FakeHttp http;
+struct AgentApiTest : TrayFixture {
     AgentConfig config{home.paths};
     AgentApi api{http, home.fixed, config};
 

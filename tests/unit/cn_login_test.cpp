@@ -58,24 +58,6 @@ TEST(CnLoginForm, AReplyNamesTheFieldToFocus) {
     }
 }
 
-TEST(CnLoginForm, AResetWithoutASignInContinuesWithTheNewPassword) {
-    CnLoginForm form{.page = Page::Reset, .codeMode = true, .account = u" 138 "_s, .password = u"new"_s};
-    ASSERT_TRUE(submit(form));
-    const SubmitOutcome outcome =
-        applySubmitResponse(form, object(R"({"ok":false,"reset":true,"error":"Sign in now."})"));
-    EXPECT_EQ(form.page, Page::Login);
-    EXPECT_FALSE(form.codeMode || form.busy);
-    EXPECT_EQ(form.account, u"138"_s);
-    EXPECT_EQ(form.password, u""_s);
-    EXPECT_EQ(form.error, u"Sign in now."_s);
-    EXPECT_EQ(outcome.focus, LoginField::Password);
-    setCodeMode(form, true); // another tab or page is about something else
-    EXPECT_EQ(form.error, u""_s);
-    form.error = u"Too often."_s;
-    setPage(form, Page::Register);
-    EXPECT_EQ(form.error, u""_s);
-}
-
 struct CnLoginTest : TrayFixture {
     using Kind = LoginInput::Kind;
     void reply(const QByteArray &output) { programs.result.output = output; }
@@ -268,7 +250,8 @@ TEST_F(CnLoginWindowTest, EveryControlReachesItsRequest) {
     field(u"Code"_s)->insert(u"1２3\u3000４\u00A05\u200B\t6 "_s); // full-width digits, every kind of space
     click(u"Sign In"_s);
     EXPECT_EQ(request(), object(R"({"op":"login-code","phone":"138","code":"123456"})"));
-    EXPECT_TRUE(find<QLabel>(u"Couldn't finish. Check your network and try again."_s));
+    const QString failed = u"Couldn't finish. Check your network and try again."_s;
+    EXPECT_TRUE(find<QLabel>(failed));
     EXPECT_EQ(phone->cursorPosition(), 2);
     EXPECT_EQ(shown->height(), height); // an error has room for its line
     QRadioButton *tab = find<QRadioButton>(u"Code"_s);
@@ -282,12 +265,20 @@ TEST_F(CnLoginWindowTest, EveryControlReachesItsRequest) {
     click(u"Sign In"_s);
     EXPECT_EQ(request(), object(R"({"op":"login","username":"138","password":" p w "})"));
     click(u"Forgot password?"_s);
+    EXPECT_THROW(find<QLabel>(failed), std::runtime_error); // is about another page
     click(u"Get Code"_s);
     EXPECT_EQ(request(), object(R"({"op":"send-code","phone":"138","purpose":"reset"})"));
     field(u"New password"_s)->insert(u"new"_s);
+    reply(R"({"ok":false,"reset":true,"error":"Sign in now."})"); // with the new password
     click(u"Sign In"_s);
     EXPECT_EQ(request(), object(R"({"op":"reset","phone":"138","code":"123456","password":"new"})"));
-    click(u"Back to sign in"_s);
+    EXPECT_TRUE(find<QLabel>(u"Sign in now."_s));
+    EXPECT_EQ(field(u"Account"_s)->text(), u"138"_s);
+    EXPECT_EQ(field(u"Password"_s)->text(), u""_s);
+    EXPECT_TRUE(isFocused(field(u"Password"_s)));
+    click(u"Code"_s);
+    EXPECT_THROW(find<QLabel>(u"Sign in now."_s), std::runtime_error);
+    reply({});
     click(u"Sign up"_s);
     click(u"Get Code"_s);
     EXPECT_EQ(request(), object(R"({"op":"send-code","phone":"138","purpose":"register"})"));
@@ -300,12 +291,13 @@ TEST_F(CnLoginWindowTest, EveryControlReachesItsRequest) {
     click(u"Terms of Service"_s);
     click(u"Privacy Policy"_s);
     EXPECT_EQ(desktop.opened, (QStringList{u"https://site.example/cn/terms"_s, u"https://site.example/cn/privacy"_s}));
+    click(u"Back to sign in"_s);
     QTest::keyClick(field(u"Code"_s), Qt::Key_Escape, Qt::ControlModifier);
     EXPECT_TRUE(shown->isVisible());
     QTest::keyClick(field(u"Code"_s), Qt::Key_Escape);
     EXPECT_FALSE(shown->isVisible());
     openWindow();
-    EXPECT_EQ(field(u"Password"_s)->text(), u""_s);
+    EXPECT_EQ(field(u"Account"_s)->text(), u""_s);
 }
 
 } // namespace

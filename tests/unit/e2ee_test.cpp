@@ -3,8 +3,6 @@
 #include "e2ee/report.h"
 #include "support/tray_fixture.h"
 
-#include <QJsonArray>
-
 namespace korvel::test {
 namespace {
 

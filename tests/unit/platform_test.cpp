@@ -1,5 +1,4 @@
 #include "app/single_instance.h"
-#include "base/alive.h"
 #include "base/done.h"
 #include "exchange/body_sink.h"
 #include "exchange/messages.h"

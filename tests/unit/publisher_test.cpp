@@ -2,9 +2,7 @@
 #include "publisher/release.h"
 #include "publisher/signing_key.h"
 
-#include <QDir>
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>

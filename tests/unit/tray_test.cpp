@@ -169,6 +169,9 @@ TEST_F(HealthPollTest, AResponseIsCopiedIntoTheStateWithinBounds) {
     agentResponds(R"({"ok":false,"items":[)" + entries + "]}");
     item.events.menuOpening();
     EXPECT_EQ(permissions.permItems.size(), 64);
+    agentResponds(SILENCE);
+    item.events.menuOpening(); // fetches no permissions
+    EXPECT_TRUE(permissions.permsFetchFailed);
     nextPoll(SILENCE); // forgets what only a running agent knows
     EXPECT_FALSE(health().running || health().online || health().connectingSince);
     EXPECT_EQ(permissions, PermissionState());
