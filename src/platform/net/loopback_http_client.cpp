@@ -4,34 +4,18 @@
 #include "platform/net/http_messages.h"
 #include "platform/net/loopback_socket.h"
 
-#include <QTimer>
+#include <QCoreApplication>
+#include <QTimerEvent>
 #include <QUrl>
+#include <algorithm>
 
 namespace korvel {
 
 namespace {
+constexpr size_t MAX_LAST_GETS = 2; // the health poll and the permissions
+}
 
-/// A timer without a signal connection: each poll creates one, so it must be cheap.
-class Deadline final : public QTimer {
-public:
-    explicit Deadline(std::function<void()> p) : passed(std::move(p)) {
-        setSingleShot(true);
-        setTimerType(Qt::PreciseTimer);
-    }
-
-protected:
-    void timerEvent(QTimerEvent *) override {
-        stop();
-        passed();
-    }
-
-private:
-    std::function<void()> passed;
-};
-
-} // namespace
-
-std::optional<LoopbackHttpClient::Message> LoopbackHttpClient::messageOf(const HttpRequest &request) {
+std::optional<LoopbackHttpClient::Message> LoopbackHttpClient::serialized(const HttpRequest &request) {
     const QUrl url(request.url, QUrl::StrictMode);
     const bool isKnown = request.method == "GET" || request.method == "POST";
     // No user information: it must not hide the actual host, also with a malformed port.
@@ -42,6 +26,19 @@ std::optional<LoopbackHttpClient::Message> LoopbackHttpClient::messageOf(const H
     const QUrl target = url.adjusted(QUrl::RemoveScheme | QUrl::RemoveAuthority | QUrl::RemoveFragment);
     auto bytes = serializeRequest(request, authority, target.toEncoded());
     return bytes ? std::optional(Message{static_cast<quint16>(url.port(80)), *std::move(bytes)}) : std::nullopt;
+}
+
+std::optional<LoopbackHttpClient::Message> LoopbackHttpClient::messageOf(const HttpRequest &request) {
+    const auto last =
+        std::find_if(lastGets.begin(), lastGets.end(), [&](const auto &get) { return get.first == request; });
+    if (last != lastGets.end())
+        return last->second;
+    auto message = serialized(request);
+    if (message && request.method == "GET") {
+        lastGets.emplace(lastGets.begin(), request, *message);
+        lastGets.resize(std::min(lastGets.size(), MAX_LAST_GETS));
+    }
+    return message;
 }
 
 /// The connection left open by the last poll. Unsolicited bytes close it.
@@ -69,9 +66,9 @@ class LoopbackHttpClient::Exchange final : public LoopbackSocket::User {
 public:
     Exchange(LoopbackHttpClient &c, Message m, const HttpRequest &request, Done<HttpReply> d)
         : client(c), message(std::move(m)), isPost(request.method == "POST"), response(request.maxBytes),
-          done(std::move(d)), deadline(std::make_unique<Deadline>([this] { timedOut(); })) {
+          done(std::move(d)) {
         if (request.timeout.count() > 0)
-            deadline->start(request.timeout);
+            startTimer(request.timeout);
         if (!isPost)
             socket = client.idle->take(message.port);
         isReused = socket != nullptr;
@@ -79,6 +76,7 @@ public:
             socket = client.connectTo(message.port);
         talk();
     }
+    ~Exchange() override { stopTimer(); }
 
     void received(QByteArrayView bytes) override {
         response.feed(bytes);
@@ -98,6 +96,14 @@ public:
         finish();
     }
 
+    bool hasTimer(int id) const { return timer == id; }
+    void timedOut() {
+        if (socket && socket->isOpen())
+            fail(ErrorKind::TimedOut, QStringLiteral("no whole response in time"));
+        else
+            fail(ErrorKind::Unreachable, QStringLiteral("no connection"));
+    }
+
     Done<HttpReply> takeDone() { return std::move(done); }
 
 private:
@@ -106,25 +112,16 @@ private:
             socket->setUser(*this);
             return socket->write(message.bytes);
         }
-        // Completions must not run inside send().
-        QMetaObject::invokeMethod(
-            deadline.get(),
-            [this] {
-                retireDeadline();
-                fail(ErrorKind::Unreachable, QStringLiteral("no connection"));
-            },
-            Qt::QueuedConnection);
+        startTimer(std::chrono::milliseconds::zero()); // completions must not run inside send()
     }
 
-    /// Called from the deadline's own events, so it is deleted later.
-    void retireDeadline() {
-        deadline->stop();
-        deadline.release()->deleteLater();
+    void startTimer(std::chrono::milliseconds delay) {
+        stopTimer();
+        timer = client.startTimer(delay, Qt::PreciseTimer);
     }
-
-    void timedOut() {
-        retireDeadline();
-        fail(ErrorKind::TimedOut, QStringLiteral("no whole response in time"));
+    void stopTimer() {
+        if (const int id = std::exchange(timer, 0))
+            client.killTimer(id);
     }
 
     void finish() {
@@ -142,38 +139,39 @@ private:
     HttpResponseParser response;
     Done<HttpReply> done;
     std::unique_ptr<LoopbackSocket> socket;
-    std::unique_ptr<Deadline> deadline;
+    int timer = 0; ///< The client's timer for the deadline, or for the report that there is no connection.
 };
 
-LoopbackHttpClient::LoopbackHttpClient(LookUpOwner l)
-    : lookUpOwner(std::move(l)), idle(std::make_unique<Idle>()), context(std::make_unique<QObject>()) {}
+LoopbackHttpClient::LoopbackHttpClient(LookUpOwner l) : lookUpOwner(std::move(l)), idle(std::make_unique<Idle>()) {}
 
 LoopbackHttpClient::~LoopbackHttpClient() {
     closing = true;
     // Their completions report Dropped.
     auto dropped = std::exchange(exchanges, {});
     dropped.clear();
-    context.reset();
+    QCoreApplication::removePostedEvents(this);
 }
 
 void LoopbackHttpClient::send(HttpRequest request, Done<HttpReply> done) {
     if (closing)
         return; // destroying `done` reports Dropped
-    auto message = lastMessage && request == lastGet ? lastMessage : messageOf(request);
+    auto message = messageOf(request);
     if (!message)
         return refuseLater(std::move(done));
-    auto exchange = std::make_unique<Exchange>(*this, *message, request, std::move(done));
-    if (request.method == "GET") {
-        lastGet = std::move(request);
-        lastMessage = std::move(message);
-    }
-    exchanges.emplace(exchange.get(), std::move(exchange));
+    exchanges.push_back(std::make_unique<Exchange>(*this, *std::move(message), request, std::move(done)));
+}
+
+void LoopbackHttpClient::timerEvent(QTimerEvent *event) {
+    const auto late = std::find_if(exchanges.begin(), exchanges.end(),
+                                   [&](const auto &exchange) { return exchange->hasTimer(event->timerId()); });
+    if (late != exchanges.end())
+        (*late)->timedOut();
 }
 
 void LoopbackHttpClient::refuseLater(Done<HttpReply> done) {
     auto refused = std::make_shared<Done<HttpReply>>(std::move(done));
     QMetaObject::invokeMethod(
-        context.get(),
+        this,
         [refused] {
             (*refused)(Error{ErrorKind::InvalidRequest, QStringLiteral("not a request to the agent")});
         },
@@ -194,7 +192,7 @@ std::unique_ptr<LoopbackSocket> LoopbackHttpClient::connectTo(quint16 port) {
 void LoopbackHttpClient::finish(Exchange &exchange, Result<HttpReply> result) {
     // Last, because the completion may send again or destroy this client.
     Done<HttpReply> done = exchange.takeDone();
-    exchanges.erase(&exchange);
+    std::erase_if(exchanges, [&](const auto &other) { return other.get() == &exchange; });
     done(std::move(result));
 }
 
