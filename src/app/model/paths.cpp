@@ -1,6 +1,7 @@
 #include "app/model/paths.h"
 
-#include <QFileInfo>
+#include <QFile>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -21,6 +22,7 @@ Paths makePaths(const FixedConfig &config, const QString &home, quint32 uid) {
             .trayLog = logs + u"korvel-tray.log"_s};
 }
 
-bool plistExists(const Paths &paths) { return QFileInfo::exists(paths.agentPlist); }
+// At every poll, so it must be cheap.
+bool plistExists(const Paths &paths) { return ::access(QFile::encodeName(paths.agentPlist).constData(), F_OK) == 0; }
 
 } // namespace korvel
