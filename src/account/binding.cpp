@@ -50,15 +50,15 @@ void Binding::bind(const SignIn &signIn, const QString &released) {
     waiter.whenWhole(alive.guard([this, signIn, released] {
         if (isOvertaken(signIn))
             return giveBack(signIn, Outcome::Overtaken);
-        const QJsonObject cfg = config.readCfg();
-        const QString old = cfgText(cfg, u"agentToken");
+        const AgentCfg cfg = config.readCfg();
+        const QString old = cfg.agentToken;
         if (old.isEmpty() || old == signIn.credential.agentToken || old == released)
             return store(signIn);
         // Checked before releasing the old credential, because a release cannot be undone.
         if (!config.canChangeCfg([&](QJsonObject &changed) { write(signIn, changed); }))
             return giveBack(signIn, Outcome::NotSaved);
         // The server that issued it, even one of another edition.
-        const QString oldServer = normalizeServer(cfgText(cfg, u"server")).value_or(fixed.DEFAULT_SERVER);
+        const QString oldServer = normalizeServer(cfg.server).value_or(fixed.DEFAULT_SERVER);
         // bind() reads the configuration again: another sign-in may have stored a credential meanwhile.
         unbind(old, oldServer, alive.guard([this, signIn, old] { bind(signIn, old); }));
     }));
@@ -106,12 +106,12 @@ void Binding::unbind(const QString &token, const QString &server, std::function<
 
 void Binding::unbindCurrent(std::function<void()> then, const QString &released) {
     waiter.whenWhole(alive.guard([this, then = std::move(then), released] {
-        const QJsonObject cfg = config.readCfg();
-        const QString token = cfgText(cfg, u"agentToken");
+        const AgentCfg cfg = config.readCfg();
+        const QString token = cfg.agentToken;
         if (token.isEmpty() || token == released)
             return then();
         // A sign-in that completes meanwhile stores another credential.
-        unbind(token, serverOf(fixed, cfg), alive.guard([this, then, token] { unbindCurrent(then, token); }));
+        unbind(token, serverOf(fixed, cfg.server), alive.guard([this, then, token] { unbindCurrent(then, token); }));
     }));
 }
 

@@ -19,7 +19,7 @@ CnLogin::CnLogin(const HealthState &st, const FixedConfig &f, const AgentConfig 
 void CnLogin::showCnLogin() {
     if (!form) {
         ++opening;
-        const bool again = bound(config.readCfg()) && health.authDead && !health.accountGone;
+        const bool again = config.readCfg().bound() && health.authDead && !health.accountGone;
         form = openCnLoginForm(again, again ? health.account : QString());
     }
     if (window.present(cnLoginView(*form), OpenedBy::User))

@@ -41,8 +41,8 @@ void LoginDialog::showLogin(LoginAttempt attempt) {
 }
 
 bool LoginDialog::present(const LoginAttempt &attempt, OpenedBy by) {
-    const QJsonObject cfg = config.readCfg();
-    return alerts.open(loginAlert(attempt, bound(cfg), serverOf(fixed, cfg)), by,
+    const AgentCfg cfg = config.readCfg();
+    return alerts.open(loginAlert(attempt, cfg.bound(), serverOf(fixed, cfg.server)), by,
                        alive.guard([this, attempt](const AlertAnswer &answer) {
                            if (answer.button == 0)
                                answered(attempt, answer.texts);
@@ -52,7 +52,7 @@ bool LoginDialog::present(const LoginAttempt &attempt, OpenedBy by) {
 void LoginDialog::answered(LoginAttempt attempt, const QStringList &texts) {
     attempt.user = texts.value(Account);
     const QString pass = texts.value(Password);
-    const QString typed = *attempt.advanced ? texts.value(Server) : serverOf(fixed, config.readCfg());
+    const QString typed = *attempt.advanced ? texts.value(Server) : serverOf(fixed, config.readCfg().server);
     attempt.server = typed;
     if (attempt.user.isEmpty() || pass.isEmpty()) {
         attempt.error = L(u"请输入邮箱和密码", u"Enter your email and password.");

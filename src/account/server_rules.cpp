@@ -1,7 +1,5 @@
 #include "account/server_rules.h"
 
-#include "service/agent_config.h"
-
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -67,9 +65,9 @@ bool isForeignServer(const FixedConfig &config, const QString &address) {
     return false;
 }
 
-QString serverOf(const FixedConfig &config, const QJsonObject &cfg) {
-    const std::optional<QString> stored = normalizeServer(cfgText(cfg, u"server"));
-    return stored && !isForeignServer(config, *stored) ? *stored : config.DEFAULT_SERVER;
+QString serverOf(const FixedConfig &config, const QString &stored) {
+    const std::optional<QString> server = normalizeServer(stored);
+    return server && !isForeignServer(config, *server) ? *server : config.DEFAULT_SERVER;
 }
 
 } // namespace korvel

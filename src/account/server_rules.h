@@ -15,6 +15,6 @@ std::optional<QString> normalizeServer(const QString &text);
 bool isForeignServer(const FixedConfig &config, const QString &address);
 
 /// The account server to use with the agent configuration `cfg`; never empty.
-QString serverOf(const FixedConfig &config, const QJsonObject &cfg);
+QString serverOf(const FixedConfig &config, const QString &stored);
 
 } // namespace korvel

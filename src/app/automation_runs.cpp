@@ -164,8 +164,8 @@ int runLogin(const FixedConfig &config, const Paths &paths) {
     const QStringList args = QCoreApplication::arguments();
     const QString password = QString::fromUtf8(readLine());
     const AgentConfig agentConfig(paths);
-    const QString server =
-        args.size() > 3 ? normalizeServer(args.at(3)).value_or(args.at(3)) : serverOf(config, agentConfig.readCfg());
+    const QString server = args.size() > 3 ? normalizeServer(args.at(3)).value_or(args.at(3))
+                                           : serverOf(config, agentConfig.readCfg().server);
     QtPrograms programs(simulatedRoot());
     Launchctl services(programs, paths.uid);
     QtScheduler scheduler; // its destructor waits for a running repair, which uses the two above
@@ -197,22 +197,21 @@ std::optional<QByteArray> menuDump(const QByteArray &description, const FixedCon
     if (!parsed)
         return std::nullopt;
     const QJsonObject health = boundedHealth(*parsed);
-    const QJsonObject cfg = AgentConfig(paths).readCfg();
-    const bool isBound = bound(cfg);
+    const AgentCfg cfg = AgentConfig(paths).readCfg();
     const Instant now = Clock::now();
     TrayState state;
     const bool responds = health.value(u"ok").toBool(true);
     applyHealth(state, responds ? Result(health) : Error{ErrorKind::Refused, {}},
-                {.now = now, .bound = isBound, .username = cfgText(cfg, u"username")});
+                {.now = now, .bound = cfg.bound(), .username = cfg.username});
     if (responds)
         applyPermReply(state.permissions, health.value(u"perms").toObject());
     const MenuView view = menuView({.state = state,
                                     .isCn = config.IS_CN,
                                     .version = config.VERSION,
                                     .timing = timingOf(state.health, now),
-                                    .bound = isBound,
+                                    .bound = cfg.bound(),
                                     .plistExists = plistExists(paths),
-                                    .server = serverOf(config, cfg)});
+                                    .server = serverOf(config, cfg.server)});
     QByteArray lines;
     for (const MenuEntry &entry : view.entries)
         lines += entry.isSeparator() ? QByteArray("---\n")

@@ -54,18 +54,18 @@ TrayApp::TrayApp(const FixedConfig &f, const Paths &pa, const TrayPorts &p)
 
 PairContext TrayApp::pairContext() const {
     return {
-        .bound = bound(config.readCfg()), .authDead = state.health.authDead, .accountGone = state.health.accountGone};
+        .bound = config.readCfg().bound(), .authDead = state.health.authDead, .accountGone = state.health.accountGone};
 }
 
 Situation TrayApp::situation() const {
-    const QJsonObject cfg = config.readCfg();
+    const AgentCfg cfg = config.readCfg();
     Situation now{.state = state,
                   .isCn = fixed.IS_CN,
                   .version = fixed.VERSION,
                   .timing = timingOf(state.health, ports.scheduler.now()),
-                  .bound = bound(cfg),
+                  .bound = cfg.bound(),
                   .plistExists = plistExists(paths),
-                  .server = serverOf(fixed, cfg)};
+                  .server = serverOf(fixed, cfg.server)};
     // Nothing on the screen depends on when permissions are fetched, and a fetch must not be a reason to draw.
     now.state.permissions.permsFetching = false;
     now.state.permissions.permsFetchedAt.reset();

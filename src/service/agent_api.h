@@ -3,10 +3,10 @@
 #include "ports/http_client.h"
 #include "service/agent_config.h"
 
-#include <QHash>
 #include <QJsonObject>
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace korvel {
 
@@ -20,7 +20,7 @@ struct AgentRequest {
     std::optional<QJsonObject> body = {};
     std::chrono::milliseconds timeout{0};
     Keep keep = nullptr;  ///< Applied to the response; null: keeps all of it.
-    bool repeats = false; ///< Sent periodically: an unchanged body is not parsed again.
+    bool repeats = false; ///< Sent periodically, the same each time: an unchanged body is not parsed again.
 };
 
 /// Builds the HTTP request, with a compact JSON body, and with the token header if there is a token.
@@ -38,25 +38,27 @@ public:
     AgentApi(HttpClient &h, const FixedConfig &f, const AgentConfig &c) : http(h), fixed(f), config(c) {}
 
     /// Whether the configuration file currently holds a token.
-    bool hasToken() const { return !token().isEmpty(); }
+    bool hasToken() const { return !config.readCfg().localToken.isEmpty(); }
     /// Sends once, without retries. Reads the token from the configuration file for each request.
     void send(const AgentRequest &request, Done<QJsonObject> done);
 
 private:
-    /// The last response to a repeating request. An idle agent sends the same body every time.
-    struct Received {
-        QByteArray body; ///< Empty until the first response.
-        QJsonObject object;
+    /// A repeating request and the last response to it. An idle agent sends the same body every time.
+    struct Repeated {
+        QString path;
+        QString localToken = {}; ///< In `http`.
+        HttpRequest http = {};
+        QByteArray body = {}; ///< Empty until the first response.
+        QJsonObject object = {};
     };
-    static Result<QJsonObject> parse(const std::shared_ptr<Received> &last, Keep keep, HttpReply reply);
-    std::shared_ptr<Received> lastResponseTo(const AgentRequest &request);
-    QString token() const { return cfgText(config.readCfg(), u"localToken"); }
+    static Result<QJsonObject> parse(const std::shared_ptr<Repeated> &last, Keep keep, HttpReply reply);
+    std::shared_ptr<Repeated> repeated(const AgentRequest &request, const QString &localToken);
 
     HttpClient &http;
     const FixedConfig &fixed;
     const AgentConfig &config;
-    /// By path. Shared with the completions of requests, which may outlive this object.
-    QHash<QString, std::shared_ptr<Received>> received;
+    /// One for each path. Shared with the completions of requests, which may outlive this object.
+    std::vector<std::shared_ptr<Repeated>> repeating;
 };
 
 } // namespace korvel

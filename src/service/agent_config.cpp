@@ -24,19 +24,23 @@ bool isShortage(const std::error_code &error) {
 
 } // namespace
 
-QJsonObject AgentConfig::readCfg() const {
+AgentCfg AgentConfig::readCfg() const {
     // Taken before reading: if the file changes in between, the next stamp differs.
     const std::optional<FileStamp> stamp = stampOf(encodedPath);
     if (stamp && stamp == readAt)
-        return content;
+        return lastRead;
     std::error_code unreadable;
     const auto bytes = readRegularFile(paths.agentCfg, MAX_CONFIG_BYTES, &unreadable);
     if (stamp && isShortage(unreadable))
-        return content;
-    content = bytes ? QJsonDocument::fromJson(*bytes).object() : QJsonObject();
+        return lastRead;
+    const QJsonObject cfg = bytes ? QJsonDocument::fromJson(*bytes).object() : QJsonObject();
+    lastRead = {.agentToken = cfg.value(u"agentToken").toString(),
+                .localToken = cfg.value(u"localToken").toString(),
+                .server = cfg.value(u"server").toString(),
+                .username = cfg.value(u"username").toString()};
     // A failed read may succeed later although the file is unchanged.
     readAt = bytes && stamp && stamp->isSettled(wallNow()) ? stamp : std::nullopt;
-    return content;
+    return lastRead;
 }
 
 bool AgentConfig::writeCfg(const QJsonObject &cfg) const { return succeeded(writeBy(replacePrivateFile, cfg)); }
@@ -76,10 +80,6 @@ bool AgentConfig::succeeded(const std::error_code &error) const {
         log(u"[tray] %1: %2"_s.arg(paths.agentCfg, QString::fromLocal8Bit(error.message())));
     return !error;
 }
-
-QString cfgText(const QJsonObject &cfg, QStringView key) { return cfg.value(key).toString(); }
-
-bool bound(const QJsonObject &cfg) { return !cfgText(cfg, u"agentToken").isEmpty(); }
 
 ConfigWaiter::ConfigWaiter(const AgentConfig &c, Scheduler &s) : config(c), scheduler(s) {}
 

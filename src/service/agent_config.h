@@ -16,6 +16,18 @@
 
 namespace korvel {
 
+/// The values of the configuration file that the tray reads; empty where a value is absent or not a string.
+struct AgentCfg {
+    QString agentToken; ///< The Mac's credential on the account server.
+    QString localToken; ///< Shown to the agent with each request.
+    QString server;     ///< As stored.
+    QString username;
+
+    /// Whether this Mac is bound to an account.
+    bool bound() const { return !agentToken.isEmpty(); }
+    bool operator==(const AgentCfg &) const = default;
+};
+
 /// The configuration file that the tray and the agent share: one JSON object. Reads always reflect the current file;
 /// cached content is used only while the file's stamp proves that the file is unchanged. Reads and writes cover the
 /// whole object, so keys that the tray does not know survive. Main thread only.
@@ -26,9 +38,9 @@ public:
         const Paths &p, WallClock now = [] { return std::time(nullptr); })
         : paths(p), encodedPath(QFile::encodeName(p.agentCfg)), wallNow(std::move(now)) {}
 
-    /// The object in the file; empty when it is missing, unreadable, not a regular file, over 1 MiB or not an object.
-    /// While the tray has no descriptor or memory to read with, the content last read.
-    QJsonObject readCfg() const;
+    /// The values in the file; none when it is missing, unreadable, not a regular file, over 1 MiB or not an object.
+    /// While the tray has no descriptor or memory to read with, the values last read.
+    AgentCfg readCfg() const;
     /// Replaces the file atomically (mode 0600, folder 0700). On failure returns false, keeps the old file and logs the
     /// reason.
     bool writeCfg(const QJsonObject &cfg) const;
@@ -50,15 +62,9 @@ private:
     const Paths &paths;
     const QByteArray encodedPath; ///< Each poll looks at the file several times.
     const WallClock wallNow;
-    mutable std::optional<FileStamp> readAt; ///< Stamp of the file that `content` was read from.
-    mutable QJsonObject content;
+    mutable std::optional<FileStamp> readAt; ///< Stamp of the file that `lastRead` comes from.
+    mutable AgentCfg lastRead;
 };
-
-/// The string under `key`; empty if it is absent or not a string.
-QString cfgText(const QJsonObject &cfg, QStringView key);
-
-/// Whether this Mac is bound to an account.
-bool bound(const QJsonObject &cfg);
 
 /// Delays changes to the agent configuration while the agent is writing it. A half-written file is read again for a
 /// short time before it counts as empty.

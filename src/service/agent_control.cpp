@@ -22,7 +22,7 @@ AgentControl::AgentControl(TrayState &st, const FixedConfig &f, const Paths &p, 
       repair(re) {}
 
 void AgentControl::ensureAgentLoaded(std::function<void()> then) {
-    if (!bound(config.readCfg()) || !plistExists(paths))
+    if (!config.readCfg().bound() || !plistExists(paths))
         return then();
     auto bootstrapped = [&sv = services, label = fixed.AGENT_LABEL, plist = paths.agentPlist] {
         return sv.print(label) != ServiceResult::Succeeded && sv.bootstrap(plist) == ServiceResult::Succeeded;

@@ -48,7 +48,7 @@ SyncToggle::SyncToggle(TrayState &st, const FixedConfig &f, const Paths &p, cons
       repair(rep), hooks(std::move(h)) {}
 
 void SyncToggle::toggleAgent() {
-    if (!bound(config.readCfg()))
+    if (!config.readCfg().bound())
         return hooks.showLogin();
     if (!plistExists(paths))
         return repair.repairService({});

@@ -55,9 +55,9 @@ void HealthPoll::received(quint64 generation, const Result<QJsonObject> &reply, 
     if (generation < applied)
         return follow({}, then);
     applied = generation;
-    const QJsonObject cfg = config.readCfg();
+    const AgentCfg cfg = config.readCfg();
     follow(applyHealth(state, healthResponse(reply),
-                       {.now = scheduler.now(), .bound = bound(cfg), .username = cfgText(cfg, u"username")}),
+                       {.now = scheduler.now(), .bound = cfg.bound(), .username = cfg.username}),
            then);
 }
 

@@ -22,7 +22,7 @@ UpdateCheck::UpdateCheck(UpdateState &u, const FixedConfig &f, const AgentConfig
     : update(u), fixed(f), config(c), servers(sc), scheduler(s), notices(no), renderer(re) {}
 
 void UpdateCheck::checkUpdate(bool manual) {
-    auto request = buildManifest(serverOf(fixed, config.readCfg()));
+    auto request = buildManifest(serverOf(fixed, config.readCfg().server));
     if (!request)
         return;
     auto done = [this, manual](const Result<HttpReply> &reply) { received(reply, manual); };

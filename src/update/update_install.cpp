@@ -89,7 +89,7 @@ bool UpdateInstall::prepareCache(const UpdateInfo &info) const {
 }
 
 void UpdateInstall::startDownload(const UpdateInfo &info) {
-    const auto request = buildDownload(serverOf(fixed, config.readCfg()), info);
+    const auto request = buildDownload(serverOf(fixed, config.readCfg().server), info);
     if (!request)
         return end(downloadFailedNotice());
     update.updatePct = 0;
