@@ -15,6 +15,8 @@ const QString NOT_RESUMED =
 struct SyncToggleTest : TrayFixture {
     void launchWith(const QByteArray &body, bool jobLoaded = true) {
         installAndBind();
+        services = {};
+        scheduler.hasThreads = true;
         services.loaded = jobLoaded;
         services.failBootstraps = 1; // of the launch
         agentResponds(body);
@@ -25,48 +27,57 @@ struct SyncToggleTest : TrayFixture {
     MenuEntry entry() const { return item.entry(Action::MenuToggle); }
 };
 
-TEST_F(SyncToggleTest, APauseUnloadsAndDisablesTheJob) {
-    launchWith(ONLINE);
-    toggle();
-    EXPECT_EQ(item.statusLine(), u"Switching…"_s);
-    EXPECT_FALSE(entry().enabled);
-    EXPECT_EQ(services.calls,
-              (QStringList{u"bootout com.korvel.agent"_s, u"disable com.korvel.agent"_s, u"print com.korvel.agent"_s}));
-    toggle(); // ignored meanwhile
-    agentResponds(SILENCE);
-    scheduler.advance(1s);
-    EXPECT_EQ(services.calls.filter(u"bootout"_s).size(), 1);
-    EXPECT_EQ(notices.last(), u"⏻ Sync paused. Your phone can't see this Mac."_s);
-    EXPECT_EQ(item.statusLine(), PAUSED);
-    EXPECT_EQ(entry().title, u"Resume Sync"_s);
-}
-
-TEST_F(SyncToggleTest, AJobThatStaysLoadedIsReportedAfterSixSeconds) {
-    launchWith(ONLINE);
-    services.stuck = true;
-    toggle();
-    scheduler.advance(6500ms);
-    EXPECT_TRUE(notices.shown.empty());
-    scheduler.advance(1s);
-    EXPECT_EQ(notices.last(), NOT_PAUSED);
-    EXPECT_EQ(health().jobLoaded, true);
-    EXPECT_LE(health().startingUntil.value_or(DISTANT_PAST), scheduler.now() + 20s); // a pause starts nothing
-    EXPECT_NEAR(static_cast<double>(services.calls.filter(u"print"_s).size()), 21, 1);
+TEST_F(SyncToggleTest, APauseCountsOnlyOnceTheJobIsKnownToBeUnloaded) {
+    const struct {
+        bool stuck, runs, threads;
+        milliseconds time;
+        int calls;
+        QString notice, line;
+    } cases[] = {
+        {false, true, true, 900ms, 3, u"⏻ Sync paused. Your phone can't see this Mac."_s, PAUSED},
+        {true, true, true, 6900ms, 23, NOT_PAUSED, SILENT},
+        {false, false, true, 6900ms, 23, NOT_PAUSED, SILENT},
+        {false, true, false, 6900ms, 0, NOT_PAUSED, SILENT},
+    };
+    for (const auto &c : cases) {
+        launchWith(ONLINE);
+        scheduler.advance(25s); // the agent counts no longer as starting
+        agentResponds(SILENCE);
+        services.stuck = c.stuck;
+        services.runs = c.runs;
+        scheduler.hasThreads = c.threads;
+        forget();
+        toggle();
+        EXPECT_EQ(item.statusLine(), u"Switching…"_s);
+        EXPECT_FALSE(entry().enabled);
+        toggle(); // ignored meanwhile
+        scheduler.advance(c.time - 1ms);
+        EXPECT_NEAR(static_cast<double>(services.calls.size()), c.calls, 1);
+        EXPECT_TRUE(notices.shown.empty());
+        scheduler.advance(1ms);
+        EXPECT_EQ(notices.last(), c.notice);
+        EXPECT_EQ(item.statusLine(), c.line);
+        EXPECT_TRUE(entry().enabled);
+    }
 }
 
 TEST_F(SyncToggleTest, AResumeEnablesAndLoadsTheJobAtTheSecondAttemptAtTheLatest) {
+    const QString twice = u"enable bootstrap kickstart print bootstrap kickstart print"_s;
     const struct {
+        bool runs;
         int failures;
         milliseconds time;
         QString calls, notice, line;
     } cases[] = {
-        {0, 900ms, u"enable bootstrap print"_s, RESUMED, STARTING},
-        {1, 2400ms, u"enable bootstrap kickstart print bootstrap print"_s, RESUMED, STARTING},
-        {2, 2400ms, u"enable bootstrap kickstart print bootstrap kickstart print"_s, NOT_RESUMED, PAUSED},
+        {true, 0, 900ms, u"enable bootstrap print"_s, RESUMED, STARTING},
+        {true, 1, 2400ms, u"enable bootstrap kickstart print bootstrap print"_s, RESUMED, STARTING},
+        {true, 2, 2400ms, twice, NOT_RESUMED, PAUSED},
+        {false, 0, 2400ms, twice, NOT_RESUMED, PAUSED},
     };
     for (const auto &c : cases) {
         launchWith(SILENCE, false);
         services.failBootstraps = c.failures;
+        services.runs = c.runs;
         toggle();
         scheduler.advance(c.time - 1ms);
         EXPECT_EQ(services.operations(), c.calls);
@@ -93,29 +104,6 @@ TEST_F(SyncToggleTest, EachNoticeIsAboutItsOwnToggle) {
     scheduler.runDue();
     EXPECT_EQ(notices.last(), RESUMED);
     EXPECT_FALSE(notices.shown.back().error);
-}
-
-TEST_F(SyncToggleTest, ACommandThatCannotRunEndsTheToggleAndLeavesTheJobUnknown) {
-    for (const bool threads : {true, false}) {
-        services.runs = true;
-        launchWith(ONLINE);
-        agentResponds(SILENCE);
-        services.runs = !threads; // one of the two is missing
-        scheduler.hasThreads = threads;
-        toggle();
-        scheduler.advance(25s);
-        EXPECT_EQ(notices.last(), NOT_PAUSED);
-        EXPECT_EQ(item.statusLine(), SILENT);
-        EXPECT_TRUE(entry().enabled);
-        scheduler.hasThreads = true;
-    }
-    services.runs = true;
-    launchWith(SILENCE, false);
-    services.runs = false;
-    toggle();
-    scheduler.advance(10s);
-    EXPECT_EQ(notices.last(), NOT_RESUMED);
-    EXPECT_EQ(item.statusLine(), PAUSED);
 }
 
 TEST_F(SyncToggleTest, WithoutAnAccountItLeadsToTheSignIn) {
