@@ -78,8 +78,7 @@ TEST_F(AccessibilityTest, ADeviceIsAllowedByKeyboardAndTheOutcomeIsRead) {
     sim::pressKey(u"Return"_s);
     EXPECT_TRUE(closes());
     const QStringList notices{u"Verifying…"_s, u"✓ Allowed Anna's phone"_s};
-    EXPECT_TRUE(soon([&] { return reader.notifications().size() >= notices.size(); }));
-    EXPECT_EQ(reader.notifications(), notices);
+    EXPECT_TRUE(soon([&] { return reader.notifications() == notices; }));
 }
 
 TEST_F(AccessibilityTest, TheSignInWindowNamesItsControlsAndKeepsThePassword) {
@@ -95,12 +94,10 @@ TEST_F(AccessibilityTest, TheSignInWindowNamesItsControlsAndKeepsThePassword) {
     ASSERT_TRUE(reader.listen());
     sim::typeText(u"sam@example.com"_s);
     ASSERT_TRUE(soon([&] { return reader.typed().endsWith(u".com"); }));
-    const qsizetype before = reader.typed().size();
     tab();
     ASSERT_EQ(stop(focus()), u"Password (password text)");
     sim::typeText(u"not the one"_s);
-    ASSERT_TRUE(soon([&] { return reader.typed().size() >= before + 11; }));
-    EXPECT_EQ(reader.typed().mid(before), QString(11, QChar(0x2022)));
+    EXPECT_TRUE(soon([&] { return reader.typed().endsWith(u".com"_s + QString(11, QChar(0x2022))); }));
     sim::pressKey(u"Return"_s);
     ASSERT_TRUE(opens(u"Incorrect account or password."_s));
     for (const AccessibleElement &each : window().elements)

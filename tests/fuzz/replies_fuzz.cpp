@@ -24,10 +24,7 @@ namespace {
 bool isShownText(QString text) { return text.size() <= MAX_TEXT && fuzz::isDrawable(keepOrder(text).remove(u'\n')); }
 
 /// As the window of notices shows it.
-void checkNotice(const Notice &notice) {
-    const QString text = singleLine(notice.text);
-    require(isShownText(text), "a notice has a plain text");
-}
+void checkNotice(const Notice &notice) { require(isShownText(singleLine(notice.text)), "a notice has a plain text"); }
 
 void checkForm(const CnLoginForm &form, const Result<QJsonObject> &reply) {
     const CnLoginView view = cnLoginView(form);

@@ -8,7 +8,7 @@ import struct
 import unittest
 from pathlib import Path
 
-from support import CMAKE, SOURCE, InFolder, WithTools, run
+from support import CMAKE, SOURCE, WithTools, run
 
 # What a release has to be given.
 OPERATOR = {'UPDATE_PUBKEY': 'eKxBsing+68IXEJsqtUDzy1sXDOPtetejb3Eq8NNGfg=', 'CN_SERVER': 'relay.korvel.cn:443',
@@ -110,7 +110,7 @@ class Bundle(WithTools):
         self.assertIn(f'-executable={helpers}/one', self.lines()[0])
 
 
-class Files(InFolder):
+class Files(WithTools):
     def test_icon_holds_a_picture_of_each_size(self):
         icns = (Path(os.environ['APP']) / 'Contents/Resources/Korvel.icns').read_bytes()
         self.assertEqual(struct.unpack('>4sI', icns[:8]), (b'icns', len(icns)))

@@ -14,25 +14,20 @@ def run(*command, **options):
     return subprocess.run([str(word) for word in command], text=True, capture_output=True, **options)
 
 
-class InFolder(unittest.TestCase):
+class WithTools(unittest.TestCase):
+    """Has a folder, and in it fake tools of macOS, which note how they are called."""
+
     def setUp(self):
         self.folder = Path(tempfile.mkdtemp())
         self.addCleanup(shutil.rmtree, self.folder)
+        self.calls = self.folder / 'calls'
+        self.environment = {**os.environ, 'PATH': f'{self.folder / "bin"}:/usr/bin:/bin'}
+        (self.folder / 'bin').mkdir()
 
     def ok(self, *command, **options):
         done = run(*command, **options)
         self.assertEqual(done.returncode, 0, f'{command}\n{done.stdout}\n{done.stderr}')
         return done.stdout + done.stderr
-
-
-class WithTools(InFolder):
-    """Has fake tools of macOS, which note how they are called."""
-
-    def setUp(self):
-        super().setUp()
-        self.calls = self.folder / 'calls'
-        self.environment = {**os.environ, 'PATH': f'{self.folder / "bin"}:/usr/bin:/bin'}
-        (self.folder / 'bin').mkdir()
 
     def fake(self, name, script):
         tool = self.folder / 'bin' / name

@@ -1,6 +1,5 @@
 #include "journey/update_journey.h"
 
-#include <QElapsedTimer>
 #include <QRandomGenerator>
 #include <csignal>
 
@@ -18,10 +17,7 @@ struct ExchangeKillSoak : UpdateJourney {
     QString performAndKill(Action action, quint32 withinMs) {
         notices.shown.clear();
         item.press(action);
-        QElapsedTimer clock;
-        clock.start();
-        const qint64 moment = random.bounded(withinMs);
-        eventually([&] { return clock.elapsed() >= moment; });
+        eventually([] { return false; }, std::chrono::milliseconds(random.bounded(withinMs)));
         const auto running = exchanges();
         for (const sim::ProcessInfo &process : running)
             ::kill(process.id, SIGKILL);

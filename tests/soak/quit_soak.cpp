@@ -33,8 +33,8 @@ struct QuitSoak : PanelTray {
         ASSERT_TRUE(panel.click(entry(u"Check for Updates… ("_s)));
         ASSERT_TRUE(panel.click(entry(u"⬆ Update to 9.0"_s)));
         ASSERT_TRUE(soon([this] {
-            const auto menu = panel.menu();
-            return std::ranges::any_of(menu, [](const auto &e) { return e.title.startsWith(u"Downloading 9.0"); });
+            return std::ranges::any_of(panel.menu(),
+                                       [](const auto &e) { return e.title.startsWith(u"Downloading 9.0"); });
         }));
         const QString pause = entry(u"Pause Sync"_s, std::chrono::milliseconds(100));
         ASSERT_TRUE(panel.click(pause.isEmpty() ? entry(u"Resume Sync"_s) : pause));
