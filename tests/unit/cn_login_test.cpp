@@ -131,7 +131,9 @@ TEST_F(CnLoginTest, TheCountdownRunsAcrossPagesAndOnlyWhileTheWindowIsOpen) {
         loginPanel.does(Kind::SendCode);
         scheduler.runDue();
     };
-    openWindow();
+    launch();
+    item.press(Action::MenuToggle); // needs an account
+    ASSERT_TRUE(loginPanel.visible);
     loginPanel.does(Kind::Tab, {}, 0);
     sendCode(R"({"ok":true,"next":3})");
     EXPECT_EQ(programs.runs.size(), 1u);

@@ -217,6 +217,7 @@ TEST_F(AlertTest, ThePasswordOfASignInIsNotShown) {
     const QList<QLineEdit *> fields = open(loginAlert({.user = u"ann"_s, .advanced = true}, false, {}))->fields();
     EXPECT_EQ(fields.at(0)->echoMode(), QLineEdit::Normal);
     EXPECT_EQ(fields.at(1)->echoMode(), QLineEdit::Password);
+    EXPECT_EQ(loginAlert({}, false, {}).fields.size(), 2); // the server is for those who know the Option key
 }
 
 TEST_F(AlertTest, EscapeAndCloseGiveTheHarmlessAnswerOnce) {

@@ -106,15 +106,6 @@ TEST_F(SyncToggleTest, EachNoticeIsAboutItsOwnToggle) {
     EXPECT_FALSE(notices.shown.back().error);
 }
 
-TEST_F(SyncToggleTest, WithoutAnAccountItLeadsToTheSignIn) {
-    home.installJobFile();
-    agentResponds(SILENCE);
-    launch();
-    item.press(Action::MenuToggle);
-    EXPECT_TRUE(loginPanel.visible);
-    EXPECT_FALSE(tray->currentState().service.busy);
-}
-
 const QByteArray LACKING = R"({"ok":false,"missing":["Mic ","Disk"],"items":[
     {"name":"Screen ","state":"denied","why":"showing the screen\n","breaks":"the phone sees nothing",
      "pane":"x-apple.systempreferences:screen"},

@@ -250,11 +250,13 @@ TEST_F(UpdateTest, OnlyANewerAndSignedVersionIsOffered) {
     offer(u"1.2.3"_s);
     check();
     EXPECT_EQ(notices.last(), u"✓ Korvel is up to date (1.2.3)."_s);
-    for (const QString &file : {u"Other-cn.pkg"_s, u"../Korvel-cn.pkg"_s}) {
+    for (const QString &sig : {signature("other"), u"no base64"_s, QString()}) {
         offer(u"2.0"_s);
-        info.file = file;
-        if (file.startsWith(u".."_s)) // signed, but no safe name
+        info.sig = sig;
+        if (sig.isEmpty()) { // signed, but no safe name
+            info.file = u"../Korvel-cn.pkg"_s;
             info.sig = signature(signedMessage(u"korvel-update/1"_s, info));
+        }
         check();
         EXPECT_EQ(notices.last(), u"Version 2.0 didn't pass the security check. Download it from the website."_s);
         notices.click();
