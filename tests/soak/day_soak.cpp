@@ -1,7 +1,8 @@
-#include "journey/journey.h"
+#include "desktop/panel_tray.h"
 #include "support/signing.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QRandomGenerator>
 #include <atomic>
@@ -68,31 +69,13 @@ struct CountingHttp final : HttpClient {
     int count = 0;
 };
 
-/// A user's day with the tray, some hundred times as fast, with everything going wrong that can.
-struct DaySoak : Journey {
-    DaySoak() : Journey(300) {}
-    CountingHttp counted{http};
-    QRandomGenerator random{static_cast<quint32>(qEnvironmentVariableIntValue("KORVEL_SOAK_SEED"))};
-    QMap<QString, int> happened;
-
-    void SetUp() override {
-        fixed.UPDATE_PUBKEY = PUBLIC_KEY;
-        ASSERT_TRUE(home.startAccountServer());
-        installAndSignIn();
-        configure(u"server"_s, home.accountServer());
-        home.setScenario(GOOD);
-        launch(counted);
-    }
-    void TearDown() override { clockJump = 0; }
+/// Random events of one home. The same seed chooses the same ones.
+struct Chance {
+    explicit Chance(sim::SimulatedHome &h) : home(h) {}
 
     template <class List>
     auto any(const List &list) {
         return list[static_cast<qsizetype>(random.bounded(static_cast<quint32>(std::size(list))))];
-    }
-    /// Lets the tray send so many requests.
-    void pass(int requests) {
-        const int until = counted.count + requests;
-        ASSERT_TRUE(eventually([&] { return counted.count >= until; }, std::chrono::minutes(2)));
     }
     void agentFails() {
         home.changeScenario(
@@ -117,14 +100,51 @@ struct DaySoak : Journey {
                                                 u"suspended"_s, u"off"_s}));
         }
     }
+    /// All that is wrong with the agent passes.
+    void recover() {
+        home.setScenario(GOOD);
+        home.killAgent(SIGCONT);
+        home.signIn(u"ann"_s);
+    }
+
+    static inline const QJsonObject GOOD{{u"connectMs"_s, 0},
+                                         {u"launchd"_s, QJsonObject{{u"throttleMs"_s, 50}}},
+                                         {u"update"_s, QJsonObject{{u"ver"_s, u"9.0"_s}, {u"edition"_s, u"cn"_s}}}};
+    sim::SimulatedHome &home;
+    QRandomGenerator random{static_cast<quint32>(qEnvironmentVariableIntValue("KORVEL_SOAK_SEED"))};
+};
+
+/// A user's day with the tray, some hundred times as fast, with everything going wrong that can.
+struct DaySoak : Journey {
+    DaySoak() : Journey(300) {}
+    CountingHttp counted{http};
+    Chance chance{home};
+    QRandomGenerator &random = chance.random;
+    QMap<QString, int> happened;
+
+    void SetUp() override {
+        fixed.UPDATE_PUBKEY = PUBLIC_KEY;
+        ASSERT_TRUE(home.startAccountServer());
+        installAndSignIn();
+        configure(u"server"_s, home.accountServer());
+        home.setScenario(Chance::GOOD);
+        launch(counted);
+    }
+    void TearDown() override { clockJump = 0; }
+
+    /// Lets the tray send so many requests.
+    void pass(int requests) {
+        const int until = counted.count + requests;
+        ASSERT_TRUE(eventually([&] { return counted.count >= until; }, std::chrono::minutes(2)));
+    }
     void userChooses() {
         item.events.menuOpening();
-        item.press(any(QList{Action::CheckUpdate, Action::InstallUpdate, Action::MenuToggle, Action::LogoutDialog,
-                             Action::ShowPair, Action::E2AsrInstall, Action::AskPerms}));
+        item.press(chance.any(QList{Action::CheckUpdate, Action::InstallUpdate, Action::MenuToggle,
+                                    Action::LogoutDialog, Action::ShowPair, Action::E2AsrInstall, Action::AskPerms}));
     }
     void happens() {
         const std::pair<const char *, std::function<void()>> events[] = {
-            {"agent fails", [this] { agentFails(); }},
+            {"agent fails", [this] { chance.agentFails(); }},
             {"agent killed", [this] { home.killAgent(SIGKILL); }},
             {"agent stopped",
              [this] {
@@ -133,12 +153,12 @@ struct DaySoak : Journey {
                      home.killAgent(SIGCONT);
                  }
              }},
-            {"encryption", [this] { encryptionChanges(); }},
+            {"encryption", [this] { chance.encryptionChanges(); }},
             {"signed out", [this] { home.signOut(); }},
             {"choice", [this] { userChooses(); }},
             {"clock",
              [this] {
-                 clockJump = any(std::array{-YEAR, std::time_t{0}, YEAR});
+                 clockJump = chance.any(std::array{-YEAR, std::time_t{0}, YEAR});
              }},
             {"answer",
              [this] {
@@ -150,11 +170,8 @@ struct DaySoak : Journey {
         ++happened[QString::fromLatin1(name)];
         event();
     }
-    /// All that is wrong passes.
     void recover() {
-        home.setScenario(GOOD);
-        home.killAgent(SIGCONT);
-        home.signIn(u"ann"_s);
+        chance.recover();
         if (item.entry(Action::MenuToggle).title.startsWith(u"Resume"))
             item.press(Action::MenuToggle);
     }
@@ -173,9 +190,6 @@ struct DaySoak : Journey {
         EXPECT_TRUE(eventually([this] { return exchanges().isEmpty(); }));
         return {};
     }
-    static inline const QJsonObject GOOD{{u"connectMs"_s, 0},
-                                         {u"launchd"_s, QJsonObject{{u"throttleMs"_s, 50}}},
-                                         {u"update"_s, QJsonObject{{u"ver"_s, u"9.0"_s}, {u"edition"_s, u"cn"_s}}}};
 };
 
 TEST_F(DaySoak, ADayLeavesNoTrace) {
@@ -207,6 +221,80 @@ TEST_F(DaySoak, ADayLeavesNoTrace) {
     EXPECT_EQ(item.iconChanges, icons);
     EXPECT_LE(item.menuChanges - menus, 2); // a check for updates may fall due
     EXPECT_EQ(notices.shown.size(), noticesShown);
+}
+
+/// The tray in the panel, watched on the bus.
+struct BusSoak : PanelTray {
+    static constexpr auto SILENCE = std::chrono::milliseconds(500);
+    using Picture = std::pair<QStringList, QList<QImage>>;
+
+    Chance chance{home};
+    int signalsSent = 0, changes = 0;
+
+    Picture picture() {
+        const sim::PanelItem shown = panel.item().value_or(sim::PanelItem{});
+        Picture now{{shown.toolTipTitle}, shown.icons};
+        for (const sim::PanelMenuEntry &e : panel.menu())
+            now.first.append(u"%1 %2 %3"_s.arg(e.title).arg(e.enabled).arg(e.visible));
+        return now;
+    }
+    /// Watches for a time. Signals that follow each other closely belong to one change.
+    void watch(std::chrono::milliseconds time, Picture &last) {
+        QElapsedTimer clock;
+        clock.start();
+        while (panel.waitUntil([&] { return panel.signalCount() > 0; },
+                               time - std::chrono::milliseconds(clock.elapsed()))) {
+            Picture now;
+            for (int seen = 0; seen != panel.signalCount();) {
+                seen = panel.signalCount();
+                panel.waitUntil([] { return false; }, SILENCE);
+                now = picture();
+            }
+            EXPECT_NE(now, last) << "the same menu and icon again: " << now.first.join(u", ").toStdString();
+            signalsSent += panel.signalCount();
+            ++changes;
+            last = std::exchange(now, {});
+            panel.clearSignals();
+        }
+    }
+};
+
+TEST_F(BusSoak, EveryMessageChangesWhatThePanelShows) {
+    installAndSignIn();
+    ASSERT_NO_FATAL_FAILURE(start());
+    ASSERT_TRUE(lineIs(CONNECTED));
+    panel.waitUntil([] { return false; }, SILENCE);
+    panel.clearSignals();
+    Picture last = picture();
+    for (int event = 0; event < 60; ++event) {
+        switch (chance.random.bounded(5)) {
+        case 0:
+            chance.agentFails();
+            break;
+        case 1:
+            home.killAgent(SIGKILL);
+            break;
+        case 2:
+            home.signOut();
+            break;
+        case 3:
+            chance.recover();
+            break;
+        default:
+            chance.encryptionChanges();
+        }
+        watch(std::chrono::seconds(4), last);
+    }
+    chance.recover();
+    home.encryption().setState(u"active"_s);
+    ASSERT_TRUE(lineIs(CONNECTED));
+    watch(std::chrono::seconds(20), last);
+    std::printf("%d signals for %d changes\n", signalsSent, changes);
+    const int before = std::exchange(changes, 0);
+    EXPECT_GT(before, 10);
+    watch(std::chrono::minutes(1), last);
+    EXPECT_EQ(changes, 0);
+    end();
 }
 
 } // namespace
