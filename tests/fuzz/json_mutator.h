@@ -21,9 +21,8 @@ inline const QStringList &words() {
     static const QStringList WORDS = [] {
         QFile file(QStringLiteral(KORVEL_FUZZ_DICTIONARY));
         require(file.open(QIODevice::ReadOnly), "the dictionary is readable");
-        QStringList read;
-        for (const QByteArray &line : file.readAll().split('\n'))
-            read.append(QString::fromUtf8(line.mid(1).chopped(line.isEmpty() ? 0 : 1)));
+        QStringList read = QString::fromUtf8(file.readAll()).split(u'"'); // a line is a word in quotes
+        read.removeAll(u"\n"_s);
         return read;
     }();
     return WORDS;

@@ -14,14 +14,9 @@ struct InstancesJourney : Journey {
         eventually([&] { return instance.peek(1 << 16).contains("[tray]") || instance.state() != QProcess::Running; });
         return instance.state() == QProcess::Running;
     }
-    std::unique_ptr<TrayProcess> start() {
-        auto process = std::make_unique<TrayProcess>(home);
-        EXPECT_TRUE(process->begin());
-        return process;
-    }
     std::unique_ptr<TrayProcess> startUp() {
-        auto process = start();
-        EXPECT_TRUE(isUp(*process));
+        auto process = std::make_unique<TrayProcess>(home);
+        EXPECT_TRUE(process->begin() && isUp(*process));
         return process;
     }
     /// Expects that another instance takes the place of `first`.
@@ -62,7 +57,7 @@ TEST_F(InstancesJourney, OfThoseThatStartTogetherExactlyOneStays) {
     for (int round = 0; round < 3; ++round) {
         std::vector<std::unique_ptr<TrayProcess>> instances;
         for (int i = 0; i < 3; ++i)
-            instances.push_back(start());
+            ASSERT_TRUE(instances.emplace_back(std::make_unique<TrayProcess>(home))->begin());
         ASSERT_TRUE(eventually([&] { return std::ranges::count_if(instances, runs) == 1; }));
         const auto last = std::ranges::find_if(instances, runs);
         EXPECT_TRUE(isUp(**last));

@@ -27,8 +27,6 @@ using namespace Qt::StringLiterals;
 namespace korvel::test {
 namespace {
 
-using Calls = std::vector<std::string>;
-
 /// The parts of the Mac program that are not macOS itself, on a fake of it.
 struct MacParts : ::testing::Test {
     MacParts() { native::fake() = {}; }
@@ -36,7 +34,7 @@ struct MacParts : ::testing::Test {
     native::Fake &mac = native::fake();
 
     /// Expects these calls since the last time.
-    void expect(const Calls &calls) { EXPECT_EQ(std::exchange(mac.calls, {}), calls); }
+    void expect(const std::vector<std::string> &calls) { EXPECT_EQ(std::exchange(mac.calls, {}), calls); }
 };
 
 TEST_F(MacParts, TheItemIsSetOnlyWhenItChangesAndItsPicturesAreBlackShapesAtBothDensities) {
