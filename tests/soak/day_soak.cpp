@@ -31,13 +31,7 @@ namespace {
 
 constexpr int POLLS = 28'800, WARM_UP = POLLS / 10, POLLS_AN_EVENT = 24;
 constexpr std::time_t YEAR = 365 * 24 * 3600;
-
-// AddressSanitizer keeps freed memory; its leak check at the end of the process takes the place of this limit.
-#ifdef __SANITIZE_ADDRESS__
-constexpr double MAX_GROWTH_MIB = 1e9;
-#else
-constexpr double MAX_GROWTH_MIB = 4;
-#endif
+constexpr double MAX_GROWTH_MIB = 4; // AddressSanitizer, which keeps freed memory, exceeds it
 
 qsizetype entriesOf(const QString &folder) {
     return QDir(folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::System).size();
