@@ -63,13 +63,19 @@ bool installService(const ProgramCall &call) {
             runProgram(launchctl, {u"kickstart"_s, u"-k"_s, target}) == 0);
 }
 
-/// Runs an installation command.
-int install(const ProgramCall &call, bool (*command)(const ProgramCall &)) {
+/// Runs an installation command, or the scenario's fault of that name instead.
+int install(const ProgramCall &call, const QString &faultName, bool (*command)(const ProgramCall &)) {
     QJsonObject line = lineOf(call);
-    const int status = command(call) ? 0 : 1;
-    if (status != 0)
-        std::fputs("korvel-agent: failed\n", stderr);
+    const Scenario scenario(call.paths);
+    const QJsonObject fault = scenario.fault(scenario.values(), {}, faultName);
+    pauseFor(milliseconds(fault, "delayMs"_L1));
+    int status = fault.value("status"_L1).toInt();
+    if (status == 0 && !command(call))
+        status = 1;
+    const QString error = fault.value("stderr"_L1).toString(status == 0 ? QString() : u"korvel-agent: failed\n"_s);
+    std::fputs(qUtf8Printable(error), stderr);
     line.insert("status"_L1, status);
+    line.insert("error"_L1, error);
     appendLine(call.paths.agentLog(), line);
     return status;
 }
@@ -79,9 +85,9 @@ int install(const ProgramCall &call, bool (*command)(const ProgramCall &)) {
 int agentProgram(const ProgramCall &call) {
     const QString command = call.arguments.join(u' ');
     if (command == "install-service"_L1)
-        return install(call, installService);
+        return install(call, u"installService"_s, installService);
     if (command == "install-hooks"_L1)
-        return install(call, [](const ProgramCall &) { return true; });
+        return install(call, u"installHooks"_s, [](const ProgramCall &) { return true; });
     QJsonObject line = lineOf(call);
     QByteArray input;
     if (QFile file; command == "login --stdin-json"_L1 && file.open(STDIN_FILENO, QIODevice::ReadOnly))

@@ -52,6 +52,17 @@ void sendHuge(HttpConnection &connection, qint64 length) {
     });
 }
 
+/// The response, possibly a redirect, that the scenario contains.
+HttpResponse spelledOut(const QJsonObject &fault, int usualStatus) {
+    const QJsonValue body = fault.value("body"_L1);
+    HttpResponse response = HttpResponse::json(body.toObject(), fault.value("status"_L1).toInt(usualStatus));
+    if (!body.isObject())
+        response.body = body.toString().toUtf8();
+    response.type = fault.value("type"_L1).toString(u"application/json"_s).toLatin1();
+    response.location = fault.value("location"_L1).toString().toUtf8();
+    return response;
+}
+
 struct Mode {
     QLatin1StringView name;
     bool needsResponse; ///< Whether it uses the correct response.
@@ -97,11 +108,8 @@ constexpr Mode MODES[] = {
          const qint64 bytes = fault.value("bytesPerSecond"_L1).toInteger(100'000) / PIECES_A_SECOND;
          sendBody(c, right, std::max(bytes, qint64(1)), 1000 / PIECES_A_SECOND);
      }},
-    {"redirect"_L1, false,
-     [](auto &c, const auto &fault, const auto &) {
-         c.respond({.status = fault.value("status"_L1).toInt(302),
-                    .location = fault.value("location"_L1).toString().toUtf8()});
-     }},
+    {"redirect"_L1, false, [](auto &c, const auto &fault, const auto &) { c.respond(spelledOut(fault, 302)); }},
+    {"response"_L1, false, [](auto &c, const auto &fault, const auto &) { c.respond(spelledOut(fault, 200)); }},
 };
 
 const Mode &modeNamed(const QString &name) {

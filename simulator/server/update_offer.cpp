@@ -2,6 +2,7 @@
 
 #include "app/model/deployment.h"
 #include "publisher/release.h"
+#include "simulator/home/files.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -38,16 +39,26 @@ QString sha256Of(const QByteArray &bytes) {
 
 QString hashFor(const QString &wanted, const QByteArray &package) {
     const QString right = sha256Of(package);
+    if (wanted == "upper-case"_L1)
+        return right.toUpper();
     return wanted == "bad"_L1 ? (right.front() == u'0' ? u'1' : u'0') + right.mid(1) : right;
 }
 
-QString signatureFor(const QString &wanted, const UpdateInfo &info) {
+QString signatureFor(const QString &wanted, UpdateInfo info) {
+    if (wanted == "wrong-order"_L1)
+        std::swap(info.file, info.ver);
     const QString right = signatureOf(*SigningKey::fromSeed(QByteArray::fromHex(DEVELOPMENT_SEED)), info);
     if (wanted != "bad"_L1)
         return right;
     QByteArray bytes = QByteArray::fromBase64(right.toLatin1());
     bytes[0] = char(bytes[0] ^ 1);
     return QString::fromLatin1(bytes.toBase64());
+}
+
+QByteArray manifestFor(const QJsonValue &wanted, const QJsonObject &right) {
+    if (wanted.isString())
+        return wanted.toString().toUtf8();
+    return QJsonDocument(mergePatch(right, wanted.toObject())).toJson();
 }
 
 } // namespace
@@ -57,15 +68,16 @@ UpdateOffer updateOffer(const QJsonObject &section) {
     const bool mainland = section.value("edition"_L1).toString(built.edition) == "cn"_L1;
     UpdateInfo info;
     info.ver = section.value("ver"_L1).toString(built.version);
-    info.file = u"Korvel-"_s + info.ver + (mainland ? u"-cn.pkg"_s : u".pkg"_s);
+    const QString usualName = u"Korvel-"_s + info.ver + (mainland ? u"-cn.pkg"_s : u".pkg"_s);
+    info.file = section.value("file"_L1).toString(usualName);
     const QByteArray package = packageOf(info.ver, section.value("bytes"_L1).toInteger(DEFAULT_BYTES));
     info.bytes = section.value("size"_L1).toInteger(package.size());
     info.sha = hashFor(section.value("sha256"_L1).toString(), package);
     info.sig = signatureFor(section.value("signature"_L1).toString(), info);
     QJsonObject entry = entryOf(info);
-    entry.insert(u"platform"_s, mainland ? u"mac-cn"_s : u"mac"_s);
+    entry.insert(u"platform"_s, mainland ? u"mac-cn"_s : u"mac"_s); // even if the file name says otherwise
     const QJsonObject manifest{{u"packages"_s, QJsonArray{entry}}};
-    return {info, package, QJsonDocument(manifest).toJson()};
+    return {info, package, manifestFor(section.value("manifest"_L1), manifest)};
 }
 
 } // namespace korvel::sim

@@ -15,6 +15,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr int USER_CANCELED = -128;
 constexpr int COMMAND_NOT_FOUND = 127;
 
 const QStringList LEADING_ARGUMENTS{
@@ -95,7 +96,12 @@ ProgramResult osascript(const ProgramCall &call) {
     const QStringList &arguments = call.arguments;
     if (arguments.size() != PROMPT + 1 || arguments.first(SCRIPT) != LEADING_ARGUMENTS || arguments[PROMPT].isEmpty())
         return {1, {}, u"osascript: the simulator runs only a shell script with administrator privileges\n"_s};
-    pauseFor(milliseconds(Scenario(call.paths).section("install"_L1), "promptMs"_L1));
+    const QJsonObject settings = Scenario(call.paths).section("install"_L1);
+    pauseFor(milliseconds(settings, "promptMs"_L1));
+    if (const auto fault = toolFault(call.paths, "install"_L1, u"osascript"_s))
+        return *fault;
+    if (settings.value("cancel"_L1).toBool())
+        return executionError(u"User canceled."_s, USER_CANCELED);
     return runScript(arguments[SCRIPT], call.paths);
 }
 

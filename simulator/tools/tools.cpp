@@ -21,7 +21,7 @@ std::optional<ProgramResult> toolFault(const HomePaths &paths, QLatin1StringView
     const QJsonObject fault = Scenario(paths).fault(section, name);
     pauseFor(milliseconds(fault, "delayMs"_L1));
     const int status = fault.value("status"_L1).toInt();
-    return status == 0 ? std::nullopt : std::optional(ProgramResult{status});
+    return status == 0 ? std::nullopt : std::optional(ProgramResult{status, {}, fault.value("stderr"_L1).toString()});
 }
 
 ProgramResult pkill(const ProgramCall &call) {
@@ -45,6 +45,8 @@ ProgramResult xattr(const ProgramCall &call) {
 }
 
 ProgramResult cp(const ProgramCall &call) {
+    if (const auto fault = toolFault(call.paths, "install"_L1, u"cp"_s))
+        return *fault;
     const QString moment = Scenario(call.paths).section("install"_L1).value("swapBefore"_L1).toString();
     const auto swapBefore = [&](QLatin1StringView next) {
         if (moment == next)

@@ -7,8 +7,8 @@
 
 namespace korvel::sim {
 
-/// Applies the scenario's entry `name` in `section`: waits for "delayMs"; with a "status", returns it as the
-/// tool's result. None: the tool does its work.
+/// Applies the scenario's entry `name` in `section`: waits for "delayMs"; with a "status", returns it and "stderr" as
+/// the tool's result. None: the tool does its work.
 std::optional<ProgramResult> toolFault(const HomePaths &paths, QLatin1StringView section, const QString &name);
 
 /// launchctl: print, bootstrap, bootout, enable, disable and kickstart in the user's domain, with the exit statuses of
