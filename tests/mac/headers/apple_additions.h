@@ -1,4 +1,4 @@
-// What the .mm files use and GNUstep's headers lack or declare otherwise, for the syntax check on Linux only. Each
+// What the .mm files use and GNUstep's headers lack or declare otherwise, for the check on Linux only. Each
 // declaration names the page of Apple's documentation (developer.apple.com/documentation/...) that it follows.
 #pragma once
 
