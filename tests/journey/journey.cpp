@@ -4,8 +4,10 @@
 #include "simulator/home/files.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QEventLoop>
+#include <QFile>
 #include <QTimer>
 #include <unistd.h>
 
@@ -33,6 +35,21 @@ bool eventually(const std::function<bool()> &condition, std::chrono::millisecond
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
     return true;
+}
+
+std::optional<pid_t> parentOfExchange(pid_t process) {
+    QFile file(u"/proc/%1/stat"_s.arg(process)); // "PID (NAME) STATE PARENT ..."
+    const QList<QByteArray> words = file.open(QIODevice::ReadOnly) ? file.readAll().split(' ') : QList<QByteArray>();
+    const bool lives = words.value(1) == "(korvel-exchange)" && words.value(2) != "Z";
+    return lives ? std::optional(words.value(3).toInt()) : std::nullopt;
+}
+
+QList<pid_t> exchangesOf(pid_t parent) {
+    QList<pid_t> found;
+    for (const QString &name : QDir(u"/proc"_s).entryList(QDir::Dirs))
+        if (parentOfExchange(name.toInt()) == parent)
+            found.append(name.toInt());
+    return found;
 }
 
 Journey::Journey(int speed)
@@ -81,12 +98,6 @@ bool Journey::showsSoon(const QString &statusLine) {
     const bool shown = eventually([&] { return item.statusLine() == statusLine; });
     EXPECT_EQ(item.statusLine(), statusLine);
     return shown;
-}
-
-QList<sim::ProcessInfo> Journey::exchanges() const {
-    QList<sim::ProcessInfo> found = sim::processesOfHome(home.path());
-    found.removeIf([](const auto &process) { return !process.commandLine.first().endsWith(u"/korvel-exchange"_s); });
-    return found;
 }
 
 } // namespace korvel::test

@@ -6,7 +6,6 @@
 #include "platform/qt/qt_programs.h"
 #include "platform/qt/qt_scheduler.h"
 #include "service/launchctl.h"
-#include "simulator/home/processes.h"
 #include "simulator/home/simulated_home.h"
 #include "support/fakes.h"
 #include "support/tray_process.h"
@@ -29,6 +28,11 @@ Result<HttpReply> outcomeOf(Client &client, const Request &request) {
     EXPECT_TRUE(eventually([&] { return outcome.has_value(); }));
     return outcome.value_or(Error{});
 }
+
+/// The parent of this process if it is a run of korvel-exchange. Linux only, like exchangesOf().
+std::optional<pid_t> parentOfExchange(pid_t process);
+/// The runs of korvel-exchange that `parent` has started. Their environment is hidden from other processes.
+QList<pid_t> exchangesOf(pid_t parent);
 
 /// The part of a scenario with a fault of the agent at `path` (or "*"), and the same of the account server.
 inline QJsonObject agentFault(const QString &path, const QJsonObject &fault) {
@@ -70,8 +74,6 @@ struct Journey : ::testing::Test, FakeScreen {
     /// Signs in, launches, and waits until all is well.
     void startConnected();
     bool showsSoon(const QString &statusLine);
-    /// The runs of korvel-exchange in the home.
-    QList<sim::ProcessInfo> exchanges() const;
 
 private:
     const QProcessEnvironment before = QProcessEnvironment::systemEnvironment();

@@ -4,6 +4,7 @@
 #include "journey/listener.h"
 
 #include <csignal>
+#include <unistd.h>
 
 namespace korvel::test {
 namespace {
@@ -136,12 +137,12 @@ TEST_F(ServerJourney, ThePageOfTheInternationalEditionSignsIn) {
 
 /// korvel-exchange while the server does not respond.
 struct ExchangeJourney : ServerJourney {
-    /// The only run, once the server has read its request.
-    sim::ProcessInfo exchange() const {
+    /// The only run that `parent` has started, once the server has read its request.
+    pid_t exchangeOf(qint64 parent) const {
         const auto before = home.serverRequests().size();
         EXPECT_TRUE(eventually([&] { return home.serverRequests().size() > before; }));
-        EXPECT_EQ(exchanges().size(), 1);
-        return exchanges().value(0);
+        EXPECT_EQ(exchangesOf(static_cast<pid_t>(parent)).size(), 1);
+        return exchangesOf(static_cast<pid_t>(parent)).value(0);
     }
 };
 
@@ -151,15 +152,18 @@ TEST_F(ExchangeJourney, OneThatIsKilledIsAFailureAndNoneIsLeftWhenItsClientEnds)
         std::optional<ErrorKind> kind;
         setServer(mode(u"silent"_s));
         client->send(login(), Done<HttpReply>([&](const Result<HttpReply> &reply) { kind = reply.error().kind; }));
-        const sim::ProcessInfo process = exchange();
-        EXPECT_EQ(process.commandLine, QStringList{exchangeProgram()}); // no secret is an argument
+        const pid_t process = exchangeOf(::getpid());
+        ASSERT_GT(process, 0);
+        QFile commandLine(u"/proc/%1/cmdline"_s.arg(process));
+        ASSERT_TRUE(commandLine.open(QIODevice::ReadOnly));
+        EXPECT_EQ(commandLine.readAll(), QFile::encodeName(exchangeProgram()) + '\0'); // no secret is an argument
         if (isKilled)
-            ::kill(process.id, SIGKILL);
+            ::kill(process, SIGKILL);
         else
             client.reset();
         ASSERT_TRUE(eventually([&] { return kind.has_value(); }));
         EXPECT_EQ(kind, isKilled ? ErrorKind::UnreadableResponse : ErrorKind::Dropped);
-        EXPECT_TRUE(exchanges().isEmpty());
+        EXPECT_TRUE(exchangesOf(::getpid()).isEmpty());
         setServer({});
         EXPECT_EQ(signIn(), SIGNED_IN); // the next request works
     }
@@ -169,9 +173,9 @@ TEST_F(ExchangeJourney, NoneIsLeftWhenTheTrayIsKilled) {
     setServer(mode(u"silent"_s));
     TrayProcess process(home);
     process.beginAutomation({u"--login"_s, u"sam@example.com"_s, server}, "open sesame\n");
-    exchange();
+    const pid_t exchange = exchangeOf(process.processId());
     process.stop(SIGKILL);
-    EXPECT_TRUE(eventually([&] { return exchanges().isEmpty(); }));
+    EXPECT_TRUE(eventually([&] { return !parentOfExchange(exchange); }));
 }
 
 } // namespace

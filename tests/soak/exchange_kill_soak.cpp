@@ -2,6 +2,7 @@
 
 #include <QRandomGenerator>
 #include <csignal>
+#include <unistd.h>
 
 namespace korvel::test {
 namespace {
@@ -18,9 +19,9 @@ struct ExchangeKillSoak : UpdateJourney {
         notices.shown.clear();
         item.press(action);
         eventually([] { return false; }, std::chrono::milliseconds(random.bounded(withinMs)));
-        const auto running = exchanges();
-        for (const sim::ProcessInfo &process : running)
-            ::kill(process.id, SIGKILL);
+        const auto running = exchangesOf(::getpid());
+        for (const pid_t process : running)
+            ::kill(process, SIGKILL);
         kills += !running.isEmpty();
         EXPECT_TRUE(eventually([&] { return !notices.shown.empty() && !isBusy(); }));
         return notices.last();
@@ -49,7 +50,7 @@ TEST_F(ExchangeKillSoak, EachKillIsReportedAsAFailureAndTheNextTryWorks) {
     EXPECT_GE(kills, KILLS);
     EXPECT_GT(failures, KILLS / 2); // the other kills came too late to matter
     tray.reset();
-    EXPECT_TRUE(eventually([this] { return exchanges().isEmpty(); }));
+    EXPECT_TRUE(eventually([this] { return exchangesOf(::getpid()).isEmpty(); }));
 }
 
 } // namespace
