@@ -81,11 +81,12 @@ QList<QImage> readPictures(const QDBusArgument &pictures) {
 }
 
 QString readToolTip(const QDBusArgument &toolTip) {
-    QString iconName, title;
+    QString iconName, title, text;
     toolTip.beginStructure();
     toolTip >> iconName;
     readPictures(toolTip);
-    toolTip >> title;
+    toolTip >> title >> text;
+    toolTip.endStructure(); // frees what reads the structure
     return title;
 }
 
