@@ -2,7 +2,6 @@
 
 #include "app/model/fixed_config.h"
 
-#include <QJsonObject>
 #include <QString>
 #include <optional>
 
@@ -14,7 +13,7 @@ std::optional<QString> normalizeServer(const QString &text);
 /// Whether `address` is an official server of another edition than this one.
 bool isForeignServer(const FixedConfig &config, const QString &address);
 
-/// The account server to use with the agent configuration `cfg`; never empty.
+/// The account server to use when the agent's configuration holds `stored`; never empty.
 QString serverOf(const FixedConfig &config, const QString &stored);
 
 } // namespace korvel
