@@ -67,7 +67,7 @@ TEST_F(AccessibilityTest, ADeviceIsAllowedByKeyboardAndTheOutcomeIsRead) {
     const sim::JoinRequest device = home.encryption().requestJoin(u"Anna's phone"_s, u"ios"_s);
     const QString title = u"New device: Anna's phone · iPhone"_s;
     ASSERT_TRUE(opens(title));
-    panel.waitUntil([] { return false; }, std::chrono::seconds(1)); // until it takes keys
+    pass(std::chrono::seconds(1)); // until it takes keys
     EXPECT_EQ(window().description, title);
     EXPECT_EQ(focus().role, u"text");
     EXPECT_FALSE(isEnabled(u"Allow"_s));

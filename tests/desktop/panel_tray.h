@@ -12,6 +12,10 @@ struct PanelTray : Journey {
     sim::PanelProbe panel;
     std::unique_ptr<TrayProcess> process;
 
+    /// Lets this time pass, with events.
+    void pass(std::chrono::milliseconds time) {
+        panel.waitUntil([] { return false; }, time);
+    }
     bool soon(const std::function<bool()> &condition) { return panel.waitUntil(condition, SOON); }
     void start() {
         process = std::make_unique<TrayProcess>(home, TrayProcess::Shown::OnDesktop);

@@ -50,7 +50,7 @@ TEST_F(ExchangeKillSoak, EachKillIsReportedAsAFailureAndTheNextTryWorks) {
     EXPECT_GE(kills, KILLS);
     EXPECT_GT(failures, KILLS / 2); // the other kills came too late to matter
     tray.reset();
-    EXPECT_TRUE(eventually([this] { return exchangesOf(::getpid()).isEmpty(); }));
+    EXPECT_TRUE(eventually([] { return exchangesOf(::getpid()).isEmpty(); }));
 }
 
 } // namespace
